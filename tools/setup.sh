@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# Makes everything the build needs below .kaz/: an i386 sysroot from Debian packages, and sample photographs.
+# Idempotent: a second run only compares a stamp. Prints what it does; on failure says what to do next.
+set -euo pipefail
+
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+kaz="$root/.kaz"
+sysroot="$kaz/sysroot"
+photos="$kaz/photos"
+packages="$root/tools/sysroot-packages.txt"
+host_tools=(clang lld cmake ninja-build libclang-rt-14-dev)
+
+say() { printf 'kaz: %s\n' "$*" >&2; }
+die() { say "$1"; shift; for line in "$@"; do printf '     %s\n' "$line" >&2; done; exit 1; }
+
+stamp="$(cat "$packages" "${BASH_SOURCE[0]}" | sha256sum | cut -d' ' -f1)"
+if [[ -f "$kaz/stamp" && "$(<"$kaz/stamp")" == "$stamp $root" ]]; then exit 0; fi
+
+command -v apt-get >/dev/null && command -v dpkg >/dev/null ||
+    die "this set-up needs Debian's apt-get and dpkg (Debian 12 or a relative)."
+mkdir -p "$kaz"
+
+# --- the tools that run on this machine ----------------------------------------------------------
+missing=()
+for tool in "${host_tools[@]}"; do
+    dpkg-query -W -f='${db:Status-Status}\n' "$tool" 2>/dev/null | grep -qx installed || missing+=("$tool")
+done
+if ((${#missing[@]})); then
+    if [[ $EUID -eq 0 ]]; then sudo=(); elif command -v sudo >/dev/null; then sudo=(sudo); else
+        die "these packages are missing: ${missing[*]}" "Install them as root:  apt-get install ${missing[*]}"
+    fi
+    say "1/3 installing ${missing[*]} ..."
+    "${sudo[@]}" apt-get update >"$kaz/apt.log" 2>&1 || true
+    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" \
+        >>"$kaz/apt.log" 2>&1 ||
+        die "installing ${missing[*]} failed; the end of $kaz/apt.log:" "$(tail -n 5 "$kaz/apt.log")" \
+            "Install them as root:  apt-get install ${missing[*]}"
+else
+    say "1/3 compiler, linker, cmake and ninja are there"
+fi
+
+# --- the private i386 sysroot --------------------------------------------------------------------
+# apt with its own state: GNUstep's i386 packages cannot be installed beside an amd64 system.
+apt="$kaz/apt"
+mkdir -p "$apt/state/lists/partial" "$apt/cache/archives/partial"
+: >"$apt/state/status"
+apt_options=(-o "Dir::State=$apt/state" -o "Dir::State::status=$apt/state/status" -o "Dir::Cache=$apt/cache"
+    -o APT::Architecture=i386 -o APT::Architectures=i386 -o Debug::NoLocking=1 -o APT::Sandbox::User=root)
+
+say "2/3 making the i386 sysroot (about 110 MB to fetch, once) ..."
+# A source that fails to refresh matters only if a package cannot be found, which the next step tells.
+apt-get "${apt_options[@]}" update >"$kaz/sysroot.log" 2>&1 || true
+mapfile -t wanted < <(grep -v '^#' "$packages")
+apt-get "${apt_options[@]}" -y --no-install-recommends --download-only install "${wanted[@]}" \
+    >>"$kaz/sysroot.log" 2>&1 ||
+    die "fetching the i386 packages failed; the end of $kaz/sysroot.log:" "$(tail -n 5 "$kaz/sysroot.log")" \
+        "Check the network and the Debian sources in /etc/apt, then run the command again."
+rm -rf "$sysroot.new"
+mkdir -p "$sysroot.new"
+for deb in "$apt"/cache/archives/*.deb; do dpkg -x "$deb" "$sysroot.new"; done
+rm -rf "$sysroot" && mv "$sysroot.new" "$sysroot"
+
+# --- photographs that anyone may use --------------------------------------------------------------
+say "3/3 unpacking the sample photographs ..."
+(cd "$apt" && apt-get "${apt_options[@]}" download python3-skimage) >>"$kaz/sysroot.log" 2>&1 ||
+    die "fetching the sample photographs failed; the end of $kaz/sysroot.log:" "$(tail -n 5 "$kaz/sysroot.log")"
+rm -rf "$photos" "$apt/skimage"
+mkdir -p "$photos"
+dpkg -x "$apt"/python3-skimage_*.deb "$apt/skimage"
+data="$(find "$apt/skimage" -type d -path '*skimage/data' | head -n 1)"
+cp "$data"/*.png "$data"/*.jpg "$data"/*.gif "$data"/*.tif "$photos"/ 2>/dev/null || true
+[[ -f "$photos/astronaut.png" ]] || die "the photographs are not where python3-skimage used to hold them."
+rm -rf "$apt/skimage" "$apt"/python3-skimage_*.deb "$apt/cache/archives"/*.deb
+
+printf '%s %s' "$stamp" "$root" >"$kaz/stamp"
+say "set-up is complete"
