@@ -13,7 +13,7 @@ static_assert(sizeof(void*) == 4, "the host is a 32-bit process");
 // Handles
 // ---------------------------------------------------------------------------------------------------------
 
-struct REALclassRefStruct;   // a class, looked up by name
+struct REALclassRefStruct;    // a class, looked up by name
 struct REALmemoryBlockStruct; // every handle below is also an object: it begins with the object header
 struct REALfolderItemStruct;
 struct REALpictureStruct;
@@ -37,8 +37,8 @@ struct REALstringStruct {
 static_assert(sizeof(REALstringStruct) == 16);
 
 // An array. Hosts up to 2013.9 show their element storage; later ones, and arrays that have no plain storage,
-// hold null there. Elements lie side by side: 1 byte for Boolean and UInt8, 4 bytes for Integer, Single, String
-// and objects, 8 bytes for Int64 and Double.
+// hold null there. Elements lie side by side: 1 byte for Boolean and UInt8, 4 bytes for Integer, Single,
+// String and objects, 8 bytes for Int64 and Double.
 struct REALarrayStruct {
     REALobjectStruct object;
     void* storage;
@@ -102,14 +102,15 @@ static_assert(sizeof(REALstringData) == 12);
 // ---------------------------------------------------------------------------------------------------------
 // Class definition records
 // ---------------------------------------------------------------------------------------------------------
-// The version of the records decides their layout: versions 10 to 12 use the full records below, version 9 the
-// prefixes named *9.
+// The version of the records decides their layout: versions 10 to 12 use the full records below, version 9
+// the prefixes named *9.
 
-// How methods are called: method(instance, arguments...); shared methods and global functions: f(arguments...).
-// `setter`, where set, makes the method assignable: setter(instance, arguments..., value). Integer is int32_t,
-// UInt32 uint32_t, Boolean bool, Single float, Double double; strings, arrays and objects are handles. A method
-// named "Constructor" is called by New; one named "Destructor" when the last reference goes, before the class's
-// own destructor. Results that are handles come locked; null stands for nil and for the empty string.
+// How methods are called: method(instance, arguments...); shared methods and global functions:
+// f(arguments...). `setter`, where set, makes the method assignable: setter(instance, arguments..., value).
+// Integer is int32_t, UInt32 uint32_t, Boolean bool, Single float, Double double; strings, arrays and objects
+// are handles. A method named "Constructor" is called by New; one named "Destructor" when the last reference
+// goes, before the class's own destructor. Results that are handles come locked; null stands for nil and for
+// the empty string.
 struct REALmethodDefinition {
     void* function;
     void* setter;
@@ -127,9 +128,9 @@ struct REALmethodDefinition9 {
 };
 static_assert(sizeof(REALmethodDefinition9) == 16);
 
-// getter(instance, parameter) -> value; setter(instance, parameter, value). kREALStandardAccessor in either lets
-// the host read or write the instance data itself, at the byte offset `parameter`: a standard getter locks the
-// object it hands out, a standard setter is a plain store that locks and unlocks nothing.
+// getter(instance, parameter) -> value; setter(instance, parameter, value). kREALStandardAccessor in either
+// lets the host read or write the instance data itself, at the byte offset `parameter`: a standard getter
+// locks the object it hands out, a standard setter is a plain store that locks and unlocks nothing.
 struct REALproperty {
     const char* group;
     const char* name;
@@ -271,8 +272,9 @@ using REALUnlockString = void (*)(REALstring);
 // Strings.
 using PluginGetStringData = bool (*)(REALstring, std::uint32_t encoding, REALstringData* out);
 using PluginDisposeStringData = void (*)(REALstringData*);
-using StringGetCString = const char* (*)(REALstring);                 // borrowed, NUL-terminated
-using REALGetStringCFString = const void* (*)(REALstring, std::uint32_t flags); // a CFStringRef the caller owns
+using StringGetCString = const char* (*)(REALstring); // borrowed, NUL-terminated
+using REALGetStringCFString = const void* (*)(REALstring,
+                                              std::uint32_t flags); // a CFStringRef the caller owns
 using REALBuildString = REALstring (*)(const char* bytes, std::int32_t length); // locked
 using REALGetStringEncoding = std::uint32_t (*)(REALstring);
 using REALConvertString = REALstring (*)(REALstring, std::uint32_t encoding); // locked
@@ -316,7 +318,8 @@ using REALLoadObjectMethod = void* (*)(REALobject, const char* declaration);
 
 // Arrays. The procs belong to the array given: insert(array, index, value) makes room and locks strings and
 // objects; get(array, index, out) locks what it hands out. Values have the element's type.
-using RuntimeArrayCreateSingleDimBoundedArray = REALarray (*)(std::int32_t type, std::int32_t upperBound); // locked
+using RuntimeArrayCreateSingleDimBoundedArray = REALarray (*)(std::int32_t type,
+                                                              std::int32_t upperBound); // locked
 using RuntimeUBound = std::int32_t (*)(REALarray); // -1 for an empty array
 using RuntimeArrayDirectGetInsertProc = void* (*)(REALarray);
 using RuntimeArrayDirectGetGetProc = void* (*)(REALarray);
@@ -344,7 +347,8 @@ using REALCopyPictureCGImage = void* (*)(REALpicture);                // a CGIma
 // A parent record of zeroes stands for the folder above all volumes.
 using REALFSRefFromFolderItem = bool (*)(REALfolderItem, FSRef* out, HFSUniStr255* name);
 using REALFSSpecFromFolderItem = bool (*)(REALfolderItem, FSSpec* out);
-using REALFolderItemFromParentFSRef = REALfolderItem (*)(const FSRef* parent, const HFSUniStr255* name); // locked
-using FolderItemFromFSSpec = REALfolderItem (*)(const FSSpec*);                                          // locked
+using REALFolderItemFromParentFSRef = REALfolderItem (*)(const FSRef* parent,
+                                                         const HFSUniStr255* name); // locked
+using FolderItemFromFSSpec = REALfolderItem (*)(const FSSpec*);                     // locked
 
 } // namespace host::service

@@ -1,0 +1,41 @@
+// Host arrays, memory blocks, files and dates against their Cocoa counterparts.
+#pragma once
+
+#include <host/services.h>
+
+@class NSAffineTransform, NSArray, NSData, NSDate, NSImage, NSURL;
+
+// Fills a host string array from element 0 on. The array is neither cleared nor resized first.
+void FillStringArray(REALstringArray array, NSArray* strings);
+
+// A new memory block with a copy of the bytes; null for no bytes. Raises "OutOfMemoryException" when the host
+// cannot make a block of that size.
+REALmemoryBlock NSDataRB(NSData* data);
+
+// An autoreleased file URL; nil when neither the item nor its folder can be named. The item need not exist.
+NSURL* NewNSURLfile(REALfolderItem item);
+
+// A folder item for a file URL whose item, or at least whose folder, exists; else null.
+REALfolderItem NSURLRBFile(NSURL* url);
+
+// The host date's fields taken as local wall-clock time, autoreleased; nil when a field cannot be read.
+NSDate* NewNSDate(REALobject date);
+
+// Hand a Cocoa object to a class of a sibling part: its registered wrapper, or a new one that retains it.
+// Null when that part is not loaded.
+REALobject NewNSImageKaz(NSImage* image);
+REALobject NewNSAffineTransformKaz(NSAffineTransform* transform);
+
+namespace bridge {
+
+// The host's Dictionary methods, loaded once for each run of calls on the same dictionary.
+struct DictionaryMethods {
+    void (*setValue)(REALobject dictionary, REALobject key, REALobject value);
+    REALobject (*value)(REALobject dictionary, REALobject key);   // locked
+    REALobject (*key)(REALobject dictionary, std::int32_t index); // locked
+};
+
+// The methods of this dictionary; a method that the host does not offer is null.
+const DictionaryMethods& dictionaryMethods(REALobject dictionary);
+
+} // namespace bridge

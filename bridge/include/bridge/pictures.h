@@ -1,0 +1,26 @@
+// Host pictures against Core Graphics images.
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+#include <bridge/owned.h>
+#include <host/services.h>
+
+// A new image of a picture with its mask applied, owned by the caller; null when the host shows no pixels.
+// The mask may be null.
+CGImageRef CreateCGImageInternal(REALpicture picture, REALpicture mask);
+
+// Draws `source` into `destination`, both from their origins: through the host's own drawing method or, where
+// that is missing and the size stays the same, by copying rows.
+void GraphicsDrawPicture(REALpicture destination, REALpicture source, int x, int y, int w, int h, int sx,
+                         int sy, int sw, int sh);
+
+// The system's "ApplicationServices.framework", loaded; owned by the caller, null when it cannot be loaded.
+CFBundleRef LoadFrameworkBundle();
+
+namespace bridge {
+
+// The picture's image by every way there is: the host's own copy, the picture's description, and a copy of
+// the picture. Owned by the caller; null when all fail.
+CGImageRef copyCGImage(REALpicture picture);
+
+} // namespace bridge

@@ -1,0 +1,45 @@
+// Text between the host and Cocoa, and the bytes of memory blocks.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <host/services.h>
+
+// A new platform string that the caller releases; null for null, and when no conversion works.
+CFStringRef RBString2CFString(REALstring string);
+
+// A new host string, tagged UTF-8, with one reference for the caller; null for a null or empty string, and
+// when it cannot be converted. The text ends at an embedded NUL.
+REALstring CFString2RBString(CFStringRef string);
+
+// The bytes of a host string in an encoding, or in its own for kREALTextEncodingUnknown; in that case, on a
+// host without "PluginGetStringData", out->length must come in as the number of bytes to make room for. True
+// when `out` was filled; it is given back with disposeStringData.
+bool REALGetStringData(REALstring string, std::uint32_t encoding, REALstringData* out);
+
+namespace bridge {
+
+// Gives back what REALGetStringData filled, to the host or, where that has no such service, to the heap.
+void disposeStringData(REALstringData& data);
+
+// Like RBString2CFString, but the caller does not own the result: it lives as long as the autorelease pool.
+CFStringRef temporaryString(REALstring string);
+
+} // namespace bridge
+
+// A view of a memory block's bytes. The block is locked while the view lives; data is null and length 0 when
+// the host shows no bytes.
+class rbData {
+  public:
+    explicit rbData(REALmemoryBlock block);
+    ~rbData();
+    rbData(const rbData&) = delete;
+    rbData& operator=(const rbData&) = delete;
+
+    const void* data() const { return bytes; }
+    std::uint32_t length() const { return size; }
+
+  private:
+    REALmemoryBlock block;
+    void* bytes = nullptr;
+    std::uint32_t size = 0;
+};

@@ -1,0 +1,210 @@
+#include <bridge/pictures.h>
+
+#include <Carbon/Carbon.h>
+
+#include <cstring>
+
+namespace {
+
+using bridge::Owned;
+
+constexpr double kFailedLocksNeedNoUnlock = 2012.0;
+
+REALobject object(REALpicture picture) { return reinterpret_cast<REALobject>(picture); }
+
+// A picture that is unlocked at the end of its scope.
+struct LockedPicture {
+    REALpicture picture;
+    explicit LockedPicture(REALpicture picture) : picture(picture) {}
+    ~LockedPicture() {
+        if (picture) REALUnlockObject(object(picture));
+    }
+    LockedPicture(const LockedPicture&) = delete;
+    LockedPicture& operator=(const LockedPicture&) = delete;
+    explicit operator bool() const { return picture != nullptr; }
+};
+
+// A picture's description, locked for a scope. A lock that fails must still be undone on older hosts.
+class Description {
+  public:
+    Description(REALpicture picture, std::int32_t kind) : picture(picture) {
+        locked = REALLockPictureDescription(picture, &record, kind);
+        if (!locked && rbversion_rbversion < kFailedLocksNeedNoUnlock) REALUnlockPictureDescription(picture);
+    }
+    ~Description() {
+        if (locked) REALUnlockPictureDescription(picture);
+    }
+    Description(const Description&) = delete;
+    Description& operator=(const Description&) = delete;
+
+    explicit operator bool() const { return locked; }
+
+    // A new image of the bitmap context, owned by the caller; null when another kind was delivered.
+    CGImageRef createImage() const {
+        if (!locked || record.kind != kREALPictureCGContext) return nullptr;
+        return CGBitmapContextCreateImage(static_cast<CGContextRef>(record.handle));
+    }
+
+    const REALpixelBuffer* pixels() const {
+        return locked && record.kind == kREALPicturePixelBuffer
+                   ? static_cast<const REALpixelBuffer*>(record.handle)
+                   : nullptr;
+    }
+
+  private:
+    REALpicture picture;
+    REALpictureDescription record = {};
+    bool locked;
+};
+
+struct Size {
+    std::int32_t width = 0, height = 0;
+};
+
+// A failed read counts as 0.
+Size sizeOf(REALpicture picture) {
+    Size size;
+    REALGetPropValueInt32(object(picture), "Width", &size.width);
+    REALGetPropValueInt32(object(picture), "Height", &size.height);
+    return size;
+}
+
+void drawWhole(REALpicture destination, REALpicture source, Size size) {
+    GraphicsDrawPicture(destination, source, 0, 0, size.width, size.height, 0, 0, size.width, size.height);
+}
+
+bool isSystemWithPictureCopies() {
+    SInt32 major = 0, minor = 0;
+    return Gestalt(gestaltSystemVersionMajor, &major) == noErr &&
+           Gestalt(gestaltSystemVersionMinor, &minor) == noErr && major >= 10 && minor >= 7;
+}
+
+// The host's image of a copy of the picture and its mask; null when the host makes none.
+CGImageRef createImageByHostCopy(REALpicture picture, REALpicture mask) {
+    Size size = sizeOf(picture);
+    LockedPicture copy(REALNewPicture(size.width, size.height, 32));
+    if (!copy) return nullptr;
+    drawWhole(copy.picture, picture, size);
+    if (LockedPicture copyMask{REALGetPictureMask(copy.picture, true)})
+        drawWhole(copyMask.picture, mask, size);
+    return static_cast<CGImageRef>(REALCopyPictureCGImage(copy.picture));
+}
+
+// Complements the bytes of a gray bitmap; what lies beyond the width in each row stays.
+void invert(CGContextRef gray) {
+    std::uint8_t* row = static_cast<std::uint8_t*>(CGBitmapContextGetData(gray));
+    std::size_t width = CGBitmapContextGetWidth(gray);
+    for (std::size_t y = 0; y < CGBitmapContextGetHeight(gray);
+         ++y, row += CGBitmapContextGetBytesPerRow(gray))
+        for (std::size_t x = 0; x < width; ++x) row[x] = static_cast<std::uint8_t>(~row[x]);
+}
+
+// The image with the mask's image as its alpha, dark being opaque; null when a step fails.
+CGImageRef createMaskedImage(CGImageRef image, CGImageRef mask) {
+    std::size_t width = CGImageGetWidth(mask), height = CGImageGetHeight(mask);
+    Owned<CGColorSpaceRef> graySpace(CGColorSpaceCreateDeviceGray());
+    if (!graySpace) return nullptr;
+    Owned<CGContextRef> gray(
+        CGBitmapContextCreate(nullptr, width, height, 8, 0, graySpace.get(), kCGImageAlphaNone));
+    if (!gray) return nullptr;
+    CGContextDrawImage(gray.get(),
+                       CGRectMake(0, 0, static_cast<CGFloat>(width), static_cast<CGFloat>(height)), mask);
+    invert(gray.get());
+    Owned<CGImageRef> inverted(CGBitmapContextCreateImage(gray.get()));
+    return inverted ? CGImageCreateWithMask(image, inverted.get()) : nullptr;
+}
+
+CGImageRef createImageByDescription(REALpicture picture, REALpicture mask) {
+    Description description(picture, kREALPictureCGContext);
+    Owned<CGImageRef> image(description.createImage());
+    if (!image || !mask) return image.release();
+    Description maskDescription(mask, kREALPictureCGContext);
+    Owned<CGImageRef> maskImage(maskDescription.createImage());
+    CGImageRef masked = maskImage ? createMaskedImage(image.get(), maskImage.get()) : nullptr;
+    return masked ? masked : image.release();
+}
+
+bool copyable(const REALpixelBuffer* source, const REALpixelBuffer* destination) {
+    return source && destination && source->format == 0 && destination->format == 0 &&
+           source->width == destination->width && source->height == destination->height &&
+           source->height >= 1 && source->rows && destination->rows;
+}
+
+void copyRows(REALpicture destination, REALpicture source) {
+    Description from(source, kREALPicturePixelBuffer);
+    if (!from) return;
+    {
+        Description to(destination, kREALPicturePixelBuffer);
+        if (to && copyable(from.pixels(), to.pixels()))
+            for (std::int32_t y = 0; y < from.pixels()->height; ++y)
+                std::memcpy(to.pixels()->rows[y], from.pixels()->rows[y],
+                            static_cast<std::size_t>(from.pixels()->width) * 4);
+    }
+    REALPictureClearCache(destination);
+}
+
+} // namespace
+
+CGImageRef CreateCGImageInternal(REALpicture picture, REALpicture mask) {
+    if (!picture) return nullptr;
+    if (isSystemWithPictureCopies())
+        if (CGImageRef image = createImageByHostCopy(picture, mask)) return image;
+    return createImageByDescription(picture, mask);
+}
+
+void GraphicsDrawPicture(REALpicture destination, REALpicture source, int, int, int w, int h, int, int,
+                         int sw, int sh) {
+    struct Graphics {
+        REALobject object;
+        ~Graphics() {
+            if (object) REALUnlockObject(object);
+        }
+    } graphics = {REALGetPictureGraphics(destination)};
+
+    if (graphics.object && source) {
+        using Draw = void (*)(REALobject, REALpicture, std::int32_t, std::int32_t, std::int32_t, std::int32_t,
+                              std::int32_t, std::int32_t, std::int32_t, std::int32_t);
+        if (auto draw = reinterpret_cast<Draw>(REALLoadObjectMethod(
+                graphics.object,
+                "DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, sx as "
+                "Integer "
+                "= 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)"))) {
+            draw(graphics.object, source, 0, 0, w, h, 0, 0, sw, sh);
+            return;
+        }
+        // Older hosts are asked for their drawing entry, whose answer has no use.
+        if (rbversion_rbversion < kFailedLocksNeedNoUnlock) gResolver("RuntimeGraphicsDrawPicture");
+    }
+    if (source && destination && w == sw && h == sh) copyRows(destination, source);
+}
+
+CGImageRef bridge::copyCGImage(REALpicture picture) {
+    if (CGImageRef image = static_cast<CGImageRef>(REALCopyPictureCGImage(picture))) return image;
+
+    LockedPicture mask(REALGetPictureMask(picture, true));
+    if (CGImageRef image = CreateCGImageInternal(picture, mask.picture)) return image;
+
+    Size size = sizeOf(picture);
+    if (size.width < 1 || size.height < 1) return nullptr;
+    LockedPicture copy(REALNewPicture(size.width, size.height, 32));
+    if (!copy) return nullptr;
+    drawWhole(copy.picture, picture, size);
+    LockedPicture copyMask(mask ? REALGetPictureMask(copy.picture, true) : nullptr);
+    if (copyMask) drawWhole(copyMask.picture, mask.picture, size);
+    if (CGImageRef image = static_cast<CGImageRef>(REALCopyPictureCGImage(copy.picture))) return image;
+    return CreateCGImageInternal(copy.picture, copyMask.picture);
+}
+
+CFBundleRef LoadFrameworkBundle() {
+    constexpr SInt16 systemDisk = -32767;
+    FSRef folder = {};
+    if (FSFindFolder(systemDisk, kFrameworksFolderType, kCreateFolder, &folder) != noErr) return nullptr;
+    Owned<CFURLRef> frameworks(CFURLCreateFromFSRef(kCFAllocatorDefault, &folder));
+    if (!frameworks) return nullptr;
+    Owned<CFURLRef> url(CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, frameworks.get(),
+                                                              CFSTR("ApplicationServices.framework"), false));
+    if (!url) return nullptr;
+    Owned<CFBundleRef> bundle(CFBundleCreate(kCFAllocatorDefault, url.get()));
+    if (!bundle || !CFBundleLoadExecutable(bundle.get())) return nullptr;
+    return bundle.release();
+}

@@ -1,0 +1,91 @@
+// CIDetectorKaz: finds faces in images.
+#include "CIFeatureKaz.h"
+
+#include <bridge/variants.h>
+
+#import <QuartzCore/CIDetector.h>
+
+#include <objc/runtime.h>
+
+namespace coreimage {
+namespace {
+
+CIDetector* detector(REALobject self) { return nativeHandle<CIDetector*>(self); }
+
+// The registry never learns of a detector made here, and a second call replaces the first one's reference.
+void initWithType(REALobject self, REALstring type, REALobject context, REALobject options) {
+    if (!type) {
+        RaiseException(bridge::kNilObject, "type is empty");
+        return;
+    }
+    bridge::ensureFamily();
+    guardedInPool([&] {
+        // By name: systems before 10.7 have no detectors.
+        Class detectorClass = static_cast<Class>(objc_getClass("CIDetector"));
+        instanceData<id>(self) = [[detectorClass detectorOfType:(NSString*)bridge::temporaryString(type)
+                                                        context:nativeHandle<CIContext*>(context)
+                                                        options:NewNSDictionary(options)] retain];
+    });
+}
+
+// `find` returns the features in the image.
+template <class Find>
+REALarray featuresWith(REALobject image, Find&& find) {
+    bridge::ensureFamily();
+    REALarray array = REALCreateArray(kREALArrayObject, -1);
+    CIImage* native = nativeHandle<CIImage*>(image);
+    if (!native) {
+        RaiseException(bridge::kNilObject, "image is nil");
+        if (array) REALUnlockObject(&array->object);
+        return nullptr;
+    }
+    guardedInPool([&] {
+        std::int32_t index = 0;
+        NSEnumerator* features = [find(native) objectEnumerator];
+        while (id feature = [features nextObject]) {
+            REALobject wrapper = NewCIFeatureKaz(feature);
+            REALInsertArrayValueObject(array, index++, wrapper);
+            if (wrapper) REALUnlockObject(wrapper);
+        }
+    });
+    return array;
+}
+
+REALarray featuresInImage(REALobject self, REALobject image) {
+    return featuresWith(image, [&](CIImage* native) { return [detector(self) featuresInImage:native]; });
+}
+
+REALarray featuresInImage2(REALobject self, REALobject image, REALobject options) {
+    return featuresWith(image, [&](CIImage* native) {
+        return [detector(self) featuresInImage:native options:NewNSDictionary(options)];
+    });
+}
+
+REALstring typeFace() { return systemConstant(&CIDetectorTypeFace); }
+REALstring accuracy() { return systemConstant(&CIDetectorAccuracy); }
+REALstring accuracyLow() { return systemConstant(&CIDetectorAccuracyLow); }
+REALstring accuracyHigh() { return systemConstant(&CIDetectorAccuracyHigh); }
+
+REALproperty properties[] = {handleProperty()};
+
+REALmethodDefinition methods[] = {
+    method("Constructor(type as string, context as CIContextKaz, options as dictionary)", initWithType),
+    method("Constructor(Handle as Integer)", constructorWithHandle<kDetector>),
+    method("featuresInImage(image as CIImageKaz) as CIFeatureKaz()", featuresInImage),
+    method("featuresInImage(image as CIImageKaz, options as dictionary) as CIFeatureKaz()", featuresInImage2),
+};
+
+REALmethodDefinition sharedMethods[] = {
+    method("CIDetectorTypeFace as string", typeFace),
+    method("CIDetectorAccuracy as string", accuracy),
+    method("CIDetectorAccuracyLow as string", accuracyLow),
+    method("CIDetectorAccuracyHigh as string", accuracyHigh),
+};
+
+} // namespace
+
+REALclassDefinition CIDetectorKazClass =
+    classDefinition({.name = "CIDetectorKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
+                    properties, methods, {}, sharedMethods);
+
+} // namespace coreimage

@@ -1,0 +1,297 @@
+// CIImageKaz: the recipe of a picture. This file makes images; CIImageKazRendering.mm turns them into
+// something the host can show, and measures them.
+#include "CIImageKaz.h"
+
+#include <bridge/containers.h>
+#include <bridge/pictures.h>
+
+#import <AppKit/AppKit.h>
+
+namespace coreimage {
+namespace {
+
+constexpr char kMemoryBlockIsNil[] = "Memoryblock is nil";
+constexpr char kImageIsNil[] = "image is nil";
+
+bool raisesWhenNull(const void* argument, const char* message) {
+    if (argument) return false;
+    RaiseException(bridge::kNilObject, message);
+    return true;
+}
+
+// --- what the Core Image calls take -----------------------------------------------------------------------
+
+// Options that name a colour space for the image's data; empty, not nil, without one.
+NSDictionary* optionsWithColorSpace(REALobject colorSpace) {
+    NSMutableDictionary* options = [NSMutableDictionary dictionaryWithCapacity:3];
+    if (id handle = nativeHandle(colorSpace)) [options setObject:handle forKey:@"color_space"];
+    return options;
+}
+
+NSURL* urlOfString(REALstring text) {
+    CFStringRef string = bridge::temporaryString(text);
+    if (!string) return nil;
+    return [(NSURL*)CFURLCreateWithString(kCFAllocatorDefault, string, nullptr) autorelease];
+}
+
+// A copy of the block's bytes: the host may change or free it afterwards.
+NSData* dataOfBlock(REALmemoryBlock block) {
+    rbData bytes(block);
+    return [NSData dataWithBytes:bytes.data() length:bytes.length()];
+}
+
+// The block's own bytes. The length is the caller's word; the caller keeps the block alive and unchanged.
+NSData* dataOnBlock(REALmemoryBlock block, std::int32_t length) {
+    return [NSData dataWithBytesNoCopy:REALMemoryBlockGetPtr(block)
+                                length:static_cast<NSUInteger>(length)
+                          freeWhenDone:NO];
+}
+
+struct BitmapLayout {
+    std::int32_t bytesPerRow, width, height, format;
+    REALobject colorSpace;
+
+    CGSize size() const { return CGSizeMake(static_cast<CGFloat>(width), static_cast<CGFloat>(height)); }
+    CGColorSpaceRef space() const { return nativeHandle<CGColorSpaceRef>(colorSpace); }
+};
+
+CIImage* newBitmapImage(NSData* data, const BitmapLayout& layout) {
+    return [[CIImage alloc] initWithBitmapData:data
+                                   bytesPerRow:static_cast<size_t>(layout.bytesPerRow)
+                                          size:layout.size()
+                                        format:layout.format
+                                    colorSpace:layout.space()];
+}
+
+CIImage* bitmapImage(NSData* data, const BitmapLayout& layout) {
+    return [newBitmapImage(data, layout) autorelease];
+}
+
+// --- constructors -----------------------------------------------------------------------------------------
+
+void initWithCGImage(REALobject self, REALobject cgImage) {
+    if (raisesWhenInitialized(self) || raisesWhenNull(nativeHandle(cgImage), kImageIsNil)) return;
+    construct(self, [&] { return [[CIImage alloc] initWithCGImage:nativeHandle<CGImageRef>(cgImage)]; });
+}
+
+void initWithCGImageAndColorSpace(REALobject self, REALobject cgImage, REALobject colorSpace) {
+    if (raisesWhenInitialized(self) || raisesWhenNull(nativeHandle(cgImage), kImageIsNil) ||
+        raisesWhenNull(colorSpace, "CGColorSpace is nil"))
+        return;
+    construct(self, [&] {
+        return [[CIImage alloc] initWithCGImage:nativeHandle<CGImageRef>(cgImage)
+                                        options:optionsWithColorSpace(colorSpace)];
+    });
+}
+
+void initWithFile(REALobject self, REALfolderItem file) {
+    construct(self, [&] { return [[CIImage alloc] initWithContentsOfURL:NewNSURLfile(file)]; });
+}
+
+void initWithFileAndColorSpace(REALobject self, REALfolderItem file, REALobject colorSpace) {
+    if (raisesWhenInitialized(self) || raisesWhenNull(file, "file is nil")) return;
+    construct(self, [&] {
+        return [[CIImage alloc] initWithContentsOfURL:NewNSURLfile(file)
+                                              options:optionsWithColorSpace(colorSpace)];
+    });
+}
+
+void initWithData(REALobject self, REALmemoryBlock data) {
+    if (raisesWhenInitialized(self) || raisesWhenNull(data, kMemoryBlockIsNil)) return;
+    construct(self, [&] { return [[CIImage alloc] initWithData:dataOfBlock(data)]; });
+}
+
+void initWithDataAndColorSpace(REALobject self, REALmemoryBlock data, REALobject colorSpace) {
+    if (raisesWhenInitialized(self) || raisesWhenNull(data, kMemoryBlockIsNil)) return;
+    construct(self, [&] {
+        return [[CIImage alloc] initWithData:dataOfBlock(data) options:optionsWithColorSpace(colorSpace)];
+    });
+}
+
+void initWithBitmapData(REALobject self, REALmemoryBlock data, std::int32_t bytesPerRow, std::int32_t width,
+                        std::int32_t height, std::int32_t format, REALobject colorSpace) {
+    if (raisesWhenInitialized(self) || raisesWhenNull(data, kMemoryBlockIsNil)) return;
+    construct(self, [&] {
+        return newBitmapImage(dataOfBlock(data), {bytesPerRow, width, height, format, colorSpace});
+    });
+}
+
+void initWithBitmapMemory(REALobject self, REALmemoryBlock data, std::int32_t length,
+                          std::int32_t bytesPerRow, std::int32_t width, std::int32_t height,
+                          std::int32_t format, REALobject colorSpace) {
+    if (raisesWhenInitialized(self) || raisesWhenNull(data, "data memoryblock is nil")) return;
+    construct(self, [&] {
+        return newBitmapImage(dataOnBlock(data, length), {bytesPerRow, width, height, format, colorSpace});
+    });
+}
+
+// --- shared methods ---------------------------------------------------------------------------------------
+
+REALobject emptyImage() {
+    return wrappedResult(kImage, [] { return [CIImage emptyImage]; });
+}
+
+REALobject imageWithColor(REALobject color) {
+    if (raisesWhenNull(nativeHandle(color), "color is nil")) return nullptr;
+    return wrappedResult(kImage, [&] { return [CIImage imageWithColor:nativeHandle<CIColor*>(color)]; });
+}
+
+REALobject imageWithPicture(REALpicture picture) {
+    if (!picture) return nullptr;
+    return wrappedResult(kImage, [&]() -> CIImage* {
+        bridge::Owned<CGImageRef> cgImage(bridge::copyCGImage(picture));
+        return cgImage ? [CIImage imageWithCGImage:cgImage.get()] : nil;
+    });
+}
+
+REALobject imageWithContentsOfPath(REALstring path, REALobject colorSpace) {
+    return wrappedResult(kImage, [&]() -> CIImage* {
+        NSString* text = (NSString*)bridge::temporaryString(path);
+        if (!text) return nil;
+        return [CIImage imageWithContentsOfURL:[NSURL fileURLWithPath:text isDirectory:NO]
+                                       options:optionsWithColorSpace(colorSpace)];
+    });
+}
+
+// --- tables -----------------------------------------------------------------------------------------------
+
+REALproperty properties[] = {
+    handleProperty(),
+    property("description", "String", description),
+};
+
+REALconstant constants[] = {
+    constant("kCIFormatARGB8 = 23"),
+    constant("kCIFormatRGBA16 = 27"),
+    constant("kCIFormatRGBAf = 34"),
+};
+
+REALmethodDefinition methods[] = {
+    method("Constructor(Handle as Integer)", constructorWithHandle<kImage>),
+    method("Constructor(cgimage as CGImageKaz)", initWithCGImage),
+    method("Constructor(cgimage as CGImageKaz, cgcolorspace as CGColorSpaceKaz)",
+           initWithCGImageAndColorSpace),
+    method("Constructor(file as FolderItem)", initWithFile),
+    method("Constructor(file as FolderItem, cgcolorspace as CGColorSpaceKaz)", initWithFileAndColorSpace),
+    method("Constructor(data as memoryblock)", initWithData),
+    method("Constructor(data as memoryblock, cgcolorspace as CGColorSpaceKaz)", initWithDataAndColorSpace),
+    method("Constructor(data as memoryblock, BytesPerRow as integer, width as integer, height as integer, "
+           "format "
+           "as integer, cgcolorspace as CGColorSpaceKaz)",
+           initWithBitmapData),
+    method("Constructor(data as Memoryblock, Length as Integer, BytesPerRow as integer, width as integer, "
+           "height "
+           "as integer, format as integer, cgcolorspace as CGColorSpaceKaz)",
+           initWithBitmapMemory),
+    method("CreateCGImage(r as CGRectKaz = nil) as CGImageKaz", rendering::createCGImage),
+    method("CreateCGImage(r as CGRectKaz, ColorSpace as CGColorSpaceKaz) as CGImageKaz",
+           rendering::createCGImageInColorSpace),
+    method("AsNSImageKaz as variant", rendering::asNSImage),
+    method("Height as Integer", rendering::height),
+    method("Width as Integer", rendering::width),
+    method("url as string", rendering::url),
+    method("colorSpace as CGColorSpaceKaz", rendering::colorSpace),
+    method("RenderNSImage(UseSoftwareRenderer as boolean = false) as variant", rendering::renderNSImage),
+    method("RenderPicture(Width as integer = 0, Height as integer = 0, UseSoftwareRenderer as boolean = "
+           "false) as "
+           "Picture",
+           rendering::renderPicture, host::kDesktopOnly),
+    method("Extent as CGRectKaz", rendering::extent),
+    method("Definition as CIFilterShapeKaz", rendering::definition),
+    method("ImageByApplyingTransform(transform as NSAffineTransformKaz) as CIImageKaz",
+           rendering::imageByApplyingTransform),
+    method("imageByCroppingToRect(r as CGRectKaz) as CIImageKaz", rendering::imageByCroppingToRect),
+};
+
+REALmethodDefinition sharedMethods[] = {
+    method("emptyImage as CIImageKaz", emptyImage),
+    method("imageWithColor(color as CIColorKaz) as CIImageKaz", imageWithColor),
+    method("imageWithPicture(Pic as Picture) as CIImageKaz", imageWithPicture, host::kConsoleSafe),
+    method("imageWithCGImage(CGImage as CGImageKaz) as CIImageKaz", imageWithCGImage),
+    method("imageWithCGImage(CGImage as CGImageKaz, colorspace as CGColorSpaceKaz) as CIImageKaz",
+           imageWithCGImageAndColorSpace),
+    method("imageWithContentsOfURL(URL as String) as CIImageKaz", imageWithContentsOfURL),
+    method("imageWithContentsOfURL(URL as string, colorspace as CGColorSpaceKaz) as CIImageKaz",
+           imageWithContentsOfURLAndColorSpace),
+    method("imageWithData(data as memoryblock) as CIImageKaz", imageWithData),
+    method("imageWithContentsOfFile(file as folderitem) as CIImageKaz", imageWithContentsOfFile),
+    method("imageWithContentsOfFile(file as folderitem, colorspace as CGColorSpaceKaz) as CIImageKaz",
+           imageWithContentsOfFileAndColorSpace),
+    method("imageWithContentsOfPath(Path as string, colorspace as CGColorSpaceKaz) as CIImageKaz",
+           imageWithContentsOfPath),
+};
+
+} // namespace
+
+REALclassDefinition CIImageKazClass =
+    classDefinition({.name = "CIImageKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
+                    properties, methods, constants, sharedMethods);
+
+// --- functions that are also global -----------------------------------------------------------------------
+
+REALobject imageWithCGImage(REALobject image) {
+    return wrappedResult(kImage, [&]() -> CIImage* {
+        CGImageRef cgImage = nativeHandle<CGImageRef>(image);
+        return cgImage ? [CIImage imageWithCGImage:cgImage] : nil;
+    });
+}
+
+REALobject imageWithCGImageAndColorSpace(REALobject image, REALobject colorSpace) {
+    if (raisesWhenNull(nativeHandle(image), kImageIsNil)) return nullptr;
+    return wrappedResult(kImage, [&] {
+        return [CIImage imageWithCGImage:nativeHandle<CGImageRef>(image)
+                                 options:optionsWithColorSpace(colorSpace)];
+    });
+}
+
+REALobject imageWithContentsOfURL(REALstring url) {
+    return wrappedResult(kImage, [&] { return [CIImage imageWithContentsOfURL:urlOfString(url)]; });
+}
+
+REALobject imageWithContentsOfURLAndColorSpace(REALstring url, REALobject colorSpace) {
+    return wrappedResult(kImage, [&] {
+        return [CIImage imageWithContentsOfURL:urlOfString(url) options:optionsWithColorSpace(colorSpace)];
+    });
+}
+
+REALobject imageWithData(REALmemoryBlock data) {
+    if (raisesWhenNull(data, kMemoryBlockIsNil)) return nullptr;
+    return wrappedResult(kImage, [&] { return [CIImage imageWithData:dataOfBlock(data)]; });
+}
+
+REALobject imageWithDataAndColorSpace(REALmemoryBlock data, REALobject colorSpace) {
+    if (raisesWhenNull(data, kMemoryBlockIsNil)) return nullptr;
+    return wrappedResult(kImage, [&] {
+        return [CIImage imageWithData:dataOfBlock(data) options:optionsWithColorSpace(colorSpace)];
+    });
+}
+
+REALobject imageWithContentsOfFile(REALfolderItem file) {
+    return wrappedResult(kImage, [&] { return [CIImage imageWithContentsOfURL:NewNSURLfile(file)]; });
+}
+
+REALobject imageWithContentsOfFileAndColorSpace(REALfolderItem file, REALobject colorSpace) {
+    if (raisesWhenNull(file, "file is nil")) return nullptr;
+    return wrappedResult(kImage, [&] {
+        return [CIImage imageWithContentsOfURL:NewNSURLfile(file) options:optionsWithColorSpace(colorSpace)];
+    });
+}
+
+REALobject imageWithBitmapData(REALmemoryBlock data, std::int32_t bytesPerRow, std::int32_t width,
+                               std::int32_t height, std::int32_t format, REALobject colorSpace) {
+    if (raisesWhenNull(data, kMemoryBlockIsNil)) return nullptr;
+    return wrappedResult(kImage, [&] {
+        return bitmapImage(dataOfBlock(data), {bytesPerRow, width, height, format, colorSpace});
+    });
+}
+
+REALobject imageWithBitmapMemory(REALmemoryBlock data, std::int32_t length, std::int32_t bytesPerRow,
+                                 std::int32_t width, std::int32_t height, std::int32_t format,
+                                 REALobject colorSpace) {
+    if (raisesWhenNull(data, "data memoryblock is nil")) return nullptr;
+    return wrappedResult(kImage, [&] {
+        return bitmapImage(dataOnBlock(data, length), {bytesPerRow, width, height, format, colorSpace});
+    });
+}
+
+} // namespace coreimage

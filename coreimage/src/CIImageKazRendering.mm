@@ -1,0 +1,201 @@
+// CIImageKaz: images rendered into pictures, NSImages and CGImages, and their geometry.
+#include "CIImageKaz.h"
+
+#include <bridge/containers.h>
+#include <bridge/owned.h>
+
+#import <AppKit/AppKit.h>
+
+namespace coreimage::rendering {
+namespace {
+
+using bridge::Owned;
+
+CIImage* image(REALobject self) { return nativeHandle<CIImage*>(self); }
+
+NSSize sizeOf(CGRect extent) { return NSMakeSize(extent.size.width, extent.size.height); }
+
+// Draws the whole image into the bitmap, scaled to fill it; true when it was drawn.
+bool drawFilling(CIImage* image, CGContextRef bitmap, CGRect extent, std::int32_t width, std::int32_t height,
+                 CGColorSpaceRef outputSpace, bool useSoftwareRenderer) {
+    NSMutableDictionary* options = [NSMutableDictionary dictionaryWithCapacity:3];
+    if (useSoftwareRenderer) [options setObject:[NSNumber numberWithBool:YES] forKey:@"software_renderer"];
+    [options setObject:(id)outputSpace forKey:@"output_color_space"];
+    CIContext* context = [CIContext contextWithCGContext:bitmap options:options];
+    [context drawImage:image
+                inRect:CGRectMake(0, 0, static_cast<CGFloat>(width), static_cast<CGFloat>(height))
+              fromRect:extent];
+    [context clearCaches];
+    [context reclaimResources];
+    return true;
+}
+
+// Renders into a picture whose description is locked; false when the host described it in no known way.
+bool drawIntoPicture(CIImage* image, const REALpictureDescription& description, CGRect extent,
+                     std::int32_t width, std::int32_t height, CGColorSpaceRef outputSpace,
+                     bool useSoftwareRenderer) {
+    if (description.kind == kREALPictureCGContext && description.handle)
+        return drawFilling(image, static_cast<CGContextRef>(description.handle), extent, width, height,
+                           outputSpace, useSoftwareRenderer);
+    return false;
+}
+
+// The frame of both CreateCGImage forms: a scratch bitmap of the source's size, and what `render` makes of
+// it.
+template <class Render>
+REALobject createCGImageWith(REALobject self, REALobject rect, CGColorSpaceRef bitmapSpace, Render&& render) {
+    CGRect source = sourceRectangle(rect, [image(self) extent]);
+    size_t width = static_cast<size_t>(static_cast<std::int32_t>(source.size.width));
+    size_t height = static_cast<size_t>(static_cast<std::int32_t>(source.size.height));
+    Owned<CGContextRef> bitmap(CGBitmapContextCreate(nullptr, width, height, 8, width * 4, bitmapSpace,
+                                                     kCGImageAlphaPremultipliedLast));
+    if (!bitmap) return nullptr;
+    CIContext* context = [CIContext contextWithCGContext:bitmap.get() options:nil];
+    Owned<CGImageRef> result(render(context, source));
+    return newCGImage(result.get());
+}
+
+} // namespace
+
+REALobject createCGImage(REALobject self, REALobject rect) {
+    return guardedInPool([&]() -> REALobject {
+        if (!image(self)) return nullptr;
+        Owned<CGColorSpaceRef> deviceRGB(CGColorSpaceCreateDeviceRGB());
+        if (!deviceRGB) return nullptr;
+        return createCGImageWith(self, rect, deviceRGB.get(), [&](CIContext* context, CGRect source) {
+            return [context createCGImage:image(self) fromRect:source];
+        });
+    });
+}
+
+REALobject createCGImageInColorSpace(REALobject self, REALobject rect, REALobject colorSpace) {
+    return guardedInPool([&]() -> REALobject {
+        if (!image(self)) return nullptr;
+        CGColorSpaceRef wanted = nativeHandle<CGColorSpaceRef>(colorSpace);
+        Owned<CGColorSpaceRef> bitmapSpace(wanted ? CGColorSpaceRetain(wanted)
+                                                  : CGColorSpaceCreateDeviceRGB());
+        if (!bitmapSpace) return nullptr;
+        return createCGImageWith(self, rect, bitmapSpace.get(), [&](CIContext* context, CGRect source) {
+            return [context createCGImage:image(self)
+                                 fromRect:source
+                                   format:kCIFormatARGB8
+                               colorSpace:wanted];
+        });
+    });
+}
+
+REALobject asNSImage(REALobject self) {
+    bridge::ensureFamily();
+    return guardedInPool([&]() -> REALobject {
+        if (!image(self)) return nullptr;
+        NSImage* result = [[[NSImage alloc] initWithSize:sizeOf([image(self) extent])] autorelease];
+        [result addRepresentation:[NSCIImageRep imageRepWithCIImage:image(self)]];
+        return NewNSImageKaz(result);
+    });
+}
+
+REALobject renderNSImage(REALobject self, bool useSoftwareRenderer) {
+    bridge::ensureFamily();
+    return guardedInPool([&]() -> REALobject {
+        if (!image(self)) return nullptr;
+        CGRect extent = [image(self) extent];
+        NSImage* result = [[[NSImage alloc] initWithSize:sizeOf(extent)] autorelease];
+        bool drawn = false;
+        [result lockFocus];
+        if (void* port = [[NSGraphicsContext currentContext] graphicsPort]) {
+            NSDictionary* options = nil;
+            if (useSoftwareRenderer)
+                options = [NSDictionary dictionaryWithObject:[NSNumber numberWithBool:YES]
+                                                      forKey:@"software_renderer"];
+            CIContext* context = [CIContext contextWithCGContext:static_cast<CGContextRef>(port)
+                                                         options:options];
+            if (context) {
+                [context drawImage:image(self) atPoint:CGPointMake(0, 0) fromRect:extent];
+                drawn = true;
+            }
+        }
+        [result unlockFocus];
+        return drawn ? NewNSImageKaz(result) : nullptr;
+    });
+}
+
+REALpicture renderPicture(REALobject self, std::int32_t width, std::int32_t height,
+                          bool useSoftwareRenderer) {
+    return guardedInPool([&]() -> REALpicture {
+        if (!image(self)) return nullptr;
+        CGRect extent = [image(self) extent];
+        if (width < 1) width = static_cast<std::int32_t>(extent.size.width);
+        if (height < 1) height = static_cast<std::int32_t>(extent.size.height);
+        if (width < 1 || height < 1) return nullptr;
+
+        Owned<CGColorSpaceRef> deviceRGB(CGColorSpaceCreateDeviceRGB());
+        if (!deviceRGB) return nullptr;
+        REALpicture picture = REALNewPicture(width, height, 32);
+        if (!picture) return nullptr;
+
+        bool drawn = false;
+        REALpictureDescription description = {};
+        if (REALLockPreferredPictureDescription(picture, &description)) {
+            // The description and the picture are given back even when Core Image raises.
+            @try {
+                drawn = drawIntoPicture(image(self), description, extent, width, height, deviceRGB.get(),
+                                        useSoftwareRenderer);
+            } @catch (NSException* exception) {
+                RaiseNSExceptionKaz(exception);
+            }
+            REALUnlockPictureDescription(picture);
+        }
+        if (drawn) {
+            REALPictureClearCache(picture);
+            return picture;
+        }
+        REALUnlockObject(reinterpret_cast<REALobject>(picture));
+        return nullptr;
+    });
+}
+
+std::int32_t height(REALobject self) {
+    return guarded([&] { return static_cast<std::int32_t>([image(self) extent].size.height); });
+}
+
+std::int32_t width(REALobject self) {
+    return guarded([&] { return static_cast<std::int32_t>([image(self) extent].size.width); });
+}
+
+REALstring url(REALobject self) {
+    return stringResult([&] { return [[image(self) url] absoluteString]; });
+}
+
+REALobject colorSpace(REALobject self) {
+    return guardedInPool([&] { return newColorSpace([image(self) colorSpace]); });
+}
+
+REALobject extent(REALobject self) {
+    return guarded([&]() -> REALobject {
+        if (!image(self)) return nullptr;
+        return newRectangle([image(self) extent]);
+    });
+}
+
+REALobject definition(REALobject self) {
+    return guardedInPool([&] { return newFilterShape([image(self) definition]); });
+}
+
+REALobject imageByApplyingTransform(REALobject self, REALobject transform) {
+    return wrappedResult(kImage, [&]() -> CIImage* {
+        NSAffineTransform* native = nativeHandle<NSAffineTransform*>(transform);
+        if (!image(self) || !native) return nil;
+        NSAffineTransformStruct m = [native transformStruct];
+        return [image(self)
+            imageByApplyingTransform:CGAffineTransformMake(m.m11, m.m12, m.m21, m.m22, m.tX, m.tY)];
+    });
+}
+
+REALobject imageByCroppingToRect(REALobject self, REALobject rect) {
+    return wrappedResult(kImage, [&]() -> CIImage* {
+        if (!image(self)) return nil;
+        return [image(self) imageByCroppingToRect:rectangleOf(rect)];
+    });
+}
+
+} // namespace coreimage::rendering

@@ -1,0 +1,20 @@
+// Fitting the class records to the host that runs, and registering them.
+#pragma once
+
+#include <host/abi.h>
+
+// The record version in use: 9 to 12.
+extern std::int32_t CurrentREALControlVersion;
+
+// The record version for a host version.
+std::int32_t RecordVersionForHost(double hostVersion);
+
+// Folds or clears, in place, the flag bits that hosts before 2010.029 do not know: of the class and of all
+// its methods and properties, shared ones included.
+void FixConsoleFlags(REALclassDefinition* definition);
+
+// A copy of a property table in the layout of record version 9; null for an empty table. Lives for good.
+REALproperty9* FixProperties(const REALproperty* table, std::int32_t count);
+
+// Prepares the record for the running host and registers it. Silent when the host offers no registration.
+void MyREALRegisterClass(REALclassDefinition* definition);

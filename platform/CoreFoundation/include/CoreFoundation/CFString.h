@@ -1,0 +1,52 @@
+#pragma once
+
+#include <CoreFoundation/CFBase.h>
+
+CF_EXTERN_C_BEGIN
+
+typedef const struct __CFString* CFStringRef;
+typedef struct __CFString* CFMutableStringRef;
+
+typedef UInt32 CFStringEncoding;
+
+#define kCFStringEncodingInvalidId ((CFStringEncoding)0xFFFFFFFFU)
+enum {
+    kCFStringEncodingMacRoman = 0,
+    kCFStringEncodingWindowsLatin1 = 0x0500,
+    kCFStringEncodingISOLatin1 = 0x0201,
+    kCFStringEncodingASCII = 0x0600,
+    kCFStringEncodingUTF8 = 0x08000100,
+    kCFStringEncodingUTF16 = 0x0100,
+    kCFStringEncodingUTF16BE = 0x10000100,
+    kCFStringEncodingUTF16LE = 0x14000100,
+    kCFStringEncodingUTF32 = 0x0c000100
+};
+
+typedef enum {
+    kCFStringNormalizationFormD = 0,
+    kCFStringNormalizationFormKD = 1,
+    kCFStringNormalizationFormC = 2,
+    kCFStringNormalizationFormKC = 3
+} CFStringNormalizationForm;
+
+// Makers: a new string that the caller owns; null when the bytes are not text in that encoding, or the
+// encoding is not known. Lengths are in bytes, or in UTF-16 units where characters are given.
+CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text, CFStringEncoding encoding);
+CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length,
+                                    CFStringEncoding encoding, Boolean isExternalRepresentation);
+CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar* characters, CFIndex length);
+CFStringRef CFStringCreateCopy(CFAllocatorRef allocator, CFStringRef string);
+CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex maxLength, CFStringRef string);
+
+// In UTF-16 units.
+CFIndex CFStringGetLength(CFStringRef string);
+void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
+// Writes the text and a NUL; false when it does not fit into `size` bytes or cannot be said in the encoding.
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStringEncoding encoding);
+void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form);
+
+// A constant string; lives for the life of the process.
+CFStringRef __CFStringMakeConstantString(const char* text);
+#define CFSTR(text) __CFStringMakeConstantString("" text "")
+
+CF_EXTERN_C_END

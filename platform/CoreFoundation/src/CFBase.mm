@@ -1,0 +1,18 @@
+#import <Foundation/Foundation.h>
+
+#include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CFString.h>
+
+CFTypeRef CFRetain(CFTypeRef object) { return [(id)object retain]; }
+
+void CFRelease(CFTypeRef object) { [(id)object release]; }
+
+CFIndex CFGetRetainCount(CFTypeRef object) { return static_cast<CFIndex>([(id)object retainCount]); }
+
+Boolean CFEqual(CFTypeRef a, CFTypeRef b) { return a == b || [(id)a isEqual:(id)b]; }
+
+CFHashCode CFHash(CFTypeRef object) { return [(id)object hash]; }
+
+const struct __CFString* CFCopyDescription(CFTypeRef object) {
+    return reinterpret_cast<CFStringRef>([[(id)object description] copy]);
+}

@@ -1,0 +1,72 @@
+#import <Foundation/Foundation.h>
+
+#include <CoreFoundation/CFURL.h>
+#include <CoreFoundation/FileReference.h>
+
+#include <sys/stat.h>
+
+namespace {
+
+CFURLRef owned(NSURL* url) { return reinterpret_cast<CFURLRef>([url retain]); }
+
+// The path of a file URL, nil for any other.
+NSString* filePath(CFURLRef url) {
+    NSURL* object = (NSURL*)url;
+    return [object isFileURL] ? [object path] : nil;
+}
+
+} // namespace
+
+CFURLRef CFURLCreateWithString(CFAllocatorRef, CFStringRef text, CFURLRef base) {
+    NSString* string = (NSString*)text;
+    if ([string length] == 0) return nullptr;
+    return owned([NSURL URLWithString:string relativeToURL:(NSURL*)base]);
+}
+
+CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPathStyle,
+                                       Boolean isDirectory) {
+    if ([(NSString*)path length] == 0) return nullptr;
+    return owned([NSURL fileURLWithPath:(NSString*)path isDirectory:isDirectory]);
+}
+
+CFURLRef CFURLCreateFromFSRef(CFAllocatorRef, const FSRef* ref) {
+    const char* path = FileReferencePath(ref);
+    struct stat status;
+    if (!path || lstat(path, &status) != 0) return nullptr;
+    return owned([NSURL fileURLWithPath:[NSString stringWithUTF8String:path]
+                            isDirectory:S_ISDIR(status.st_mode)]);
+}
+
+CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef url, CFStringRef component,
+                                               Boolean isDirectory) {
+    NSString* path = filePath(url);
+    if (path)
+        return owned([NSURL fileURLWithPath:[path stringByAppendingPathComponent:(NSString*)component]
+                                isDirectory:isDirectory]);
+    return owned([(NSURL*)url URLByAppendingPathComponent:(NSString*)component]);
+}
+
+CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef, CFURLRef url) {
+    NSString* path = filePath(url);
+    if (path) return owned([NSURL fileURLWithPath:[path stringByDeletingLastPathComponent] isDirectory:YES]);
+    return owned([(NSURL*)url URLByDeletingLastPathComponent]);
+}
+
+CFStringRef CFURLCopyLastPathComponent(CFURLRef url) {
+    return (CFStringRef)[[[(NSURL*)url path] lastPathComponent] copy];
+}
+
+CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle) {
+    return (CFStringRef)[[(NSURL*)url path] copy];
+}
+
+CFStringRef CFURLGetString(CFURLRef url) { return (CFStringRef)[(NSURL*)url absoluteString]; }
+
+Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) {
+    NSString* path = filePath(url);
+    const char* bytes = [path fileSystemRepresentation];
+    struct stat status;
+    if (!bytes || lstat(bytes, &status) != 0) return false;
+    FileReferenceMake(bytes, ref);
+    return true;
+}

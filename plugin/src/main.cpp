@@ -1,0 +1,40 @@
+// The plugin's entry: agrees with the host on a record version, then registers the classes and the global
+// functions.
+#include "globals.h"
+
+#include <coreimage/classes.h>
+#include <host/registration.h>
+#include <host/services.h>
+
+extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALResolver resolver) {
+    gResolver = resolver;
+
+    using RegisterPluginVersion = host::service::RegisterPluginVersion;
+    using REALGetRBVersion = host::service::REALGetRBVersion;
+    auto registerVersion = reinterpret_cast<RegisterPluginVersion>(resolver("RegisterPluginVersion"));
+    if (auto hostVersion = reinterpret_cast<REALGetRBVersion>(resolver("REALGetRBVersion")))
+        rbversion_rbversion = hostVersion();
+    CurrentREALControlVersion = RecordVersionForHost(rbversion_rbversion);
+    registerVersion(CurrentREALControlVersion); // every host has it
+
+    // The two classes whose tables hold flags that only newer hosts know.
+    FixConsoleFlags(&coreimage::CIContextKazClass);
+    FixConsoleFlags(&coreimage::CIImageKazClass);
+
+    for (REALclassDefinition* definition : {
+             &coreimage::CIColorKazClass,
+             &coreimage::CIImageKazClass,
+             &coreimage::CIContextKazClass,
+             &coreimage::CIVectorKazClass,
+             &coreimage::CIFilterShapeKazClass,
+             &coreimage::CIFilterKazClass,
+             &coreimage::CISamplerKazClass,
+             &coreimage::CIAttributeKazClass,
+             &coreimage::CIFeatureKazClass,
+             &coreimage::CIFaceFeatureKazClass, // after its superclass
+             &coreimage::CIDetectorKazClass,
+         })
+        MyREALRegisterClass(definition);
+
+    for (REALmethodDefinition& function : plugin::globalsMethods()) REALRegisterMethod(&function);
+}
