@@ -95,9 +95,9 @@ REALobject newStructure(const char* className, Fields fields) {
 }
 
 // Times are built by categories of sibling parts; null without them.
-#define TIME_RULE(selector)                                                                                  \
-    REALobject selector(NSValue* value) {                                                                    \
-        return [value respondsToSelector:@selector(selector)] ? [value selector] : nullptr;                  \
+#define TIME_RULE(getter)                                                                                      \
+    REALobject getter(NSValue* value) {                                                                        \
+        return [value respondsToSelector:@selector(getter)] ? [value getter] : nullptr;                        \
     }
 TIME_RULE(QTTimeValueKaz)
 TIME_RULE(QTTimeRangeValueKaz)

@@ -1,10 +1,10 @@
-#include "wrapper.h"
+#include <model/wrapper.h>
 
 #include <objc/runtime.h>
 
 #include <cstdio>
 
-namespace coreimage {
+namespace model {
 
 void constructWrapper(REALobject) { bridge::ensureFamily(); }
 
@@ -85,16 +85,11 @@ REALobject newPoint(CGPoint point) {
     return object;
 }
 
-namespace {
-
-// A new wrapper of `native`, which it retains and does not register; null for null.
 REALobject newUnregistered(const char* hostClass, CFTypeRef native) {
     REALobject object = native ? bridge::newWrapper(hostClass, native) : nullptr;
     if (object) CFRetain(native);
     return object;
 }
-
-} // namespace
 
 REALobject newColorSpace(CGColorSpaceRef colorSpace) {
     return newUnregistered("CGColorSpaceKaz", colorSpace);
@@ -102,6 +97,4 @@ REALobject newColorSpace(CGColorSpaceRef colorSpace) {
 
 REALobject newCGImage(CGImageRef image) { return newUnregistered("CGImageKaz", image); }
 
-REALobject newFilterShape(CIFilterShape* shape) { return newUnregistered(kFilterShape.hostClass, shape); }
-
-} // namespace coreimage
+} // namespace model
