@@ -60,6 +60,16 @@ std::int32_t RecordVersionForHost(double hostVersion) {
     return 9;
 }
 
+void NegotiateRecordVersion(REALResolver resolver) {
+    gResolver = resolver;
+    auto registerVersion =
+        reinterpret_cast<host::service::RegisterPluginVersion>(resolver("RegisterPluginVersion"));
+    if (auto hostVersion = reinterpret_cast<host::service::REALGetRBVersion>(resolver("REALGetRBVersion")))
+        rbversion_rbversion = hostVersion();
+    CurrentREALControlVersion = RecordVersionForHost(rbversion_rbversion);
+    registerVersion(CurrentREALControlVersion);
+}
+
 void FixConsoleFlags(REALclassDefinition* definition) {
     fixFlags(definition->flags);
     fixTable<REALmethodDefinition>(definition->methods, definition->methodCount);

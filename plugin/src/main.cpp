@@ -7,15 +7,7 @@
 #include <host/services.h>
 
 extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALResolver resolver) {
-    gResolver = resolver;
-
-    using RegisterPluginVersion = host::service::RegisterPluginVersion;
-    using REALGetRBVersion = host::service::REALGetRBVersion;
-    auto registerVersion = reinterpret_cast<RegisterPluginVersion>(resolver("RegisterPluginVersion"));
-    if (auto hostVersion = reinterpret_cast<REALGetRBVersion>(resolver("REALGetRBVersion")))
-        rbversion_rbversion = hostVersion();
-    CurrentREALControlVersion = RecordVersionForHost(rbversion_rbversion);
-    registerVersion(CurrentREALControlVersion); // every host has it
+    NegotiateRecordVersion(resolver);
 
     // The two classes whose tables hold flags that only newer hosts know.
     FixConsoleFlags(&coreimage::CIContextKazClass);

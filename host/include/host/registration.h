@@ -9,6 +9,10 @@ extern std::int32_t CurrentREALControlVersion;
 // The record version for a host version.
 std::int32_t RecordVersionForHost(double hostVersion);
 
+// Keeps the resolver, reads the host's version and tells the host the record version that goes with it. The
+// first thing that a plugin's entry does; a host without "RegisterPluginVersion" is not supported.
+void NegotiateRecordVersion(REALResolver resolver);
+
 // Folds or clears, in place, the flag bits that hosts before 2010.029 do not know: of the class and of all
 // its methods and properties, shared ones included.
 void FixConsoleFlags(REALclassDefinition* definition);

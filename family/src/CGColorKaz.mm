@@ -1,0 +1,82 @@
+// CGColorKaz: a Core Graphics colour.
+#include "support.h"
+
+#include <vector>
+
+namespace family {
+namespace {
+
+CGColorRef color(REALobject self) { return nativeHandle<CGColorRef>(self); }
+
+void initWithRGBA(REALobject self, double red, double green, double blue, double alpha) {
+    if (raisesWhenInitialized(self)) return;
+    guardedInPool([&] {
+        CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+        const CGFloat components[] = {static_cast<CGFloat>(red), static_cast<CGFloat>(green),
+                                      static_cast<CGFloat>(blue), static_cast<CGFloat>(alpha)};
+        instanceData<CGColorRef>(self) = CGColorCreate(space, components);
+        CGColorSpaceRelease(space);
+    });
+}
+
+// The components are the colour space's, then alpha.
+void initWithComponents(REALobject self, REALobject space, REALarray components) {
+    if (raisesWhenInitialized(self)) return;
+    CGColorSpaceRef native = nativeHandle<CGColorSpaceRef>(space);
+    if (raisesWhenNull(native, "CGColorSpace is nil")) return;
+    std::int32_t count = REALGetArrayUBound(components) + 1;
+    std::int32_t wanted = static_cast<std::int32_t>(CGColorSpaceGetNumberOfComponents(native)) + 1;
+    if (count != wanted) {
+        RaiseException(bridge::kOutOfBounds,
+                       "The array needs one value for each component, and one for alpha.");
+        return;
+    }
+    guardedInPool([&] {
+        std::vector<CGFloat> values(static_cast<std::size_t>(count));
+        for (std::int32_t i = 0; i < count; ++i)
+            values[static_cast<std::size_t>(i)] =
+                static_cast<CGFloat>(host::arrayValue<double>(components, i));
+        instanceData<CGColorRef>(self) = CGColorCreate(native, values.data());
+    });
+}
+
+std::int32_t numberOfComponents(REALobject self, std::uint32_t) {
+    return color(self) ? static_cast<std::int32_t>(CGColorGetNumberOfComponents(color(self))) : 0;
+}
+
+double alpha(REALobject self, std::uint32_t) { return color(self) ? CGColorGetAlpha(color(self)) : 0.0; }
+
+double component(REALobject self, std::int32_t index) {
+    std::int32_t count = numberOfComponents(self, 0);
+    if (!color(self)) return 0.0;
+    if (index < 0 || index >= count) {
+        RaiseOutOfBoundsException(index, 0, count, "index", "Component");
+        return 0.0;
+    }
+    return CGColorGetComponents(color(self))[index];
+}
+
+REALobject colorSpace(REALobject self) {
+    return color(self) ? newColorSpace(CGColorGetColorSpace(color(self))) : nullptr;
+}
+
+REALproperty properties[] = {
+    handleProperty(),
+    property("NumberOfComponents", "Integer", numberOfComponents),
+    property("Alpha", "Double", alpha),
+};
+
+REALmethodDefinition methods[] = {
+    method("Constructor(red as double, green as double, blue as double, alpha as double = 1.0)",
+           initWithRGBA),
+    method("Constructor(space as CGColorSpaceKaz, components() as double)", initWithComponents),
+    method("Component(index as Integer) as Double", component),
+    method("ColorSpace as CGColorSpaceKaz", colorSpace),
+};
+
+} // namespace
+
+REALclassDefinition CGColorKazClass =
+    classDefinition({.name = "CGColorKaz", .destructor = destroyWrapper}, properties, methods);
+
+} // namespace family

@@ -1,0 +1,77 @@
+// CGColorSpaceKaz: a Core Graphics colour space.
+#include "support.h"
+
+namespace family {
+namespace {
+
+CGColorSpaceRef space(REALobject self) { return nativeHandle<CGColorSpaceRef>(self); }
+
+// A new wrapper that takes over the created space; null for null.
+REALobject wrappedCreated(CGColorSpaceRef created) {
+    REALobject wrapper = newColorSpace(created);
+    if (created) CGColorSpaceRelease(created);
+    return wrapper;
+}
+
+template <CGColorSpaceRef (*Create)()>
+REALobject device() {
+    return guardedInPool([] { return wrappedCreated(Create()); });
+}
+
+template <const CFStringRef& Name>
+REALobject named() {
+    return guardedInPool([] { return wrappedCreated(CGColorSpaceCreateWithName(Name)); });
+}
+
+// Stays empty when the block holds no profile.
+void initWithProfile(REALobject self, REALmemoryBlock profile) {
+    if (raisesWhenInitialized(self) || raisesWhenNull(profile, "Memoryblock is nil")) return;
+    guardedInPool([&] {
+        rbData bytes(profile);
+        NSData* data = [NSData dataWithBytes:bytes.data() length:bytes.length()];
+        instanceData<CGColorSpaceRef>(self) = CGColorSpaceCreateWithICCProfile((CFDataRef)data);
+    });
+}
+
+REALstring name(REALobject self, std::uint32_t) {
+    return stringResult([&]() -> NSString* {
+        return space(self) ? [(NSString*)CGColorSpaceCopyName(space(self)) autorelease] : nil;
+    });
+}
+
+std::int32_t numberOfComponents(REALobject self, std::uint32_t) {
+    return space(self) ? static_cast<std::int32_t>(CGColorSpaceGetNumberOfComponents(space(self))) : 0;
+}
+
+// 0 gray, 1 RGB, 2 CMYK, 3 Lab; -1 unknown and for an empty wrapper.
+std::int32_t model(REALobject self, std::uint32_t) {
+    return space(self) ? static_cast<std::int32_t>(CGColorSpaceGetModel(space(self))) : -1;
+}
+
+REALproperty properties[] = {
+    handleProperty(),
+    property("Name", "String", name),
+    property("NumberOfComponents", "Integer", numberOfComponents),
+    property("Model", "Integer", model),
+};
+
+REALmethodDefinition methods[] = {
+    method("Constructor(ICCProfile as Memoryblock)", initWithProfile),
+};
+
+REALmethodDefinition sharedMethods[] = {
+    method("DeviceRGB as CGColorSpaceKaz", device<CGColorSpaceCreateDeviceRGB>),
+    method("DeviceGray as CGColorSpaceKaz", device<CGColorSpaceCreateDeviceGray>),
+    method("DeviceCMYK as CGColorSpaceKaz", device<CGColorSpaceCreateDeviceCMYK>),
+    method("SRGB as CGColorSpaceKaz", named<kCGColorSpaceSRGB>),
+    method("GenericRGB as CGColorSpaceKaz", named<kCGColorSpaceGenericRGB>),
+    method("GenericRGBLinear as CGColorSpaceKaz", named<kCGColorSpaceGenericRGBLinear>),
+    method("AdobeRGB1998 as CGColorSpaceKaz", named<kCGColorSpaceAdobeRGB1998>),
+};
+
+} // namespace
+
+REALclassDefinition CGColorSpaceKazClass = classDefinition(
+    {.name = "CGColorSpaceKaz", .destructor = destroyWrapper}, properties, methods, {}, sharedMethods);
+
+} // namespace family

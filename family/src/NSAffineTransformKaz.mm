@@ -1,0 +1,100 @@
+// NSAffineTransformKaz: a transform that is built step by step.
+#include "support.h"
+
+namespace family {
+namespace {
+
+// Other parts read six doubles from an argument of this class, so its data is never smaller than those.
+struct TransformData {
+    NSAffineTransform* transform;
+    std::uint32_t room[11];
+};
+static_assert(sizeof(TransformData) >= 6 * sizeof(double));
+
+NSAffineTransform* transform(REALobject self) { return instanceData<TransformData>(self).transform; }
+
+void initIdentity(REALobject self) {
+    construct(self, [] { return [[NSAffineTransform transform] retain]; });
+}
+
+void initWithMatrix(REALobject self, double a, double b, double c, double d, double tx, double ty) {
+    construct(self, [&] {
+        NSAffineTransform* made = [[NSAffineTransform transform] retain];
+        [made
+            setTransformStruct:{static_cast<CGFloat>(a), static_cast<CGFloat>(b), static_cast<CGFloat>(c),
+                                static_cast<CGFloat>(d), static_cast<CGFloat>(tx), static_cast<CGFloat>(ty)}];
+        return made;
+    });
+}
+
+void translate(REALobject self, double x, double y) {
+    guardedInPool(
+        [&] { [transform(self) translateXBy:static_cast<CGFloat>(x) yBy:static_cast<CGFloat>(y)]; });
+}
+
+void scale(REALobject self, double x, double y) {
+    guardedInPool([&] { [transform(self) scaleXBy:static_cast<CGFloat>(x) yBy:static_cast<CGFloat>(y)]; });
+}
+
+void rotateByDegrees(REALobject self, double angle) {
+    guardedInPool([&] { [transform(self) rotateByDegrees:static_cast<CGFloat>(angle)]; });
+}
+
+void invert(REALobject self) {
+    guardedInPool([&] { [transform(self) invert]; });
+}
+
+void append(REALobject self, REALobject other) {
+    if (raisesWhenNull(nativeHandle(other), "transform is nil")) return;
+    guardedInPool([&] { [transform(self) appendTransform:transform(other)]; });
+}
+
+REALobject transformPoint(REALobject self, REALobject point) {
+    if (raisesWhenNull(point, "point is nil")) return nullptr;
+    return guardedInPool([&]() -> REALobject {
+        if (!transform(self)) return nullptr;
+        const PointFields& p = instanceData<PointFields>(point);
+        NSPoint result = [transform(self)
+            transformPoint:NSMakePoint(static_cast<CGFloat>(p.x), static_cast<CGFloat>(p.y))];
+        return newPoint(CGPointMake(result.x, result.y));
+    });
+}
+
+template <CGFloat NSAffineTransformStruct::*Member>
+double element(REALobject self, std::uint32_t) {
+    return guardedInPool(
+        [&] { return transform(self) ? double([transform(self) transformStruct].*Member) : 0.0; });
+}
+
+REALproperty properties[] = {
+    handleProperty(),
+    property("M11", "Double", element<&NSAffineTransformStruct::m11>),
+    property("M12", "Double", element<&NSAffineTransformStruct::m12>),
+    property("M21", "Double", element<&NSAffineTransformStruct::m21>),
+    property("M22", "Double", element<&NSAffineTransformStruct::m22>),
+    property("TX", "Double", element<&NSAffineTransformStruct::tX>),
+    property("TY", "Double", element<&NSAffineTransformStruct::tY>),
+};
+
+REALmethodDefinition methods[] = {
+    method("Constructor", initIdentity),
+    method(
+        "Constructor(m11 as double, m12 as double, m21 as double, m22 as double, tx as double, ty as double)",
+        initWithMatrix),
+    method("Translate(x as double, y as double)", translate),
+    method("Scale(x as double, y as double)", scale),
+    method("RotateByDegrees(angle as double)", rotateByDegrees),
+    method("Invert", invert),
+    method("Append(transform as NSAffineTransformKaz)", append),
+    method("TransformPoint(p as CGPointKaz) as CGPointKaz", transformPoint),
+};
+
+} // namespace
+
+REALclassDefinition NSAffineTransformKazClass = classDefinition({.name = "NSAffineTransformKaz",
+                                                                 .dataSize = sizeof(TransformData),
+                                                                 .constructor = constructWrapper,
+                                                                 .destructor = destroyWrapper},
+                                                                properties, methods);
+
+} // namespace family

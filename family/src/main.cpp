@@ -1,0 +1,32 @@
+// The entry of the sibling plugin: it agrees on a record version as every plugin does, then registers its
+// classes.
+#include <host/registration.h>
+#include <host/services.h>
+
+namespace family {
+
+extern REALclassDefinition CGPointKazClass;
+extern REALclassDefinition CGRectKazClass;
+extern REALclassDefinition CGColorSpaceKazClass;
+extern REALclassDefinition CGColorKazClass;
+extern REALclassDefinition CGImageKazClass;
+extern REALclassDefinition CGContextKazClass;
+extern REALclassDefinition NSAffineTransformKazClass;
+extern REALclassDefinition NSImageKazClass;
+
+} // namespace family
+
+extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALResolver resolver) {
+    NegotiateRecordVersion(resolver);
+    for (REALclassDefinition* definition : {
+             &family::CGPointKazClass,
+             &family::CGRectKazClass,
+             &family::CGColorSpaceKazClass,
+             &family::CGColorKazClass,
+             &family::CGImageKazClass,
+             &family::CGContextKazClass,
+             &family::NSAffineTransformKazClass,
+             &family::NSImageKazClass,
+         })
+        MyREALRegisterClass(definition);
+}
