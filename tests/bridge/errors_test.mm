@@ -1,0 +1,216 @@
+#include "bridge_test.h"
+
+#include <bridge/errors.h>
+#include <bridge/guard.h>
+#include <bridge/registry.h>
+
+#include <cstring>
+
+namespace {
+
+using studio::Value;
+
+class Errors : public BridgeTest {
+  protected:
+    explicit Errors(std::set<std::string> withheld = {}) : BridgeTest({.withheld = std::move(withheld)}) {}
+
+    struct Raised {
+        std::string className, message;
+        bool operator==(const Raised&) const = default;
+    };
+
+    // The exception that the call raised in the host.
+    template <class Call>
+    Raised raised(Call&& call) {
+        call();
+        Value exception = host.takePendingException();
+        if (exception.isNil()) return {"(none)", ""};
+        return {exception.className(), host.get(exception, "Message").text()};
+    }
+
+    Raised outOfBounds(std::int64_t value, std::int64_t count, const char* parameter = "index",
+                       const char* method = "Component") {
+        return raised([&] { RaiseOutOfBoundsException(value, 0, count, parameter, method); });
+    }
+};
+
+#define EXPECT_RAISED(call, expectedClass, expectedMessage)                                                  \
+    do {                                                                                                     \
+        auto was = call;                                                                                     \
+        EXPECT_EQ(was.className, expectedClass);                                                             \
+        EXPECT_EQ(was.message, expectedMessage);                                                             \
+    } while (false)
+
+TEST_F(Errors, AnExceptionCarriesItsClassAndMessage) {
+    EXPECT_RAISED(raised([] { RaiseException("NilObjectException", "image is nil"); }), "NilObjectException",
+                  "image is nil");
+    expectClean();
+}
+
+TEST_F(Errors, MessagesAreTaggedASCII) {
+    RaiseException("NilObjectException", "image is nil");
+    {
+        Value exception = host.takePendingException();
+        Value message = host.get(exception, "Message");
+        EXPECT_EQ(REALGetStringEncoding(message.stringHandle()), kREALTextEncodingASCII);
+    }
+    expectClean();
+}
+
+TEST_F(Errors, AnEmptyMessageIsANullString) {
+    for (const char* message : {"", static_cast<const char*>(nullptr)}) {
+        RaiseException("RuntimeException", message);
+        Value exception = host.takePendingException();
+        REALstring text = nullptr;
+        ASSERT_TRUE(REALGetPropValueString(exception.object(), "Message", &text));
+        EXPECT_EQ(text, nullptr);
+    }
+    expectClean();
+}
+
+TEST_F(Errors, AnUnknownClassBecomesARuntimeException) {
+    EXPECT_RAISED(raised([] { RaiseException("NoSuchException", "what happened"); }), "RuntimeException",
+                  "what happened");
+    expectClean();
+}
+
+TEST_F(Errors, ANegativeIndexIsTooSmall) {
+    EXPECT_RAISED(outOfBounds(-1, 4), "OutOfBoundsException",
+                  "Parameter index to method Component is too small. Range is 0 to 3, but value is -1.");
+}
+
+TEST_F(Errors, AnIndexPastTheEndIsTooBig) {
+    EXPECT_RAISED(outOfBounds(7, 4), "OutOfBoundsException",
+                  "Parameter index to method Component is too big. Range is 0 to 3, but value is 7.");
+}
+
+TEST_F(Errors, AnUnsignedIndexIsAlwaysTooBig) {
+    EXPECT_RAISED(
+        outOfBounds(static_cast<std::uint32_t>(-1), 4), "OutOfBoundsException",
+        "Parameter index to method Component is too big. Range is 0 to 3, but value is 4294967295.");
+}
+
+TEST_F(Errors, NumbersAreSixtyFourBitsWide) {
+    EXPECT_RAISED(outOfBounds(-0x123456789ALL, 0x100000000LL), "OutOfBoundsException",
+                  "Parameter index to method Component is too small. Range is 0 to 4294967295, but value is "
+                  "-78187493530.");
+}
+
+TEST_F(Errors, MissingNamesBecomeQuestionMarks) {
+    EXPECT_RAISED(outOfBounds(1, 1, nullptr, nullptr), "OutOfBoundsException",
+                  "Parameter ? to method ? is too big. Range is 0 to 0, but value is 1.");
+    expectClean();
+}
+
+class ErrorsWithoutInstances : public Errors {
+  protected:
+    ErrorsWithoutInstances() : Errors({"PluginNewInstance"}) {}
+};
+
+TEST_F(ErrorsWithoutInstances, NothingIsRaisedAndNothingLeaks) {
+    EXPECT_RAISED(raised([] { RaiseException("NilObjectException", "image is nil"); }), "(none)", "");
+    expectClean();
+}
+
+class ErrorsWithoutStrings : public Errors {
+  protected:
+    ErrorsWithoutStrings() : Errors({"REALBuildString"}) {}
+};
+
+TEST_F(ErrorsWithoutStrings, TheExceptionComesWithoutAMessage) {
+    EXPECT_RAISED(raised([] { RaiseException("NilObjectException", "image is nil"); }), "NilObjectException",
+                  "");
+    expectClean();
+}
+
+// --- the guard frame --------------------------------------------------------------------------------------
+
+int failingBody() {
+    [NSException raise:NSInvalidArgumentException format:@"the reason"];
+    return 1;
+}
+
+TEST_F(Errors, ACocoaExceptionGivesTheEmptyResultAndOneLineInTheLog) {
+    testing::internal::CaptureStderr();
+    int result = bridge::guarded([] { return failingBody(); });
+    std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(result, 0);
+    Value exception = host.takePendingException();
+    EXPECT_EQ(exception.className(), "RuntimeException");
+    EXPECT_EQ(host.get(exception, "Message").text(), "the reason");
+
+    std::size_t line = log.find("A NSInvalidArgumentException: the reason, Info: ");
+    ASSERT_NE(line, std::string::npos) << log;
+    EXPECT_EQ(log.find("A NSInvalidArgumentException", line + 1), std::string::npos) << "logged twice";
+    exception = {};
+    expectClean();
+}
+
+TEST_F(Errors, EachResultTypeHasItsEmptyResult) {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(bridge::guarded([] { return failingBody() + 0.5; }), 0.0);
+    EXPECT_EQ(bridge::guarded([] { return failingBody() == 1; }), false);
+    EXPECT_EQ(bridge::guarded([]() -> REALobject {
+                  failingBody();
+                  return nullptr;
+              }),
+              nullptr);
+    bridge::guarded([] { failingBody(); });
+    testing::internal::GetCapturedStderr();
+    EXPECT_FALSE(host.takePendingException().isNil());
+}
+
+TEST_F(Errors, AResultPassesThroughUntouched) {
+    EXPECT_EQ(bridge::guarded([] { return 42; }), 42);
+    EXPECT_TRUE(host.takePendingException().isNil());
+}
+
+// Counts its deallocations, to see that pools are drained.
+} // namespace
+
+@interface DrainWitness : NSObject
+@end
+static int drained = 0;
+@implementation DrainWitness
+- (void)dealloc {
+    ++drained;
+    [super dealloc];
+}
+@end
+
+namespace {
+
+TEST_F(Errors, ThePoolIsDrainedOnEveryPath) {
+    drained = 0;
+    bridge::guardedInPool([] { [[[DrainWitness alloc] init] autorelease]; });
+    EXPECT_EQ(drained, 1);
+    testing::internal::CaptureStderr();
+    bridge::guardedInPool([] {
+        [[[DrainWitness alloc] init] autorelease];
+        failingBody();
+    });
+    EXPECT_EQ(drained, 2);
+    // Another object than an NSException is not the guard's: it passes, and the pool is drained on its way.
+    bool passed = false;
+    @try {
+        bridge::guardedInPool([] {
+            [[[DrainWitness alloc] init] autorelease];
+            @throw @"not an exception";
+        });
+    } @catch (NSString*) {
+        passed = true;
+    }
+    testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(passed);
+    EXPECT_EQ(drained, 3);
+    host.takePendingException();
+}
+
+TEST_F(Errors, WithoutTheFamilyThereIsNoRegistry) {
+    bridge::ensureFamily();
+    bridge::registerWrapper(this, reinterpret_cast<REALobject>(this));
+    EXPECT_EQ(bridge::lockRegisteredWrapper(this), nullptr);
+    bridge::unregisterWrapper(this);
+}
+
+} // namespace

@@ -1,0 +1,10 @@
+# Fails unless REALPluginMain is the only function that the plugin defines for others.
+execute_process(COMMAND "${NM}" -D --defined-only "${PLUGIN}" OUTPUT_VARIABLE symbols RESULT_VARIABLE status)
+if(status)
+  message(FATAL_ERROR "${NM} failed on ${PLUGIN}")
+endif()
+string(REGEX MATCHALL "[^\n ]+\n" names "${symbols}")
+list(TRANSFORM names STRIP)
+if(NOT names STREQUAL "REALPluginMain")
+  message(FATAL_ERROR "expected REALPluginMain alone, found:\n${symbols}")
+endif()
