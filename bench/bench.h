@@ -1,0 +1,50 @@
+// A small frame for measurements: every benchmark runs in a process of its own, so that peak memory is its
+// own, and reports the best of several runs, the figure that a busy machine disturbs least.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+namespace bench {
+
+// Seconds that one run of `work` takes: the best of `runs`.
+template <class Work>
+double bestOf(int runs, Work&& work) {
+    double best = 1e30;
+    for (int i = 0; i < runs; ++i) {
+        auto start = std::chrono::steady_clock::now();
+        work();
+        std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+        best = taken.count() < best ? taken.count() : best;
+    }
+    return best;
+}
+
+// Nanoseconds of one call, measured over many.
+template <class Call>
+double nanosecondsOf(Call&& call) {
+    constexpr int calls = 100000;
+    return bestOf(5,
+                  [&] {
+                      for (int i = 0; i < calls; ++i) call();
+                  }) /
+           calls * 1e9;
+}
+
+// Prints "name   value unit   ratio x baseline".
+void report(const std::string& name, double value, const char* unit, double ratio, const char* baseline);
+void report(const std::string& name, double value, const char* unit);
+
+struct Benchmark {
+    const char* name;
+    void (*run)();
+};
+
+// The benchmarks of each file.
+extern const Benchmark calls;
+extern const Benchmark colorChain;
+extern const Benchmark gaussianBlur;
+extern const Benchmark pluginMain;
+
+} // namespace bench

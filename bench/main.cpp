@@ -1,0 +1,44 @@
+#include "bench.h"
+
+#include <cstdio>
+#include <cstring>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+void bench::report(const std::string& name, double value, const char* unit, double ratio,
+                   const char* baseline) {
+    std::printf("  %-44s %10.2f %s  %8.2f x %s\n", name.c_str(), value, unit, ratio, baseline);
+}
+
+void bench::report(const std::string& name, double value, const char* unit) {
+    std::printf("  %-44s %10.2f %s\n", name.c_str(), value, unit);
+}
+
+int main(int argc, char** argv) {
+    const bench::Benchmark benchmarks[] = {bench::pluginMain, bench::calls, bench::colorChain,
+                                           bench::gaussianBlur};
+    bool failed = false, ran = false;
+    for (const bench::Benchmark& benchmark : benchmarks) {
+        if (argc > 1 && !std::strstr(benchmark.name, argv[1])) continue;
+        ran = true;
+        std::printf("%s\n", benchmark.name);
+        std::fflush(stdout);
+        pid_t child = fork();
+        if (child == 0) {
+            benchmark.run();
+            rusage usage;
+            getrusage(RUSAGE_SELF, &usage);
+            bench::report("peak memory", static_cast<double>(usage.ru_maxrss) / 1024, "MiB");
+            std::fflush(stdout);
+            _exit(0);
+        }
+        int status = 0;
+        if (child < 0 || waitpid(child, &status, 0) < 0 || status != 0) {
+            std::printf("  failed\n");
+            failed = true;
+        }
+    }
+    if (!ran) std::printf("no benchmark's name holds '%s'\n", argv[1]);
+    return failed || !ran;
+}

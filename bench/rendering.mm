@@ -1,0 +1,100 @@
+// Rendering a photograph of twelve megapixels, against copying its pixels once.
+#include "bench.h"
+
+#include <ImageIO/ImageIO.h>
+
+#import <QuartzCore/QuartzCore.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr size_t kWidth = 4000, kHeight = 3000;
+
+CGContextRef newBitmap() {
+    CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+    CGContextRef bitmap =
+        CGBitmapContextCreate(nullptr, kWidth, kHeight, 8, kWidth * 4, space, kCGImageAlphaPremultipliedLast);
+    CGColorSpaceRelease(space);
+    return bitmap;
+}
+
+// A sample photograph enlarged to the size of a camera's.
+CGImageRef newPhotograph() {
+    const char* folder = std::getenv("KAZ_PHOTOS");
+    NSString* path = [NSString stringWithFormat:@"%s/coffee.png", folder ? folder : "."];
+    CGImageSourceRef source = CGImageSourceCreateWithURL((CFURLRef)[NSURL fileURLWithPath:path], nullptr);
+    CGImageRef small = source ? CGImageSourceCreateImageAtIndex(source, 0, nullptr) : nullptr;
+    if (!small) {
+        std::printf("  cannot read %s: run this as ./kaz bench\n", [path UTF8String]);
+        std::exit(1);
+    }
+    CGContextRef bitmap = newBitmap();
+    CGContextDrawImage(bitmap, CGRectMake(0, 0, kWidth, kHeight), small);
+    CGImageRef photograph = CGBitmapContextCreateImage(bitmap);
+    CGContextRelease(bitmap);
+    CGImageRelease(small);
+    CFRelease(source);
+    return photograph;
+}
+
+double copySeconds() {
+    std::vector<unsigned char> from(kWidth * kHeight * 4, 1), to(from.size());
+    return bench::bestOf(7, [&] { std::memcpy(to.data(), from.data(), from.size()); });
+}
+
+CIImage* filtered(NSString* name, CIImage* image, NSDictionary* values = nil) {
+    CIFilter* filter = [CIFilter filterWithName:name];
+    [filter setDefaults];
+    [filter setValue:image forKey:@"inputImage"];
+    for (NSString* key in values) [filter setValue:[values objectForKey:key] forKey:key];
+    return [filter valueForKey:@"outputImage"];
+}
+
+// Renders what `recipe` makes of the photograph, and reports it in copies of the photograph.
+template <class Recipe>
+void measure(const char* name, Recipe&& recipe) {
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    double copy = copySeconds();
+    CGImageRef photograph = newPhotograph();
+    CGContextRef bitmap = newBitmap();
+    CIImage* image = recipe([CIImage imageWithCGImage:photograph]);
+    CIContext* context = [CIContext contextWithCGContext:bitmap options:nil];
+    CGRect whole = CGRectMake(0, 0, kWidth, kHeight);
+    double render = bench::bestOf(5, [&] { [context drawImage:image inRect:whole fromRect:whole]; });
+    bench::report("copying the picture once", copy * 1e3, "ms");
+    bench::report(name, render * 1e3, "ms", render / copy, "the copy");
+    CGContextRelease(bitmap);
+    CGImageRelease(photograph);
+    [pool release];
+}
+
+NSDictionary* value(NSString* key, double number) {
+    return [NSDictionary dictionaryWithObject:[NSNumber numberWithDouble:number] forKey:key];
+}
+
+void measureColorChain() {
+    measure("a chain of 8 colour filters", [](CIImage* image) {
+        image = filtered(@"CIExposureAdjust", image, value(@"inputEV", 0.3));
+        image = filtered(@"CIColorControls", image, value(@"inputSaturation", 1.2));
+        image = filtered(@"CIHueAdjust", image, value(@"inputAngle", 0.2));
+        image = filtered(@"CIGammaAdjust", image, value(@"inputPower", 0.9));
+        image = filtered(@"CIColorInvert", image);
+        image = filtered(@"CIColorMatrix", image);
+        image = filtered(@"CISepiaTone", image, value(@"inputIntensity", 0.4));
+        return filtered(@"CIVignette", image, value(@"inputIntensity", 0.7));
+    });
+}
+
+void measureGaussianBlur() {
+    measure("CIGaussianBlur, radius 20",
+            [](CIImage* image) { return filtered(@"CIGaussianBlur", image, value(@"inputRadius", 20)); });
+}
+
+} // namespace
+
+const bench::Benchmark bench::colorChain = {"render: 8 colour filters, 4000 x 3000", measureColorChain};
+const bench::Benchmark bench::gaussianBlur = {"render: CIGaussianBlur, 4000 x 3000", measureGaussianBlur};
