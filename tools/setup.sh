@@ -58,6 +58,10 @@ apt-get "${apt_options[@]}" -y --no-install-recommends --download-only install "
 rm -rf "$sysroot.new"
 mkdir -p "$sysroot.new"
 for deb in "$apt"/cache/archives/*.deb; do dpkg -x "$deb" "$sysroot.new"; done
+# Links that name the machine's own root must stay inside the sysroot.
+find "$sysroot.new" -type l -lname '/*' -print0 | while IFS= read -r -d '' link; do
+    ln -sfnr "$sysroot.new$(readlink "$link")" "$link"
+done
 rm -rf "$sysroot" && mv "$sysroot.new" "$sysroot"
 
 # --- photographs that anyone may use --------------------------------------------------------------

@@ -95,9 +95,9 @@ REALobject newStructure(const char* className, Fields fields) {
 }
 
 // Times are built by categories of sibling parts; null without them.
-#define TIME_RULE(getter)                                                                                      \
-    REALobject getter(NSValue* value) {                                                                        \
-        return [value respondsToSelector:@selector(getter)] ? [value getter] : nullptr;                        \
+#define TIME_RULE(getter)                                                                                    \
+    REALobject getter(NSValue* value) {                                                                      \
+        return [value respondsToSelector:@selector(getter)] ? [value getter] : nullptr;                      \
     }
 TIME_RULE(QTTimeValueKaz)
 TIME_RULE(QTTimeRangeValueKaz)
@@ -176,7 +176,8 @@ REALobject NSDictionaryRB(NSDictionary* dictionary) {
         id cocoaKey = [keys objectAtIndex:i];
         REALobject key = NewVariantFromNSObject(cocoaKey);
         REALobject value = NewVariantFromNSObject([dictionary objectForKey:cocoaKey]);
-        if (auto setValue = bridge::dictionaryMethods(result).setValue) setValue(result, key, value);
+        bridge::refreshDictionaryMethods(result);
+        if (LastDictionarySetter) LastDictionarySetter(result, key, value);
         if (key) REALUnlockObject(key);
         if (value) REALUnlockObject(value);
     }

@@ -241,11 +241,11 @@ NSDictionary* NewNSDictionary(REALobject dictionary) {
     if (count < 1) return [NSDictionary dictionary];
     NSMutableDictionary* result = [NSMutableDictionary dictionaryWithCapacity:static_cast<NSUInteger>(count)];
     for (std::int32_t i = 0; result && i < count; ++i) {
-        // Asked for anew each time: converting an entry may have converted another dictionary.
-        auto keyAt = bridge::dictionaryMethods(dictionary).key;
-        REALobject key = keyAt ? keyAt(dictionary, i) : nullptr;
-        auto valueFor = bridge::dictionaryMethods(dictionary).value;
-        REALobject value = valueFor ? valueFor(dictionary, key) : nullptr;
+        // Refreshed each time: converting an entry may have converted another dictionary.
+        bridge::refreshDictionaryMethods(dictionary);
+        REALobject key = LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, i) : nullptr;
+        bridge::refreshDictionaryMethods(dictionary);
+        REALobject value = LastDictionaryGetter ? LastDictionaryGetter(dictionary, key) : nullptr;
         if (key) {
             id cocoaKey = GetVariantAsNSObject(key);
             id cocoaValue = GetVariantAsNSObject(value);

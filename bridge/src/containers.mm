@@ -85,20 +85,21 @@ REALfolderItem folderItemInParent(CFURLRef url) {
 
 } // namespace
 
-const bridge::DictionaryMethods& bridge::dictionaryMethods(REALobject dictionary) {
-    static REALobject lastDictionary = nullptr;
-    static DictionaryMethods methods = {};
-    if (dictionary != lastDictionary) {
-        lastDictionary = dictionary;
-        auto load = [dictionary](auto& method, const char* declaration) {
-            method = reinterpret_cast<std::decay_t<decltype(method)>>(
-                REALLoadObjectMethod(dictionary, declaration));
-        };
-        load(methods.setValue, "Value(key As Variant, Assigns _value As Variant)");
-        load(methods.value, "Value(key As Variant) As Variant");
-        load(methods.key, "Key(index As Integer) As Variant");
-    }
-    return methods;
+REALobject LastDictionary = nullptr;
+void (*LastDictionarySetter)(REALobject, REALobject, REALobject) = nullptr;
+REALobject (*LastDictionaryGetter)(REALobject, REALobject) = nullptr;
+REALobject (*LastDictionaryKeyGetter)(REALobject, std::int32_t) = nullptr;
+
+void bridge::refreshDictionaryMethods(REALobject dictionary) {
+    if (dictionary == LastDictionary) return;
+    LastDictionary = dictionary;
+    auto load = [dictionary](auto& method, const char* declaration) {
+        method =
+            reinterpret_cast<std::decay_t<decltype(method)>>(REALLoadObjectMethod(dictionary, declaration));
+    };
+    load(LastDictionarySetter, "Value(key As Variant, Assigns _value As Variant)");
+    load(LastDictionaryGetter, "Value(key As Variant) As Variant");
+    load(LastDictionaryKeyGetter, "Key(index As Integer) As Variant");
 }
 
 void FillStringArray(REALstringArray array, NSArray* strings) {

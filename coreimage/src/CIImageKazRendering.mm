@@ -135,7 +135,7 @@ REALpicture renderPicture(REALobject self, std::int32_t width, std::int32_t heig
 
         bool drawn = false;
         REALpictureDescription description = {};
-        if (REALLockPreferredPictureDescription(picture, &description)) {
+        if (REALLockPictureDescription(picture, &description)) {
             // The description and the picture are given back even when Core Image raises.
             @try {
                 drawn = drawIntoPicture(image(self), description, extent, width, height, deviceRGB.get(),

@@ -26,16 +26,16 @@ NSDate* NewNSDate(REALobject date);
 REALobject NewNSImageKaz(NSImage* image);
 REALobject NewNSAffineTransformKaz(NSAffineTransform* transform);
 
+// The host's Dictionary methods, loaded for the dictionary that was converted last; null where the host lacks
+// one. Values and keys come locked.
+extern REALobject LastDictionary;
+extern void (*LastDictionarySetter)(REALobject dictionary, REALobject key, REALobject value);
+extern REALobject (*LastDictionaryGetter)(REALobject dictionary, REALobject key);
+extern REALobject (*LastDictionaryKeyGetter)(REALobject dictionary, std::int32_t index);
+
 namespace bridge {
 
-// The host's Dictionary methods, loaded once for each run of calls on the same dictionary.
-struct DictionaryMethods {
-    void (*setValue)(REALobject dictionary, REALobject key, REALobject value);
-    REALobject (*value)(REALobject dictionary, REALobject key);   // locked
-    REALobject (*key)(REALobject dictionary, std::int32_t index); // locked
-};
-
-// The methods of this dictionary; a method that the host does not offer is null.
-const DictionaryMethods& dictionaryMethods(REALobject dictionary);
+// Loads the methods above unless they are this dictionary's already.
+void refreshDictionaryMethods(REALobject dictionary);
 
 } // namespace bridge

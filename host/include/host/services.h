@@ -101,8 +101,6 @@ HOST_SERVICE(REALMemoryBlockGetPtr, memoryBlockGetPtr);
 HOST_SERVICE(REALMemoryBlockGetSize, memoryBlockGetSize);
 HOST_SERVICE(REALNewPicture, newPicture);
 HOST_SERVICE(REALGetPictureGraphics, pluginPictureGraphicsGetter);
-HOST_SERVICE(REALLockPreferredPictureDescription, lockPictureDescription);
-HOST_SERVICE(REALLockPictureDescription, REALLockPictureDescription);
 HOST_SERVICE(REALUnlockPictureDescription, unlockPictureDescription);
 HOST_SERVICE(REALPictureClearCache, REALPictureClearCache);
 HOST_SERVICE(REALGetPictureMask, REALGetPictureMask);
@@ -114,12 +112,35 @@ HOST_SERVICE(REALFolderItemFromParentFSRef, REALFolderItemFromParentFSRef);
 
 #undef HOST_SERVICE
 
+// A lock on a picture's description: in the kind that the host prefers, or in a kind asked for. Two entries.
+inline constinit struct {
+    host::Service<host::service::lockPictureDescription> preferred{"lockPictureDescription"};
+    host::Service<host::service::REALLockPictureDescription> ofKind{"REALLockPictureDescription"};
+
+    bool operator()(REALpicture picture, REALpictureDescription* out) { return preferred(picture, out); }
+    bool operator()(REALpicture picture, REALpictureDescription* out, std::int32_t kind) {
+        return ofKind(picture, out, kind);
+    }
+} REALLockPictureDescription;
+
 // A host function by its declaration, or null.
 inline void* REALLoadFrameworkMethod(const char* declaration) {
     return REALLoadGlobalMethod(nullptr, declaration);
 }
 
 namespace host {
+
+// Reads an element through the accessor that the host hands out for the array, asked for again for every
+// element. Strings and objects come locked; 0 or null when the host hands out none.
+template <class Value>
+struct ArrayGetter {
+    Value operator()(REALarray array, std::int32_t index) const {
+        using Get = void (*)(REALarray, std::int32_t, Value*);
+        Value value = {};
+        if (Get get = reinterpret_cast<Get>(REALGetArrayGetProc(array))) get(array, index, &value);
+        return value;
+    }
+};
 
 // Stores `value` at `index` of a host array through the array's own insert routine, which locks what it
 // keeps. Nothing is inserted when the host hands out no routine.
@@ -147,16 +168,11 @@ Value locked(Value value) {
     return value;
 }
 
-// Reads an element: from the array's storage where the host shows it, else through the array's own accessor,
-// which is asked for again for every element. Strings and objects come locked; 0 or null when the host offers
-// neither way.
+// Reads an element: from the array's storage where the host shows it, else through its accessor.
 template <class Value>
 Value arrayValue(REALarray array, std::int32_t index) {
     if (const Value* element = shownElement<Value>(array, index)) return locked(*element);
-    using Get = void (*)(REALarray, std::int32_t, Value*);
-    Value value = {};
-    if (Get get = reinterpret_cast<Get>(REALGetArrayGetProc(array))) get(array, index, &value);
-    return value;
+    return ArrayGetter<Value>()(array, index);
 }
 
 // Likewise for a string array, which has a host service of its own.
@@ -168,6 +184,13 @@ inline REALstring stringArrayValue(REALstringArray array, std::int32_t index) {
 } // namespace host
 
 // The names by which the host's own documentation knows the array accessors.
+inline constexpr host::ArrayGetter<std::int64_t> REALGetArrayValueInt64;
+inline constexpr host::ArrayGetter<std::int32_t> REALGetArrayValueInt32;
+inline constexpr host::ArrayGetter<std::uint8_t> REALGetArrayValueUInt8;
+inline constexpr host::ArrayGetter<float> REALGetArrayValueSingle;
+inline constexpr host::ArrayGetter<double> REALGetArrayValueDouble;
+inline constexpr host::ArrayGetter<REALstring> REALGetArrayValueString;
+inline constexpr host::ArrayGetter<REALobject> REALGetArrayValueObject;
 inline void REALInsertArrayValueString(REALarray array, std::int32_t index, REALstring value) {
     host::insertArrayValue(array, index, value);
 }

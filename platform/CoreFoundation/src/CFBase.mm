@@ -1,4 +1,4 @@
-#import <Foundation/Foundation.h>
+#include "pool.h"
 
 #include <CoreFoundation/CFBase.h>
 #include <CoreFoundation/CFString.h>
@@ -14,5 +14,6 @@ Boolean CFEqual(CFTypeRef a, CFTypeRef b) { return a == b || [(id)a isEqual:(id)
 CFHashCode CFHash(CFTypeRef object) { return [(id)object hash]; }
 
 const struct __CFString* CFCopyDescription(CFTypeRef object) {
+    TemporaryPool pool;
     return reinterpret_cast<CFStringRef>([[(id)object description] copy]);
 }

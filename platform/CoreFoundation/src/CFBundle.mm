@@ -1,4 +1,4 @@
-#import <Foundation/Foundation.h>
+#include "pool.h"
 
 #include <CoreFoundation/CFBundle.h>
 
@@ -22,6 +22,7 @@
 @end
 
 CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef url) {
+    TemporaryPool pool;
     NSString* path = [(NSURL*)url isFileURL] ? [(NSURL*)url path] : nil;
     BOOL isDirectory = NO;
     if (![[NSFileManager defaultManager] fileExistsAtPath:path isDirectory:&isDirectory] || !isDirectory)
@@ -32,6 +33,7 @@ CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef url) {
 }
 
 Boolean CFBundleLoadExecutable(CFBundleRef bundle) {
+    TemporaryPool pool;
     KazBundle* object = reinterpret_cast<KazBundle*>(bundle);
     if (!object->executable) {
         NSString* name = [[object->path lastPathComponent] stringByDeletingPathExtension];
@@ -42,6 +44,7 @@ Boolean CFBundleLoadExecutable(CFBundleRef bundle) {
 }
 
 void* CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef name) {
+    TemporaryPool pool;
     KazBundle* object = reinterpret_cast<KazBundle*>(bundle);
     return object->executable ? dlsym(object->executable, [(NSString*)name UTF8String]) : nullptr;
 }

@@ -1,0 +1,13 @@
+#import <Foundation/Foundation.h>
+
+#include <CoreGraphics/CGColorSpace.h>
+
+#define NAME(symbol) const CFStringRef symbol = (CFStringRef)@ #symbol
+
+NAME(kCGColorSpaceGenericGray);
+NAME(kCGColorSpaceGenericGrayGamma2_2);
+NAME(kCGColorSpaceGenericRGB);
+NAME(kCGColorSpaceGenericRGBLinear);
+NAME(kCGColorSpaceGenericCMYK);
+NAME(kCGColorSpaceAdobeRGB1998);
+NAME(kCGColorSpaceSRGB);

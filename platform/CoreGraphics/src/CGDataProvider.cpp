@@ -1,0 +1,73 @@
+#include <cg/dataprovider.h>
+
+#include <cstdio>
+#include <vector>
+
+namespace cg {
+
+static LiveCount live("CGDataProvider");
+
+DataProvider::DataProvider(const std::uint8_t* bytes, std::size_t size, std::function<void()> release)
+    : Payload(&live), bytes_(bytes), size_(size), release_(std::move(release)) {}
+
+DataProvider::~DataProvider() {
+    if (release_) release_();
+}
+
+CGDataProviderRef makeProvider(const std::uint8_t* bytes, std::size_t size,
+                               std::shared_ptr<const void> owner) noexcept {
+    return guarded([&] { return make<DataProvider>(bytes, size, [owner = std::move(owner)] {}); });
+}
+
+} // namespace cg
+
+using namespace cg;
+
+CGDataProviderRef CGDataProviderCreateWithData(void* info, const void* data, size_t size,
+                                               CGDataProviderReleaseDataCallback releaseData) {
+    return guarded([&] {
+        std::function<void()> release;
+        if (releaseData) release = [=] { releaseData(info, data, size); };
+        return make<DataProvider>(static_cast<const std::uint8_t*>(data), size, std::move(release));
+    });
+}
+
+CGDataProviderRef CGDataProviderCreateWithCFData(CFDataRef data) {
+    if (!data) return nullptr;
+    return guarded([&] {
+        Retained<CFDataRef> kept(data);
+        return make<DataProvider>(CFDataGetBytePtr(data), static_cast<std::size_t>(CFDataGetLength(data)),
+                                  [kept = std::move(kept)] {});
+    });
+}
+
+CGDataProviderRef CGDataProviderCreateWithURL(CFURLRef url) {
+    if (!url) return nullptr;
+    return guarded([&]() -> CGDataProviderRef {
+        auto path = Retained<CFStringRef>::adopt(CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle));
+        char name[4096];
+        if (!path || !CFStringGetCString(path.get(), name, sizeof name, kCFStringEncodingUTF8)) return nullptr;
+        std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name, "rb"), std::fclose);
+        if (!file) return nullptr;
+        auto bytes = std::make_shared<std::vector<std::uint8_t>>();
+        std::uint8_t chunk[65536];
+        while (std::size_t n = std::fread(chunk, 1, sizeof chunk, file.get()))
+            bytes->insert(bytes->end(), chunk, chunk + n);
+        if (std::ferror(file.get())) return nullptr;
+        return makeProvider(bytes->data(), bytes->size(), bytes);
+    });
+}
+
+CFDataRef CGDataProviderCopyData(CGDataProviderRef provider) {
+    DataProvider* self = get<DataProvider>(provider);
+    return self ? CFDataCreate(kCFAllocatorDefault, self->bytes(), static_cast<CFIndex>(self->size())) : nullptr;
+}
+
+CGDataProviderRef CGDataProviderRetain(CGDataProviderRef provider) {
+    if (provider) CFRetain(provider);
+    return provider;
+}
+
+void CGDataProviderRelease(CGDataProviderRef provider) {
+    if (provider) CFRelease(provider);
+}

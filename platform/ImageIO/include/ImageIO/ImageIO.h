@@ -1,0 +1,5 @@
+#pragma once
+
+#include <ImageIO/CGImageDestination.h>
+#include <ImageIO/CGImageProperties.h>
+#include <ImageIO/CGImageSource.h>

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+
+#ifdef __cplusplus
+#define IMAGEIO_EXTERN extern "C"
+#else
+#define IMAGEIO_EXTERN extern
+#endif

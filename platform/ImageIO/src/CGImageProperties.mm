@@ -1,0 +1,70 @@
+#import <Foundation/Foundation.h>
+
+#include <ImageIO/CGImageDestination.h>
+
+#include "CGImageProperties.h"
+
+#define KEY(symbol, text) const CFStringRef symbol = (CFStringRef)@text
+
+KEY(kCGImagePropertyPixelWidth, "PixelWidth");
+KEY(kCGImagePropertyPixelHeight, "PixelHeight");
+KEY(kCGImagePropertyDepth, "Depth");
+KEY(kCGImagePropertyDPIWidth, "DPIWidth");
+KEY(kCGImagePropertyDPIHeight, "DPIHeight");
+KEY(kCGImagePropertyOrientation, "Orientation");
+KEY(kCGImagePropertyHasAlpha, "HasAlpha");
+KEY(kCGImagePropertyIsFloat, "IsFloat");
+KEY(kCGImagePropertyIsIndexed, "IsIndexed");
+KEY(kCGImagePropertyColorModel, "ColorModel");
+KEY(kCGImagePropertyProfileName, "ProfileName");
+KEY(kCGImagePropertyColorModelRGB, "RGB");
+KEY(kCGImagePropertyColorModelGray, "Gray");
+KEY(kCGImagePropertyColorModelCMYK, "CMYK");
+KEY(kCGImagePropertyColorModelLab, "Lab");
+KEY(kCGImagePropertyTIFFDictionary, "{TIFF}");
+KEY(kCGImagePropertyExifDictionary, "{Exif}");
+KEY(kCGImagePropertyGPSDictionary, "{GPS}");
+KEY(kCGImageDestinationLossyCompressionQuality, "kCGImageDestinationLossyCompressionQuality");
+
+namespace imageio {
+
+static CFStringRef modelName(color::Model model) {
+    switch (model) {
+    case color::Model::gray: return kCGImagePropertyColorModelGray;
+    case color::Model::cmyk: return kCGImagePropertyColorModelCMYK;
+    case color::Model::lab: return kCGImagePropertyColorModelLab;
+    case color::Model::rgb: break;
+    }
+    return kCGImagePropertyColorModelRGB;
+}
+
+CFDictionaryRef makeProperties(const Info& info) {
+    NSMutableDictionary* properties = [[NSMutableDictionary alloc] init];
+    auto set = [&](CFStringRef key, id value) { [properties setObject:value forKey:(NSString*)key]; };
+    @autoreleasepool {
+        set(kCGImagePropertyPixelWidth, [NSNumber numberWithUnsignedInt:info.width]);
+        set(kCGImagePropertyPixelHeight, [NSNumber numberWithUnsignedInt:info.height]);
+        set(kCGImagePropertyDepth, [NSNumber numberWithInt:info.depth]);
+        set(kCGImagePropertyColorModel, (NSString*)modelName(info.space->model()));
+        if (info.hasAlpha) set(kCGImagePropertyHasAlpha, [NSNumber numberWithBool:YES]);
+        if (info.isFloat) set(kCGImagePropertyIsFloat, [NSNumber numberWithBool:YES]);
+        if (info.isIndexed) set(kCGImagePropertyIsIndexed, [NSNumber numberWithBool:YES]);
+        if (!info.profileName.empty()) {
+            NSString* name = [NSString stringWithUTF8String:info.profileName.c_str()];
+            if (name) set(kCGImagePropertyProfileName, name);
+        }
+        if (info.dpiX > 0 && info.dpiY > 0) {
+            set(kCGImagePropertyDPIWidth, [NSNumber numberWithDouble:info.dpiX]);
+            set(kCGImagePropertyDPIHeight, [NSNumber numberWithDouble:info.dpiY]);
+        }
+        if (info.orientation) set(kCGImagePropertyOrientation, [NSNumber numberWithInt:info.orientation]);
+    }
+    return (CFDictionaryRef)properties;
+}
+
+double numberProperty(CFDictionaryRef properties, CFStringRef key, double missing) {
+    id value = [(NSDictionary*)properties objectForKey:(NSString*)key];
+    return [value isKindOfClass:[NSNumber class]] ? [value doubleValue] : missing;
+}
+
+} // namespace imageio

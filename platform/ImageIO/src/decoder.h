@@ -1,0 +1,93 @@
+// Reading image files, in plain C++: bytes in, pixels out.
+#pragma once
+
+#include <color/color.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace imageio {
+
+using Bytes = std::span<const std::uint8_t>;
+
+/// The file is not what it claims to be: cut off, garbled, or too large to be meant.
+struct Damaged : std::invalid_argument {
+    using std::invalid_argument::invalid_argument;
+};
+
+enum class Alpha { none, straight, premultiplied };
+
+/// What a file tells about one image.
+struct Info {
+    std::size_t width = 0, height = 0;
+    /// Bits of a component in the file.
+    int depth = 8;
+    bool hasAlpha = false;
+    bool isFloat = false;
+    bool isIndexed = false;
+    /// Of what is decoded. Never null after decoding.
+    color::ColorSpacePtr space;
+    /// The description of the embedded profile; empty without.
+    std::string profileName;
+    /// 0 when the file does not tell.
+    double dpiX = 0, dpiY = 0;
+    /// As in EXIF, 1 to 8; 0 when the file does not tell.
+    int orientation = 0;
+    /// The EXIF block, from its byte-order mark on; empty without.
+    std::vector<std::uint8_t> exif;
+};
+
+/// Pixels as in the file, interleaved, tightly packed, the top row first, components in the machine's byte order.
+struct Pixels {
+    /// 8, 16 or 32 (float).
+    int bits = 8;
+    /// Components and, after them, alpha or a filler.
+    int samples = 4;
+    Alpha alpha = Alpha::none;
+    std::size_t rowBytes = 0;
+    std::size_t size = 0;
+    std::shared_ptr<std::uint8_t[]> bytes;
+
+    /// Memory for an image; throws Damaged when the size is absurd, std::bad_alloc when there is no room.
+    void allocate(std::size_t width, std::size_t height);
+    std::uint8_t* row(std::size_t y) const { return bytes.get() + y * rowBytes; }
+};
+
+struct Decoded {
+    Info info;
+    /// Without bytes when only the information was asked for.
+    Pixels pixels;
+};
+
+/// One file format. The functions throw Damaged and std::bad_alloc.
+struct Format {
+    /// Uniform type identifier.
+    const char* type;
+    bool (*recognises)(Bytes file);
+    std::size_t (*count)(Bytes file);
+    Decoded (*decode)(Bytes file, std::size_t index, bool pixels);
+};
+
+extern const Format jpegFormat, pngFormat, tiffFormat, gifFormat, bmpFormat, webpFormat;
+
+/// The format that recognises the file by its first bytes; null for none.
+const Format* formatOf(Bytes file);
+
+// Shared by the decoders.
+
+/// Throws Damaged for a size of zero, or more than 2^28 pixels.
+void checkSize(std::uint64_t width, std::uint64_t height);
+/// The embedded profile as the space of `info`, if it is one for `components`; otherwise `missing`. An unusable
+/// profile counts as none.
+void setProfile(Info& info, Bytes icc, int components, color::ColorSpacePtr missing);
+/// Keeps the block and reads the orientation from it.
+void setExif(Info& info, Bytes exif);
+/// For formats that hold one image.
+std::size_t one(Bytes file);
+
+} // namespace imageio

@@ -1,0 +1,89 @@
+#include "encoder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <csetjmp>
+#include <cstdio>
+#include <cstdlib>
+
+#include <jpeglib.h>
+
+namespace imageio {
+
+namespace {
+
+/// The library's errors jump back to run().
+struct Writer {
+    explicit Writer(const Source& source) : source(source), row(source.rowBytes()) {
+        static constexpr char mark[] = "Exif\0";
+        exif.assign(mark, mark + sizeof mark);
+        std::vector<std::uint8_t> block = orientationBlock(source.orientation);
+        exif.insert(exif.end(), block.begin(), block.end());
+        info.err = jpeg_std_error(&errors);
+        info.client_data = this;
+        errors.error_exit = [](j_common_ptr c) { std::longjmp(static_cast<Writer*>(c->client_data)->escape, 1); };
+        errors.output_message = [](j_common_ptr) {};
+    }
+    ~Writer() {
+        if (created) jpeg_destroy_compress(&info);
+        std::free(data);
+    }
+    bool run();
+
+    const Source& source;
+    std::vector<std::uint8_t> row, exif;
+    jpeg_compress_struct info = {};
+    jpeg_error_mgr errors = {};
+    std::jmp_buf escape;
+    bool created = false;
+    unsigned char* data = nullptr;
+    unsigned long size = 0;
+};
+
+bool Writer::run() {
+    if (setjmp(escape)) return false;
+    jpeg_create_compress(&info);
+    created = true;
+    jpeg_mem_dest(&info, &data, &size);
+    info.image_width = static_cast<JDIMENSION>(source.width);
+    info.image_height = static_cast<JDIMENSION>(source.height);
+    info.input_components = source.colors;
+    info.in_color_space = source.colors == 1 ? JCS_GRAYSCALE : JCS_RGB;
+    jpeg_set_defaults(&info);
+    auto quality = static_cast<int>(std::lround(std::clamp(source.quality, 0., 1.) * 100));
+    jpeg_set_quality(&info, quality, TRUE);
+    // Fine colours are kept where quality is asked for.
+    if (quality >= 90 && source.colors == 3) info.comp_info[0].h_samp_factor = info.comp_info[0].v_samp_factor = 1;
+    info.density_unit = 1;
+    info.X_density = static_cast<UINT16>(std::clamp(std::lround(source.dpiX), 1l, 65535l));
+    info.Y_density = static_cast<UINT16>(std::clamp(std::lround(source.dpiY), 1l, 65535l));
+    jpeg_start_compress(&info, TRUE);
+    if (source.orientation != 1)
+        jpeg_write_marker(&info, JPEG_APP0 + 1, exif.data(), static_cast<unsigned>(exif.size()));
+    if (!source.icc.empty())
+        jpeg_write_icc_profile(&info, source.icc.data(), static_cast<unsigned>(source.icc.size()));
+    for (std::size_t y = 0; y < source.height; ++y) {
+        source.rows(y, 1, row.data());
+        JSAMPROW line = row.data();
+        jpeg_write_scanlines(&info, &line, 1);
+    }
+    jpeg_finish_compress(&info);
+    return true;
+}
+
+} // namespace
+
+std::vector<std::uint8_t> encodeJPEG(std::span<const Source> images) {
+    if (images.size() != 1 || images[0].bits != 8 || images[0].hasAlpha) return {};
+    Writer writer(images[0]);
+    if (!writer.run()) return {};
+    return std::vector<std::uint8_t>(writer.data, writer.data + writer.size);
+}
+
+std::vector<std::uint8_t> orientationBlock(int orientation) {
+    // TIFF's header, big-endian, and one entry: tag 0x112, type short, count 1.
+    return {'M', 'M', 0, 42, 0, 0, 0, 8, 0, 1, 0x01, 0x12, 0, 3, 0, 0, 0, 1, 0, static_cast<std::uint8_t>(orientation), 0,
+            0,   0,   0, 0,  0};
+}
+
+} // namespace imageio

@@ -1,0 +1,125 @@
+#include "decoder.h"
+
+#include <cg/colorspace.h>
+
+#include <csetjmp>
+#include <cstdio>
+#include <cstdlib>
+
+#include <jerror.h>
+#include <jpeglib.h>
+
+namespace imageio {
+
+namespace {
+
+/// The library's errors jump back to read(); nothing on the way has a destructor.
+struct Reader {
+    explicit Reader(Bytes file) : file(file) {
+        info.err = jpeg_std_error(&errors);
+        info.client_data = this;
+        errors.error_exit = [](j_common_ptr c) { std::longjmp(static_cast<Reader*>(c->client_data)->escape, 1); };
+        // Level -1 says that data are damaged; the library would go on with guesses.
+        errors.emit_message = [](j_common_ptr c, int level) {
+            if (level < 0 && !isHarmless(c->err->msg_code)) c->err->error_exit(c);
+        };
+        errors.output_message = [](j_common_ptr) {};
+    }
+    ~Reader() {
+        if (created) jpeg_destroy_decompress(&info);
+        std::free(icc);
+    }
+
+    static bool isHarmless(int message) {
+        return message == JWRN_EXTRANEOUS_DATA || message == JWRN_ADOBE_XFORM || message == JWRN_JFIF_MAJOR ||
+               message == JWRN_TOO_MUCH_DATA || message == JWRN_BOGUS_ICC;
+    }
+
+    bool readHeader();
+    bool readRows();
+
+    Bytes file;
+    jpeg_decompress_struct info = {};
+    jpeg_error_mgr errors = {};
+    std::jmp_buf escape;
+    bool created = false;
+    JOCTET* icc = nullptr;
+    unsigned iccSize = 0;
+    Pixels pixels;
+};
+
+bool Reader::readHeader() {
+    if (setjmp(escape)) return false;
+    jpeg_create_decompress(&info);
+    created = true;
+    jpeg_mem_src(&info, file.data(), file.size());
+    jpeg_save_markers(&info, JPEG_APP0 + 1, 0xFFFF);
+    jpeg_save_markers(&info, JPEG_APP0 + 2, 0xFFFF);
+    jpeg_read_header(&info, TRUE);
+    switch (info.num_components) {
+    case 1: info.out_color_space = JCS_GRAYSCALE; break;
+    case 3: info.out_color_space = JCS_EXT_RGBX; break;
+    case 4: info.out_color_space = JCS_CMYK; break;
+    default: return false;
+    }
+    jpeg_read_icc_profile(&info, &icc, &iccSize);
+    return true;
+}
+
+bool Reader::readRows() {
+    if (setjmp(escape)) return false;
+    jpeg_start_decompress(&info);
+    while (info.output_scanline < info.output_height) {
+        JSAMPROW row = pixels.row(info.output_scanline);
+        jpeg_read_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_decompress(&info);
+    return true;
+}
+
+Decoded decode(Bytes file, std::size_t, bool wantsPixels) {
+    Reader reader(file);
+    if (!reader.readHeader()) throw Damaged("JPEG header");
+    jpeg_decompress_struct& jpeg = reader.info;
+    Decoded result;
+    Info& info = result.info;
+    info.width = jpeg.image_width;
+    info.height = jpeg.image_height;
+    checkSize(info.width, info.height);
+
+    if (jpeg.saw_JFIF_marker && jpeg.density_unit) {
+        double inch = jpeg.density_unit == 2 ? 2.54 : 1;
+        info.dpiX = jpeg.X_density * inch;
+        info.dpiY = jpeg.Y_density * inch;
+    }
+    for (jpeg_saved_marker_ptr marker = jpeg.marker_list; marker; marker = marker->next) {
+        Bytes data(marker->data, marker->data_length);
+        if (marker->marker == JPEG_APP0 + 1 && data.size() > 6 && std::equal(data.begin(), data.begin() + 4, "Exif")) {
+            setExif(info, data);
+            break;
+        }
+    }
+    int components = jpeg.num_components;
+    setProfile(info, {reader.icc, reader.iccSize}, components,
+               components == 1   ? cg::deviceGray()
+               : components == 3 ? color::ColorSpace::sRGB()
+                                 : color::ColorSpace::deviceCMYK());
+
+    reader.pixels.samples = components == 1 ? 1 : 4;
+    if (!wantsPixels) return result;
+    reader.pixels.allocate(info.width, info.height);
+    if (!reader.readRows()) throw Damaged("JPEG data");
+    // Files with Adobe's marker hold CMYK upside down: 255 is no ink.
+    if (components == 4 && jpeg.saw_Adobe_marker)
+        for (std::size_t i = 0; i < reader.pixels.size; ++i) reader.pixels.bytes[i] ^= 0xFF;
+    result.pixels = std::move(reader.pixels);
+    return result;
+}
+
+bool recognises(Bytes file) { return file.size() >= 3 && file[0] == 0xFF && file[1] == 0xD8 && file[2] == 0xFF; }
+
+} // namespace
+
+const Format jpegFormat = {"public.jpeg", recognises, one, decode};
+
+} // namespace imageio

@@ -1,0 +1,155 @@
+#include "decoder.h"
+
+#include <cg/colorspace.h>
+
+#include <bit>
+#include <cmath>
+#include <csetjmp>
+#include <cstring>
+
+#include <png.h>
+
+namespace imageio {
+
+namespace {
+
+/// The library's errors jump back to readHeader() or readRows(); nothing on the way has a destructor.
+struct Reader {
+    explicit Reader(Bytes file) : rest(file) {}
+    ~Reader() { png_destroy_read_struct(&png, &info, nullptr); }
+
+    static void fail(png_structp png, png_const_charp) {
+        std::longjmp(static_cast<Reader*>(png_get_error_ptr(png))->escape, 1);
+    }
+    static void give(png_structp png, png_bytep out, std::size_t size) {
+        auto* self = static_cast<Reader*>(png_get_io_ptr(png));
+        if (size > self->rest.size()) fail(png, nullptr);
+        std::memcpy(out, self->rest.data(), size);
+        self->rest = self->rest.subspan(size);
+    }
+
+    bool readHeader();
+    bool readRows(Pixels& pixels, int passes);
+
+    Bytes rest;
+    png_structp png = nullptr;
+    png_infop info = nullptr;
+    std::jmp_buf escape;
+};
+
+bool Reader::readHeader() {
+    if (setjmp(escape)) return false;
+    png = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, fail, [](png_structp, png_const_charp) {});
+    if (!png) return false;
+    info = png_create_info_struct(png);
+    if (!info) return false;
+    png_set_read_fn(png, this, give);
+    // A wrong checksum anywhere is damage, also in chunks that could be skipped.
+    png_set_crc_action(png, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
+    png_set_user_limits(png, 1u << 24, 1u << 24);
+    png_read_info(png, info);
+    return true;
+}
+
+bool Reader::readRows(Pixels& pixels, int passes) {
+    if (setjmp(escape)) return false;
+    png_uint_32 height = png_get_image_height(png, info);
+    for (int pass = 0; pass < passes; ++pass)
+        for (png_uint_32 y = 0; y < height; ++y) png_read_row(png, pixels.row(y), nullptr);
+    png_read_end(png, nullptr);
+    return true;
+}
+
+/// Gamma and primaries as the file gives them; null when it does not, or when they are sRGB's.
+color::ColorSpacePtr calibrated(Reader& reader, bool gray) {
+    double gamma = 0;
+    if (!png_get_gAMA(reader.png, reader.info, &gamma) || !(gamma > 0.01) || !(gamma < 100)) return nullptr;
+    double rx, ry, rz, gx, gy, gz, bx, by, bz;
+    bool primaries = png_get_cHRM_XYZ(reader.png, reader.info, &rx, &ry, &rz, &gx, &gy, &gz, &bx, &by, &bz);
+    bool isSRGBGamma = std::fabs(gamma - 1 / 2.2) < 0.001;
+    if (!primaries) {
+        if (isSRGBGamma) return nullptr;
+        // sRGB's own.
+        rx = 0.4124, ry = 0.2126, rz = 0.0193, gx = 0.3576, gy = 0.7152, gz = 0.1192, bx = 0.1805, by = 0.0722,
+        bz = 0.9505;
+    } else if (isSRGBGamma && std::fabs(rx - 0.4124) + std::fabs(gy - 0.7152) + std::fabs(bz - 0.9505) < 0.005) {
+        return nullptr;
+    }
+    double y = ry + gy + by;
+    color::ColorSpace::Triple white = {(rx + gx + bx) / y, 1, (rz + gz + bz) / y};
+    try {
+        if (gray) return color::ColorSpace::calibratedGray(white, {}, 1 / gamma);
+        return color::ColorSpace::calibratedRGB(white, {}, {1 / gamma, 1 / gamma, 1 / gamma},
+                                                {rx / y, ry / y, rz / y, gx / y, gy / y, gz / y, bx / y, by / y, bz / y});
+    } catch (const std::invalid_argument&) {
+        return nullptr;
+    }
+}
+
+void readColors(Reader& reader, Info& info, bool gray) {
+    color::ColorSpacePtr plain = gray ? cg::deviceGray() : color::ColorSpace::sRGB();
+    png_charp name = nullptr;
+    png_bytep icc = nullptr;
+    png_uint_32 size = 0;
+    int compression = 0, intent = 0;
+    if (png_get_iCCP(reader.png, reader.info, &name, &compression, &icc, &size)) {
+        setProfile(info, {icc, size}, gray ? 1 : 3, plain);
+        return;
+    }
+    color::ColorSpacePtr told;
+    if (!png_get_sRGB(reader.png, reader.info, &intent)) told = calibrated(reader, gray);
+    info.space = told ? told : plain;
+}
+
+/// What all the readings of header fields need: errors jump to the caller's setjmp, so there is one more here.
+bool readFields(Reader& reader, Info& info, Pixels& pixels, int& passes) {
+    png_structp png = reader.png;
+    png_infop in = reader.info;
+    int type = png_get_color_type(png, in);
+    bool gray = !(type & PNG_COLOR_MASK_COLOR);
+    info.width = png_get_image_width(png, in);
+    info.height = png_get_image_height(png, in);
+    info.depth = png_get_bit_depth(png, in);
+    info.isIndexed = type == PNG_COLOR_TYPE_PALETTE;
+    info.hasAlpha = (type & PNG_COLOR_MASK_ALPHA) || png_get_valid(png, in, PNG_INFO_tRNS);
+    if (png_get_pixels_per_meter(png, in)) {
+        info.dpiX = png_get_x_pixels_per_meter(png, in) * 0.0254;
+        info.dpiY = png_get_y_pixels_per_meter(png, in) * 0.0254;
+    }
+    if (setjmp(reader.escape)) return false;
+    // Palettes become colours, few bits become 8, a transparent colour becomes alpha.
+    png_set_expand(png);
+    if (std::endian::native == std::endian::little && info.depth == 16) png_set_swap(png);
+    if (!gray && !info.hasAlpha) png_set_filler(png, info.depth == 16 ? 0xFFFF : 0xFF, PNG_FILLER_AFTER);
+    passes = png_set_interlace_handling(png);
+    png_read_update_info(png, in);
+    pixels.bits = info.depth == 16 ? 16 : 8;
+    pixels.samples = gray ? 1 + info.hasAlpha : 4;
+    pixels.alpha = info.hasAlpha ? Alpha::straight : Alpha::none;
+    return true;
+}
+
+Decoded decode(Bytes file, std::size_t, bool wantsPixels) {
+    Reader reader(file);
+    if (!reader.readHeader()) throw Damaged("PNG header");
+    Decoded result;
+    int passes = 1;
+    if (!readFields(reader, result.info, result.pixels, passes)) throw Damaged("PNG header");
+    checkSize(result.info.width, result.info.height);
+    readColors(reader, result.info, result.pixels.samples < 3);
+    png_bytep exif = nullptr;
+    png_uint_32 exifSize = 0;
+    if (png_get_eXIf_1(reader.png, reader.info, &exifSize, &exif)) setExif(result.info, {exif, exifSize});
+    if (!wantsPixels) return result;
+    result.pixels.allocate(result.info.width, result.info.height);
+    if (!reader.readRows(result.pixels, passes)) throw Damaged("PNG data");
+    return result;
+}
+
+bool recognises(Bytes file) { return file.size() >= 8 && png_sig_cmp(file.data(), 0, 8) == 0; }
+
+} // namespace
+
+const Format pngFormat = {"public.png", recognises, one, decode};
+
+} // namespace imageio

@@ -1,0 +1,30 @@
+#pragma once
+
+#import <QuartzCore/CoreImageDefines.h>
+
+/** A region of the plane, kept as rectangles that do not overlap. Immutable. */
+@interface CIFilterShape : NSObject <NSCopying> {
+  @private
+    struct CIRegion* _region;
+}
+
++ (id)shapeWithRect:(CGRect)r;
+- (id)initWithRect:(CGRect)r;
+
+/**
+ * The transformed shape. Where a transform does not keep rectangles upright the result is, with `interior`, a
+ * region inside the exact one (made of bands), otherwise the bounding boxes of the rectangles.
+ */
+- (CIFilterShape*)transformBy:(CGAffineTransform)m interior:(BOOL)interior;
+/** Every boundary moved inwards by `dx` and `dy`, or outwards when negative. */
+- (CIFilterShape*)insetByX:(int)dx Y:(int)dy;
+/** A nil shape is empty. */
+- (CIFilterShape*)unionWith:(CIFilterShape*)s2;
+- (CIFilterShape*)unionWithRect:(CGRect)r;
+- (CIFilterShape*)intersectWith:(CIFilterShape*)s2;
+- (CIFilterShape*)intersectWithRect:(CGRect)r;
+
+/** The bounding box; CGRectZero when empty. */
+- (CGRect)extent;
+
+@end

@@ -1,0 +1,81 @@
+#pragma once
+
+#import <QuartzCore/CoreImageDefines.h>
+
+@class CIColor;
+@class CIFilterShape;
+
+/** Layouts of bitmaps; pixels are premultiplied, components in the machine's byte order. */
+typedef int CIFormat;
+CORE_IMAGE_EXTERN CIFormat kCIFormatARGB8; /* 23: bytes A R G B */
+CORE_IMAGE_EXTERN CIFormat kCIFormatRGBA8; /* 24: bytes R G B A */
+CORE_IMAGE_EXTERN CIFormat kCIFormatRGBA16; /* 27: 16 bits each */
+CORE_IMAGE_EXTERN CIFormat kCIFormatRGBAf; /* 34: floats */
+
+/** Option: the CGColorSpace in which to read the data, instead of their own; NSNull for no colour matching. */
+CORE_IMAGE_EXTERN NSString* const kCIImageColorSpace;
+/** Option: the dictionary that `properties` answers. */
+CORE_IMAGE_EXTERN NSString* const kCIImageProperties;
+
+/** Options of the automatic adjustment. */
+CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustEnhance;
+CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustRedEye;
+CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustFeatures;
+
+/**
+ * A recipe for an image: nothing is computed until it is drawn. Immutable; a copy is the receiver, retained. The
+ * origin is the lower left corner.
+ */
+@interface CIImage : NSObject <NSCopying> {
+  @private
+    struct CIImageState* _state;
+}
+
++ (CIImage*)imageWithCGImage:(CGImageRef)image;
++ (CIImage*)imageWithCGImage:(CGImageRef)image options:(NSDictionary*)options;
++ (CIImage*)imageWithBitmapData:(NSData*)data
+                    bytesPerRow:(size_t)bytesPerRow
+                           size:(CGSize)size
+                         format:(CIFormat)format
+                     colorSpace:(CGColorSpaceRef)colorSpace;
++ (CIImage*)imageWithContentsOfURL:(NSURL*)url;
++ (CIImage*)imageWithContentsOfURL:(NSURL*)url options:(NSDictionary*)options;
++ (CIImage*)imageWithData:(NSData*)data;
++ (CIImage*)imageWithData:(NSData*)data options:(NSDictionary*)options;
+/** One colour everywhere; nil for nil. */
++ (CIImage*)imageWithColor:(CIColor*)color;
+/** Nothing anywhere. */
++ (CIImage*)emptyImage;
+
+/** Nil for a null image. */
+- (id)initWithCGImage:(CGImageRef)image;
+- (id)initWithCGImage:(CGImageRef)image options:(NSDictionary*)options;
+/** Nil when the format is unknown, the size is not positive, the data are too few or the space is no RGB. */
+- (id)initWithBitmapData:(NSData*)data
+             bytesPerRow:(size_t)bytesPerRow
+                    size:(CGSize)size
+                  format:(CIFormat)format
+              colorSpace:(CGColorSpaceRef)colorSpace;
+/** Nil when there is no readable image file. */
+- (id)initWithContentsOfURL:(NSURL*)url;
+- (id)initWithContentsOfURL:(NSURL*)url options:(NSDictionary*)options;
+/** Nil when the bytes are not an undamaged image file. */
+- (id)initWithData:(NSData*)data;
+- (id)initWithData:(NSData*)data options:(NSDictionary*)options;
+- (id)initWithColor:(CIColor*)color;
+
+/** A matrix that is not finite raises NSInvalidArgumentException; a singular one gives an empty image. */
+- (CIImage*)imageByApplyingTransform:(CGAffineTransform)matrix;
+- (CIImage*)imageByCroppingToRect:(CGRect)r;
+
+/** Where the image can be other than transparent; CGRectInfinite for no bounds, CGRectZero for an empty image. */
+- (CGRect)extent;
+- (CIFilterShape*)definition;
+/** What the file told about itself, or the dictionary given as kCIImageProperties; empty for other images. */
+- (NSDictionary*)properties;
+/** The file that the image was read from, or nil. */
+- (NSURL*)url;
+/** The space of the pixels that the image was made of; null for anything computed. Borrowed. */
+- (CGColorSpaceRef)colorSpace;
+
+@end

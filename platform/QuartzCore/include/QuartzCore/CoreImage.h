@@ -1,0 +1,11 @@
+#pragma once
+
+#import <QuartzCore/CoreImageDefines.h>
+
+#import <QuartzCore/CIColor.h>
+#import <QuartzCore/CIContext.h>
+#import <QuartzCore/CIFilter.h>
+#import <QuartzCore/CIFilterShape.h>
+#import <QuartzCore/CIImage.h>
+#import <QuartzCore/CISampler.h>
+#import <QuartzCore/CIVector.h>

@@ -1,0 +1,95 @@
+#import <QuartzCore/CIFilterShape.h>
+
+#include "Region.h"
+#include "Shim.h"
+
+static cg::LiveCount live("CIFilterShape");
+
+struct CIRegion {
+    ci::Region region;
+};
+
+@implementation CIFilterShape
+
++ (id)shapeWithRect:(CGRect)r {
+    return [[[self alloc] initWithRect:r] autorelease];
+}
+
+- (id)initWithRegion:(const ci::Region&)region {
+    if (!(self = [super init])) return nil;
+    live.born();
+    _region = new CIRegion{region};
+    return self;
+}
+
+- (id)initWithRect:(CGRect)r {
+    return [self initWithRegion:ci::Region(ci::fromCG(r))];
+}
+
+- (id)init {
+    return [self initWithRegion:ci::Region()];
+}
+
+- (void)dealloc {
+    live.gone();
+    delete _region;
+    [super dealloc];
+}
+
+- (id)copyWithZone:(NSZone*)zone {
+    return [self retain];
+}
+
+static CIFilterShape* shape(const ci::Region& region) {
+    return [[[CIFilterShape alloc] initWithRegion:region] autorelease];
+}
+
+- (CIFilterShape*)transformBy:(CGAffineTransform)m interior:(BOOL)interior {
+    return shape(_region->region.transform(ci::fromCG(m), interior));
+}
+
+- (CIFilterShape*)insetByX:(int)dx Y:(int)dy {
+    return shape(_region->region.inset(dx, dy));
+}
+
+- (CIFilterShape*)unionWith:(CIFilterShape*)s2 {
+    return s2 ? shape(_region->region.unite(s2->_region->region)) : self;
+}
+
+- (CIFilterShape*)unionWithRect:(CGRect)r {
+    return shape(_region->region.unite(ci::Region(ci::fromCG(r))));
+}
+
+- (CIFilterShape*)intersectWith:(CIFilterShape*)s2 {
+    return shape(s2 ? _region->region.intersect(s2->_region->region) : ci::Region());
+}
+
+- (CIFilterShape*)intersectWithRect:(CGRect)r {
+    return shape(_region->region.intersect(ci::Region(ci::fromCG(r))));
+}
+
+- (CGRect)extent {
+    return ci::toCG(_region->region.extent());
+}
+
+- (BOOL)isEqual:(id)other {
+    if (self == other) return YES;
+    return [other isKindOfClass:[CIFilterShape class]] && _region->region == ((CIFilterShape*)other)->_region->region;
+}
+
+- (NSUInteger)hash {
+    CGRect r = [self extent];
+    return static_cast<NSUInteger>(static_cast<long>(r.origin.x) * 31 + static_cast<long>(r.origin.y));
+}
+
+- (NSString*)description {
+    NSMutableString* text = [NSMutableString stringWithFormat:@"<CIFilterShape: %p", self];
+    for (const ci::Rect& rect : _region->region.rects()) {
+        CGRect r = ci::toCG(rect);
+        [text appendFormat:@" [%g %g %g %g]", r.origin.x, r.origin.y, r.size.width, r.size.height];
+    }
+    [text appendString:@">"];
+    return text;
+}
+
+@end

@@ -1,0 +1,226 @@
+#import <QuartzCore/CIImage.h>
+
+#include "Internal.h"
+#include "Raise.h"
+
+#include <ImageIO/ImageIO.h>
+
+static cg::LiveCount live("CIImage");
+
+struct CIImageState {
+    engine::Image recipe;
+    cg::Retained<CGColorSpaceRef> space;
+    cg::Retained<CFDictionaryRef> properties;
+    NSURL* url = nil;
+};
+
+namespace {
+
+/// The choice that the options make, if they make one.
+ci::SpaceChoice spaceChoice(NSDictionary* options) {
+    id space = [options objectForKey:kCIImageColorSpace];
+    if (space == [NSNull null]) return {ci::SpaceChoice::Kind::none, {}};
+    if (CGColorSpaceGetNumberOfComponents((CGColorSpaceRef)space) == 0) return {};
+    return {ci::SpaceChoice::Kind::given, (CGColorSpaceRef)space};
+}
+
+} // namespace
+
+@implementation CIImage
+
++ (CIImage*)imageWithCGImage:(CGImageRef)image {
+    return [[[self alloc] initWithCGImage:image] autorelease];
+}
+
++ (CIImage*)imageWithCGImage:(CGImageRef)image options:(NSDictionary*)options {
+    return [[[self alloc] initWithCGImage:image options:options] autorelease];
+}
+
++ (CIImage*)imageWithBitmapData:(NSData*)data
+                    bytesPerRow:(size_t)bytesPerRow
+                           size:(CGSize)size
+                         format:(CIFormat)format
+                     colorSpace:(CGColorSpaceRef)colorSpace {
+    return [[[self alloc] initWithBitmapData:data
+                                 bytesPerRow:bytesPerRow
+                                        size:size
+                                      format:format
+                                  colorSpace:colorSpace] autorelease];
+}
+
++ (CIImage*)imageWithContentsOfURL:(NSURL*)url {
+    return [[[self alloc] initWithContentsOfURL:url] autorelease];
+}
+
++ (CIImage*)imageWithContentsOfURL:(NSURL*)url options:(NSDictionary*)options {
+    return [[[self alloc] initWithContentsOfURL:url options:options] autorelease];
+}
+
++ (CIImage*)imageWithData:(NSData*)data {
+    return [[[self alloc] initWithData:data] autorelease];
+}
+
++ (CIImage*)imageWithData:(NSData*)data options:(NSDictionary*)options {
+    return [[[self alloc] initWithData:data options:options] autorelease];
+}
+
++ (CIImage*)imageWithColor:(CIColor*)color {
+    return [[[self alloc] initWithColor:color] autorelease];
+}
+
++ (CIImage*)emptyImage {
+    return [self imageWithRecipe:ci::empty()];
+}
+
++ (CIImage*)imageWithRecipe:(const engine::Image&)recipe {
+    CIImage* image = [[[self alloc] init] autorelease];
+    return [image finishWithRecipe:recipe];
+}
+
+/// Every initialiser begins here; the image is empty.
+- (id)init {
+    if (!(self = [super init])) return nil;
+    live.born();
+    _state = new CIImageState;
+    _state->recipe = ci::empty();
+    return self;
+}
+
+/// Every initialiser ends here: takes the recipe, or answers nil when there is none.
+- (id)finishWithRecipe:(const engine::Image&)recipe {
+    _state->recipe = recipe;
+    return recipe ? self : nil;
+}
+
+/// The same for an initialiser that owns the receiver.
+- (id)initFinishedWithRecipe:(const engine::Image&)recipe {
+    if ([self finishWithRecipe:recipe]) return self;
+    [self release];
+    return nil;
+}
+
+- (id)initWithCGImage:(CGImageRef)image {
+    return [self initWithCGImage:image options:nil];
+}
+
+- (id)initWithCGImage:(CGImageRef)image options:(NSDictionary*)options {
+    self = [self init];
+    ci::SpaceChoice choice = spaceChoice(options);
+    _state->space = choice.kind == ci::SpaceChoice::Kind::own ? CGImageGetColorSpace(image) : choice.space.get();
+    _state->properties = (CFDictionaryRef)[options objectForKey:kCIImageProperties];
+    return [self initFinishedWithRecipe:ci::imageOf(image, choice)];
+}
+
+- (id)initWithBitmapData:(NSData*)data
+             bytesPerRow:(size_t)bytesPerRow
+                    size:(CGSize)size
+                  format:(CIFormat)format
+              colorSpace:(CGColorSpaceRef)colorSpace {
+    self = [self init];
+    _state->space = colorSpace;
+    if (!data) return [self initFinishedWithRecipe:nullptr];
+    auto owner = std::make_shared<cg::Retained<CFDataRef>>((CFDataRef)data);
+    return [self initFinishedWithRecipe:ci::imageOfBitmap([data bytes], [data length], bytesPerRow, size, format,
+                                                          colorSpace, std::move(owner))];
+}
+
+- (id)initWithSource:(CGImageSourceRef)source url:(NSURL*)url options:(NSDictionary*)options {
+    // Decoded at once, so that a damaged file is not taken for an image.
+    auto image = cg::Retained<CGImageRef>::adopt(CGImageSourceCreateImageAtIndex(source, 0, nullptr));
+    if (!(self = [self initWithCGImage:image.get() options:options])) return nil;
+    if (!_state->properties)
+        _state->properties =
+            cg::Retained<CFDictionaryRef>::adopt(CGImageSourceCopyPropertiesAtIndex(source, 0, nullptr));
+    _state->url = [url retain];
+    return self;
+}
+
+- (id)initWithContentsOfURL:(NSURL*)url {
+    return [self initWithContentsOfURL:url options:nil];
+}
+
+- (id)initWithContentsOfURL:(NSURL*)url options:(NSDictionary*)options {
+    CGImageSourceRef opened = nullptr;
+    if ([url isFileURL])
+        opened = CGImageSourceCreateWithURL((CFURLRef)url, nullptr);
+    else if (url)
+        opened = CGImageSourceCreateWithData((CFDataRef)[NSData dataWithContentsOfURL:url], nullptr);
+    auto source = cg::Retained<CGImageSourceRef>::adopt(opened);
+    return [self initWithSource:source.get() url:url options:options];
+}
+
+- (id)initWithData:(NSData*)data {
+    return [self initWithData:data options:nil];
+}
+
+- (id)initWithData:(NSData*)data options:(NSDictionary*)options {
+    // The source reads the data lazily, so it has to be a copy of what the caller may change.
+    NSData* bytes = [[data copy] autorelease];
+    auto source = cg::Retained<CGImageSourceRef>::adopt(CGImageSourceCreateWithData((CFDataRef)bytes, nullptr));
+    return [self initWithSource:source.get() url:nil options:options];
+}
+
+- (id)initWithColor:(CIColor*)color {
+    self = [self init];
+    return [self initFinishedWithRecipe:color ? ci::constant(ci::fromCG([color CGColor])) : nullptr];
+}
+
+- (void)dealloc {
+    live.gone();
+    [_state->url release];
+    delete _state;
+    [super dealloc];
+}
+
+- (id)copyWithZone:(NSZone*)zone {
+    return [self retain];
+}
+
+- (const engine::Image&)recipe {
+    return _state->recipe;
+}
+
+- (CIImage*)imageByApplyingTransform:(CGAffineTransform)matrix {
+    ci::Failure failure;
+    engine::Image result = ci::transform(_state->recipe, matrix, failure);
+    ci::raise(failure, @"imageByApplyingTransform:");
+    return [CIImage imageWithRecipe:result];
+}
+
+- (CIImage*)imageByCroppingToRect:(CGRect)r {
+    ci::Failure failure;
+    engine::Image result = ci::crop(_state->recipe, r, failure);
+    ci::raise(failure, @"imageByCroppingToRect:");
+    return [CIImage imageWithRecipe:result];
+}
+
+- (CGRect)extent {
+    return ci::toCG(_state->recipe->extent());
+}
+
+- (CIFilterShape*)definition {
+    return [CIFilterShape shapeWithRect:[self extent]];
+}
+
+- (NSDictionary*)properties {
+    return _state->properties ? (NSDictionary*)_state->properties.get() : [NSDictionary dictionary];
+}
+
+- (NSURL*)url {
+    return _state->url;
+}
+
+- (CGColorSpaceRef)colorSpace {
+    return _state->space.get();
+}
+
+- (NSString*)description {
+    CGRect r = [self extent];
+    NSString* extent = CGRectIsInfinite(r)
+                           ? @"infinite"
+                           : [NSString stringWithFormat:@"[%g %g %g %g]", r.origin.x, r.origin.y, r.size.width,
+                                                        r.size.height];
+    return [NSString stringWithFormat:@"<CIImage: %p extent %@>", self, extent];
+}
+
+@end

@@ -1,0 +1,17 @@
+// What Core Image's classes know of each other.
+#pragma once
+
+#import <QuartzCore/QuartzCore.h>
+
+#include "Shim.h"
+
+@interface CIColor (Internal)
+/// Borrowed.
+- (CGColorRef)CGColor;
+@end
+
+@interface CIImage (Internal)
+/// Nil for a null recipe.
++ (CIImage*)imageWithRecipe:(const engine::Image&)recipe;
+- (const engine::Image&)recipe;
+@end

@@ -1,0 +1,137 @@
+// Date: local wall-clock fields.
+#include "framework/table.h"
+
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+
+namespace studio {
+
+namespace {
+
+// Fields are kept as they were set and brought into range when they are read, so that Year, Month and Day can
+// be set one after the other.
+struct Date {
+    std::int32_t year = 0, month = 1, day = 1, hour = 0, minute = 0, second = 0;
+    double gmtOffset = 0; // hours
+};
+
+constexpr double kSecondsFrom1904To1970 = 2082844800.0;
+
+Date& date(REALobject self) { return dataOf<Date>(self); }
+
+std::time_t seconds(const Date& d) {
+    std::tm fields = {};
+    fields.tm_year = d.year - 1900;
+    fields.tm_mon = d.month - 1;
+    fields.tm_mday = d.day;
+    fields.tm_hour = d.hour;
+    fields.tm_min = d.minute;
+    fields.tm_sec = d.second;
+    return timegm(&fields);
+}
+
+void setFields(Date& d, const std::tm& fields) {
+    d.year = fields.tm_year + 1900;
+    d.month = fields.tm_mon + 1;
+    d.day = fields.tm_mday;
+    d.hour = fields.tm_hour;
+    d.minute = fields.tm_min;
+    d.second = fields.tm_sec;
+}
+
+std::tm fields(const Date& d) {
+    std::time_t time = seconds(d);
+    std::tm result = {};
+    gmtime_r(&time, &result);
+    return result;
+}
+
+Date inRange(REALobject self) {
+    Date d = date(self);
+    setFields(d, fields(d));
+    return d;
+}
+
+template <std::int32_t Date::*field>
+FrameworkProperty fieldProperty(const char* name) {
+    return property(
+        name, "Integer", [](REALobject self) { return inRange(self).*field; },
+        [](REALobject self, std::uint32_t, std::int32_t value) { date(self).*field = value; });
+}
+
+void setSQL(REALobject self, REALstring text) {
+    Date d = date(self);
+    d.hour = d.minute = d.second = 0;
+    int read = std::sscanf(toUtf8(text).c_str(), "%d-%d-%d %d:%d:%d", &d.year, &d.month, &d.day, &d.hour, &d.minute,
+                           &d.second);
+    if (read != 3 && read != 6)
+        raise("InvalidArgumentException", "expected a date as 2012-12-31 or 2012-12-31 23:59:59");
+    date(self) = d;
+}
+
+REALstring sql(REALobject self, bool time) {
+    Date d = inRange(self);
+    char text[64];
+    int length = std::snprintf(text, sizeof text, "%04d-%02d-%02d", d.year, d.month, d.day);
+    if (time)
+        std::snprintf(text + length, sizeof text - std::size_t(length), " %02d:%02d:%02d", d.hour, d.minute, d.second);
+    return makeString(text);
+}
+
+} // namespace
+
+FrameworkClass dateClass() {
+    FrameworkClass table = classWithData<Date>("Date");
+    table.constructor = +[](REALobject self) {
+        new (instanceData(self)) Date();
+        std::time_t now = std::time(nullptr);
+        std::tm local = {};
+        localtime_r(&now, &local);
+        setFields(date(self), local);
+        date(self).gmtOffset = double(local.tm_gmtoff) / 3600;
+    };
+    table.properties = {
+        fieldProperty<&Date::year>("Year"),
+        fieldProperty<&Date::month>("Month"),
+        fieldProperty<&Date::day>("Day"),
+        fieldProperty<&Date::hour>("Hour"),
+        fieldProperty<&Date::minute>("Minute"),
+        fieldProperty<&Date::second>("Second"),
+        property("DayOfWeek", "Integer", [](REALobject self) { return std::int32_t(fields(date(self)).tm_wday + 1); }),
+        property("DayOfYear", "Integer", [](REALobject self) { return std::int32_t(fields(date(self)).tm_yday + 1); }),
+        property(
+            "GMTOffset", "Double", [](REALobject self) { return date(self).gmtOffset; },
+            [](REALobject self, std::uint32_t, double value) { date(self).gmtOffset = value; }),
+        property(
+            "TotalSeconds", "Double",
+            [](REALobject self) { return double(seconds(date(self))) + kSecondsFrom1904To1970; },
+            [](REALobject self, std::uint32_t, double value) {
+                std::time_t time = std::time_t(std::floor(value - kSecondsFrom1904To1970));
+                std::tm utc = {};
+                gmtime_r(&time, &utc);
+                setFields(date(self), utc);
+            }),
+        property("SQLDate", "String", [](REALobject self) { return sql(self, false); },
+                 [](REALobject self, std::uint32_t, REALstring text) { setSQL(self, text); }),
+        property("SQLDateTime", "String", [](REALobject self) { return sql(self, true); },
+                 [](REALobject self, std::uint32_t, REALstring text) { setSQL(self, text); }),
+    };
+    table.methods = {
+        method("Constructor", [](REALobject) {}),
+        method("Constructor(other As Date)",
+               [](REALobject self, REALobject other) {
+                   if (!other) raise("NilObjectException", "the Date to copy is nil");
+                   date(self) = date(other);
+               }),
+        method("Constructor(year As Integer, month As Integer, day As Integer, hour As Integer = 0, "
+               "minute As Integer = 0, second As Integer = 0)",
+               [](REALobject self, std::int32_t year, std::int32_t month, std::int32_t day, std::int32_t hour,
+                  std::int32_t minute, std::int32_t second) {
+                   date(self) = {year, month, day, hour, minute, second, date(self).gmtOffset};
+               }),
+    };
+    return table;
+}
+
+} // namespace studio

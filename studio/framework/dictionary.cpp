@@ -1,0 +1,136 @@
+// Dictionary: variants by variants, in the order they came. Strings are the same key whatever their case.
+#include "framework/table.h"
+#include "runtime/text.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace studio {
+
+namespace {
+
+struct Entry {
+    REALobject key;
+    REALobject value;
+};
+
+struct Dictionary {
+    std::vector<Entry> entries;
+    std::unordered_map<std::string, std::size_t> index;
+};
+
+Dictionary& dictionary(REALobject self) { return dataOf<Dictionary>(self); }
+
+// Equal for equal keys.
+std::string identity(REALobject key) {
+    switch (variantType(key)) {
+    case kREALVariantNil: return "nil";
+    case kREALVariantString: {
+        StringRef text(unboxVariant(key, simpleType(Kind::String)).string);
+        return "s" + text::lower(toUtf8(text));
+    }
+    case kREALVariantInt32:
+    case kREALVariantInt64: return "n" + std::to_string(unboxVariant(key, simpleType(Kind::Int64)).i64);
+    case kREALVariantSingle:
+    case kREALVariantDouble:
+    case kREALVariantCurrency: return "n" + formatDouble(unboxVariant(key, simpleType(Kind::Double)).f64);
+    case kREALVariantBoolean: return unboxVariant(key, simpleType(Kind::Boolean)).boolean ? "true" : "false";
+    case kREALVariantColor: return "c" + std::to_string(unboxVariant(key, simpleType(Kind::Color)).u32);
+    default: return "o" + std::to_string(reinterpret_cast<std::uintptr_t>(key));
+    }
+}
+
+Entry* find(REALobject self, REALobject key) {
+    Dictionary& d = dictionary(self);
+    auto found = d.index.find(identity(key));
+    return found == d.index.end() ? nullptr : &d.entries[found->second];
+}
+
+void clear(REALobject self) {
+    Dictionary taken = std::exchange(dictionary(self), {});
+    for (Entry& entry : taken.entries) {
+        heap().release(entry.key);
+        heap().release(entry.value);
+    }
+}
+
+[[noreturn]] void missing(REALobject key) {
+    raise("KeyNotFoundException", "the Dictionary has no key " + display(key));
+}
+
+REALobject value(REALobject self, REALobject key) {
+    Entry* entry = find(self, key);
+    if (!entry) missing(key);
+    return Heap::retain(entry->value);
+}
+
+void setValue(REALobject self, REALobject key, REALobject value) {
+    Heap::retain(value);
+    if (Entry* entry = find(self, key)) {
+        heap().release(std::exchange(entry->value, value));
+        return;
+    }
+    Dictionary& d = dictionary(self);
+    d.index[identity(key)] = d.entries.size();
+    d.entries.push_back({Heap::retain(key), value});
+}
+
+const Entry& entryAt(REALobject self, std::int32_t index) {
+    Dictionary& d = dictionary(self);
+    if (index < 0 || std::size_t(index) >= d.entries.size())
+        raise("OutOfBoundsException", "the Dictionary has no entry " + std::to_string(index));
+    return d.entries[std::size_t(index)];
+}
+
+REALobject listOf(REALobject self, REALobject Entry::*member) {
+    REALobject result = newArray(simpleType(Kind::Variant));
+    for (Entry& entry : dictionary(self).entries)
+        arrayInsert(arrayOf(result), arrayOf(result).count, Bits::of(Heap::retain(entry.*member)));
+    return result;
+}
+
+void removeKey(REALobject self, REALobject key) {
+    Dictionary& d = dictionary(self);
+    auto found = d.index.find(identity(key));
+    if (found == d.index.end()) missing(key);
+    std::size_t at = found->second;
+    Entry gone = d.entries[at];
+    d.entries.erase(d.entries.begin() + std::ptrdiff_t(at));
+    d.index.erase(found);
+    for (auto& [text, index] : d.index)
+        if (index > at) --index;
+    heap().release(gone.key);
+    heap().release(gone.value);
+}
+
+} // namespace
+
+FrameworkClass dictionaryClass() {
+    FrameworkClass table = classWithData<Dictionary>("Dictionary");
+    table.destructor = +[](REALobject self) {
+        clear(self);
+        dictionary(self).~Dictionary();
+    };
+    table.properties = {
+        property("Count", "Integer", [](REALobject self) { return std::int32_t(dictionary(self).entries.size()); }),
+    };
+    table.methods = {
+        method("Value(key As Variant) As Variant", value, setValue),
+        method("Lookup(key As Variant, defaultValue As Variant) As Variant",
+               [](REALobject self, REALobject key, REALobject defaultValue) {
+                   Entry* entry = find(self, key);
+                   return Heap::retain(entry ? entry->value : defaultValue);
+               }),
+        method("HasKey(key As Variant) As Boolean",
+               [](REALobject self, REALobject key) { return find(self, key) != nullptr; }),
+        method("Key(index As Integer) As Variant",
+               [](REALobject self, std::int32_t index) { return Heap::retain(entryAt(self, index).key); }),
+        method("Keys As Variant()", [](REALobject self) { return listOf(self, &Entry::key); }),
+        method("Values As Variant()", [](REALobject self) { return listOf(self, &Entry::value); }),
+        method("Remove(key As Variant)", removeKey),
+        method("Clear", clear),
+    };
+    return table;
+}
+
+} // namespace studio

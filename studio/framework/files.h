@@ -1,0 +1,16 @@
+// Paths of files, for the framework's own use.
+#pragma once
+
+#include <string>
+
+namespace studio::files {
+
+std::string absolute(const std::string& path); // from the current directory, without "." and ".."
+std::string parent(const std::string& path);
+std::string leaf(const std::string& path);
+bool exists(const std::string& path);
+bool isDirectory(const std::string& path);
+std::string read(const std::string& path);                          // raises IOException
+void write(const std::string& path, const std::string& bytes);      // raises IOException
+
+} // namespace studio::files

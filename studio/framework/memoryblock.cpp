@@ -1,0 +1,145 @@
+#include "framework/memoryblock.h"
+
+#include "framework/table.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+
+namespace studio {
+
+MemoryBlockBytes& memoryBlockBytes(REALobject block) { return dataOf<MemoryBlockBytes>(block); }
+
+namespace {
+
+bool resize(MemoryBlockBytes& block, std::int32_t size) {
+    if (size < 0) return false;
+    auto* data = static_cast<char*>(std::realloc(block.data, std::size_t(std::max(size, 1))));
+    if (!data) return false;
+    if (size > block.size) std::memset(data + block.size, 0, std::size_t(size - block.size));
+    block.data = data;
+    block.size = size;
+    return true;
+}
+
+char* at(REALobject self, std::int32_t offset, std::int32_t size) {
+    MemoryBlockBytes& block = memoryBlockBytes(self);
+    if (offset < 0 || size < 0 || offset > block.size - size)
+        raise("OutOfBoundsException", "bytes " + std::to_string(offset) + " to " + std::to_string(offset + size - 1) +
+                                          " are outside the MemoryBlock of " + std::to_string(block.size));
+    return block.data + offset;
+}
+
+template <class T>
+T swapped(T value) {
+    char bytes[sizeof(T)];
+    std::memcpy(bytes, &value, sizeof(T));
+    std::reverse(bytes, bytes + sizeof(T));
+    std::memcpy(&value, bytes, sizeof(T));
+    return value;
+}
+
+// Stored: the type in memory; Shown: the type in the language.
+template <class Stored, class Shown>
+Shown read(REALobject self, std::int32_t offset) {
+    Stored value;
+    std::memcpy(&value, at(self, offset, sizeof value), sizeof value);
+    return Shown(memoryBlockBytes(self).littleEndian ? value : swapped(value));
+}
+template <class Stored, class Shown>
+void write(REALobject self, std::int32_t offset, Shown shown) {
+    Stored value = Stored(shown);
+    if (!memoryBlockBytes(self).littleEndian) value = swapped(value);
+    std::memcpy(at(self, offset, sizeof value), &value, sizeof value);
+}
+template <class Stored, class Shown>
+FrameworkMethod number(const char* declaration) {
+    return method(declaration, &read<Stored, Shown>, &write<Stored, Shown>);
+}
+
+REALobject part(REALobject self, std::int32_t from, std::int32_t count) {
+    MemoryBlockBytes& block = memoryBlockBytes(self);
+    from = std::clamp(from, 0, block.size);
+    count = std::clamp(count, 0, block.size - from);
+    return newMemoryBlock({block.data + from, std::size_t(count)});
+}
+
+} // namespace
+
+REALobject tryNewMemoryBlock(std::int32_t size) {
+    ObjectRef object(newInstance("MemoryBlock"));
+    return resize(memoryBlockBytes(object), size) ? object.release() : nullptr;
+}
+
+REALobject newMemoryBlock(std::string_view bytes) {
+    REALobject object = tryNewMemoryBlock(std::int32_t(bytes.size()));
+    if (!object) raise("OutOfMemoryException", "There is no memory for the MemoryBlock.");
+    std::memcpy(memoryBlockBytes(object).data, bytes.data(), bytes.size());
+    return object;
+}
+
+REALstring memoryBlockToString(REALobject block) {
+    MemoryBlockBytes& bytes = memoryBlockBytes(block);
+    return heap().newString({bytes.data, std::size_t(bytes.size)}, kREALTextEncodingUnknown);
+}
+
+FrameworkClass memoryBlockClass() {
+    FrameworkClass table = classWithData<MemoryBlockBytes>("MemoryBlock");
+    table.destructor = +[](REALobject self) { std::free(memoryBlockBytes(self).data); };
+    table.properties = {
+        property(
+            "Size", "Integer", [](REALobject self) { return memoryBlockBytes(self).size; },
+            [](REALobject self, std::uint32_t, std::int32_t size) {
+                if (!resize(memoryBlockBytes(self), size))
+                    raise("OutOfMemoryException", "There is no memory for the MemoryBlock.");
+            }),
+        property(
+            "LittleEndian", "Boolean", [](REALobject self) { return memoryBlockBytes(self).littleEndian; },
+            [](REALobject self, std::uint32_t, bool value) { memoryBlockBytes(self).littleEndian = value; }),
+    };
+    table.methods = {
+        method("Constructor(size As Integer)",
+               [](REALobject self, std::int32_t size) {
+                   if (size < 0) raise("InvalidArgumentException", "a MemoryBlock cannot have a negative size");
+                   if (!resize(memoryBlockBytes(self), size))
+                       raise("OutOfMemoryException", "There is no memory for the MemoryBlock.");
+               }),
+        number<std::uint8_t, std::int32_t>("Byte(offset As Integer) As Integer"),
+        number<std::uint8_t, std::int32_t>("ByteValue(offset As Integer) As Integer"),
+        number<std::int8_t, std::int8_t>("Int8Value(offset As Integer) As Int8"),
+        number<std::uint8_t, std::uint8_t>("UInt8Value(offset As Integer) As UInt8"),
+        number<std::int16_t, std::int16_t>("Int16Value(offset As Integer) As Int16"),
+        number<std::uint16_t, std::uint16_t>("UInt16Value(offset As Integer) As UInt16"),
+        number<std::int32_t, std::int32_t>("Int32Value(offset As Integer) As Integer"),
+        number<std::int32_t, std::int32_t>("Long(offset As Integer) As Integer"),
+        number<std::uint32_t, std::uint32_t>("UInt32Value(offset As Integer) As UInt32"),
+        number<std::int64_t, std::int64_t>("Int64Value(offset As Integer) As Int64"),
+        number<std::uint64_t, std::uint64_t>("UInt64Value(offset As Integer) As UInt64"),
+        number<float, float>("SingleValue(offset As Integer) As Single"),
+        number<double, double>("DoubleValue(offset As Integer) As Double"),
+        method(
+            "StringValue(offset As Integer, length As Integer) As String",
+            [](REALobject self, std::int32_t offset, std::int32_t length) {
+                return heap().newString({at(self, offset, length), std::size_t(length)}, kREALTextEncodingUnknown);
+            },
+            [](REALobject self, std::int32_t offset, std::int32_t length, REALstring value) {
+                std::string_view bytes = bytesOf(value);
+                char* target = at(self, offset, length);
+                std::memset(target, 0, std::size_t(length));
+                std::memcpy(target, bytes.data(), std::min(bytes.size(), std::size_t(length)));
+            }),
+        method("LeftB(count As Integer) As MemoryBlock",
+               [](REALobject self, std::int32_t count) { return part(self, 0, count); }),
+        method("RightB(count As Integer) As MemoryBlock",
+               [](REALobject self, std::int32_t count) {
+                   return part(self, memoryBlockBytes(self).size - std::clamp(count, 0, memoryBlockBytes(self).size),
+                               count);
+               }),
+        method("MidB(offset As Integer, count As Integer = 2147483647) As MemoryBlock",
+               [](REALobject self, std::int32_t offset, std::int32_t count) { return part(self, offset, count); }),
+    };
+    return table;
+}
+
+} // namespace studio

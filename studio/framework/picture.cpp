@@ -1,0 +1,235 @@
+#include "framework/picture.h"
+
+#include "framework/files.h"
+#include "framework/folderitem.h"
+#include "framework/table.h"
+#include "runtime/cfstring.h"
+#include "runtime/pool.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <CoreGraphics/CoreGraphics.h>
+#include <ImageIO/ImageIO.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace studio {
+
+REALobject pictureSurface(REALobject picture); // graphics.cpp
+
+Picture& pictureOf(REALobject picture) { return dataOf<Picture>(picture); }
+
+namespace {
+
+// A Core Foundation reference that is given back.
+template <class T>
+struct Owned {
+    T ref;
+    explicit Owned(T ref) : ref(ref) {}
+    Owned(const Owned&) = delete;
+    ~Owned() {
+        if (ref) CFRelease(ref);
+    }
+    operator T() const { return ref; }
+};
+
+struct ColorSpace {
+    CGColorSpaceRef ref = CGColorSpaceCreateDeviceRGB();
+    ~ColorSpace() { CGColorSpaceRelease(ref); }
+};
+
+bool prepare(Picture& picture, std::int32_t width, std::int32_t height, std::int32_t depth) {
+    if (width < 1 || height < 1 || std::int64_t(width) * height > INT32_MAX / 4) return false;
+    picture.depth = depth ? depth : 32;
+    picture.hasAlpha = depth == 0;
+    try {
+        picture.pixels.resize(width, height);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    if (!picture.hasAlpha) picture.pixels.fill(0xFFFFFFFF);
+    return true;
+}
+
+void construct(REALobject self, std::int32_t width, std::int32_t height, std::int32_t depth) {
+    if (width < 1 || height < 1) raise("InvalidArgumentException", "a Picture is at least 1 by 1 pixel");
+    if (!prepare(pictureOf(self), width, height, depth))
+        raise("OutOfMemoryException", "There is no memory for the Picture.");
+}
+
+CGContextRef contextOf(Picture& picture) {
+    if (!picture.context) {
+        ColorSpace space;
+        Pixels& p = picture.pixels;
+        picture.context = CGBitmapContextCreate(p.bytes.data(), std::size_t(p.width), std::size_t(p.height), 8,
+                                                std::size_t(p.width) * 4, space.ref, kCGImageAlphaPremultipliedFirst);
+    }
+    return static_cast<CGContextRef>(picture.context);
+}
+
+REALpixelBuffer* bufferOf(Picture& picture) {
+    if (!picture.buffer) {
+        Pixels& p = picture.pixels;
+        for (int y = 0; y < p.height; ++y) picture.rows.push_back(p.at(0, y));
+        picture.buffer = std::make_unique<REALpixelBuffer>();
+        picture.buffer->format = 0;
+        picture.buffer->width = p.width;
+        picture.buffer->height = p.height;
+        picture.buffer->rows = picture.rows.data();
+    }
+    return picture.buffer.get();
+}
+
+void setMask(REALobject self, std::uint32_t, REALobject mask) {
+    if (pictureOf(self).hasAlpha)
+        raise("UnsupportedOperationException", "a Picture with an alpha channel has no mask");
+    heap().release(std::exchange(pictureOf(self).mask, Heap::retain(mask)));
+}
+
+// ---- files -----------------------------------------------------------------------------------------------
+
+enum { kSaveAsPNG = 1, kSaveAsJPEG = 2 };
+
+CFURLRef urlOf(const std::string& path) {
+    Owned<CFStringRef> text(static_cast<CFStringRef>(makeCFString(path)));
+    return CFURLCreateWithFileSystemPath(nullptr, text, kCFURLPOSIXPathStyle, false);
+}
+
+void save(REALobject self, REALobject file, std::int32_t format, std::int32_t quality) {
+    if (!file) raise("NilObjectException", "file is nil");
+    Pool pool;
+    const std::string& path = folderItemPath(file);
+    Owned<CFURLRef> url(urlOf(path));
+    Owned<CFStringRef> type(
+        static_cast<CFStringRef>(makeCFString(format == kSaveAsJPEG ? "public.jpeg" : "public.png")));
+    Owned<CGImageDestinationRef> destination(url.ref ? CGImageDestinationCreateWithURL(url, type, 1, nullptr) : nullptr);
+    if (!destination.ref) raise("IOException", "cannot write " + path);
+    double level = quality / 100.0;
+    Owned<CFNumberRef> number(CFNumberCreate(nullptr, kCFNumberDoubleType, &level));
+    Owned<CFMutableDictionaryRef> properties(CFDictionaryCreateMutable(nullptr, 1, &kCFTypeDictionaryKeyCallBacks,
+                                                                       &kCFTypeDictionaryValueCallBacks));
+    CFDictionarySetValue(properties, kCGImageDestinationLossyCompressionQuality, number);
+    auto* image = static_cast<CGImageRef>(pictureCGImage(self));
+    CGImageDestinationAddImage(destination, image, properties);
+    CGImageRelease(image);
+    if (!CGImageDestinationFinalize(destination)) raise("IOException", "cannot write " + path);
+}
+
+REALobject open(REALobject file) {
+    if (!file) raise("NilObjectException", "file is nil");
+    Pool pool;
+    const std::string& path = folderItemPath(file);
+    if (!files::exists(path)) raise("IOException", path + " does not exist");
+    Owned<CFURLRef> url(urlOf(path));
+    Owned<CGImageSourceRef> source(url.ref ? CGImageSourceCreateWithURL(url, nullptr) : nullptr);
+    CGImageRef image = source.ref ? CGImageSourceCreateImageAtIndex(source, 0, nullptr) : nullptr;
+    if (!image) raise("IOException", path + " is no picture that can be read");
+    CGImageAlphaInfo alpha = CGImageGetAlphaInfo(image);
+    bool opaque = alpha == kCGImageAlphaNone || alpha == kCGImageAlphaNoneSkipFirst || alpha == kCGImageAlphaNoneSkipLast;
+    auto width = std::int32_t(CGImageGetWidth(image)), height = std::int32_t(CGImageGetHeight(image));
+    ObjectRef result(tryNewPicture(width, height, opaque ? 32 : 0));
+    if (result) CGContextDrawImage(contextOf(pictureOf(result)), CGRectMake(0, 0, CGFloat(width), CGFloat(height)), image);
+    CGImageRelease(image);
+    if (!result) raise("OutOfMemoryException", "There is no memory for the Picture.");
+    return result.release();
+}
+
+} // namespace
+
+// ---- the services ----------------------------------------------------------------------------------------
+
+REALobject tryNewPicture(std::int32_t width, std::int32_t height, std::int32_t depth) {
+    ObjectRef object(newInstance("Picture"));
+    return prepare(pictureOf(object), width, height, depth) ? object.release() : nullptr;
+}
+
+REALobject pictureMask(REALobject self, bool create) {
+    Picture& picture = pictureOf(self);
+    if (!picture.mask && create && !picture.hasAlpha) {
+        picture.mask = tryNewPicture(picture.pixels.width, picture.pixels.height, 32);
+        if (picture.mask) pictureOf(picture.mask).pixels.fill(0xFF000000); // lets everything through
+    }
+    return Heap::retain(picture.mask);
+}
+
+bool describePicture(REALobject self, REALpictureDescription* out, std::int32_t kind) {
+    if (!out) return false;
+    Picture& picture = pictureOf(self);
+    *out = {};
+    out->kind = kind;
+    if (picture.pixels.width > 0 && kind == kREALPictureCGContext) out->handle = contextOf(picture);
+    if (picture.pixels.width > 0 && kind == kREALPicturePixelBuffer) out->handle = bufferOf(picture);
+    if (!out->handle) {
+        // Hosts before 2012.0 want even a lock that failed undone.
+        if (runtime().version() < 2012.0) ++picture.descriptions;
+        return false;
+    }
+    ++picture.descriptions;
+    return true;
+}
+
+void undescribePicture(REALobject self) {
+    Picture& picture = pictureOf(self);
+    if (picture.descriptions == 0)
+        heap().violation("unlockPictureDescription: this Picture's description is not locked");
+    else
+        --picture.descriptions;
+}
+
+// Nothing is cached: the pixels are the picture. A picture that is changed must not be locked for reading still.
+void pictureChanged(REALobject self) {
+    if (void* context = pictureOf(self).context) CGContextFlush(static_cast<CGContextRef>(context));
+}
+
+Pixels masked(REALobject self) {
+    Pixels result = pictureOf(self).pixels;
+    if (REALobject mask = pictureOf(self).mask) result.applyMask(pictureOf(mask).pixels);
+    return result;
+}
+
+void* pictureCGImage(REALobject self) {
+    auto* copy = new Pixels(masked(self));
+    CGDataProviderRef provider =
+        CGDataProviderCreateWithData(copy, copy->bytes.data(), copy->bytes.size(), [](void* info, const void*, std::size_t) {
+            delete static_cast<Pixels*>(info);
+        });
+    ColorSpace space;
+    CGImageRef image = CGImageCreate(std::size_t(copy->width), std::size_t(copy->height), 8, 32,
+                                     std::size_t(copy->width) * 4, space.ref, kCGImageAlphaPremultipliedFirst, provider,
+                                     nullptr, false, kCGRenderingIntentDefault);
+    CGDataProviderRelease(provider);
+    return image;
+}
+
+// ---- the class -------------------------------------------------------------------------------------------
+
+FrameworkClass pictureClass() {
+    FrameworkClass table = classWithData<Picture>("Picture");
+    table.destructor = +[](REALobject self) {
+        Picture& picture = pictureOf(self);
+        if (picture.descriptions > 0)
+            heap().violation("a Picture is gone with its description locked " + std::to_string(picture.descriptions) +
+                             " times");
+        if (picture.context) CGContextRelease(static_cast<CGContextRef>(picture.context));
+        heap().release(picture.mask);
+        picture.~Picture();
+    };
+    table.properties = {
+        property("Width", "Integer", [](REALobject self) { return std::int32_t(pictureOf(self).pixels.width); }),
+        property("Height", "Integer", [](REALobject self) { return std::int32_t(pictureOf(self).pixels.height); }),
+        property("Depth", "Integer", [](REALobject self) { return std::int32_t(pictureOf(self).depth); }),
+        property("HasAlphaChannel", "Boolean", [](REALobject self) { return pictureOf(self).hasAlpha; }),
+        property("Graphics", "Graphics", pictureGraphics),
+        property("RGBSurface", "RGBSurface", pictureSurface),
+        property("Mask", "Picture", [](REALobject self) { return pictureMask(self, true); }, setMask),
+    };
+    table.methods = {
+        method("Constructor(width As Integer, height As Integer, depth As Integer = 0)", construct),
+        method("Save(file As FolderItem, format As Integer, quality As Integer = 85)", save),
+    };
+    table.sharedMethods = {method("Open(file As FolderItem) As Picture", open)};
+    table.constants = {"SaveAsPNG = 1", "SaveAsJPEG = 2"};
+    return table;
+}
+
+} // namespace studio

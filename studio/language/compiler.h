@@ -1,0 +1,160 @@
+// Resolves a parsed program: finds what every name means, checks every type, and makes the code that runs.
+#pragma once
+
+#include "language/ast.h"
+#include "language/machine.h"
+
+namespace studio {
+
+// A resolved expression.
+struct Operand {
+    const Type* type;
+    Code code;
+    Position position;
+    std::optional<Literal> constant = {}; // a literal, or what was made of literals
+};
+
+// Something that can be assigned to.
+struct Place {
+    const Type* type;
+    std::function<void(Frame&, Bits)> store;    // takes the value over
+    std::function<Bits*(Frame&)> address = {};  // variables only
+};
+
+struct Local {
+    const Type* type;
+    int slot = 0;
+    Bits* address = nullptr;            // globals and Static variables
+    std::optional<Literal> constant = {};
+    bool declaredYet = true;            // a global is known to routines before its line, but not above it
+};
+
+class Compiler {
+  public:
+    Compiler(Program& program, const ast::Program& source) : program_(program), source_(source) {}
+    void compile(); // throws SourceErrors
+
+  private:
+    // ---- declarations.cpp -------------------------------------------------------------------------------
+    struct Field {
+        std::string name;
+        const Type* type;
+        std::int32_t offset;
+    };
+    struct PendingBody {
+        const ast::Routine* source;
+        Routine* routine;
+    };
+    void declareClasses();
+    void declareMembers(const ast::ClassDeclaration& source, Class& cls);
+    void declareRoutine(const ast::Routine& source, Class* owner);
+    void declareGlobals();
+    void compileBodies();
+    void compileBody(const ast::Routine& source, Routine& routine);
+    const Type* resolveType(const ast::TypeName& name); // defined classes only
+    Local constantOf(const ast::Variable& variable);
+
+    // ---- names ------------------------------------------------------------------------------------------
+    Local* findVariable(std::string_view name);
+    const Field* findField(const Class* cls, std::string_view name) const;
+    Class* findClass(const ast::Expr& e) const; // a class that is named and not hidden by a variable
+    int newSlot() { return slotCount_++; }
+    Local& declareLocal(const std::string& name, Position position, const Type* type);
+    [[noreturn]] void unknown(Position position, const std::string& what, std::string_view name,
+                              const std::vector<std::string>& known);
+    std::vector<std::string> namesInScope() const;
+    std::vector<std::string> membersOf(const Type* type) const;
+
+    // ---- expressions.cpp --------------------------------------------------------------------------------
+    Operand expression(const ast::Expr& e);
+    Operand value(const ast::Expr& e); // an expression that has a value
+    Operand valueAs(const ast::Expr& e, const Type* type, const std::string& what);
+    Operand coerce(Operand operand, const Type* type, const std::string& what);
+    Operand condition(const ast::Expr& e);
+    Operand literal(const Literal& value, Position position);
+    Operand name(const ast::Expr& e);
+    Operand variable(const Local& local, Position position);
+    Operand member(const ast::Expr& e, const std::vector<const ast::Expr*>& arguments, bool called);
+    Operand memberOf(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments, bool called);
+    Operand sharedMember(Class& cls, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments, bool called);
+    Operand call(const ast::Expr& e);
+    Operand arrayMember(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments);
+    Operand arrayLiteral(const ast::Expr& e);
+    Operand index(Operand array, const std::vector<const ast::Expr*>& arguments, Position position);
+    Operand create(const ast::Expr& e);
+    Operand cast(const Type* type, const ast::Expr& e);
+    Operand isA(const ast::Expr& e);
+    Operand selfOperand(Position position);
+    Operand field(Operand object, const Field& field);
+
+    // Calls.
+    struct PreparedArguments {
+        std::vector<Operand> operands;
+        std::vector<Place> places; // those by reference; empty store for the rest
+    };
+    Operand invokeMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
+                         const std::vector<const ast::Expr*>& arguments, std::string_view name, Position position,
+                         bool virtualCall = true, std::optional<Operand> extended = {});
+    PreparedArguments prepare(const Method& method, const Signature& signature, std::vector<Operand> given,
+                              const std::vector<const ast::Expr*>& sources);
+    Operand emitCall(const Method& method, std::optional<Operand> self, PreparedArguments arguments,
+                     Position position, bool virtualCall, bool setter);
+
+    // Assignment.
+    Place place(const ast::Expr& e); // variables, fields, properties, elements
+    Action assign(const ast::Expr& target, const ast::Expr& value);
+    Action assignThroughMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
+                               const std::vector<const ast::Expr*>& arguments, Operand value, std::string_view name,
+                               Position position);
+
+    // ---- operators.cpp ----------------------------------------------------------------------------------
+    Operand unary(const ast::Expr& e);
+    Operand binary(const std::string& operation, Operand a, Operand b, Position position);
+    Operand arithmetic(const std::string& operation, Operand a, Operand b, Position position);
+    Operand comparison(const std::string& operation, Operand a, Operand b, Position position);
+    Operand logical(const std::string& operation, Operand a, Operand b, Position position);
+
+    // ---- statements.cpp ---------------------------------------------------------------------------------
+    Action block(const ast::Block& statements);
+    Action statement(const ast::Statement& s);
+    Action dim(const ast::Statement& s);
+    Action declare(const ast::Variable& v);
+    Action ifStatement(const ast::Statement& s);
+    Action forStatement(const ast::Statement& s);
+    Action forEachStatement(const ast::Statement& s);
+    Action whileStatement(const ast::Statement& s);
+    Action selectStatement(const ast::Statement& s);
+    Action tryStatement(const ast::Statement& s);
+    Action jump(const ast::Statement& s);
+    Action returnStatement(const ast::Statement& s);
+    Action addHandler(const ast::Statement& s);
+
+    struct Loop {
+        std::string kind; // "for", "while", "do"
+        int id;
+    };
+    struct Scope {
+        std::map<std::string, Local> names;
+        std::vector<std::pair<int, const Type*>> counted; // slots to release at the end
+    };
+    // A scope around what a body declares.
+    Action scoped(const std::function<Action()>& body);
+
+    Program& program_;
+    const ast::Program& source_;
+    std::vector<SourceError> errors_;
+    std::map<std::string, Local> globals_;
+    std::map<const Class*, std::vector<Field>> fields_;
+    std::vector<PendingBody> bodies_;
+
+    // Of the routine being compiled.
+    Routine* routine_ = nullptr;
+    Class* owner_ = nullptr; // its class
+    bool hasSelf_ = false;
+    std::vector<Scope> scopes_;
+    std::vector<Loop> loops_;
+    int slotCount_ = 0;
+    int nextLoop_ = 1;
+};
+
+} // namespace studio

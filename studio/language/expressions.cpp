@@ -1,0 +1,781 @@
+// Expressions: names, members, calls, casts.
+#include "language/compiler.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace studio {
+
+namespace {
+
+constexpr std::size_t kMostArguments = 32;
+
+struct Held {
+    const Type* type;
+    Bits bits;
+    Held(const Type* type, Bits bits) : type(type), bits(bits) {}
+    Held(const Held&) = delete;
+    ~Held() { release(type, bits); }
+    Bits take() { return std::exchange(bits, Bits()); }
+};
+
+const Type* integer() { return simpleType(Kind::Int32); }
+const Type* nothing() { return simpleType(Kind::Void); }
+
+std::vector<const ast::Expr*> pointers(const std::vector<ast::ExprPtr>& list) {
+    std::vector<const ast::Expr*> result;
+    for (const ast::ExprPtr& e : list) result.push_back(e.get());
+    return result;
+}
+
+[[noreturn]] void nilHas(const Type* type, const std::string& member) {
+    raise("NilObjectException", "this " + type->name + " is nil and has no " + member);
+}
+
+ArrayObject& arrayIn(const ObjectRef& object) {
+    if (!object) raise("NilObjectException", "this array is nil");
+    return arrayOf(object.handle);
+}
+
+} // namespace
+
+Operand Compiler::value(const ast::Expr& e) {
+    Operand result = expression(e);
+    if (result.type->kind == Kind::Void) throw SourceError(e.position, "expected a value, but this call has no result");
+    return result;
+}
+
+Operand Compiler::valueAs(const ast::Expr& e, const Type* type, const std::string& what) {
+    Operand result = value(e);
+    return coerce(std::move(result), type, what);
+}
+
+Operand Compiler::condition(const ast::Expr& e) {
+    Operand result = value(e);
+    if (result.type->kind != Kind::Boolean && result.type->kind != Kind::Variant)
+        throw SourceError(e.position, "expected a Boolean, found " + result.type->name);
+    return coerce(std::move(result), simpleType(Kind::Boolean), "");
+}
+
+Operand Compiler::expression(const ast::Expr& e) {
+    using ast::ExprKind;
+    switch (e.kind) {
+    case ExprKind::Integer:
+    case ExprKind::Real:
+    case ExprKind::String:
+    case ExprKind::Color:
+    case ExprKind::True:
+    case ExprKind::False: return literal(classes().literal(e), e.position);
+    case ExprKind::Nil: return {simpleType(Kind::Nil), [](Frame&) { return Bits(); }, e.position};
+    case ExprKind::Self: return selfOperand(e.position);
+    case ExprKind::Super: throw SourceError(e.position, "expected '.' and a method after 'Super'");
+    case ExprKind::Name: return name(e);
+    case ExprKind::Member: return member(e, {}, false);
+    case ExprKind::Call: return call(e);
+    case ExprKind::Unary: return unary(e);
+    case ExprKind::Binary: {
+        Operand a = value(*e.a);
+        Operand b = value(*e.b);
+        return binary(e.text, std::move(a), std::move(b), e.position);
+    }
+    case ExprKind::IsA: return isA(e);
+    case ExprKind::New: return create(e);
+    case ExprKind::AddressOf: throw SourceError(e.position, "'AddressOf' belongs into an AddHandler line");
+    }
+    throw SourceError(e.position, "expected an expression");
+}
+
+// ---- literals and conversions ----------------------------------------------------------------------------
+
+Operand Compiler::literal(const Literal& value, Position position) {
+    if (value.type->kind == Kind::String) {
+        REALstring text = heap().newPermanentString(value.text);
+        if (text) program_.literals.push_back(text);
+        return {value.type, [text](Frame&) { return Bits::of(Heap::retain(text)); }, position, value};
+    }
+    return {value.type, [bits = value.bits](Frame&) { return bits; }, position, value};
+}
+
+Operand Compiler::coerce(Operand operand, const Type* type, const std::string& what) {
+    const Type* from = operand.type;
+    if (from == type) return operand;
+    if (conversionCost(from, type) < 0) {
+        std::string hint;
+        if (from->kind == Kind::Object && type->kind == Kind::Object && type->cls->isA(from->cls))
+            hint = "; write " + type->name + "(...) to convert it";
+        if (type->kind == Kind::String && from->isNumber()) hint = "; write Str(...) to convert it";
+        if (type->isNumber() && from->kind == Kind::String) hint = "; write Val(...) to convert it";
+        throw SourceError(operand.position,
+                          "expected " + type->name + (what.empty() ? "" : " for " + what) + ", found " + from->name + hint);
+    }
+    if (operand.constant && from->isNumber() && type->isNumber()) {
+        Literal converted{type, convert(from, type, operand.constant->bits), {}};
+        return literal(converted, operand.position);
+    }
+    Operand result{type, nullptr, operand.position};
+    Code code = std::move(operand.code);
+    if (from->kind == Kind::Nil || (from->isObject() && type->isObject() && from->kind != Kind::Variant))
+        result.code = std::move(code);
+    else if (from->kind == Kind::Int32 && type->kind == Kind::Double)
+        result.code = [code](Frame& f) { return Bits::of(double(code(f).i32)); };
+    else if (from->kind == Kind::Int32 && type->kind == Kind::Int64)
+        result.code = [code](Frame& f) { return Bits::of(std::int64_t(code(f).i32)); };
+    else if (from->kind == Kind::Single && type->kind == Kind::Double)
+        result.code = [code](Frame& f) { return Bits::of(double(code(f).f32)); };
+    else
+        result.code = [code, from, type](Frame& f) { return convert(from, type, code(f)); };
+    return result;
+}
+
+Operand Compiler::cast(const Type* type, const ast::Expr& e) {
+    Operand operand = value(e);
+    const Type* from = operand.type;
+    if (type->kind != Kind::Object || from->kind == Kind::Nil) return coerce(std::move(operand), type, "");
+    if (!from->isObject()) throw SourceError(e.position, "a " + from->name + " cannot be a " + type->name);
+    if (from->kind == Kind::Object && !type->cls->isA(from->cls) && !from->cls->isA(type->cls))
+        throw SourceError(e.position, "a " + from->name + " is never a " + type->name);
+    return {type,
+            [code = operand.code, cls = type->cls](Frame& f) {
+                ObjectRef object(code(f).object);
+                if (object && (isArray(object) || !classOf(object).isA(cls)))
+                    raise("IllegalCastException", "a " + classNameOf(object) + " is no " + cls->name);
+                return Bits::of(object.release());
+            },
+            e.position};
+}
+
+Operand Compiler::isA(const ast::Expr& e) {
+    Operand operand = value(*e.a);
+    const Type* type = resolveType(e.type);
+    if (!operand.type->isObject() || type->kind != Kind::Object)
+        throw SourceError(e.position, "expected an object and a class around 'IsA'");
+    return {simpleType(Kind::Boolean),
+            [code = operand.code, cls = type->cls](Frame& f) {
+                ObjectRef object(code(f).object);
+                return Bits::of(object && !isArray(object) && classOf(object).isA(cls));
+            },
+            e.position};
+}
+
+// ---- names -----------------------------------------------------------------------------------------------
+
+Operand Compiler::variable(const Local& local, Position position) {
+    if (local.constant) return literal(*local.constant, position);
+    const Type* type = local.type;
+    if (Bits* address = local.address) {
+        if (!type->isCounted()) return {type, [address](Frame&) { return *address; }, position};
+        return {type, [address, type](Frame&) { return retain(type, *address); }, position};
+    }
+    int slot = local.slot;
+    if (!type->isCounted()) return {type, [slot](Frame& f) { return f.slots[slot]; }, position};
+    if (type->kind == Kind::String)
+        return {type, [slot](Frame& f) { return Bits::of(Heap::retain(f.slots[slot].string)); }, position};
+    return {type, [slot](Frame& f) { return Bits::of(Heap::retain(f.slots[slot].object)); }, position};
+}
+
+Operand Compiler::selfOperand(Position position) {
+    if (!hasSelf_) throw SourceError(position, "there is no object here for 'Self'");
+    return {owner_->type, [](Frame& f) { return Bits::of(Heap::retain(f.self)); }, position};
+}
+
+Operand Compiler::field(Operand object, const Field& field) {
+    return {field.type,
+            [code = object.code, field, type = object.type](Frame& f) {
+                ObjectRef held(code(f).object);
+                if (!held) nilHas(type, field.name);
+                return retain(field.type, dataAt<Bits>(held, field.offset));
+            },
+            object.position};
+}
+
+Operand Compiler::name(const ast::Expr& e) {
+    if (Local* local = findVariable(e.text)) return variable(*local, e.position);
+    if (owner_) {
+        if (const Constant* constant = owner_->constant(e.text)) return literal(constant->value, e.position);
+        if (hasSelf_ && (findField(owner_, e.text) || owner_->property(e.text) || !owner_->methodsNamed(e.text).empty()))
+            return memberOf(selfOperand(e.position), e, {}, false);
+        if (auto shared = owner_->sharedMethodsNamed(e.text); !shared.empty())
+            return invokeMethod(shared, {}, {}, e.text, e.position);
+    }
+    if (auto& functions = classes().functionsNamed(e.text); !functions.empty())
+        return invokeMethod(functions, {}, {}, e.text, e.position);
+    if (classes().find(e.text))
+        throw SourceError(e.position, "'" + e.text + "' is a class; expected a value");
+    unknown(e.position, "there is no", e.text, namesInScope());
+}
+
+// ---- members ---------------------------------------------------------------------------------------------
+
+Operand Compiler::member(const ast::Expr& e, const std::vector<const ast::Expr*>& arguments, bool called) {
+    if (Class* cls = findClass(*e.a)) return sharedMember(*cls, e, arguments, called);
+    if (e.a->kind == ast::ExprKind::Super) {
+        if (!hasSelf_ || !owner_->superclass) throw SourceError(e.position, "there is no 'Super' here");
+        Operand self = selfOperand(e.position);
+        std::vector<const Method*> candidates = owner_->superclass->methodsNamed(e.text);
+        if (candidates.empty()) unknown(e.position, owner_->superclass->name + " has no", e.text, {});
+        return invokeMethod(candidates, std::move(self), arguments, e.text, e.position, false);
+    }
+    return memberOf(value(*e.a), e, arguments, called);
+}
+
+Operand Compiler::sharedMember(Class& cls, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments,
+                               bool called) {
+    if (!called)
+        if (const Constant* constant = cls.constant(e.text)) return literal(constant->value, e.position);
+    std::vector<const Method*> candidates = cls.sharedMethodsNamed(e.text);
+    if (candidates.empty()) {
+        if (!cls.methodsNamed(e.text).empty() || cls.property(e.text) || findField(&cls, e.text))
+            throw SourceError(e.position, "'" + e.text + "' needs an object of the class " + cls.name);
+        std::vector<std::string> known;
+        for (const Class* c = &cls; c; c = c->superclass) {
+            for (auto& m : c->sharedMethods) known.push_back(m->signature.name);
+            for (const Constant& k : c->constants) known.push_back(k.name);
+        }
+        unknown(e.position, "the class " + cls.name + " has no", e.text, known);
+    }
+    return invokeMethod(candidates, {}, arguments, e.text, e.position);
+}
+
+Operand Compiler::memberOf(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments,
+                           bool called) {
+    const Type* type = base.type;
+    if (type->kind == Kind::Array) return arrayMember(std::move(base), e, arguments);
+    if (type->kind == Kind::Object || type->kind == Kind::Variant) {
+        Class* cls = type->kind == Kind::Variant ? classes().named("Variant") : type->cls;
+        std::vector<const Method*> candidates = cls->methodsNamed(e.text);
+        std::optional<Operand> found;
+        if (const Field* f = findField(cls, e.text)) {
+            found = field(std::move(base), *f);
+        } else if (const Property* property = cls->property(e.text); property && (candidates.empty() || !called)) {
+            if (!property->getter) throw SourceError(e.position, cls->name + "." + property->name + " can only be set");
+            bool variant = type->kind == Kind::Variant; // nil is a variant like any other
+            found = Operand{property->type,
+                            [code = base.code, property, type, variant](Frame& f) {
+                                ObjectRef object(code(f).object);
+                                if (!object && !variant) nilHas(type, property->name);
+                                return readProperty(*property, object);
+                            },
+                            e.position};
+        }
+        if (found) {
+            if (!called || arguments.empty()) return std::move(*found);
+            return index(std::move(*found), arguments, e.position);
+        }
+        if (!candidates.empty()) return invokeMethod(candidates, std::move(base), arguments, e.text, e.position);
+        if (const Constant* constant = cls->constant(e.text)) return literal(constant->value, e.position);
+        if (auto shared = cls->sharedMethodsNamed(e.text); !shared.empty())
+            return invokeMethod(shared, {}, arguments, e.text, e.position);
+    }
+    // Functions that are called on their first argument.
+    std::vector<const Method*> extensions;
+    for (const Method* function : classes().functionsNamed(e.text)) {
+        if (function->signature.parameters.empty()) continue;
+        const Parameter& first = function->signature.parameters[0];
+        bool text = type->kind == Kind::String && first.type == type && function->origin == Origin::Framework;
+        if ((first.extends && conversionCost(type, first.type) >= 0) || text) extensions.push_back(function);
+    }
+    if (!extensions.empty())
+        return invokeMethod(extensions, {}, arguments, e.text, e.position, true, std::move(base));
+    unknown(e.position, type->name + " has no", e.text, membersOf(type));
+}
+
+// ---- arrays ----------------------------------------------------------------------------------------------
+
+Operand Compiler::index(Operand array, const std::vector<const ast::Expr*>& arguments, Position position) {
+    if (array.type->kind != Kind::Array)
+        throw SourceError(position, "a " + array.type->name + " takes no arguments and has no elements");
+    if (arguments.size() != 1) throw SourceError(position, "expected one index");
+    Operand at = valueAs(*arguments[0], integer(), "the index");
+    return {array.type->element,
+            [array = array.code, at = at.code](Frame& f) {
+                ObjectRef object(array(f).object);
+                return arrayGet(arrayIn(object), at(f).i32);
+            },
+            position};
+}
+
+Operand Compiler::arrayMember(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments) {
+    const Type* element = base.type->element;
+    struct Shape {
+        std::string_view name;
+        std::size_t least, most;
+    };
+    static constexpr Shape shapes[] = {{"Append", 1, 1}, {"Insert", 2, 2},  {"Remove", 1, 1}, {"Ubound", 0, 0},
+                                       {"Count", 0, 0},  {"Sort", 0, 0},    {"Pop", 0, 0},    {"IndexOf", 1, 2},
+                                       {"Shuffle", 0, 0}};
+    const Shape* shape = nullptr;
+    std::vector<std::string> known;
+    for (const Shape& s : shapes) {
+        if (sameName(s.name, e.text)) shape = &s;
+        known.emplace_back(s.name);
+    }
+    if (!shape) unknown(e.position, "an array has no", e.text, known);
+    if (arguments.size() < shape->least || arguments.size() > shape->most)
+        throw SourceError(e.position, std::string(shape->name) + " takes " + std::to_string(shape->least) +
+                                          (shape->most > shape->least ? " or " + std::to_string(shape->most) : "") +
+                                          (shape->most == 1 ? " argument" : " arguments"));
+    Code array = base.code;
+    std::string which(shape->name);
+    auto argument = [&](std::size_t i, const Type* type) { return valueAs(*arguments[i], type, which).code; };
+    if (which == "Append")
+        return {nothing(),
+                [array, v = argument(0, element), element](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    Held value(element, v(f));
+                    ArrayObject& a = arrayIn(object);
+                    arrayInsert(a, a.count, value.take());
+                    return Bits();
+                },
+                e.position};
+    if (which == "Insert")
+        return {nothing(),
+                [array, at = argument(0, integer()), v = argument(1, element), element](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    std::int32_t index = at(f).i32;
+                    Held value(element, v(f));
+                    arrayInsert(arrayIn(object), index, value.take());
+                    return Bits();
+                },
+                e.position};
+    if (which == "Remove")
+        return {nothing(),
+                [array, at = argument(0, integer())](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    arrayRemove(arrayIn(object), at(f).i32);
+                    return Bits();
+                },
+                e.position};
+    if (which == "Ubound" || which == "Count") {
+        int less = which == "Ubound";
+        return {integer(),
+                [array, less](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    return Bits::of(std::int32_t(arrayIn(object).count - less));
+                },
+                e.position};
+    }
+    if (which == "Sort") {
+        if (!element->isNumber() && element->kind != Kind::String)
+            throw SourceError(e.position, "only numbers and strings have an order to sort by");
+        return {nothing(),
+                [array](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    arraySort(arrayIn(object));
+                    return Bits();
+                },
+                e.position};
+    }
+    if (which == "Pop")
+        return {element,
+                [array](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    ArrayObject& a = arrayIn(object);
+                    Bits last = arrayGet(a, a.count - 1);
+                    arrayRemove(a, a.count - 1);
+                    return last;
+                },
+                e.position};
+    if (which == "IndexOf") {
+        Code from = arguments.size() > 1 ? argument(1, integer()) : [](Frame&) { return Bits(); };
+        return {integer(),
+                [array, v = argument(0, element), from, element](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    Held value(element, v(f));
+                    return Bits::of(arrayIndexOf(arrayIn(object), value.bits, from(f).i32));
+                },
+                e.position};
+    }
+    return {nothing(),
+            [array](Frame& f) {
+                ObjectRef object(array(f).object);
+                ArrayObject& a = arrayIn(object);
+                int size = elementSize(a.element);
+                for (std::int32_t i = a.count - 1; i > 0; --i) {
+                    char* x = a.data + i * size;
+                    std::swap_ranges(x, x + size, a.data + std::rand() % (i + 1) * size);
+                }
+                return Bits();
+            },
+            e.position};
+}
+
+// Array(a, b, c): the elements' common type.
+Operand Compiler::arrayLiteral(const ast::Expr& e) {
+    if (e.arguments.empty()) throw SourceError(e.position, "Array(...) needs an element to know its type");
+    std::vector<Operand> elements;
+    for (const ast::ExprPtr& argument : e.arguments) elements.push_back(value(*argument));
+    const Type* element = elements[0].type;
+    for (const Operand& operand : elements) {
+        if (operand.type == element || operand.type->kind == Kind::Nil) continue;
+        if (element->isNumber() && operand.type->isNumber()) {
+            if (operand.type->kind > element->kind) element = operand.type;
+        } else if (element->kind == Kind::Nil || conversionCost(element, operand.type) >= 0) {
+            element = operand.type;
+        } else if (conversionCost(operand.type, element) < 0) {
+            element = simpleType(Kind::Variant);
+        }
+    }
+    if (element->kind == Kind::Nil) element = simpleType(Kind::Variant);
+    std::vector<Code> codes;
+    for (Operand& operand : elements) codes.push_back(coerce(std::move(operand), element, "").code);
+    return {classes().arrayOf(element),
+            [codes, element](Frame& f) {
+                ObjectRef array(newArray(element));
+                for (const Code& code : codes) {
+                    Bits bits = code(f);
+                    arrayInsert(arrayOf(array.handle), arrayOf(array.handle).count, bits);
+                }
+                return Bits::of(array.release());
+            },
+            e.position};
+}
+
+// ---- calls -----------------------------------------------------------------------------------------------
+
+Operand Compiler::call(const ast::Expr& e) {
+    const ast::Expr& callee = *e.a;
+    std::vector<const ast::Expr*> arguments = pointers(e.arguments);
+    if (callee.kind == ast::ExprKind::Member) return member(callee, arguments, true);
+    if (callee.kind != ast::ExprKind::Name) return index(value(callee), arguments, e.position);
+
+    if (Local* local = findVariable(callee.text)) return index(variable(*local, callee.position), arguments, e.position);
+    if (sameName(callee.text, "Array")) return arrayLiteral(e);
+    if (sameName(callee.text, "Ubound") && arguments.size() == 1) {
+        ast::Expr ubound{ast::ExprKind::Member, callee.position, "Ubound", 0, 0, nullptr, nullptr, {}, {}};
+        Operand array = value(*arguments[0]);
+        if (array.type->kind != Kind::Array)
+            throw SourceError(array.position, "expected an array, found " + array.type->name);
+        return arrayMember(std::move(array), ubound, {});
+    }
+    if (owner_) {
+        if (hasSelf_ && (findField(owner_, callee.text) || owner_->property(callee.text) ||
+                         !owner_->methodsNamed(callee.text).empty()))
+            return memberOf(selfOperand(callee.position), callee, arguments, true);
+        if (auto shared = owner_->sharedMethodsNamed(callee.text); !shared.empty())
+            return invokeMethod(shared, {}, arguments, callee.text, callee.position);
+    }
+    if (auto& functions = classes().functionsNamed(callee.text); !functions.empty())
+        return invokeMethod(functions, {}, arguments, callee.text, callee.position);
+    // A type's name converts.
+    const Type* type = simpleTypeNamed(callee.text);
+    if (!type)
+        if (Class* cls = classes().find(callee.text)) type = cls->type;
+    if (!type) unknown(callee.position, "there is no", callee.text, namesInScope());
+    if (arguments.size() != 1) throw SourceError(e.position, "expected one value to convert to " + type->name);
+    return cast(type, *arguments[0]);
+}
+
+Operand Compiler::invokeMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
+                               const std::vector<const ast::Expr*>& arguments, std::string_view name,
+                               Position position, bool virtualCall, std::optional<Operand> extended) {
+    std::vector<Operand> given;
+    std::vector<const Type*> types;
+    std::vector<const ast::Expr*> sources = arguments;
+    if (extended) {
+        types.push_back(extended->type);
+        given.push_back(std::move(*extended));
+        sources.insert(sources.begin(), nullptr);
+    }
+    for (const ast::Expr* argument : arguments) {
+        given.push_back(value(*argument));
+        types.push_back(given.back().type);
+    }
+    Choice choice = chooseOverload(candidates, types, name);
+    if (!choice.method) throw SourceError(position, choice.problem);
+    const Method& method = *choice.method;
+    PreparedArguments prepared = prepare(method, method.signature, std::move(given), sources);
+    return emitCall(method, std::move(self), std::move(prepared), position, virtualCall, false);
+}
+
+Compiler::PreparedArguments Compiler::prepare(const Method& method, const Signature& signature,
+                                              std::vector<Operand> given,
+                                              const std::vector<const ast::Expr*>& sources) {
+    PreparedArguments result;
+    if (signature.parameters.size() > kMostArguments)
+        throw SourceError({}, method.fullName() + " has too many parameters");
+    for (std::size_t i = 0; i < signature.parameters.size(); ++i) {
+        const Parameter& p = signature.parameters[i];
+        Place place{};
+        if (p.paramArray) {
+            std::vector<Code> rest;
+            for (std::size_t k = i; k < given.size(); ++k)
+                rest.push_back(coerce(std::move(given[k]), p.type->element, p.name).code);
+            result.operands.push_back({p.type,
+                                       [rest, element = p.type->element](Frame& f) {
+                                           ObjectRef array(newArray(element));
+                                           for (const Code& code : rest) {
+                                               Bits bits = code(f);
+                                               arrayInsert(arrayOf(array.handle), arrayOf(array.handle).count, bits);
+                                           }
+                                           return Bits::of(array.release());
+                                       },
+                                       {}});
+        } else if (i < given.size()) {
+            if (p.byRef) {
+                if (!sources[i]) throw SourceError(given[i].position, "expected a variable for " + p.name);
+                place = this->place(*sources[i]);
+            }
+            result.operands.push_back(coerce(std::move(given[i]), p.type, p.name));
+        } else {
+            result.operands.push_back(coerce(literal(*p.defaultValue, {}), p.type, p.name));
+        }
+        result.places.push_back(std::move(place));
+    }
+    return result;
+}
+
+namespace {
+
+// Evaluated arguments, released unless they were handed over.
+struct Evaluated {
+    const std::vector<const Type*>& types;
+    Bits bits[kMostArguments];
+    std::size_t count = 0;
+
+    Evaluated(const std::vector<const Type*>& types, const std::vector<Code>& codes, Frame& frame) : types(types) {
+        try {
+            for (; count < codes.size(); ++count) bits[count] = codes[count](frame);
+        } catch (...) {
+            releaseAll();
+            throw;
+        }
+    }
+    ~Evaluated() { releaseAll(); }
+    void handOver() { count = 0; }
+
+  private:
+    void releaseAll() {
+        while (count > 0) {
+            --count;
+            release(types[count], bits[count]);
+        }
+    }
+};
+
+} // namespace
+
+Operand Compiler::emitCall(const Method& method, std::optional<Operand> self, PreparedArguments arguments,
+                           Position position, bool virtualCall, bool setter) {
+    std::vector<Code> codes;
+    std::vector<const Type*> types;
+    for (Operand& operand : arguments.operands) {
+        codes.push_back(std::move(operand.code));
+        types.push_back(operand.type);
+    }
+    const Type* result = setter || !method.signature.result ? nothing() : method.signature.result;
+    Code selfCode = self ? self->code : Code();
+    const Type* selfType = self ? self->type : nullptr;
+    Program* program = &program_;
+    const Method* m = &method;
+
+    if (method.routine) {
+        bool anyByRef = std::any_of(arguments.places.begin(), arguments.places.end(),
+                                    [](const Place& p) { return p.store != nullptr; });
+        std::vector<Place> places = anyByRef ? std::move(arguments.places) : std::vector<Place>();
+        return {result,
+                [=](Frame& f) {
+                    ObjectRef object(selfCode ? selfCode(f).object : nullptr);
+                    if (selfCode && !object) nilHas(selfType, m->signature.name);
+                    Evaluated values(types, codes, f);
+                    const Routine& routine =
+                        object && virtualCall ? program->dispatch(*m->routine, object) : *m->routine;
+                    values.handOver();
+                    Bits answer = program->call(routine, object, values.bits);
+                    for (std::size_t i = 0; i < places.size(); ++i)
+                        if (places[i].store) places[i].store(f, values.bits[i]);
+                    return answer;
+                },
+                position};
+    }
+    if (!(setter ? method.setter : method.function))
+        throw SourceError(position, method.fullName() + " has no function behind it");
+    return {result,
+            [=](Frame& f) {
+                ObjectRef object(selfCode ? selfCode(f).object : nullptr);
+                if (selfCode && !object) nilHas(selfType, m->signature.name);
+                Evaluated values(types, codes, f);
+                if (!setter) return invoke(*m, object, values.bits);
+                invokeSetter(*m, object, values.bits);
+                return Bits();
+            },
+            position};
+}
+
+Operand Compiler::create(const ast::Expr& e) {
+    const Type* type = resolveType(e.type);
+    if (type->kind != Kind::Object) throw SourceError(e.type.position, "expected a class after 'New', found " + type->name);
+    Class* cls = type->cls;
+    std::vector<const Method*> constructors = cls->constructors();
+    auto made = [cls](Frame&) { return Bits::of(newInstance(*cls)); };
+    bool needsNone = constructors.empty() || cls->origin == Origin::Plugin;
+    for (const Method* m : constructors)
+        if (m->signature.requiredCount() == 0) needsNone = false;
+    if (e.arguments.empty() && needsNone) return {type, made, e.position};
+    if (constructors.empty()) throw SourceError(e.position, cls->name + " has no Constructor, so New takes no arguments");
+
+    // The new object waits in a slot while its Constructor runs.
+    int slot = newSlot();
+    Operand waiting{type, [slot](Frame& f) { return Bits::of(Heap::retain(f.slots[slot].object)); }, e.position};
+    Operand construct =
+        invokeMethod(constructors, waiting, pointers(e.arguments), "New " + cls->name, e.position, false);
+    return {type,
+            [cls, slot, code = construct.code](Frame& f) {
+                ObjectRef outer(std::exchange(f.slots[slot].object, newInstance(*cls))); // nested in its own arguments
+                try {
+                    code(f);
+                } catch (...) {
+                    heap().release(std::exchange(f.slots[slot].object, outer.release()));
+                    throw;
+                }
+                return Bits::of(std::exchange(f.slots[slot].object, outer.release()));
+            },
+            e.position};
+}
+
+// ---- assignment ------------------------------------------------------------------------------------------
+
+Place Compiler::place(const ast::Expr& e) {
+    auto fieldPlace = [](Operand object, const Field& field) {
+        Place result{field.type, nullptr};
+        result.store = [code = object.code, field, type = object.type](Frame& f, Bits bits) {
+            Held value(field.type, bits);
+            ObjectRef held(code(f).object);
+            if (!held) nilHas(type, field.name);
+            std::swap(dataAt<Bits>(held, field.offset), value.bits);
+        };
+        return result;
+    };
+    auto propertyPlace = [&](Operand object, const Property& property) {
+        if (!property.setter)
+            throw SourceError(e.position, property.owner->name + "." + property.name + " is read only");
+        Place result{property.type, nullptr};
+        result.store = [code = object.code, p = &property, type = object.type](Frame& f, Bits bits) {
+            Held value(p->type, bits);
+            ObjectRef held(code(f).object);
+            if (!held) nilHas(type, p->name);
+            writeProperty(*p, held, value.take());
+        };
+        return result;
+    };
+    switch (e.kind) {
+    case ast::ExprKind::Name:
+        if (Local* local = findVariable(e.text)) {
+            if (local->constant) throw SourceError(e.position, "'" + e.text + "' is a constant");
+            Place result{local->type, nullptr};
+            if (Bits* address = local->address)
+                result.address = [address](Frame&) { return address; };
+            else
+                result.address = [slot = local->slot](Frame& f) { return &f.slots[slot]; };
+            if (local->type->isCounted())
+                result.store = [address = result.address, type = local->type](Frame& f, Bits bits) {
+                    release(type, std::exchange(*address(f), bits));
+                };
+            else if (Bits* address = local->address)
+                result.store = [address](Frame&, Bits bits) { *address = bits; };
+            else
+                result.store = [slot = local->slot](Frame& f, Bits bits) { f.slots[slot] = bits; };
+            return result;
+        }
+        if (hasSelf_) {
+            if (const Field* f = findField(owner_, e.text)) return fieldPlace(selfOperand(e.position), *f);
+            if (const Property* p = owner_->property(e.text)) return propertyPlace(selfOperand(e.position), *p);
+        }
+        break;
+    case ast::ExprKind::Member: {
+        if (findClass(*e.a)) break;
+        Operand base = value(*e.a);
+        if (base.type->kind != Kind::Object) break;
+        if (const Field* f = findField(base.type->cls, e.text)) return fieldPlace(std::move(base), *f);
+        if (const Property* p = base.type->cls->property(e.text)) return propertyPlace(std::move(base), *p);
+        break;
+    }
+    case ast::ExprKind::Call: {
+        if (e.arguments.size() != 1) break;
+        Operand array = value(*e.a);
+        if (array.type->kind != Kind::Array) break;
+        Operand at = valueAs(*e.arguments[0], integer(), "the index");
+        const Type* element = array.type->element;
+        Place result{element, nullptr};
+        result.store = [array = array.code, at = at.code, element](Frame& f, Bits bits) {
+            Held value(element, bits);
+            ObjectRef object(array(f).object);
+            ArrayObject& target = arrayIn(object);
+            std::int32_t index = at(f).i32;
+            arraySet(target, index, value.take());
+        };
+        return result;
+    }
+    default: break;
+    }
+    throw SourceError(e.position, "expected a variable, a property or an element of an array");
+}
+
+Action Compiler::assign(const ast::Expr& target, const ast::Expr& valueSource) {
+    // Methods that take a value: object.Method(arguments) = value.
+    const ast::Expr& callee = target.kind == ast::ExprKind::Call ? *target.a : target;
+    std::vector<const ast::Expr*> arguments =
+        target.kind == ast::ExprKind::Call ? pointers(target.arguments) : std::vector<const ast::Expr*>();
+    auto takesValue = [](const std::vector<const Method*>& candidates) {
+        return std::any_of(candidates.begin(), candidates.end(),
+                           [](const Method* m) { return m->setter || m->signature.assigns(); });
+    };
+    if (callee.kind == ast::ExprKind::Name && !findVariable(callee.text)) {
+        std::vector<const Method*> candidates = classes().functionsNamed(callee.text);
+        std::optional<Operand> self;
+        if (hasSelf_ && !owner_->methodsNamed(callee.text).empty()) {
+            candidates = owner_->methodsNamed(callee.text);
+            self = selfOperand(callee.position);
+        }
+        bool isField = hasSelf_ && (findField(owner_, callee.text) || owner_->property(callee.text));
+        if (!isField && takesValue(candidates))
+            return assignThroughMethod(candidates, std::move(self), arguments, value(valueSource), callee.text,
+                                       callee.position);
+        if (!isField && candidates.empty() && !classes().find(callee.text))
+            unknown(callee.position, "there is no", callee.text, namesInScope());
+    }
+    if (callee.kind == ast::ExprKind::Member && !findClass(*callee.a)) {
+        Operand base = value(*callee.a);
+        if (base.type->kind == Kind::Object) {
+            Class* cls = base.type->cls;
+            std::vector<const Method*> candidates = cls->methodsNamed(callee.text);
+            bool isField = findField(cls, callee.text) || cls->property(callee.text);
+            if (!isField && takesValue(candidates))
+                return assignThroughMethod(candidates, std::move(base), arguments, value(valueSource), callee.text,
+                                           callee.position);
+            if (!isField && !candidates.empty() && !(candidates[0]->signature.result && candidates[0]->signature.result->kind == Kind::Array))
+                throw SourceError(callee.position, cls->name + "." + callee.text + " cannot be assigned to");
+            if (!isField && candidates.empty()) unknown(callee.position, cls->name + " has no", callee.text, membersOf(base.type));
+        }
+    }
+    Place to = place(target);
+    Operand from = valueAs(valueSource, to.type, "the assignment");
+    return [store = std::move(to.store), code = std::move(from.code)](Frame& f) {
+        store(f, code(f));
+        return Flow::Next;
+    };
+}
+
+Action Compiler::assignThroughMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
+                                     const std::vector<const ast::Expr*>& arguments, Operand value,
+                                     std::string_view name, Position position) {
+    std::vector<Operand> given;
+    std::vector<const Type*> types;
+    std::vector<const ast::Expr*> sources = arguments;
+    for (const ast::Expr* argument : arguments) given.push_back(this->value(*argument));
+    given.push_back(std::move(value));
+    sources.push_back(nullptr);
+    for (const Operand& operand : given) types.push_back(operand.type);
+    Choice choice = chooseOverload(candidates, types, name, true);
+    if (!choice.method) throw SourceError(position, choice.problem);
+    const Method& method = *choice.method;
+    bool setter = method.setter != nullptr;
+    PreparedArguments prepared =
+        prepare(method, setter ? method.setterSignature() : method.signature, std::move(given), sources);
+    Operand call = emitCall(method, std::move(self), std::move(prepared), position, true, setter);
+    return [code = std::move(call.code)](Frame& f) {
+        code(f);
+        return Flow::Next;
+    };
+}
+
+} // namespace studio

@@ -1,0 +1,291 @@
+// What the operators mean for each pair of types.
+#include "language/compiler.h"
+#include "runtime/text.h"
+
+#include <cmath>
+
+namespace studio {
+
+namespace {
+
+template <class F>
+Code combine(const Operand& a, const Operand& b, F f) {
+    return [x = a.code, y = b.code, f](Frame& frame) {
+        Bits left = x(frame);
+        return f(left, y(frame));
+    };
+}
+
+// For counted operands: both are held until the result is there.
+template <class F>
+Code combineCounted(const Operand& a, const Operand& b, F f) {
+    return [x = a.code, y = b.code, t = a.type, u = b.type, f](Frame& frame) {
+        struct Held {
+            const Type* type;
+            Bits bits;
+            ~Held() { release(type, bits); }
+        };
+        Held left{t, x(frame)};
+        Held right{u, y(frame)};
+        return f(left.bits, right.bits);
+    };
+}
+
+template <class T>
+T get(Bits b) {
+    if constexpr (std::is_same_v<T, std::int32_t>) return b.i32;
+    else if constexpr (std::is_same_v<T, std::int64_t>) return b.i64;
+    else if constexpr (std::is_same_v<T, float>) return b.f32;
+    else return b.f64;
+}
+
+[[noreturn]] void divisionByZero() { raise("UnsupportedOperationException", "division by zero"); }
+
+template <class T, class F>
+Code typed(const Operand& a, const Operand& b, F f) {
+    return combine(a, b, [f](Bits x, Bits y) { return Bits::of(T(f(get<T>(x), get<T>(y)))); });
+}
+
+// Integers wrap around, which signed arithmetic must not do by itself.
+template <class T>
+Code arithmeticCode(const std::string& op, const Operand& a, const Operand& b) {
+    using U = std::conditional_t<std::is_same_v<T, std::int32_t>, std::uint32_t,
+                                 std::conditional_t<std::is_same_v<T, std::int64_t>, std::uint64_t, T>>;
+    if (op == "+") return typed<T>(a, b, [](T x, T y) { return T(U(x) + U(y)); });
+    if (op == "-") return typed<T>(a, b, [](T x, T y) { return T(U(x) - U(y)); });
+    if (op == "*") return typed<T>(a, b, [](T x, T y) { return T(U(x) * U(y)); });
+    return nullptr;
+}
+
+template <class T>
+Code divisionCode(const std::string& op, const Operand& a, const Operand& b) {
+    using U = std::make_unsigned_t<T>;
+    if (op == "\\")
+        return typed<T>(a, b, [](T x, T y) {
+            if (y == 0) divisionByZero();
+            return y == -1 ? T(U(0) - U(x)) : T(x / y);
+        });
+    return typed<T>(a, b, [](T x, T y) {
+        if (y == 0) divisionByZero();
+        return y == -1 ? T(0) : T(x % y);
+    });
+}
+
+template <class T>
+Code bitwiseCode(const std::string& op, const Operand& a, const Operand& b) {
+    if (op == "and") return typed<T>(a, b, [](T x, T y) { return T(x & y); });
+    if (op == "or") return typed<T>(a, b, [](T x, T y) { return T(x | y); });
+    return typed<T>(a, b, [](T x, T y) { return T(x ^ y); });
+}
+
+template <class Compare>
+Code ordered(const std::string& op, const Operand& a, const Operand& b, bool counted, Compare compare) {
+    auto make = [&](auto test) -> Code {
+        auto body = [compare, test](Bits x, Bits y) { return Bits::of(test(compare(x, y))); };
+        return counted ? combineCounted(a, b, body) : combine(a, b, body);
+    };
+    if (op == "=") return make([](int c) { return c == 0; });
+    if (op == "<>") return make([](int c) { return c != 0; });
+    if (op == "<") return make([](int c) { return c == -1; });
+    if (op == "<=") return make([](int c) { return c == -1 || c == 0; });
+    if (op == ">") return make([](int c) { return c == 1; });
+    return make([](int c) { return c == 1 || c == 0; });
+}
+
+// 2 stands for "not comparable": a NaN is not even equal to itself.
+template <class T>
+int order(T x, T y) {
+    return x < y ? -1 : x > y ? 1 : x == y ? 0 : 2;
+}
+
+bool isWide(const Type* t) { return t->kind == Kind::Int64 || t->kind == Kind::UInt64 || t->kind == Kind::UInt32; }
+
+// The type in which two numbers are combined.
+const Type* common(const Type* a, const Type* b) {
+    if (a->kind == Kind::Double || b->kind == Kind::Double) return simpleType(Kind::Double);
+    if (a->kind == Kind::Single && b->kind == Kind::Single) return a;
+    if (a->kind == Kind::Single || b->kind == Kind::Single) return simpleType(Kind::Double);
+    if (a == b && a->kind == Kind::UInt32) return a;
+    return simpleType(isWide(a) || isWide(b) ? Kind::Int64 : Kind::Int32);
+}
+
+[[noreturn]] void noOperator(const std::string& op, const Type* a, const Type* b, Position position) {
+    throw SourceError(position, "'" + op + "' does not take " + a->name + " and " + b->name);
+}
+
+} // namespace
+
+Operand Compiler::unary(const ast::Expr& e) {
+    Operand a = value(*e.a);
+    if (a.type->kind == Kind::Variant && e.text != "not") a = coerce(std::move(a), simpleType(Kind::Double), "");
+    if (e.text == "not") {
+        if (a.type->kind == Kind::Variant) a = coerce(std::move(a), simpleType(Kind::Boolean), "");
+        if (a.type->kind == Kind::Boolean)
+            return {a.type, [code = a.code](Frame& f) { return Bits::of(!code(f).boolean); }, e.position};
+        if (!a.type->isInteger())
+            throw SourceError(e.position, "expected a Boolean after 'Not', found " + a.type->name);
+        const Type* type = isWide(a.type) ? simpleType(Kind::Int64) : simpleType(Kind::Int32);
+        a = coerce(std::move(a), type, "");
+        if (type->kind == Kind::Int64)
+            return {type, [code = a.code](Frame& f) { return Bits::of(~code(f).i64); }, e.position};
+        return {type, [code = a.code](Frame& f) { return Bits::of(~code(f).i32); }, e.position};
+    }
+    if (!a.type->isNumber())
+        throw SourceError(e.position, "expected a number after '" + e.text + "', found " + a.type->name);
+    if (e.text == "+") return a;
+    if (a.constant) {
+        Literal negative = *a.constant;
+        if (negative.type->kind == Kind::Int32) negative.bits.i32 = std::int32_t(0u - negative.bits.u32);
+        if (negative.type->kind == Kind::Int64) negative.bits.i64 = std::int64_t(0u - negative.bits.u64);
+        if (negative.type->kind == Kind::Double) negative.bits.f64 = -negative.bits.f64;
+        return literal(negative, e.position);
+    }
+    Literal zero;
+    zero.type = simpleType(Kind::Int32);
+    return arithmetic("-", literal(zero, e.position), std::move(a), e.position);
+}
+
+Operand Compiler::binary(const std::string& op, Operand a, Operand b, Position position) {
+    if (op == "and" || op == "or" || op == "xor") return logical(op, std::move(a), std::move(b), position);
+    if (op == "=" || op == "<>" || op == "<" || op == "<=" || op == ">" || op == ">=" || op == "is")
+        return comparison(op, std::move(a), std::move(b), position);
+    return arithmetic(op, std::move(a), std::move(b), position);
+}
+
+Operand Compiler::arithmetic(const std::string& op, Operand a, Operand b, Position position) {
+    const Type* string = simpleType(Kind::String);
+    if (op == "+" && (a.type == string || b.type == string)) {
+        if (a.type != string && a.type->kind != Kind::Variant) noOperator(op, a.type, b.type, position);
+        if (b.type != string && b.type->kind != Kind::Variant) noOperator(op, a.type, b.type, position);
+        a = coerce(std::move(a), string, "");
+        b = coerce(std::move(b), string, "");
+        return {string,
+                combineCounted(a, b,
+                               [](Bits x, Bits y) {
+                                   std::string_view left = bytesOf(x.string), right = bytesOf(y.string);
+                                   if (left.empty()) return Bits::of(Heap::retain(y.string));
+                                   if (right.empty()) return Bits::of(Heap::retain(x.string));
+                                   if (encodingOf(x.string) != encodingOf(y.string))
+                                       return Bits::of(makeString(toUtf8(x.string) + toUtf8(y.string)));
+                                   std::string joined;
+                                   joined.reserve(left.size() + right.size());
+                                   joined.append(left).append(right);
+                                   return Bits::of(heap().newString(joined, encodingOf(x.string)));
+                               }),
+                position};
+    }
+    for (Operand* operand : {&a, &b})
+        if (operand->type->kind == Kind::Variant) *operand = coerce(std::move(*operand), simpleType(Kind::Double), "");
+    if (!a.type->isNumber() || !b.type->isNumber()) noOperator(op, a.type, b.type, position);
+    const Type* real = simpleType(Kind::Double);
+    if (op == "/" || op == "^") {
+        const Type* type = op == "/" && a.type->kind == Kind::Single && b.type->kind == Kind::Single ? a.type : real;
+        a = coerce(std::move(a), type, "");
+        b = coerce(std::move(b), type, "");
+        if (op == "^") return {real, typed<double>(a, b, [](double x, double y) { return std::pow(x, y); }), position};
+        if (type == real) return {real, typed<double>(a, b, [](double x, double y) { return x / y; }), position};
+        return {type, typed<float>(a, b, [](float x, float y) { return x / y; }), position};
+    }
+    const Type* type = common(a.type, b.type);
+    if ((op == "\\" || op == "mod") && !type->isInteger()) type = simpleType(Kind::Int64);
+    const Type* unsignedType = type->kind == Kind::UInt32 ? type : nullptr;
+    if (unsignedType) type = simpleType(Kind::Int64); // and back below
+    a = coerce(std::move(a), type, "");
+    b = coerce(std::move(b), type, "");
+    Code code;
+    if (op == "\\" || op == "mod")
+        code = type->kind == Kind::Int64 ? divisionCode<std::int64_t>(op, a, b) : divisionCode<std::int32_t>(op, a, b);
+    else if (type->kind == Kind::Int64)
+        code = arithmeticCode<std::int64_t>(op, a, b);
+    else if (type->kind == Kind::Int32)
+        code = arithmeticCode<std::int32_t>(op, a, b);
+    else if (type->kind == Kind::Single)
+        code = arithmeticCode<float>(op, a, b);
+    else
+        code = arithmeticCode<double>(op, a, b);
+    Operand result{type, std::move(code), position};
+    return unsignedType ? coerce(std::move(result), unsignedType, "") : result;
+}
+
+Operand Compiler::comparison(const std::string& given, Operand a, Operand b, Position position) {
+    const Type* boolean = simpleType(Kind::Boolean);
+    std::string op = given == "is" ? "=" : given;
+    bool equality = op == "=" || op == "<>";
+    const Type *s = a.type, *t = b.type;
+    auto isObject = [](const Type* type) { return type->isObject() || type->kind == Kind::Nil; };
+    bool variant = s->kind == Kind::Variant || t->kind == Kind::Variant;
+    if (given == "is" && (!isObject(s) || !isObject(t))) noOperator("Is", s, t, position);
+
+    if (isObject(s) && isObject(t) && (!variant || given == "is" || s->kind == Kind::Nil || t->kind == Kind::Nil)) {
+        if (!equality) noOperator(op, s, t, position);
+        bool related = conversionCost(s, t) >= 0 || conversionCost(t, s) >= 0 || s->kind == t->kind;
+        if (!related) noOperator(op, s, t, position);
+        auto identity = [](Bits x, Bits y) { return x.object == y.object ? 0 : 2; };
+        return {boolean, ordered(op, a, b, true, identity), position};
+    }
+    if (variant && equality) {
+        const Type* type = simpleType(Kind::Variant);
+        a = coerce(std::move(a), type, "");
+        b = coerce(std::move(b), type, "");
+        auto equal = [](Bits x, Bits y) { return variantsEqual(x.object, y.object) ? 0 : 2; };
+        return {boolean, ordered(op, a, b, true, equal), position};
+    }
+    if (variant) { // ordered as the other operand, or as numbers
+        const Type* type = s->kind == Kind::String || t->kind == Kind::String ? simpleType(Kind::String)
+                                                                              : simpleType(Kind::Double);
+        a = coerce(std::move(a), type, "");
+        b = coerce(std::move(b), type, "");
+        s = t = type;
+    }
+    if (s->kind == Kind::String && t->kind == Kind::String) {
+        auto compare = [s](Bits x, Bits y) { return compareValues(s, x, y); };
+        return {boolean, ordered(op, a, b, true, compare), position};
+    }
+    if (s->isNumber() && t->isNumber()) {
+        const Type* type = common(s, t);
+        if (type->kind == Kind::UInt32) type = simpleType(Kind::Int64);
+        a = coerce(std::move(a), type, "");
+        b = coerce(std::move(b), type, "");
+        Code code;
+        if (type->kind == Kind::Int32)
+            code = ordered(op, a, b, false, [](Bits x, Bits y) { return order(x.i32, y.i32); });
+        else if (type->kind == Kind::Int64)
+            code = ordered(op, a, b, false, [](Bits x, Bits y) { return order(x.i64, y.i64); });
+        else if (type->kind == Kind::Single)
+            code = ordered(op, a, b, false, [](Bits x, Bits y) { return order(x.f32, y.f32); });
+        else
+            code = ordered(op, a, b, false, [](Bits x, Bits y) { return order(x.f64, y.f64); });
+        return {boolean, std::move(code), position};
+    }
+    if (s == t && equality && (s->kind == Kind::Boolean || s->kind == Kind::Color)) {
+        auto compare = [s](Bits x, Bits y) { return compareValues(s, x, y); };
+        return {boolean, ordered(op, a, b, false, compare), position};
+    }
+    noOperator(op, s, t, position);
+}
+
+Operand Compiler::logical(const std::string& op, Operand a, Operand b, Position position) {
+    for (Operand* operand : {&a, &b})
+        if (operand->type->kind == Kind::Variant)
+            *operand = coerce(std::move(*operand), simpleType(Kind::Boolean), "");
+    if (a.type->kind == Kind::Boolean && b.type->kind == Kind::Boolean) {
+        Code code;
+        if (op == "and")
+            code = [x = a.code, y = b.code](Frame& f) { return Bits::of(x(f).boolean && y(f).boolean); };
+        else if (op == "or")
+            code = [x = a.code, y = b.code](Frame& f) { return Bits::of(x(f).boolean || y(f).boolean); };
+        else
+            code = [x = a.code, y = b.code](Frame& f) { return Bits::of(x(f).boolean != y(f).boolean); };
+        return {a.type, std::move(code), position};
+    }
+    if (!a.type->isInteger() || !b.type->isInteger()) noOperator(op, a.type, b.type, position);
+    const Type* type = common(a.type, b.type);
+    if (type->kind == Kind::UInt32) type = simpleType(Kind::Int64);
+    a = coerce(std::move(a), type, "");
+    b = coerce(std::move(b), type, "");
+    return {type,
+            type->kind == Kind::Int64 ? bitwiseCode<std::int64_t>(op, a, b) : bitwiseCode<std::int32_t>(op, a, b),
+            position};
+}
+
+} // namespace studio

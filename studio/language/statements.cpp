@@ -1,0 +1,548 @@
+// Statements.
+#include "framework/timer.h"
+#include "language/compiler.h"
+
+#include <algorithm>
+
+namespace studio {
+
+// ---- blocks ----------------------------------------------------------------------------------------------
+
+Action Compiler::scoped(const std::function<Action()>& body) {
+    scopes_.emplace_back();
+    Action action;
+    try {
+        action = body();
+    } catch (...) {
+        scopes_.pop_back();
+        throw;
+    }
+    std::vector<std::pair<int, const Type*>> counted = std::move(scopes_.back().counted);
+    scopes_.pop_back();
+    if (counted.empty()) return action;
+    return [action = std::move(action), counted = std::move(counted)](Frame& frame) {
+        struct Release {
+            Frame& frame;
+            const std::vector<std::pair<int, const Type*>>& counted;
+            ~Release() {
+                for (auto& [slot, type] : counted) release(type, std::exchange(frame.slots[slot], Bits()));
+            }
+        } releaseAtEnd{frame, counted};
+        return action(frame);
+    };
+}
+
+Action Compiler::block(const ast::Block& statements) {
+    return scoped([&]() -> Action {
+        struct Step {
+            Action action;
+            int line;
+        };
+        std::vector<Step> steps;
+        for (const ast::StatementPtr& s : statements) {
+            try {
+                if (Action action = statement(*s)) steps.push_back({std::move(action), s->position.line});
+            } catch (const SourceError& error) {
+                errors_.push_back(error);
+            }
+        }
+        if (steps.empty()) return [](Frame&) { return Flow::Next; };
+        return [steps = std::move(steps), line = &program_.line](Frame& frame) {
+            for (const Step& step : steps) {
+                *line = step.line;
+                if (Flow flow = step.action(frame); flow != Flow::Next) return flow;
+            }
+            return Flow::Next;
+        };
+    });
+}
+
+Action Compiler::statement(const ast::Statement& s) {
+    using ast::StatementKind;
+    switch (s.kind) {
+    case StatementKind::Dim: return dim(s);
+    case StatementKind::Const: {
+        Local constant = constantOf(s.variables[0]);
+        if (scopes_.size() > 1 || routine_ != &program_.main) declareLocal(s.variables[0].name, s.position, constant.type) = constant;
+        return nullptr;
+    }
+    case StatementKind::Assign: return assign(*s.target, *s.value);
+    case StatementKind::Call: {
+        if (s.value->kind != ast::ExprKind::Call && s.value->kind != ast::ExprKind::Member &&
+            s.value->kind != ast::ExprKind::Name)
+            throw SourceError(s.position, "expected a statement, found a value");
+        Operand operand = expression(*s.value);
+        bool variable = s.value->kind == ast::ExprKind::Name && findVariable(s.value->text);
+        if (variable) throw SourceError(s.position, "expected '=' after the variable");
+        const Type* type = operand.type;
+        return [code = std::move(operand.code), type](Frame& f) {
+            release(type, code(f));
+            return Flow::Next;
+        };
+    }
+    case StatementKind::If: return ifStatement(s);
+    case StatementKind::For: return forStatement(s);
+    case StatementKind::ForEach: return forEachStatement(s);
+    case StatementKind::While:
+    case StatementKind::Do: return whileStatement(s);
+    case StatementKind::Select: return selectStatement(s);
+    case StatementKind::Exit:
+    case StatementKind::Continue: return jump(s);
+    case StatementKind::Return: return returnStatement(s);
+    case StatementKind::Try: return tryStatement(s);
+    case StatementKind::Raise: {
+        Operand operand = value(*s.value);
+        Class* exception = classes().named("RuntimeException");
+        if (operand.type->kind != Kind::Object || !operand.type->cls->isA(exception))
+            throw SourceError(s.value->position, "expected an exception after 'Raise', found " + operand.type->name);
+        return [code = operand.code](Frame& f) -> Flow {
+            REALobject object = code(f).object;
+            if (!object) raise("NilObjectException", "the exception to raise is nil");
+            raise(Value::adopt(object));
+        };
+    }
+    case StatementKind::Redim: {
+        Operand array = value(*s.target->a);
+        if (array.type->kind != Kind::Array)
+            throw SourceError(s.target->position, "expected an array, found " + array.type->name);
+        Operand bound = valueAs(*s.target->arguments[0], simpleType(Kind::Int32), "the upper bound");
+        return [array = array.code, bound = bound.code](Frame& f) {
+            ObjectRef object(array(f).object);
+            std::int32_t upper = bound(f).i32;
+            if (!object) raise("NilObjectException", "this array is nil");
+            if (upper < -1) raise("OutOfBoundsException", "an upper bound is at least -1");
+            arrayResize(arrayOf(object.handle), upper + 1);
+            return Flow::Next;
+        };
+    }
+    case StatementKind::AddHandler: return addHandler(s);
+    }
+    return nullptr;
+}
+
+// ---- Dim -------------------------------------------------------------------------------------------------
+
+Action Compiler::dim(const ast::Statement& s) {
+    std::vector<Action> actions;
+    for (const ast::Variable& v : s.variables)
+        if (Action action = declare(v)) actions.push_back(std::move(action));
+    if (actions.empty()) return nullptr;
+    if (actions.size() == 1) return std::move(actions[0]);
+    return [actions = std::move(actions)](Frame& f) {
+        for (const Action& action : actions) action(f);
+        return Flow::Next;
+    };
+}
+
+Action Compiler::declare(const ast::Variable& v) {
+    // A global is there from the start, for the routines; above its Dim the main program must not use it.
+    bool global = routine_ == &program_.main && scopes_.size() == 1;
+    const Type* type = resolveType(v.type);
+    Local variable;
+    Code initial;
+    std::optional<SourceError> mistake; // the variable is declared even so, or every use would be one more
+    try {
+        if (v.initial) {
+            initial = valueAs(*v.initial, type, "'" + v.name + "'").code;
+        } else if (type->kind == Kind::Array) {
+            Code bound = [](Frame&) { return Bits::of(std::int32_t(-1)); };
+            if (v.bound) bound = valueAs(*v.bound, simpleType(Kind::Int32), "the upper bound").code;
+            initial = [bound, element = type->element](Frame& f) {
+                return Bits::of(newArray(element, bound(f).i32 + 1));
+            };
+        }
+    } catch (const SourceError& error) {
+        mistake = error;
+    }
+    if (global) {
+        Local& known = globals_[folded(v.name)];
+        known.declaredYet = true;
+        variable = known;
+    } else if (v.isStatic) {
+        program_.globals.push_back({v.name, type, Bits()});
+        variable.type = type;
+        variable.address = &program_.globals.back().bits;
+        declareLocal(v.name, v.position, type) = variable;
+    } else {
+        variable = declareLocal(v.name, v.position, type);
+    }
+    if (mistake) throw *mistake;
+    if (!initial) {
+        if (global || v.isStatic) return nullptr;
+        initial = [](Frame&) { return Bits(); }; // each time round a loop
+    }
+    if (Bits* address = variable.address) {
+        bool once = v.isStatic && type->isCounted();
+        return [initial, address, type, once](Frame& f) {
+            if (once && address->object) return Flow::Next;
+            Bits bits = initial(f);
+            release(type, std::exchange(*address, bits));
+            return Flow::Next;
+        };
+    }
+    int slot = variable.slot;
+    if (!type->isCounted())
+        return [initial, slot](Frame& f) {
+            f.slots[slot] = initial(f);
+            return Flow::Next;
+        };
+    return [initial, slot, type](Frame& f) {
+        Bits bits = initial(f);
+        release(type, std::exchange(f.slots[slot], bits));
+        return Flow::Next;
+    };
+}
+
+// ---- choices ---------------------------------------------------------------------------------------------
+
+Action Compiler::ifStatement(const ast::Statement& s) {
+    struct Branch {
+        Code condition; // empty for Else
+        Action body;
+    };
+    std::vector<Branch> branches;
+    for (const ast::Branch& b : s.branches) {
+        Branch branch;
+        try {
+            if (b.condition) branch.condition = condition(*b.condition).code;
+        } catch (const SourceError& error) { // the body may hold more
+            errors_.push_back(error);
+        }
+        branch.body = block(b.body);
+        branches.push_back(std::move(branch));
+    }
+    return [branches = std::move(branches)](Frame& f) {
+        for (const Branch& branch : branches)
+            if (!branch.condition || branch.condition(f).boolean) return branch.body(f);
+        return Flow::Next;
+    };
+}
+
+Action Compiler::selectStatement(const ast::Statement& s) {
+    return scoped([&]() -> Action {
+        Operand subject = value(*s.value);
+        // A name that no program can write.
+        Local& held = declareLocal("(select)", s.position, subject.type);
+        int slot = held.slot;
+        struct Branch {
+            std::vector<Code> tests; // empty for Else
+            Action body;
+        };
+        std::vector<Branch> branches;
+        for (const ast::Branch& b : s.branches) {
+            Branch branch;
+            for (const ast::CaseTest& test : b.tests) {
+                auto compared = [&](const std::string& op, const ast::Expr& e) {
+                    Operand other = value(e);
+                    return comparison(op, variable(held, s.value->position), std::move(other), e.position).code;
+                };
+                if (test.comparison == "to") {
+                    Code low = compared(">=", *test.value), high = compared("<=", *test.upper);
+                    branch.tests.push_back(
+                        [low, high](Frame& f) { return Bits::of(low(f).boolean && high(f).boolean); });
+                } else {
+                    branch.tests.push_back(compared(test.comparison, *test.value));
+                }
+            }
+            branch.body = block(b.body);
+            branches.push_back(std::move(branch));
+        }
+        return [branches = std::move(branches), slot, code = subject.code, type = subject.type](Frame& f) {
+            Bits bits = code(f);
+            release(type, std::exchange(f.slots[slot], bits));
+            for (const Branch& branch : branches)
+                if (branch.tests.empty() || std::any_of(branch.tests.begin(), branch.tests.end(),
+                                                        [&](const Code& test) { return test(f).boolean; }))
+                    return branch.body(f);
+            return Flow::Next;
+        };
+    });
+}
+
+// ---- loops -----------------------------------------------------------------------------------------------
+
+namespace {
+
+// What a loop does after its body: true ends it, with `flow` for whoever is outside.
+bool leaves(Flow& flow, const Frame& frame, int id) {
+    if (flow == Flow::Next) return false;
+    if (flow == Flow::Return || frame.target != id) return true;
+    bool exits = flow == Flow::Exit;
+    flow = Flow::Next;
+    return exits;
+}
+
+template <class T>
+T& as(Bits& bits) {
+    if constexpr (std::is_same_v<T, std::int32_t>) return bits.i32;
+    else if constexpr (std::is_same_v<T, std::int64_t>) return bits.i64;
+    else if constexpr (std::is_same_v<T, float>) return bits.f32;
+    else return bits.f64;
+}
+
+template <class T>
+Action countingLoop(std::function<Bits*(Frame&)> variable, Code first, Code last, Code step, bool down, Action body,
+                    int id) {
+    return [=](Frame& f) {
+        Bits start = first(f), end = last(f), by = step(f);
+        T limit = as<T>(end), increment = as<T>(by);
+        Bits* counter = variable(f);
+        as<T>(*counter) = as<T>(start);
+        Flow flow = Flow::Next;
+        while (down ? as<T>(*counter) >= limit : as<T>(*counter) <= limit) {
+            flow = body(f);
+            if (leaves(flow, f, id)) break;
+            if constexpr (std::is_integral_v<T>) {
+                T next;
+                if (__builtin_add_overflow(as<T>(*counter), increment, &next)) break;
+                as<T>(*counter) = next;
+            } else {
+                as<T>(*counter) += increment;
+            }
+        }
+        return flow;
+    };
+}
+
+} // namespace
+
+Action Compiler::forStatement(const ast::Statement& s) {
+    return scoped([&]() -> Action {
+        const ast::Variable& v = s.variables[0];
+        const Type* type;
+        ast::Expr counterName{ast::ExprKind::Name, v.position, v.name, 0, 0, nullptr, nullptr, {}, {}};
+        if (!v.type.name.empty()) {
+            type = resolveType(v.type);
+            declareLocal(v.name, v.position, type);
+        } else {
+            Local* known = findVariable(v.name);
+            if (!known) unknown(v.position, "there is no", v.name, namesInScope());
+            type = known->type;
+        }
+        if (!type->isNumber() || elementSize(type) < 4 || type->kind == Kind::UInt32 || type->kind == Kind::UInt64)
+            throw SourceError(v.position, "a loop counts in Integer, Int64, Single or Double, not in " + type->name);
+        Place counter = place(counterName);
+        Code first = valueAs(*s.target, type, "the loop").code;
+        Code last = valueAs(*s.value, type, "the loop").code;
+        bool down = s.text == "downto";
+        Operand by = s.step ? valueAs(*s.step, type, "Step") : Operand{};
+        if (!s.step) {
+            Literal one{simpleType(Kind::Int32), Bits::of(std::int32_t(1)), {}};
+            by = coerce(literal(one, s.position), type, "");
+        }
+        if (by.constant && by.constant->type->isNumber()) {
+            double amount = convert(type, simpleType(Kind::Double), by.constant->bits).f64;
+            if (amount == 0) throw SourceError(by.position, "a Step of 0 never ends");
+            if (amount < 0 && !down) down = true; // For i = 10 To 1 Step -1
+            else if (down) {
+                Literal negative{simpleType(Kind::Double), Bits::of(-std::abs(amount)), {}};
+                by = coerce(literal(negative, s.position), type, "");
+            }
+        } else if (down) {
+            ast::Expr minus{ast::ExprKind::Integer, s.position, "", 0, 0, nullptr, nullptr, {}, {}};
+            by = coerce(arithmetic("-", literal(classes().literal(minus), s.position), std::move(by), s.position), type, "");
+        }
+        int id = nextLoop_++;
+        loops_.push_back({"for", id});
+        Action body = block(s.body);
+        loops_.pop_back();
+        auto make = [&](auto tag) {
+            return countingLoop<decltype(tag)>(counter.address, first, last, by.code, down, body, id);
+        };
+        switch (type->kind) {
+        case Kind::Int64: return make(std::int64_t());
+        case Kind::Single: return make(float());
+        case Kind::Double: return make(double());
+        default: return make(std::int32_t());
+        }
+    });
+}
+
+Action Compiler::forEachStatement(const ast::Statement& s) {
+    return scoped([&]() -> Action {
+        const ast::Variable& v = s.variables[0];
+        Operand array = value(*s.value);
+        if (array.type->kind != Kind::Array)
+            throw SourceError(s.value->position, "expected an array after 'In', found " + array.type->name);
+        const Type* type = v.type.name.empty() ? array.type->element : resolveType(v.type);
+        if (conversionCost(array.type->element, type) < 0)
+            throw SourceError(v.position, "the elements are " + array.type->element->name + ", not " + type->name);
+        if (v.type.name.empty() && findVariable(v.name)) {
+            type = findVariable(v.name)->type;
+        } else {
+            declareLocal(v.name, v.position, type);
+        }
+        Local element = *findVariable(v.name);
+        ast::Expr elementName{ast::ExprKind::Name, v.position, v.name, 0, 0, nullptr, nullptr, {}, {}};
+        Place target = place(elementName);
+        Local held = declareLocal("(each)", s.position, array.type);
+        int id = nextLoop_++;
+        loops_.push_back({"for", id});
+        Action body = block(s.body);
+        loops_.pop_back();
+        return [code = array.code, from = array.type->element, type, store = target.store, slot = held.slot, body, id,
+                arrayType = array.type](Frame& f) {
+            Bits bits = code(f);
+            release(arrayType, std::exchange(f.slots[slot], bits));
+            if (!bits.object) raise("NilObjectException", "this array is nil");
+            Flow flow = Flow::Next;
+            for (std::int32_t i = 0; i < arrayOf(f.slots[slot].object).count; ++i) {
+                store(f, convert(from, type, arrayGet(arrayOf(f.slots[slot].object), i)));
+                flow = body(f);
+                if (leaves(flow, f, id)) break;
+            }
+            return flow;
+        };
+    });
+}
+
+// While, and Do in all its forms.
+Action Compiler::whileStatement(const ast::Statement& s) {
+    auto test = [&](const ast::ExprPtr& e, bool until) -> Code {
+        if (!e) return nullptr;
+        Code code = condition(*e).code;
+        if (!until) return code;
+        return [code](Frame& f) { return Bits::of(!code(f).boolean); };
+    };
+    Code before = test(s.value, s.text == "until"), after = test(s.loopCondition, s.suffix == "until");
+    int id = nextLoop_++;
+    loops_.push_back({s.kind == ast::StatementKind::While ? "while" : "do", id});
+    Action body = block(s.body);
+    loops_.pop_back();
+    int firstLine = s.position.line;
+    int lastLine = s.loopCondition ? s.loopCondition->position.line : firstLine;
+    return [before, after, body, id, firstLine, lastLine, line = &program_.line](Frame& f) {
+        Flow flow = Flow::Next;
+        for (;;) {
+            *line = firstLine;
+            if (before && !before(f).boolean) break;
+            flow = body(f);
+            if (leaves(flow, f, id)) break;
+            *line = lastLine;
+            if (after && !after(f).boolean) break;
+        }
+        return flow;
+    };
+}
+
+Action Compiler::jump(const ast::Statement& s) {
+    bool exits = s.kind == ast::StatementKind::Exit;
+    if (exits && (s.text == "sub" || s.text == "function")) return [](Frame&) { return Flow::Return; };
+    auto loop = std::find_if(loops_.rbegin(), loops_.rend(),
+                             [&](const Loop& l) { return s.text.empty() || l.kind == s.text; });
+    if (loop == loops_.rend())
+        throw SourceError(s.position, std::string("there is no ") + (s.text.empty() ? "" : "'" + s.text + "' ") + "loop to " +
+                                          (exits ? "leave" : "continue") + " here");
+    return [id = loop->id, flow = exits ? Flow::Exit : Flow::Continue](Frame& f) {
+        f.target = id;
+        return flow;
+    };
+}
+
+// ---- leaving ---------------------------------------------------------------------------------------------
+
+Action Compiler::returnStatement(const ast::Statement& s) {
+    const Type* result = routine_->method ? routine_->method->signature.result : nullptr;
+    if (!s.value) {
+        if (result) throw SourceError(s.position, "expected the function's result, a " + result->name);
+        return [](Frame&) { return Flow::Return; };
+    }
+    if (!result) throw SourceError(s.value->position, "there is no function here to return a value from");
+    Operand operand = valueAs(*s.value, result, "the result");
+    return [code = operand.code, result](Frame& f) {
+        Bits bits = code(f);
+        release(result, std::exchange(f.result, bits)); // Finally may return again
+        return Flow::Return;
+    };
+}
+
+Action Compiler::tryStatement(const ast::Statement& s) {
+    struct Handler {
+        Class* cls;
+        int slot;
+        Action body;
+    };
+    Action body = block(s.body);
+    std::vector<Handler> handlers;
+    for (const ast::Branch& b : s.branches) {
+        Handler handler{classes().named("RuntimeException"), -1, nullptr};
+        handler.body = scoped([&] {
+            if (!b.caught.name.empty()) {
+                const Type* type = b.caught.type.name.empty() ? handler.cls->type : resolveType(b.caught.type);
+                if (type->kind != Kind::Object || !type->cls->isA(classes().named("RuntimeException")))
+                    throw SourceError(b.caught.type.position, "expected an exception's class, found " + type->name);
+                handler.cls = type->cls;
+                handler.slot = declareLocal(b.caught.name, b.caught.position, type).slot;
+            }
+            return block(b.body);
+        });
+        handlers.push_back(std::move(handler));
+    }
+    Action finally = s.hasFinally ? block(s.finally) : nullptr;
+
+    Action guarded = [body, handlers](Frame& f) {
+        std::optional<Raised> caught;
+        try {
+            return body(f);
+        } catch (Raised& raised) {
+            caught = std::move(raised);
+        }
+        REALobject exception = caught->exception.object();
+        for (const Handler& handler : handlers) {
+            if (!classOf(exception).isA(handler.cls)) continue;
+            if (handler.slot >= 0) {
+                Value held = std::move(caught->exception);
+                caught.reset();
+                f.slots[handler.slot] = held.release();
+            }
+            caught.reset();
+            return handler.body(f);
+        }
+        throw std::move(*caught);
+    };
+    if (!finally) return guarded;
+    return [guarded, finally](Frame& f) {
+        Flow flow;
+        int target = 0;
+        try {
+            flow = guarded(f);
+            target = f.target;
+        } catch (const Raised&) {
+            if (Flow left = finally(f); left != Flow::Next) return left;
+            throw;
+        }
+        Flow left = finally(f);
+        if (left != Flow::Next) return left;
+        f.target = target;
+        return flow;
+    };
+}
+
+Action Compiler::addHandler(const ast::Statement& s) {
+    Operand object = value(*s.target->a);
+    const std::string& event = s.target->text;
+    if (object.type->kind != Kind::Object)
+        throw SourceError(s.target->position, "expected an object with events, found " + object.type->name);
+    bool known = false;
+    for (const Class* c = object.type->cls; c; c = c->superclass)
+        for (const std::string& declaration : c->events) known |= sameName(declaration, event);
+    if (!known) throw SourceError(s.target->position, object.type->name + " has no event " + event);
+    if (s.value->kind != ast::ExprKind::AddressOf)
+        throw SourceError(s.value->position, "expected AddressOf and a Sub");
+    const Method* handler = nullptr;
+    for (const Method* function : classes().functionsNamed(s.value->text))
+        if (function->routine && !function->signature.result && function->signature.parameters.size() == 1 &&
+            conversionCost(object.type, function->signature.parameters[0].type) >= 0)
+            handler = function;
+    if (!handler)
+        throw SourceError(s.value->position,
+                          "expected a Sub as " + s.value->text + "(sender As " + object.type->name + ")");
+    return [code = object.code, event, handler](Frame& f) {
+        ObjectRef held(code(f).object);
+        if (!held) raise("NilObjectException", "the object whose event is to be handled is nil");
+        setHandler(held, event, handler);
+        return Flow::Next;
+    };
+}
+
+} // namespace studio

@@ -1,0 +1,179 @@
+// Arrays: elements side by side in their own sizes, as plugins read them.
+#include "runtime/runtime.h"
+#include "runtime/text.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace studio {
+
+int elementSize(const Type* element) {
+    switch (element->kind) {
+    case Kind::Boolean:
+    case Kind::Int8:
+    case Kind::UInt8: return 1;
+    case Kind::Int16:
+    case Kind::UInt16: return 2;
+    case Kind::Int64:
+    case Kind::UInt64:
+    case Kind::Double: return 8;
+    default: return 4;
+    }
+}
+
+namespace {
+
+void showStorage(ArrayObject& array) {
+    array.face.storage = runtime().exposesArrayStorage() && array.count > 0 ? array.data : nullptr;
+}
+
+Bits load(const ArrayObject& array, std::int32_t index) {
+    const char* at = array.data + index * elementSize(array.element);
+    switch (array.element->kind) {
+    case Kind::Boolean: return Bits::of(*at != 0);
+    case Kind::Int8: return Bits::of(std::int32_t(*reinterpret_cast<const std::int8_t*>(at)));
+    case Kind::UInt8: return Bits::of(std::int32_t(*reinterpret_cast<const std::uint8_t*>(at)));
+    case Kind::Int16: return Bits::of(std::int32_t(*reinterpret_cast<const std::int16_t*>(at)));
+    case Kind::UInt16: return Bits::of(std::int32_t(*reinterpret_cast<const std::uint16_t*>(at)));
+    default: {
+        Bits bits;
+        std::memcpy(&bits, at, std::size_t(elementSize(array.element)));
+        return bits;
+    }
+    }
+}
+
+void store(ArrayObject& array, std::int32_t index, Bits value) {
+    int size = elementSize(array.element);
+    std::memcpy(array.data + index * size, &value, std::size_t(size));
+}
+
+void reserve(ArrayObject& array, std::int32_t count) {
+    if (count <= array.capacity) return;
+    std::int32_t capacity = std::max(count, array.capacity + array.capacity / 2 + 4);
+    auto* data = static_cast<char*>(
+        std::realloc(array.data, std::size_t(capacity) * std::size_t(elementSize(array.element))));
+    if (!data) raise("OutOfMemoryException", "There is no memory for the array.");
+    array.data = data;
+    array.capacity = capacity;
+}
+
+void checkBounds(const ArrayObject& array, std::int32_t index) {
+    if (index < 0 || index >= array.count)
+        raise("OutOfBoundsException", "index " + std::to_string(index) + " is outside 0 to " +
+                                          std::to_string(array.count - 1));
+}
+
+void finalizeArray(REALobject object) {
+    ArrayObject& array = arrayOf(object);
+    if (array.element->isCounted())
+        for (std::int32_t i = 0; i < array.count; ++i) release(array.element, load(array, i));
+    std::free(array.data);
+}
+
+} // namespace
+
+bool isArray(REALobject object) {
+    return object && classOf(object).arrayElement;
+}
+
+REALobject newArray(const Type* element, std::int32_t count) {
+    Class& cls = *classes().arrayOf(element)->cls;
+    cls.finalize = finalizeArray;
+    ObjectRef object(heap().allocate(cls, sizeof(ArrayObject)));
+    arrayOf(object).element = element;
+    arrayResize(arrayOf(object), std::max(count, 0));
+    return object.release();
+}
+
+Bits arrayGet(ArrayObject& array, std::int32_t index) {
+    checkBounds(array, index);
+    return retain(array.element, load(array, index));
+}
+
+void arraySet(ArrayObject& array, std::int32_t index, Bits value) {
+    if (index < 0 || index >= array.count) release(array.element, value);
+    checkBounds(array, index);
+    Bits old = load(array, index);
+    store(array, index, value);
+    release(array.element, old);
+}
+
+void arrayInsert(ArrayObject& array, std::int32_t index, Bits value) {
+    if (index < 0 || index > array.count) {
+        release(array.element, value);
+        raise("OutOfBoundsException", "index " + std::to_string(index) + " is outside 0 to " +
+                                          std::to_string(array.count));
+    }
+    reserve(array, array.count + 1);
+    int size = elementSize(array.element);
+    std::memmove(array.data + (index + 1) * size, array.data + index * size, std::size_t((array.count - index) * size));
+    ++array.count;
+    store(array, index, value);
+    showStorage(array);
+}
+
+void arrayRemove(ArrayObject& array, std::int32_t index) {
+    checkBounds(array, index);
+    Bits old = load(array, index);
+    int size = elementSize(array.element);
+    std::memmove(array.data + index * size, array.data + (index + 1) * size,
+                 std::size_t((array.count - index - 1) * size));
+    --array.count;
+    showStorage(array);
+    release(array.element, old);
+}
+
+void arrayResize(ArrayObject& array, std::int32_t count) {
+    while (array.count > count) arrayRemove(array, array.count - 1);
+    reserve(array, count);
+    std::size_t size = std::size_t(elementSize(array.element));
+    if (count > array.count)
+        std::memset(array.data + std::size_t(array.count) * size, 0, std::size_t(count - array.count) * size);
+    array.count = count;
+    showStorage(array);
+}
+
+int compareValues(const Type* type, Bits a, Bits b) {
+    auto order = [](auto x, auto y) { return x < y ? -1 : x > y ? 1 : 0; };
+    switch (type->kind) {
+    case Kind::Boolean: return order(a.boolean, b.boolean);
+    case Kind::UInt32:
+    case Kind::Color: return order(a.u32, b.u32);
+    case Kind::Int64: return order(a.i64, b.i64);
+    case Kind::UInt64: return order(a.u64, b.u64);
+    case Kind::Single: return order(a.f32, b.f32);
+    case Kind::Double: return order(a.f64, b.f64);
+    case Kind::String:
+        // Plain bytes of one encoding need no conversion.
+        if (encodingOf(a.string) == kREALTextEncodingUTF8 && encodingOf(b.string) == kREALTextEncodingUTF8)
+            return text::compare(bytesOf(a.string), bytesOf(b.string));
+        return text::compare(toUtf8(a.string), toUtf8(b.string));
+    case Kind::Variant:
+    case Kind::Object:
+    case Kind::Array: return order(a.object, b.object);
+    default: return order(a.i32, b.i32);
+    }
+}
+
+bool valuesEqual(const Type* type, Bits a, Bits b) {
+    if (type->kind == Kind::Variant) return variantsEqual(a.object, b.object);
+    return compareValues(type, a, b) == 0;
+}
+
+std::int32_t arrayIndexOf(ArrayObject& array, Bits value, std::int32_t from) {
+    for (std::int32_t i = std::max(from, 0); i < array.count; ++i)
+        if (valuesEqual(array.element, load(array, i), value)) return i;
+    return -1;
+}
+
+void arraySort(ArrayObject& array) {
+    std::vector<Bits> values;
+    for (std::int32_t i = 0; i < array.count; ++i) values.push_back(load(array, i));
+    std::stable_sort(values.begin(), values.end(),
+                     [&](Bits a, Bits b) { return compareValues(array.element, a, b) < 0; });
+    for (std::int32_t i = 0; i < array.count; ++i) store(array, i, values[std::size_t(i)]);
+}
+
+} // namespace studio
