@@ -3,6 +3,8 @@
 
 #include <studio/host.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -63,7 +65,11 @@ CommandLine parse(int count, char** words) {
             else if (*end || *result.host.version < 2000)
                 misuse("'" + version + "' is no host version; expected one such as 2012.0, or none");
         } else if (word == "--without") {
-            result.host.withheld.insert(next());
+            std::string service = next();
+            std::vector<std::string> known = Host::serviceNames();
+            if (std::find(known.begin(), known.end(), service) == known.end())
+                misuse("there is no service " + service);
+            result.host.withheld.insert(service);
         } else if (word == "--plugin") {
             result.plugins.push_back(next());
         } else if (word == "--without-family") {

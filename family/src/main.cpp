@@ -3,6 +3,8 @@
 #include <host/registration.h>
 #include <host/services.h>
 
+#include <initializer_list>
+
 namespace family {
 
 extern REALclassDefinition CGPointKazClass;

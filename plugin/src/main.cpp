@@ -6,6 +6,8 @@
 #include <host/registration.h>
 #include <host/services.h>
 
+#include <initializer_list>
+
 extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALResolver resolver) {
     NegotiateRecordVersion(resolver);
 

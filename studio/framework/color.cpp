@@ -32,7 +32,9 @@ HSV toHSV(std::uint32_t c) {
     double high = std::max({r, g, b}), range = high - std::min({r, g, b});
     double h = 0;
     if (range > 0)
-        h = high == r ? std::fmod((g - b) / range + 6, 6) : high == g ? (b - r) / range + 2 : (r - g) / range + 4;
+        h = high == r   ? std::fmod((g - b) / range + 6, 6)
+            : high == g ? (b - r) / range + 2
+                        : (r - g) / range + 4;
     return {h / 6, high > 0 ? range / high : 0, high};
 }
 
@@ -40,12 +42,16 @@ HSV toHSV(std::uint32_t c) {
 
 FrameworkFunctions colorFunctions() {
     return {
-        method("RGB(red As Integer, green As Integer, blue As Integer, transparency As Integer = 0) As Color", pack),
+        method("RGB(red As Integer, green As Integer, blue As Integer, transparency As Integer = 0) As Color",
+               pack),
         method("HSV(hue As Double, saturation As Double, value As Double) As Color", fromHSV),
-        method("Red(Extends c As Color) As Integer", [](std::uint32_t c) { return std::int32_t(c >> 16 & 255); }),
-        method("Green(Extends c As Color) As Integer", [](std::uint32_t c) { return std::int32_t(c >> 8 & 255); }),
+        method("Red(Extends c As Color) As Integer",
+               [](std::uint32_t c) { return std::int32_t(c >> 16 & 255); }),
+        method("Green(Extends c As Color) As Integer",
+               [](std::uint32_t c) { return std::int32_t(c >> 8 & 255); }),
         method("Blue(Extends c As Color) As Integer", [](std::uint32_t c) { return std::int32_t(c & 255); }),
-        method("Alpha(Extends c As Color) As Integer", [](std::uint32_t c) { return std::int32_t(255 - (c >> 24)); }),
+        method("Alpha(Extends c As Color) As Integer",
+               [](std::uint32_t c) { return std::int32_t(255 - (c >> 24)); }),
         method("Hue(Extends c As Color) As Double", [](std::uint32_t c) { return toHSV(c).h; }),
         method("Saturation(Extends c As Color) As Double", [](std::uint32_t c) { return toHSV(c).s; }),
         method("Value(Extends c As Color) As Double", [](std::uint32_t c) { return toHSV(c).v; }),

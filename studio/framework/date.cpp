@@ -63,8 +63,8 @@ FrameworkProperty fieldProperty(const char* name) {
 void setSQL(REALobject self, REALstring text) {
     Date d = date(self);
     d.hour = d.minute = d.second = 0;
-    int read = std::sscanf(toUtf8(text).c_str(), "%d-%d-%d %d:%d:%d", &d.year, &d.month, &d.day, &d.hour, &d.minute,
-                           &d.second);
+    int read = std::sscanf(toUtf8(text).c_str(), "%d-%d-%d %d:%d:%d", &d.year, &d.month, &d.day, &d.hour,
+                           &d.minute, &d.second);
     if (read != 3 && read != 6)
         raise("InvalidArgumentException", "expected a date as 2012-12-31 or 2012-12-31 23:59:59");
     date(self) = d;
@@ -75,7 +75,8 @@ REALstring sql(REALobject self, bool time) {
     char text[64];
     int length = std::snprintf(text, sizeof text, "%04d-%02d-%02d", d.year, d.month, d.day);
     if (time)
-        std::snprintf(text + length, sizeof text - std::size_t(length), " %02d:%02d:%02d", d.hour, d.minute, d.second);
+        std::snprintf(text + length, sizeof text - std::size_t(length), " %02d:%02d:%02d", d.hour, d.minute,
+                      d.second);
     return makeString(text);
 }
 
@@ -98,8 +99,10 @@ FrameworkClass dateClass() {
         fieldProperty<&Date::hour>("Hour"),
         fieldProperty<&Date::minute>("Minute"),
         fieldProperty<&Date::second>("Second"),
-        property("DayOfWeek", "Integer", [](REALobject self) { return std::int32_t(fields(date(self)).tm_wday + 1); }),
-        property("DayOfYear", "Integer", [](REALobject self) { return std::int32_t(fields(date(self)).tm_yday + 1); }),
+        property("DayOfWeek", "Integer",
+                 [](REALobject self) { return std::int32_t(fields(date(self)).tm_wday + 1); }),
+        property("DayOfYear", "Integer",
+                 [](REALobject self) { return std::int32_t(fields(date(self)).tm_yday + 1); }),
         property(
             "GMTOffset", "Double", [](REALobject self) { return date(self).gmtOffset; },
             [](REALobject self, std::uint32_t, double value) { date(self).gmtOffset = value; }),
@@ -112,10 +115,12 @@ FrameworkClass dateClass() {
                 gmtime_r(&time, &utc);
                 setFields(date(self), utc);
             }),
-        property("SQLDate", "String", [](REALobject self) { return sql(self, false); },
-                 [](REALobject self, std::uint32_t, REALstring text) { setSQL(self, text); }),
-        property("SQLDateTime", "String", [](REALobject self) { return sql(self, true); },
-                 [](REALobject self, std::uint32_t, REALstring text) { setSQL(self, text); }),
+        property(
+            "SQLDate", "String", [](REALobject self) { return sql(self, false); },
+            [](REALobject self, std::uint32_t, REALstring text) { setSQL(self, text); }),
+        property(
+            "SQLDateTime", "String", [](REALobject self) { return sql(self, true); },
+            [](REALobject self, std::uint32_t, REALstring text) { setSQL(self, text); }),
     };
     table.methods = {
         method("Constructor", [](REALobject) {}),

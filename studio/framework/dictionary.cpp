@@ -24,19 +24,25 @@ Dictionary& dictionary(REALobject self) { return dataOf<Dictionary>(self); }
 // Equal for equal keys.
 std::string identity(REALobject key) {
     switch (variantType(key)) {
-    case kREALVariantNil: return "nil";
+    case kREALVariantNil:
+        return "nil";
     case kREALVariantString: {
         StringRef text(unboxVariant(key, simpleType(Kind::String)).string);
         return "s" + text::lower(toUtf8(text));
     }
     case kREALVariantInt32:
-    case kREALVariantInt64: return "n" + std::to_string(unboxVariant(key, simpleType(Kind::Int64)).i64);
+    case kREALVariantInt64:
+        return "n" + std::to_string(unboxVariant(key, simpleType(Kind::Int64)).i64);
     case kREALVariantSingle:
     case kREALVariantDouble:
-    case kREALVariantCurrency: return "n" + formatDouble(unboxVariant(key, simpleType(Kind::Double)).f64);
-    case kREALVariantBoolean: return unboxVariant(key, simpleType(Kind::Boolean)).boolean ? "true" : "false";
-    case kREALVariantColor: return "c" + std::to_string(unboxVariant(key, simpleType(Kind::Color)).u32);
-    default: return "o" + std::to_string(reinterpret_cast<std::uintptr_t>(key));
+    case kREALVariantCurrency:
+        return "n" + formatDouble(unboxVariant(key, simpleType(Kind::Double)).f64);
+    case kREALVariantBoolean:
+        return unboxVariant(key, simpleType(Kind::Boolean)).boolean ? "true" : "false";
+    case kREALVariantColor:
+        return "c" + std::to_string(unboxVariant(key, simpleType(Kind::Color)).u32);
+    default:
+        return "o" + std::to_string(reinterpret_cast<std::uintptr_t>(key));
     }
 }
 
@@ -112,7 +118,8 @@ FrameworkClass dictionaryClass() {
         dictionary(self).~Dictionary();
     };
     table.properties = {
-        property("Count", "Integer", [](REALobject self) { return std::int32_t(dictionary(self).entries.size()); }),
+        property("Count", "Integer",
+                 [](REALobject self) { return std::int32_t(dictionary(self).entries.size()); }),
     };
     table.methods = {
         method("Value(key As Variant) As Variant", value, setValue),

@@ -15,7 +15,8 @@ FrameworkClass runtimeException() {
     };
     table.properties = {
         property(
-            "Message", "String", [](REALobject self) { return Heap::retain(dataOf<ExceptionData>(self).message); },
+            "Message", "String",
+            [](REALobject self) { return Heap::retain(dataOf<ExceptionData>(self).message); },
             [](REALobject self, std::uint32_t, REALstring value) {
                 REALstring old = std::exchange(dataOf<ExceptionData>(self).message, Heap::retain(value));
                 heap().release(old);
@@ -49,9 +50,9 @@ FrameworkClass runtimeException() {
 std::vector<FrameworkClass> exceptionClasses() {
     std::vector<FrameworkClass> result = {runtimeException()};
     for (const char* name :
-         {"NilObjectException", "UnsupportedOperationException", "OutOfBoundsException", "OutOfMemoryException",
-          "TypeMismatchException", "IllegalCastException", "InvalidArgumentException", "KeyNotFoundException",
-          "IOException", "StackOverflowException", "AssertionFailed"}) {
+         {"NilObjectException", "UnsupportedOperationException", "OutOfBoundsException",
+          "OutOfMemoryException", "TypeMismatchException", "IllegalCastException", "InvalidArgumentException",
+          "KeyNotFoundException", "IOException", "StackOverflowException", "AssertionFailed"}) {
         FrameworkClass subclass;
         subclass.name = name;
         subclass.superclass = "RuntimeException";

@@ -10,7 +10,7 @@ std::string parent(const std::string& path);
 std::string leaf(const std::string& path);
 bool exists(const std::string& path);
 bool isDirectory(const std::string& path);
-std::string read(const std::string& path);                          // raises IOException
-void write(const std::string& path, const std::string& bytes);      // raises IOException
+std::string read(const std::string& path);                     // raises IOException
+void write(const std::string& path, const std::string& bytes); // raises IOException
 
 } // namespace studio::files

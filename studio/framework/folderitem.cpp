@@ -105,19 +105,20 @@ REALobject folderItemIn(const FSRef* parent, const HFSUniStr255* name) {
     Pool pool;
     if (!parent || !name) return nullptr;
     const auto* bytes = reinterpret_cast<const unsigned char*>(parent);
-    if (std::all_of(bytes, bytes + sizeof *parent, [](unsigned char b) { return b == 0; })) return newFolderItem("/");
+    if (std::all_of(bytes, bytes + sizeof *parent, [](unsigned char b) { return b == 0; }))
+        return newFolderItem("/");
     std::string folder = pathOfRef(*parent);
     if (folder.empty()) return nullptr;
-    std::string leaf =
-        text::toUtf8({reinterpret_cast<const char*>(name->unicode), name->length * 2u}, kREALTextEncodingUTF16)
-            .value_or("");
+    std::string leaf = text::toUtf8({reinterpret_cast<const char*>(name->unicode), name->length * 2u},
+                                    kREALTextEncodingUTF16)
+                           .value_or("");
     return newFolderItem(child(folder, leaf));
 }
 
-REALobject folderItemOf(const FSSpec* spec) {
+REALobject folderItemOf(const FSSpec* record) {
     Pool pool;
     FSRef ref;
-    if (!spec || FSpMakeFSRef(spec, &ref) != noErr) return nullptr;
+    if (!record || FSpMakeFSRef(record, &ref) != noErr) return nullptr;
     std::string itemPath = pathOfRef(ref);
     return itemPath.empty() ? nullptr : newFolderItem(itemPath);
 }
@@ -135,7 +136,8 @@ FrameworkClass folderItemClass() {
         property("URLPath", "String", [](REALobject self) { return makeString(urlPath(path(self))); }),
         property("Exists", "Boolean", [](REALobject self) { return files::exists(path(self)); }),
         property("Directory", "Boolean", [](REALobject self) { return files::isDirectory(path(self)); }),
-        property("Count", "Integer", [](REALobject self) { return std::int32_t(contents(path(self)).size()); }),
+        property("Count", "Integer",
+                 [](REALobject self) { return std::int32_t(contents(path(self)).size()); }),
         property("Length", "UInt64",
                  [](REALobject self) {
                      std::error_code error;
@@ -150,8 +152,9 @@ FrameworkClass folderItemClass() {
     table.methods = {
         method("Constructor(path As String)",
                [](REALobject self, REALstring text) { path(self) = files::absolute(toUtf8(text)); }),
-        method("Child(name As String) As FolderItem",
-               [](REALobject self, REALstring name) { return newFolderItem(child(path(self), toUtf8(name))); }),
+        method(
+            "Child(name As String) As FolderItem",
+            [](REALobject self, REALstring name) { return newFolderItem(child(path(self), toUtf8(name))); }),
         method("Item(index As Integer) As FolderItem", itemAt),
         method("TrueItem(Index as integer) as Folderitem", itemAt),
         method("Delete",

@@ -14,6 +14,6 @@ REALobject newFolderItem(const std::string& path); // owned
 bool fsRefOf(REALobject item, FSRef* out, HFSUniStr255* name);
 bool fsSpecOf(REALobject item, FSSpec* out);
 REALobject folderItemIn(const FSRef* parent, const HFSUniStr255* name); // owned; null when there is no parent
-REALobject folderItemOf(const FSSpec* spec);                            // owned
+REALobject folderItemOf(const FSSpec* record);                          // owned
 
 } // namespace studio

@@ -32,9 +32,9 @@ namespace {
 
 std::vector<FrameworkClass> allClasses() {
     std::vector<FrameworkClass> result = exceptionClasses();
-    for (auto* table : {variantClassTable, memoryBlockClass, dictionaryClass, dateClass, randomClass, timerClass,
-                        folderItemClass, textInputStreamClass, textOutputStreamClass, graphicsClass, surfaceClass,
-                        pictureClass, systemClass, appClass, encodingsClass})
+    for (auto* table : {variantClassTable, memoryBlockClass, dictionaryClass, dateClass, randomClass,
+                        timerClass, folderItemClass, textInputStreamClass, textOutputStreamClass,
+                        graphicsClass, surfaceClass, pictureClass, systemClass, appClass, encodingsClass})
         result.push_back(table());
     return result;
 }
@@ -45,26 +45,35 @@ constexpr FrameworkFunctions (*kFunctions[])() = {stringFunctions,  mathFunction
 char shapeOf(const Type* type) {
     if (!type) return 'v';
     switch (type->kind) {
-    case Kind::Boolean: return 'b';
-    case Kind::Single: return 'f';
-    case Kind::Double: return 'd';
-    case Kind::String: return 's';
+    case Kind::Boolean:
+        return 'b';
+    case Kind::Single:
+        return 'f';
+    case Kind::Double:
+        return 'd';
+    case Kind::String:
+        return 's';
     case Kind::Variant:
     case Kind::Object:
-    case Kind::Array: return 'o';
-    default: return char('0' + elementSize(type));
+    case Kind::Array:
+        return 'o';
+    default:
+        return char('0' + elementSize(type));
     }
 }
 
-void checkShape(const std::string& declaration, const Signature& signature, bool hasSelf, const std::string& shape) {
+void checkShape(const std::string& declaration, const Signature& signature, bool hasSelf,
+                const std::string& shape) {
     std::string expected(1, shapeOf(signature.result));
     if (hasSelf) expected += 'o';
     for (const Parameter& p : signature.parameters) expected += shapeOf(p.type);
     if (expected != shape)
-        throw std::logic_error("the function of " + declaration + " has the shape " + shape + ", not " + expected);
+        throw std::logic_error("the function of " + declaration + " has the shape " + shape + ", not " +
+                               expected);
 }
 
-std::unique_ptr<Method> makeMethod(ClassTable& classes, const FrameworkMethod& row, Class* owner, bool shared) {
+std::unique_ptr<Method> makeMethod(ClassTable& classes, const FrameworkMethod& row, Class* owner,
+                                   bool shared) {
     auto result = classes.makeMethod(row.declaration, owner, shared, Origin::Framework);
     result->function = row.function;
     result->setter = row.setter;
@@ -94,7 +103,8 @@ void define(ClassTable& classes, const FrameworkClass& table) {
                                    " do not have its type");
         cls.properties.push_back(property);
     }
-    for (const FrameworkMethod& row : table.methods) cls.methods.push_back(makeMethod(classes, row, &cls, false));
+    for (const FrameworkMethod& row : table.methods)
+        cls.methods.push_back(makeMethod(classes, row, &cls, false));
     for (const FrameworkMethod& row : table.sharedMethods)
         cls.sharedMethods.push_back(makeMethod(classes, row, &cls, true));
     for (const char* constant : table.constants) cls.constants.push_back(classes.parseConstant(constant));
@@ -106,7 +116,8 @@ void define(ClassTable& classes, const FrameworkClass& table) {
 void defineFramework(ClassTable& classes) {
     for (const FrameworkClass& table : allClasses()) define(classes, table);
     for (auto* functions : kFunctions)
-        for (const FrameworkMethod& row : functions()) classes.addFunction(makeMethod(classes, row, nullptr, true));
+        for (const FrameworkMethod& row : functions())
+            classes.addFunction(makeMethod(classes, row, nullptr, true));
 }
 
 } // namespace studio

@@ -23,8 +23,8 @@ Picture& target(REALobject self) {
     return pictureOf(picture);
 }
 
-void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
-                 std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh) {
+void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t y, std::int32_t w,
+                 std::int32_t h, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh) {
     constexpr std::int32_t kWhole = -10000;
     if (!image) raise("NilObjectException", "the picture to draw is nil");
     Picture& source = pictureOf(image);
@@ -93,7 +93,8 @@ FrameworkClass graphicsClass() {
                    p.pixels.fillRect(x, y, w, down, p.foreColor);
                    p.pixels.fillRect(x, y + h - down, w, h > down ? down : 0, p.foreColor);
                    p.pixels.fillRect(x, y + down, across, h - 2 * down, p.foreColor);
-                   p.pixels.fillRect(x + w - across, y + down, w > across ? across : 0, h - 2 * down, p.foreColor);
+                   p.pixels.fillRect(x + w - across, y + down, w > across ? across : 0, h - 2 * down,
+                                     p.foreColor);
                }),
         method("FillOval(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {

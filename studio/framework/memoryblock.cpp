@@ -26,7 +26,8 @@ bool resize(MemoryBlockBytes& block, std::int32_t size) {
 char* at(REALobject self, std::int32_t offset, std::int32_t size) {
     MemoryBlockBytes& block = memoryBlockBytes(self);
     if (offset < 0 || size < 0 || offset > block.size - size)
-        raise("OutOfBoundsException", "bytes " + std::to_string(offset) + " to " + std::to_string(offset + size - 1) +
+        raise("OutOfBoundsException", "bytes " + std::to_string(offset) + " to " +
+                                          std::to_string(offset + size - 1) +
                                           " are outside the MemoryBlock of " + std::to_string(block.size));
     return block.data + offset;
 }
@@ -101,7 +102,8 @@ FrameworkClass memoryBlockClass() {
     table.methods = {
         method("Constructor(size As Integer)",
                [](REALobject self, std::int32_t size) {
-                   if (size < 0) raise("InvalidArgumentException", "a MemoryBlock cannot have a negative size");
+                   if (size < 0)
+                       raise("InvalidArgumentException", "a MemoryBlock cannot have a negative size");
                    if (!resize(memoryBlockBytes(self), size))
                        raise("OutOfMemoryException", "There is no memory for the MemoryBlock.");
                }),
@@ -121,7 +123,8 @@ FrameworkClass memoryBlockClass() {
         method(
             "StringValue(offset As Integer, length As Integer) As String",
             [](REALobject self, std::int32_t offset, std::int32_t length) {
-                return heap().newString({at(self, offset, length), std::size_t(length)}, kREALTextEncodingUnknown);
+                return heap().newString({at(self, offset, length), std::size_t(length)},
+                                        kREALTextEncodingUnknown);
             },
             [](REALobject self, std::int32_t offset, std::int32_t length, REALstring value) {
                 std::string_view bytes = bytesOf(value);
@@ -133,11 +136,14 @@ FrameworkClass memoryBlockClass() {
                [](REALobject self, std::int32_t count) { return part(self, 0, count); }),
         method("RightB(count As Integer) As MemoryBlock",
                [](REALobject self, std::int32_t count) {
-                   return part(self, memoryBlockBytes(self).size - std::clamp(count, 0, memoryBlockBytes(self).size),
-                               count);
+                   return part(
+                       self, memoryBlockBytes(self).size - std::clamp(count, 0, memoryBlockBytes(self).size),
+                       count);
                }),
         method("MidB(offset As Integer, count As Integer = 2147483647) As MemoryBlock",
-               [](REALobject self, std::int32_t offset, std::int32_t count) { return part(self, offset, count); }),
+               [](REALobject self, std::int32_t offset, std::int32_t count) {
+                   return part(self, offset, count);
+               }),
     };
     return table;
 }

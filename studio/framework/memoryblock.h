@@ -12,8 +12,8 @@ struct MemoryBlockBytes {
 };
 
 MemoryBlockBytes& memoryBlockBytes(REALobject block);
-REALobject newMemoryBlock(std::string_view bytes);  // owned
-REALobject tryNewMemoryBlock(std::int32_t size);    // null when there is no memory for it
-REALstring memoryBlockToString(REALobject block);   // owned
+REALobject newMemoryBlock(std::string_view bytes); // owned
+REALobject tryNewMemoryBlock(std::int32_t size);   // null when there is no memory for it
+REALstring memoryBlockToString(REALobject block);  // owned
 
 } // namespace studio

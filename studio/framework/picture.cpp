@@ -61,8 +61,9 @@ CGContextRef contextOf(Picture& picture) {
     if (!picture.context) {
         ColorSpace space;
         Pixels& p = picture.pixels;
-        picture.context = CGBitmapContextCreate(p.bytes.data(), std::size_t(p.width), std::size_t(p.height), 8,
-                                                std::size_t(p.width) * 4, space.ref, kCGImageAlphaPremultipliedFirst);
+        picture.context =
+            CGBitmapContextCreate(p.bytes.data(), std::size_t(p.width), std::size_t(p.height), 8,
+                                  std::size_t(p.width) * 4, space.ref, kCGImageAlphaPremultipliedFirst);
     }
     return static_cast<CGContextRef>(picture.context);
 }
@@ -102,12 +103,13 @@ void save(REALobject self, REALobject file, std::int32_t format, std::int32_t qu
     Owned<CFURLRef> url(urlOf(path));
     Owned<CFStringRef> type(
         static_cast<CFStringRef>(makeCFString(format == kSaveAsJPEG ? "public.jpeg" : "public.png")));
-    Owned<CGImageDestinationRef> destination(url.ref ? CGImageDestinationCreateWithURL(url, type, 1, nullptr) : nullptr);
+    Owned<CGImageDestinationRef> destination(url.ref ? CGImageDestinationCreateWithURL(url, type, 1, nullptr)
+                                                     : nullptr);
     if (!destination.ref) raise("IOException", "cannot write " + path);
     double level = quality / 100.0;
     Owned<CFNumberRef> number(CFNumberCreate(nullptr, kCFNumberDoubleType, &level));
-    Owned<CFMutableDictionaryRef> properties(CFDictionaryCreateMutable(nullptr, 1, &kCFTypeDictionaryKeyCallBacks,
-                                                                       &kCFTypeDictionaryValueCallBacks));
+    Owned<CFMutableDictionaryRef> properties(CFDictionaryCreateMutable(
+        nullptr, 1, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     CFDictionarySetValue(properties, kCGImageDestinationLossyCompressionQuality, number);
     auto* image = static_cast<CGImageRef>(pictureCGImage(self));
     CGImageDestinationAddImage(destination, image, properties);
@@ -125,10 +127,13 @@ REALobject open(REALobject file) {
     CGImageRef image = source.ref ? CGImageSourceCreateImageAtIndex(source, 0, nullptr) : nullptr;
     if (!image) raise("IOException", path + " is no picture that can be read");
     CGImageAlphaInfo alpha = CGImageGetAlphaInfo(image);
-    bool opaque = alpha == kCGImageAlphaNone || alpha == kCGImageAlphaNoneSkipFirst || alpha == kCGImageAlphaNoneSkipLast;
+    bool opaque = alpha == kCGImageAlphaNone || alpha == kCGImageAlphaNoneSkipFirst ||
+                  alpha == kCGImageAlphaNoneSkipLast;
     auto width = std::int32_t(CGImageGetWidth(image)), height = std::int32_t(CGImageGetHeight(image));
     ObjectRef result(tryNewPicture(width, height, opaque ? 32 : 0));
-    if (result) CGContextDrawImage(contextOf(pictureOf(result)), CGRectMake(0, 0, CGFloat(width), CGFloat(height)), image);
+    if (result)
+        CGContextDrawImage(contextOf(pictureOf(result)), CGRectMake(0, 0, CGFloat(width), CGFloat(height)),
+                           image);
     CGImageRelease(image);
     if (!result) raise("OutOfMemoryException", "There is no memory for the Picture.");
     return result.release();
@@ -176,7 +181,8 @@ void undescribePicture(REALobject self) {
         --picture.descriptions;
 }
 
-// Nothing is cached: the pixels are the picture. A picture that is changed must not be locked for reading still.
+// Nothing is cached: the pixels are the picture. A picture that is changed must not be locked for reading
+// still.
 void pictureChanged(REALobject self) {
     if (void* context = pictureOf(self).context) CGContextFlush(static_cast<CGContextRef>(context));
 }
@@ -189,14 +195,13 @@ Pixels masked(REALobject self) {
 
 void* pictureCGImage(REALobject self) {
     auto* copy = new Pixels(masked(self));
-    CGDataProviderRef provider =
-        CGDataProviderCreateWithData(copy, copy->bytes.data(), copy->bytes.size(), [](void* info, const void*, std::size_t) {
-            delete static_cast<Pixels*>(info);
-        });
+    CGDataProviderRef provider = CGDataProviderCreateWithData(
+        copy, copy->bytes.data(), copy->bytes.size(),
+        [](void* info, const void*, std::size_t) { delete static_cast<Pixels*>(info); });
     ColorSpace space;
     CGImageRef image = CGImageCreate(std::size_t(copy->width), std::size_t(copy->height), 8, 32,
-                                     std::size_t(copy->width) * 4, space.ref, kCGImageAlphaPremultipliedFirst, provider,
-                                     nullptr, false, kCGRenderingIntentDefault);
+                                     std::size_t(copy->width) * 4, space.ref, kCGImageAlphaPremultipliedFirst,
+                                     provider, nullptr, false, kCGRenderingIntentDefault);
     CGDataProviderRelease(provider);
     return image;
 }
@@ -208,20 +213,23 @@ FrameworkClass pictureClass() {
     table.destructor = +[](REALobject self) {
         Picture& picture = pictureOf(self);
         if (picture.descriptions > 0)
-            heap().violation("a Picture is gone with its description locked " + std::to_string(picture.descriptions) +
-                             " times");
+            heap().violation("a Picture is gone with its description locked " +
+                             std::to_string(picture.descriptions) + " times");
         if (picture.context) CGContextRelease(static_cast<CGContextRef>(picture.context));
         heap().release(picture.mask);
         picture.~Picture();
     };
     table.properties = {
-        property("Width", "Integer", [](REALobject self) { return std::int32_t(pictureOf(self).pixels.width); }),
-        property("Height", "Integer", [](REALobject self) { return std::int32_t(pictureOf(self).pixels.height); }),
+        property("Width", "Integer",
+                 [](REALobject self) { return std::int32_t(pictureOf(self).pixels.width); }),
+        property("Height", "Integer",
+                 [](REALobject self) { return std::int32_t(pictureOf(self).pixels.height); }),
         property("Depth", "Integer", [](REALobject self) { return std::int32_t(pictureOf(self).depth); }),
         property("HasAlphaChannel", "Boolean", [](REALobject self) { return pictureOf(self).hasAlpha; }),
         property("Graphics", "Graphics", pictureGraphics),
         property("RGBSurface", "RGBSurface", pictureSurface),
-        property("Mask", "Picture", [](REALobject self) { return pictureMask(self, true); }, setMask),
+        property(
+            "Mask", "Picture", [](REALobject self) { return pictureMask(self, true); }, setMask),
     };
     table.methods = {
         method("Constructor(width As Integer, height As Integer, depth As Integer = 0)", construct),

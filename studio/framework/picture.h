@@ -25,7 +25,8 @@ Picture& pictureOf(REALobject picture);
 Pixels masked(REALobject picture); // a copy with the mask applied
 
 // The services. Objects are owned.
-REALobject tryNewPicture(std::int32_t width, std::int32_t height, std::int32_t depth); // null when it cannot be
+REALobject tryNewPicture(std::int32_t width, std::int32_t height,
+                         std::int32_t depth); // null when it cannot be
 REALobject pictureGraphics(REALobject picture);
 REALobject pictureMask(REALobject picture, bool create);
 bool describePicture(REALobject picture, REALpictureDescription* out, std::int32_t kind);

@@ -45,7 +45,9 @@ std::uint32_t Pixels::color(int x, int y) const {
     return result;
 }
 
-void Pixels::setColor(int x, int y, std::uint32_t color) { std::memcpy(at(x, y), Premultiplied(color).argb, 4); }
+void Pixels::setColor(int x, int y, std::uint32_t color) {
+    std::memcpy(at(x, y), Premultiplied(color).argb, 4);
+}
 
 void Pixels::blend(int x, int y, std::uint32_t color) {
     if (contains(x, y)) over(at(x, y), Premultiplied(color).argb);
@@ -93,12 +95,13 @@ void Pixels::drawLine(int x1, int y1, int x2, int y2, int penWidth, int penHeigh
     int steps = std::max({std::abs(x2 - x1), std::abs(y2 - y1), 1});
     if (penWidth == 1 && penHeight == 1 && x1 != x2 && y1 != y2) {
         for (int i = 0; i <= steps; ++i)
-            blend(x1 + int(std::lround(double(x2 - x1) * i / steps)), y1 + int(std::lround(double(y2 - y1) * i / steps)),
-                  color);
+            blend(x1 + int(std::lround(double(x2 - x1) * i / steps)),
+                  y1 + int(std::lround(double(y2 - y1) * i / steps)), color);
         return;
     }
     if (x1 == x2 || y1 == y2) {
-        fillRect(std::min(x1, x2), std::min(y1, y2), std::abs(x2 - x1) + penWidth, std::abs(y2 - y1) + penHeight, color);
+        fillRect(std::min(x1, x2), std::min(y1, y2), std::abs(x2 - x1) + penWidth,
+                 std::abs(y2 - y1) + penHeight, color);
         return;
     }
     // A thick slanted line: every pixel that the pen touches is drawn once.
@@ -107,7 +110,8 @@ void Pixels::drawLine(int x1, int y1, int x2, int y2, int penWidth, int penHeigh
     touched.resize(std::abs(x2 - x1) + penWidth, std::abs(y2 - y1) + penHeight);
     for (int i = 0; i <= steps; ++i)
         touched.clearRect(int(std::lround(double(x2 - x1) * i / steps)) + x1 - left,
-                          int(std::lround(double(y2 - y1) * i / steps)) + y1 - top, penWidth, penHeight, color);
+                          int(std::lround(double(y2 - y1) * i / steps)) + y1 - top, penWidth, penHeight,
+                          color);
     draw(touched, left, top, touched.width, touched.height, 0, 0, touched.width, touched.height);
 }
 
@@ -147,8 +151,9 @@ void Pixels::draw(const Pixels& source, int x, int y, int w, int h, int sx, int 
             for (int v = rows.first; v <= rows.last; ++v) {
                 double rowWeight = v == rows.first ? rows.firstWeight : v == rows.last ? rows.lastWeight : 1;
                 for (int u = columns.first; u <= columns.last; ++u) {
-                    double weight =
-                        rowWeight * (u == columns.first ? columns.firstWeight : u == columns.last ? columns.lastWeight : 1);
+                    double weight = rowWeight * (u == columns.first  ? columns.firstWeight
+                                                 : u == columns.last ? columns.lastWeight
+                                                                     : 1);
                     total += weight;
                     if (!source.contains(u, v)) continue;
                     for (int i = 0; i < 4; ++i) sum[i] += weight * source.at(u, v)[i];

@@ -11,7 +11,9 @@ struct Pixels {
     std::vector<std::uint8_t> bytes;
 
     void resize(int w, int h);
-    std::uint8_t* at(int x, int y) { return &bytes[(std::size_t(y) * std::size_t(width) + std::size_t(x)) * 4]; }
+    std::uint8_t* at(int x, int y) {
+        return &bytes[(std::size_t(y) * std::size_t(width) + std::size_t(x)) * 4];
+    }
     const std::uint8_t* at(int x, int y) const { return const_cast<Pixels*>(this)->at(x, y); }
     bool contains(int x, int y) const { return x >= 0 && y >= 0 && x < width && y < height; }
 

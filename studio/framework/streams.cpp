@@ -125,7 +125,8 @@ FrameworkClass textOutputStreamClass() {
     table.destructor = close;
     table.methods = {
         method("Write(text As String)", [](REALobject self, REALstring text) { put(self, text, false); }),
-        method("WriteLine(text As String = \"\")", [](REALobject self, REALstring text) { put(self, text, true); }),
+        method("WriteLine(text As String = \"\")",
+               [](REALobject self, REALstring text) { put(self, text, true); }),
         method("Close", close),
     };
     table.sharedMethods = {

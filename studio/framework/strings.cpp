@@ -21,7 +21,9 @@ string_view characters(string_view s, std::size_t from, std::size_t length) {
     return s.substr(begin, end - begin);
 }
 
-REALstring sameEncoding(REALstring model, string_view bytes) { return heap().newString(bytes, encodingOf(model)); }
+REALstring sameEncoding(REALstring model, string_view bytes) {
+    return heap().newString(bytes, encodingOf(model));
+}
 
 bool isBlank(char c) { return (unsigned char)c <= ' '; }
 
@@ -158,7 +160,8 @@ FrameworkFunctions stringFunctions() {
         method("Right(s As String, count As Integer) As String",
                [](REALstring s, std::int32_t n) {
                    string utf8 = toUtf8(s);
-                   std::size_t length = text::length(utf8), wanted = std::min(std::size_t(std::max(n, 0)), length);
+                   std::size_t length = text::length(utf8),
+                               wanted = std::min(std::size_t(std::max(n, 0)), length);
                    return makeString(characters(utf8, length - wanted, wanted));
                }),
         method("Mid(s As String, start As Integer, length As Integer = 2147483647) As String",
@@ -192,12 +195,16 @@ FrameworkFunctions stringFunctions() {
                [](REALstring s) { return makeString(trimmed(toUtf8(s), true, false)); }),
         method("RTrim(s As String) As String",
                [](REALstring s) { return makeString(trimmed(toUtf8(s), false, true)); }),
-        method("Uppercase(s As String) As String", [](REALstring s) { return makeString(text::upper(toUtf8(s))); }),
-        method("Lowercase(s As String) As String", [](REALstring s) { return makeString(text::lower(toUtf8(s))); }),
-        method("Titlecase(s As String) As String", [](REALstring s) { return makeString(titlecase(toUtf8(s))); }),
+        method("Uppercase(s As String) As String",
+               [](REALstring s) { return makeString(text::upper(toUtf8(s))); }),
+        method("Lowercase(s As String) As String",
+               [](REALstring s) { return makeString(text::lower(toUtf8(s))); }),
+        method("Titlecase(s As String) As String",
+               [](REALstring s) { return makeString(titlecase(toUtf8(s))); }),
         method("StrComp(a As String, b As String, mode As Integer) As Integer",
                [](REALstring a, REALstring b, std::int32_t mode) -> std::int32_t {
-                   int order = mode == 0 ? bytesOf(a).compare(bytesOf(b)) : text::compare(toUtf8(a), toUtf8(b));
+                   int order =
+                       mode == 0 ? bytesOf(a).compare(bytesOf(b)) : text::compare(toUtf8(a), toUtf8(b));
                    return order < 0 ? -1 : order > 0;
                }),
         method("NthField(s As String, separator As String, index As Integer) As String",
@@ -228,12 +235,14 @@ FrameworkFunctions stringFunctions() {
                    return makeString(result);
                }),
 
-        method("Str(value As Variant) As String", [](REALobject value) { return makeString(display(value)); }),
+        method("Str(value As Variant) As String",
+               [](REALobject value) { return makeString(display(value)); }),
         method("Str(value As Double, mask As String) As String",
                [](double value, REALstring mask) { return makeString(formatted(value, toUtf8(mask))); }),
         method("Format(value As Double, mask As String) As String",
                [](double value, REALstring mask) { return makeString(formatted(value, toUtf8(mask))); }),
-        method("CStr(value As Variant) As String", [](REALobject value) { return makeString(display(value)); }),
+        method("CStr(value As Variant) As String",
+               [](REALobject value) { return makeString(display(value)); }),
         method("Val(s As String) As Double", [](REALstring s) { return parseNumber(toUtf8(s)); }),
         method("CDbl(s As String) As Double", [](REALstring s) { return parseNumber(toUtf8(s)); }),
         method("Chr(code As Integer) As String",
@@ -273,7 +282,8 @@ FrameworkFunctions stringFunctions() {
         method("ConvertEncoding(s As String, encoding As Integer) As String",
                [](REALstring s, std::int32_t encoding) {
                    auto bytes = text::fromUtf8(toUtf8(s), std::uint32_t(encoding));
-                   if (!bytes) raise("InvalidArgumentException", "this text cannot be written in that encoding");
+                   if (!bytes)
+                       raise("InvalidArgumentException", "this text cannot be written in that encoding");
                    return heap().newString(*bytes, std::uint32_t(encoding));
                }),
     };
@@ -282,8 +292,8 @@ FrameworkFunctions stringFunctions() {
 FrameworkClass encodingsClass() {
     FrameworkClass table;
     table.name = "Encodings";
-    table.constants = {"UTF8 = &h08000100", "UTF16 = &h0100", "ASCII = &h0600", "MacRoman = 0", "ISOLatin1 = &h0201",
-                       "Unknown = &hFFFF"};
+    table.constants = {"UTF8 = &h08000100", "UTF16 = &h0100",     "ASCII = &h0600",
+                       "MacRoman = 0",      "ISOLatin1 = &h0201", "Unknown = &hFFFF"};
     return table;
 }
 

@@ -16,13 +16,20 @@ namespace studio {
 // The C types of a function, one letter each; checked against its declaration when the table is read.
 template <class T>
 constexpr char shapeOf() {
-    if constexpr (std::is_void_v<T>) return 'v';
-    else if constexpr (std::is_same_v<T, bool>) return 'b';
-    else if constexpr (std::is_same_v<T, float>) return 'f';
-    else if constexpr (std::is_same_v<T, double>) return 'd';
-    else if constexpr (std::is_same_v<T, REALstring>) return 's';
-    else if constexpr (std::is_same_v<T, REALobject>) return 'o';
-    else if constexpr (std::is_integral_v<T>) return char('0' + sizeof(T));
+    if constexpr (std::is_void_v<T>)
+        return 'v';
+    else if constexpr (std::is_same_v<T, bool>)
+        return 'b';
+    else if constexpr (std::is_same_v<T, float>)
+        return 'f';
+    else if constexpr (std::is_same_v<T, double>)
+        return 'd';
+    else if constexpr (std::is_same_v<T, REALstring>)
+        return 's';
+    else if constexpr (std::is_same_v<T, REALobject>)
+        return 'o';
+    else if constexpr (std::is_integral_v<T>)
+        return char('0' + sizeof(T));
 }
 template <class R, class... A>
 std::string shapeOf(R (*)(A...)) {

@@ -51,24 +51,16 @@ void setHandler(REALobject object, std::string_view event, const Method* handler
 void TimerQueue::remove(REALobject timer) { std::erase(timers_, timer); }
 
 void TimerQueue::fireDue() {
-    std::vector<REALobject> due;
+    // Handlers may start and drop timers: each that is due is held until all have fired.
+    std::vector<ObjectRef> due;
     double now = nowMilliseconds();
     for (REALobject t : timers_)
-        if (timer(t).mode != kOff && timer(t).due <= now) due.push_back(Heap::retain(t));
+        if (timer(t).mode != kOff && timer(t).due <= now) due.emplace_back(Heap::retain(t));
     for (REALobject t : due) {
-        ObjectRef held(t);
         if (timer(t).mode == kOff) continue;
         if (timer(t).mode == kSingle) timer(t).mode = kOff;
         restart(t);
-        // What is thrown leaves the rest held: let go of them first.
-        try {
-            fire(t);
-        } catch (...) {
-            for (REALobject later : due)
-                if (std::find(due.begin(), due.end(), t) < std::find(due.begin(), due.end(), later))
-                    heap().release(later);
-            throw;
-        }
+        fire(t);
     }
 }
 

@@ -93,8 +93,8 @@ struct Variable {
     std::string name;
     Position position;
     TypeName type;
-    ExprPtr bound;      // Dim a(bound)
-    ExprPtr initial;    // also `As New C(...)`, as a New expression
+    ExprPtr bound;   // Dim a(bound)
+    ExprPtr initial; // also `As New C(...)`, as a New expression
     bool isStatic = false;
 };
 
@@ -104,7 +104,7 @@ struct CaseTest {
     ExprPtr value, upper;
 };
 
-struct Branch { // of If, Select Case and Try
+struct Branch {                  // of If, Select Case and Try
     ExprPtr condition;           // null for Else
     std::vector<CaseTest> tests; // Select
     Variable caught;             // Try
@@ -115,7 +115,8 @@ struct Branch { // of If, Select Case and Try
 struct Statement {
     StatementKind kind;
     Position position;
-    std::string text;   // Exit and Continue: "for", "while", "do", ""; For: "to", "downto"; Do: "while", "until"
+    std::string
+        text; // Exit and Continue: "for", "while", "do", ""; For: "to", "downto"; Do: "while", "until"
     std::string suffix; // Loop: "while", "until"
     std::vector<Variable> variables;
     ExprPtr target, value, step;

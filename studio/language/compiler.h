@@ -17,16 +17,16 @@ struct Operand {
 // Something that can be assigned to.
 struct Place {
     const Type* type;
-    std::function<void(Frame&, Bits)> store;    // takes the value over
-    std::function<Bits*(Frame&)> address = {};  // variables only
+    std::function<void(Frame&, Bits)> store;   // takes the value over
+    std::function<Bits*(Frame&)> address = {}; // variables only
 };
 
 struct Local {
     const Type* type;
     int slot = 0;
-    Bits* address = nullptr;            // globals and Static variables
+    Bits* address = nullptr; // globals and Static variables
     std::optional<Literal> constant = {};
-    bool declaredYet = true;            // a global is known to routines before its line, but not above it
+    bool declaredYet = true; // a global is known to routines before its line, but not above it
 };
 
 class Compiler {
@@ -75,8 +75,10 @@ class Compiler {
     Operand name(const ast::Expr& e);
     Operand variable(const Local& local, Position position);
     Operand member(const ast::Expr& e, const std::vector<const ast::Expr*>& arguments, bool called);
-    Operand memberOf(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments, bool called);
-    Operand sharedMember(Class& cls, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments, bool called);
+    Operand memberOf(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments,
+                     bool called);
+    Operand sharedMember(Class& cls, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments,
+                         bool called);
     Operand call(const ast::Expr& e);
     Operand arrayMember(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments);
     Operand arrayLiteral(const ast::Expr& e);
@@ -93,8 +95,8 @@ class Compiler {
         std::vector<Place> places; // those by reference; empty store for the rest
     };
     Operand invokeMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
-                         const std::vector<const ast::Expr*>& arguments, std::string_view name, Position position,
-                         bool virtualCall = true, std::optional<Operand> extended = {});
+                         const std::vector<const ast::Expr*>& arguments, std::string_view name,
+                         Position position, bool virtualCall = true, std::optional<Operand> extended = {});
     PreparedArguments prepare(const Method& method, const Signature& signature, std::vector<Operand> given,
                               const std::vector<const ast::Expr*>& sources);
     Operand emitCall(const Method& method, std::optional<Operand> self, PreparedArguments arguments,
@@ -104,8 +106,8 @@ class Compiler {
     Place place(const ast::Expr& e); // variables, fields, properties, elements
     Action assign(const ast::Expr& target, const ast::Expr& value);
     Action assignThroughMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
-                               const std::vector<const ast::Expr*>& arguments, Operand value, std::string_view name,
-                               Position position);
+                               const std::vector<const ast::Expr*>& arguments, Operand value,
+                               std::string_view name, Position position);
 
     // ---- operators.cpp ----------------------------------------------------------------------------------
     Operand unary(const ast::Expr& e);

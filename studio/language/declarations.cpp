@@ -40,7 +40,8 @@ Local& Compiler::declareLocal(const std::string& name, Position position, const 
     local.type = type;
     local.slot = newSlot();
     auto [entry, fresh] = scope.names.try_emplace(folded(name), local);
-    if (!fresh && name[0] != '(') throw SourceError(position, "there is a variable '" + name + "' here already");
+    if (!fresh && name[0] != '(')
+        throw SourceError(position, "there is a variable '" + name + "' here already");
     entry->second = local;
     if (type->isCounted()) scope.counted.emplace_back(local.slot, type);
     return entry->second;
@@ -114,7 +115,8 @@ const Type* Compiler::resolveType(const ast::TypeName& name) {
     const Type* type = classes().typeNamed(name);
     const Type* inner = type->kind == Kind::Array ? type->element : type;
     if (inner->kind == Kind::Object && !inner->cls->isDefined()) {
-        std::vector<std::string> known = {"Integer", "Int64", "Single", "Double", "Boolean", "String", "Color", "Variant"};
+        std::vector<std::string> known = {"Integer", "Int64",  "Single", "Double",
+                                          "Boolean", "String", "Color",  "Variant"};
         for (const Class* cls : classes().definitionOrder()) known.push_back(cls->name);
         unknown(name.position, "there is no type", name.name, known);
     }
@@ -124,7 +126,8 @@ const Type* Compiler::resolveType(const ast::TypeName& name) {
 Local Compiler::constantOf(const ast::Variable& variable) {
     // Scopes may not be open yet; a constant's value is made of literals and constants.
     Operand operand = value(*variable.initial);
-    if (!operand.constant) throw SourceError(variable.initial->position, "expected a literal value for the constant");
+    if (!operand.constant)
+        throw SourceError(variable.initial->position, "expected a literal value for the constant");
     Local result;
     result.constant = operand.constant;
     result.type = operand.type;
@@ -142,7 +145,8 @@ void Compiler::declareClasses() {
         std::size_t before = waiting.size();
         for (auto at = waiting.begin(); at != waiting.end();) {
             const ast::ClassDeclaration& source = **at;
-            Class* superclass = source.superclass.name.empty() ? classes().root() : classes().find(source.superclass.name);
+            Class* superclass =
+                source.superclass.name.empty() ? classes().root() : classes().find(source.superclass.name);
             if (!superclass) {
                 ++at;
                 continue;
@@ -151,10 +155,6 @@ void Compiler::declareClasses() {
             Class* cls = classes().named(source.name);
             if (cls->isDefined() || simpleTypeNamed(source.name)) {
                 errors_.emplace_back(source.position, "there is a class '" + source.name + "' already");
-                continue;
-            }
-            if (superclass->origin == Origin::Plugin) {
-                errors_.emplace_back(source.superclass.position, "a program's class cannot inherit from a plugin's");
                 continue;
             }
             std::int32_t size = std::int32_t(source.properties.size() * sizeof(Bits));
@@ -184,8 +184,10 @@ void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
     std::vector<std::pair<Field, Code>> initials;
     for (const ast::Variable& v : source.properties)
         guarded([&] {
-            Field field{v.name, resolveType(v.type), cls.dataOffset + std::int32_t(fields.size() * sizeof(Bits))};
-            if (findField(&cls, v.name)) throw SourceError(v.position, "there is a property '" + v.name + "' already");
+            Field field{v.name, resolveType(v.type),
+                        cls.dataOffset + std::int32_t(fields.size() * sizeof(Bits))};
+            if (findField(&cls, v.name))
+                throw SourceError(v.position, "there is a property '" + v.name + "' already");
             fields.push_back(field);
             if (v.initial) {
                 initials.emplace_back(field, valueAs(*v.initial, field.type, "'" + v.name + "'").code);
@@ -196,8 +198,9 @@ void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
                     if (!bound.constant) throw SourceError(v.position, "expected a literal upper bound");
                     count = bound.constant->bits.i32 + 1;
                 }
-                initials.emplace_back(
-                    field, [element = field.type->element, count](Frame&) { return Bits::of(newArray(element, count)); });
+                initials.emplace_back(field, [element = field.type->element, count](Frame&) {
+                    return Bits::of(newArray(element, count));
+                });
             }
         });
     cls.initialize = [initials = std::move(initials), slots = slotCount_](REALobject self) {
@@ -209,7 +212,8 @@ void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
         }
     };
     cls.finalize = [fields](REALobject self) {
-        for (const Field& field : fields) release(field.type, std::exchange(dataAt<Bits>(self, field.offset), Bits()));
+        for (const Field& field : fields)
+            release(field.type, std::exchange(dataAt<Bits>(self, field.offset), Bits()));
     };
     for (const ast::Variable& v : source.constants)
         guarded([&] {
@@ -229,11 +233,14 @@ void Compiler::declareRoutine(const ast::Routine& source, Class* owner) {
     method->owner = owner;
     method->shared = !owner || source.shared;
     method->origin = Origin::Program;
-    const std::vector<const Method*> same = owner ? (method->shared ? owner->sharedMethodsNamed(source.signature.name)
-                                                                    : owner->methodsNamed(source.signature.name))
-                                                  : classes().functionsNamed(source.signature.name);
+    const std::vector<const Method*> same =
+        owner ? (method->shared ? owner->sharedMethodsNamed(source.signature.name)
+                                : owner->methodsNamed(source.signature.name))
+              : classes().functionsNamed(source.signature.name);
     for (const Method* other : same) {
-        if (other->owner != owner || other->signature.parameters.size() != method->signature.parameters.size()) continue;
+        if (other->owner != owner ||
+            other->signature.parameters.size() != method->signature.parameters.size())
+            continue;
         bool equal = true;
         for (std::size_t i = 0; i < method->signature.parameters.size(); ++i)
             equal &= other->signature.parameters[i].type == method->signature.parameters[i].type;
@@ -273,7 +280,8 @@ void Compiler::declareGlobals() {
     addVariable("Args", {}, classes().arrayOf(simpleType(Kind::String)), true);
     for (const ast::StatementPtr& s : source_.statements)
         for (const ast::Variable& v : s->variables) try {
-                if (s->kind == ast::StatementKind::Dim) addVariable(v.name, v.position, resolveType(v.type), false);
+                if (s->kind == ast::StatementKind::Dim)
+                    addVariable(v.name, v.position, resolveType(v.type), false);
                 if (s->kind == ast::StatementKind::Const) add(v.name, v.position, constantOf(v));
             } catch (const SourceError& error) {
                 errors_.push_back(error);
@@ -288,7 +296,8 @@ void Compiler::compileBody(const ast::Routine& source, Routine& routine) {
     scopes_.clear();
     scopes_.emplace_back();
     for (std::size_t i = 0; i < source.signature.parameters.size(); ++i)
-        declareLocal(source.signature.parameters[i].name, source.signature.parameters[i].position, routine.parameters[i]);
+        declareLocal(source.signature.parameters[i].name, source.signature.parameters[i].position,
+                     routine.parameters[i]);
     scopes_.back().counted.clear(); // the call itself releases the parameters
     routine.body = block(source.body);
     routine.slotCount = slotCount_;

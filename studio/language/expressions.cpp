@@ -41,7 +41,8 @@ ArrayObject& arrayIn(const ObjectRef& object) {
 
 Operand Compiler::value(const ast::Expr& e) {
     Operand result = expression(e);
-    if (result.type->kind == Kind::Void) throw SourceError(e.position, "expected a value, but this call has no result");
+    if (result.type->kind == Kind::Void)
+        throw SourceError(e.position, "expected a value, but this call has no result");
     return result;
 }
 
@@ -65,22 +66,33 @@ Operand Compiler::expression(const ast::Expr& e) {
     case ExprKind::String:
     case ExprKind::Color:
     case ExprKind::True:
-    case ExprKind::False: return literal(classes().literal(e), e.position);
-    case ExprKind::Nil: return {simpleType(Kind::Nil), [](Frame&) { return Bits(); }, e.position};
-    case ExprKind::Self: return selfOperand(e.position);
-    case ExprKind::Super: throw SourceError(e.position, "expected '.' and a method after 'Super'");
-    case ExprKind::Name: return name(e);
-    case ExprKind::Member: return member(e, {}, false);
-    case ExprKind::Call: return call(e);
-    case ExprKind::Unary: return unary(e);
+    case ExprKind::False:
+        return literal(classes().literal(e), e.position);
+    case ExprKind::Nil:
+        return {simpleType(Kind::Nil), [](Frame&) { return Bits(); }, e.position};
+    case ExprKind::Self:
+        return selfOperand(e.position);
+    case ExprKind::Super:
+        throw SourceError(e.position, "expected '.' and a method after 'Super'");
+    case ExprKind::Name:
+        return name(e);
+    case ExprKind::Member:
+        return member(e, {}, false);
+    case ExprKind::Call:
+        return call(e);
+    case ExprKind::Unary:
+        return unary(e);
     case ExprKind::Binary: {
         Operand a = value(*e.a);
         Operand b = value(*e.b);
         return binary(e.text, std::move(a), std::move(b), e.position);
     }
-    case ExprKind::IsA: return isA(e);
-    case ExprKind::New: return create(e);
-    case ExprKind::AddressOf: throw SourceError(e.position, "'AddressOf' belongs into an AddHandler line");
+    case ExprKind::IsA:
+        return isA(e);
+    case ExprKind::New:
+        return create(e);
+    case ExprKind::AddressOf:
+        throw SourceError(e.position, "'AddressOf' belongs into an AddHandler line");
     }
     throw SourceError(e.position, "expected an expression");
 }
@@ -105,8 +117,8 @@ Operand Compiler::coerce(Operand operand, const Type* type, const std::string& w
             hint = "; write " + type->name + "(...) to convert it";
         if (type->kind == Kind::String && from->isNumber()) hint = "; write Str(...) to convert it";
         if (type->isNumber() && from->kind == Kind::String) hint = "; write Val(...) to convert it";
-        throw SourceError(operand.position,
-                          "expected " + type->name + (what.empty() ? "" : " for " + what) + ", found " + from->name + hint);
+        throw SourceError(operand.position, "expected " + type->name + (what.empty() ? "" : " for " + what) +
+                                                ", found " + from->name + hint);
     }
     if (operand.constant && from->isNumber() && type->isNumber()) {
         Literal converted{type, convert(from, type, operand.constant->bits), {}};
@@ -192,7 +204,8 @@ Operand Compiler::name(const ast::Expr& e) {
     if (Local* local = findVariable(e.text)) return variable(*local, e.position);
     if (owner_) {
         if (const Constant* constant = owner_->constant(e.text)) return literal(constant->value, e.position);
-        if (hasSelf_ && (findField(owner_, e.text) || owner_->property(e.text) || !owner_->methodsNamed(e.text).empty()))
+        if (hasSelf_ &&
+            (findField(owner_, e.text) || owner_->property(e.text) || !owner_->methodsNamed(e.text).empty()))
             return memberOf(selfOperand(e.position), e, {}, false);
         if (auto shared = owner_->sharedMethodsNamed(e.text); !shared.empty())
             return invokeMethod(shared, {}, {}, e.text, e.position);
@@ -246,8 +259,10 @@ Operand Compiler::memberOf(Operand base, const ast::Expr& e, const std::vector<c
         std::optional<Operand> found;
         if (const Field* f = findField(cls, e.text)) {
             found = field(std::move(base), *f);
-        } else if (const Property* property = cls->property(e.text); property && (candidates.empty() || !called)) {
-            if (!property->getter) throw SourceError(e.position, cls->name + "." + property->name + " can only be set");
+        } else if (const Property* property = cls->property(e.text);
+                   property && (candidates.empty() || !called)) {
+            if (!property->getter)
+                throw SourceError(e.position, cls->name + "." + property->name + " can only be set");
             bool variant = type->kind == Kind::Variant; // nil is a variant like any other
             found = Operand{property->type,
                             [code = base.code, property, type, variant](Frame& f) {
@@ -261,7 +276,8 @@ Operand Compiler::memberOf(Operand base, const ast::Expr& e, const std::vector<c
             if (!called || arguments.empty()) return std::move(*found);
             return index(std::move(*found), arguments, e.position);
         }
-        if (!candidates.empty()) return invokeMethod(candidates, std::move(base), arguments, e.text, e.position);
+        if (!candidates.empty())
+            return invokeMethod(candidates, std::move(base), arguments, e.text, e.position);
         if (const Constant* constant = cls->constant(e.text)) return literal(constant->value, e.position);
         if (auto shared = cls->sharedMethodsNamed(e.text); !shared.empty())
             return invokeMethod(shared, {}, arguments, e.text, e.position);
@@ -294,15 +310,16 @@ Operand Compiler::index(Operand array, const std::vector<const ast::Expr*>& argu
             position};
 }
 
-Operand Compiler::arrayMember(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments) {
+Operand Compiler::arrayMember(Operand base, const ast::Expr& e,
+                              const std::vector<const ast::Expr*>& arguments) {
     const Type* element = base.type->element;
     struct Shape {
         std::string_view name;
         std::size_t least, most;
     };
-    static constexpr Shape shapes[] = {{"Append", 1, 1}, {"Insert", 2, 2},  {"Remove", 1, 1}, {"Ubound", 0, 0},
-                                       {"Count", 0, 0},  {"Sort", 0, 0},    {"Pop", 0, 0},    {"IndexOf", 1, 2},
-                                       {"Shuffle", 0, 0}};
+    static constexpr Shape shapes[] = {{"Append", 1, 1}, {"Insert", 2, 2},  {"Remove", 1, 1},
+                                       {"Ubound", 0, 0}, {"Count", 0, 0},   {"Sort", 0, 0},
+                                       {"Pop", 0, 0},    {"IndexOf", 1, 2}, {"Shuffle", 0, 0}};
     const Shape* shape = nullptr;
     std::vector<std::string> known;
     for (const Shape& s : shapes) {
@@ -311,9 +328,10 @@ Operand Compiler::arrayMember(Operand base, const ast::Expr& e, const std::vecto
     }
     if (!shape) unknown(e.position, "an array has no", e.text, known);
     if (arguments.size() < shape->least || arguments.size() > shape->most)
-        throw SourceError(e.position, std::string(shape->name) + " takes " + std::to_string(shape->least) +
-                                          (shape->most > shape->least ? " or " + std::to_string(shape->most) : "") +
-                                          (shape->most == 1 ? " argument" : " arguments"));
+        throw SourceError(e.position,
+                          std::string(shape->name) + " takes " + std::to_string(shape->least) +
+                              (shape->most > shape->least ? " or " + std::to_string(shape->most) : "") +
+                              (shape->most == 1 ? " argument" : " arguments"));
     Code array = base.code;
     std::string which(shape->name);
     auto argument = [&](std::size_t i, const Type* type) { return valueAs(*arguments[i], type, which).code; };
@@ -438,7 +456,8 @@ Operand Compiler::call(const ast::Expr& e) {
     if (callee.kind == ast::ExprKind::Member) return member(callee, arguments, true);
     if (callee.kind != ast::ExprKind::Name) return index(value(callee), arguments, e.position);
 
-    if (Local* local = findVariable(callee.text)) return index(variable(*local, callee.position), arguments, e.position);
+    if (Local* local = findVariable(callee.text))
+        return index(variable(*local, callee.position), arguments, e.position);
     if (sameName(callee.text, "Array")) return arrayLiteral(e);
     if (sameName(callee.text, "Ubound") && arguments.size() == 1) {
         ast::Expr ubound{ast::ExprKind::Member, callee.position, "Ubound", 0, 0, nullptr, nullptr, {}, {}};
@@ -461,7 +480,8 @@ Operand Compiler::call(const ast::Expr& e) {
     if (!type)
         if (Class* cls = classes().find(callee.text)) type = cls->type;
     if (!type) unknown(callee.position, "there is no", callee.text, namesInScope());
-    if (arguments.size() != 1) throw SourceError(e.position, "expected one value to convert to " + type->name);
+    if (arguments.size() != 1)
+        throw SourceError(e.position, "expected one value to convert to " + type->name);
     return cast(type, *arguments[0]);
 }
 
@@ -505,7 +525,8 @@ Compiler::PreparedArguments Compiler::prepare(const Method& method, const Signat
                                            ObjectRef array(newArray(element));
                                            for (const Code& code : rest) {
                                                Bits bits = code(f);
-                                               arrayInsert(arrayOf(array.handle), arrayOf(array.handle).count, bits);
+                                               arrayInsert(arrayOf(array.handle), arrayOf(array.handle).count,
+                                                           bits);
                                            }
                                            return Bits::of(array.release());
                                        },
@@ -532,7 +553,8 @@ struct Evaluated {
     Bits bits[kMostArguments];
     std::size_t count = 0;
 
-    Evaluated(const std::vector<const Type*>& types, const std::vector<Code>& codes, Frame& frame) : types(types) {
+    Evaluated(const std::vector<const Type*>& types, const std::vector<Code>& codes, Frame& frame)
+        : types(types) {
         try {
             for (; count < codes.size(); ++count) bits[count] = codes[count](frame);
         } catch (...) {
@@ -603,7 +625,8 @@ Operand Compiler::emitCall(const Method& method, std::optional<Operand> self, Pr
 
 Operand Compiler::create(const ast::Expr& e) {
     const Type* type = resolveType(e.type);
-    if (type->kind != Kind::Object) throw SourceError(e.type.position, "expected a class after 'New', found " + type->name);
+    if (type->kind != Kind::Object)
+        throw SourceError(e.type.position, "expected a class after 'New', found " + type->name);
     Class* cls = type->cls;
     std::vector<const Method*> constructors = cls->constructors();
     auto made = [cls](Frame&) { return Bits::of(newInstance(*cls)); };
@@ -611,16 +634,19 @@ Operand Compiler::create(const ast::Expr& e) {
     for (const Method* m : constructors)
         if (m->signature.requiredCount() == 0) needsNone = false;
     if (e.arguments.empty() && needsNone) return {type, made, e.position};
-    if (constructors.empty()) throw SourceError(e.position, cls->name + " has no Constructor, so New takes no arguments");
+    if (constructors.empty())
+        throw SourceError(e.position, cls->name + " has no Constructor, so New takes no arguments");
 
     // The new object waits in a slot while its Constructor runs.
     int slot = newSlot();
-    Operand waiting{type, [slot](Frame& f) { return Bits::of(Heap::retain(f.slots[slot].object)); }, e.position};
+    Operand waiting{type, [slot](Frame& f) { return Bits::of(Heap::retain(f.slots[slot].object)); },
+                    e.position};
     Operand construct =
         invokeMethod(constructors, waiting, pointers(e.arguments), "New " + cls->name, e.position, false);
     return {type,
             [cls, slot, code = construct.code](Frame& f) {
-                ObjectRef outer(std::exchange(f.slots[slot].object, newInstance(*cls))); // nested in its own arguments
+                ObjectRef outer(
+                    std::exchange(f.slots[slot].object, newInstance(*cls))); // nested in its own arguments
                 try {
                     code(f);
                 } catch (...) {
@@ -678,7 +704,8 @@ Place Compiler::place(const ast::Expr& e) {
         }
         if (hasSelf_) {
             if (const Field* f = findField(owner_, e.text)) return fieldPlace(selfOperand(e.position), *f);
-            if (const Property* p = owner_->property(e.text)) return propertyPlace(selfOperand(e.position), *p);
+            if (const Property* p = owner_->property(e.text))
+                return propertyPlace(selfOperand(e.position), *p);
         }
         break;
     case ast::ExprKind::Member: {
@@ -705,7 +732,8 @@ Place Compiler::place(const ast::Expr& e) {
         };
         return result;
     }
-    default: break;
+    default:
+        break;
     }
     throw SourceError(e.position, "expected a variable, a property or an element of an array");
 }
@@ -728,8 +756,8 @@ Action Compiler::assign(const ast::Expr& target, const ast::Expr& valueSource) {
         }
         bool isField = hasSelf_ && (findField(owner_, callee.text) || owner_->property(callee.text));
         if (!isField && takesValue(candidates))
-            return assignThroughMethod(candidates, std::move(self), arguments, value(valueSource), callee.text,
-                                       callee.position);
+            return assignThroughMethod(candidates, std::move(self), arguments, value(valueSource),
+                                       callee.text, callee.position);
         if (!isField && candidates.empty() && !classes().find(callee.text))
             unknown(callee.position, "there is no", callee.text, namesInScope());
     }
@@ -740,11 +768,13 @@ Action Compiler::assign(const ast::Expr& target, const ast::Expr& valueSource) {
             std::vector<const Method*> candidates = cls->methodsNamed(callee.text);
             bool isField = findField(cls, callee.text) || cls->property(callee.text);
             if (!isField && takesValue(candidates))
-                return assignThroughMethod(candidates, std::move(base), arguments, value(valueSource), callee.text,
-                                           callee.position);
-            if (!isField && !candidates.empty() && !(candidates[0]->signature.result && candidates[0]->signature.result->kind == Kind::Array))
+                return assignThroughMethod(candidates, std::move(base), arguments, value(valueSource),
+                                           callee.text, callee.position);
+            if (!isField && !candidates.empty() &&
+                !(candidates[0]->signature.result && candidates[0]->signature.result->kind == Kind::Array))
                 throw SourceError(callee.position, cls->name + "." + callee.text + " cannot be assigned to");
-            if (!isField && candidates.empty()) unknown(callee.position, cls->name + " has no", callee.text, membersOf(base.type));
+            if (!isField && candidates.empty())
+                unknown(callee.position, cls->name + " has no", callee.text, membersOf(base.type));
         }
     }
     Place to = place(target);
@@ -755,7 +785,8 @@ Action Compiler::assign(const ast::Expr& target, const ast::Expr& valueSource) {
     };
 }
 
-Action Compiler::assignThroughMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
+Action Compiler::assignThroughMethod(const std::vector<const Method*>& candidates,
+                                     std::optional<Operand> self,
                                      const std::vector<const ast::Expr*>& arguments, Operand value,
                                      std::string_view name, Position position) {
     std::vector<Operand> given;

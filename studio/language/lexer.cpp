@@ -9,10 +9,14 @@ namespace studio {
 
 std::string Token::describe() const {
     switch (kind) {
-    case TokenKind::EndOfLine: return "the end of the line";
-    case TokenKind::End: return "the end of the file";
-    case TokenKind::String: return "\"" + text + "\"";
-    default: return "'" + text + "'";
+    case TokenKind::EndOfLine:
+        return "the end of the line";
+    case TokenKind::End:
+        return "the end of the file";
+    case TokenKind::String:
+        return "\"" + text + "\"";
+    default:
+        return "'" + text + "'";
     }
 }
 
@@ -44,7 +48,8 @@ class Lexer {
         token.text = std::move(text);
         token.position = start_;
         token.spaceBefore = space_;
-        token.dotBefore = !tokens_.empty() && tokens_.back().kind == TokenKind::Symbol && tokens_.back().text == ".";
+        token.dotBefore =
+            !tokens_.empty() && tokens_.back().kind == TokenKind::Symbol && tokens_.back().text == ".";
         tokens_.push_back(std::move(token));
         return tokens_.back();
     }
@@ -57,7 +62,8 @@ class Lexer {
     // An underscore at the end of a line joins the next line to it.
     bool skipContinuation() {
         std::size_t look = index_ + 1;
-        while (look < source_.size() && (source_[look] == ' ' || source_[look] == '\t' || source_[look] == '\r'))
+        while (look < source_.size() &&
+               (source_[look] == ' ' || source_[look] == '\t' || source_[look] == '\r'))
             ++look;
         if (look < source_.size() && source_[look] != '\n' && source_[look] != '\'') return false;
         while (look < source_.size() && source_[look] != '\n') ++look;
@@ -94,7 +100,8 @@ class Lexer {
         char c = at();
         if (c == '\n') {
             ++index_;
-            if (!tokens_.empty() && tokens_.back().kind != TokenKind::EndOfLine) add(TokenKind::EndOfLine, "");
+            if (!tokens_.empty() && tokens_.back().kind != TokenKind::EndOfLine)
+                add(TokenKind::EndOfLine, "");
             newLine();
         } else if (startsName(c)) {
             std::size_t begin = index_;
@@ -132,7 +139,8 @@ class Lexer {
             token.real = std::strtod(text.c_str(), nullptr);
         else
             token.number = std::strtoll(text.c_str(), nullptr, 10);
-        if (startsName(at())) throw SourceError(here(), "expected an operator or the end of the number " + text);
+        if (startsName(at()))
+            throw SourceError(here(), "expected an operator or the end of the number " + text);
     }
 
     void string() {

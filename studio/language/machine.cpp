@@ -42,7 +42,8 @@ void Program::begin(const std::vector<std::string>& arguments) {
     Global& args = globals.front(); // declared by the compiler
     args.bits = Bits::of(newArray(simpleType(Kind::String)));
     for (const std::string& argument : arguments)
-        arrayInsert(arrayOf(args.bits.object), arrayOf(args.bits.object).count, Bits::of(makeString(argument)));
+        arrayInsert(arrayOf(args.bits.object), arrayOf(args.bits.object).count,
+                    Bits::of(makeString(argument)));
     run(main);
 }
 
@@ -59,7 +60,8 @@ std::vector<const Routine*> Program::tests() const {
     std::vector<const Routine*> result;
     for (const Routine& routine : routines)
         if (!routine.owner && routine.parameters.empty() && !routine.method->signature.result &&
-            routine.method->signature.name.size() > 4 && sameName(routine.method->signature.name.substr(0, 4), "Test"))
+            routine.method->signature.name.size() > 4 &&
+            sameName(routine.method->signature.name.substr(0, 4), "Test"))
             result.push_back(&routine);
     return result;
 }
@@ -68,7 +70,8 @@ Bits Program::call(const Routine& routine, REALobject self, Bits* arguments) {
     std::size_t count = std::size_t(routine.slotCount);
     std::size_t given = routine.parameters.size();
     if (top_ + count > stack_.size() || nativeStackIsUsedUp()) {
-        for (std::size_t i = 0; i < given; ++i) release(routine.parameters[i], std::exchange(arguments[i], Bits()));
+        for (std::size_t i = 0; i < given; ++i)
+            release(routine.parameters[i], std::exchange(arguments[i], Bits()));
         raise("StackOverflowException", "the calls are nested too deeply");
     }
     struct Call {
@@ -126,7 +129,8 @@ void Program::noteRaised(REALobject exception) {
     };
     add(line);
     constexpr std::size_t kMostPlaces = 20;
-    for (auto caller = callLines_.rbegin(); caller != callLines_.rend() && places.size() < kMostPlaces; ++caller)
+    for (auto caller = callLines_.rbegin(); caller != callLines_.rend() && places.size() < kMostPlaces;
+         ++caller)
         add(*caller);
 }
 

@@ -64,7 +64,6 @@ class Program {
     int line = 0; // of the statement that runs
 
   private:
-    friend class Attached;
     void noteRaised(REALobject exception);
 
     std::vector<Bits> stack_ = std::vector<Bits>(1 << 18);

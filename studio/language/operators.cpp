@@ -33,10 +33,14 @@ Code combineCounted(const Operand& a, const Operand& b, F f) {
 
 template <class T>
 T get(Bits b) {
-    if constexpr (std::is_same_v<T, std::int32_t>) return b.i32;
-    else if constexpr (std::is_same_v<T, std::int64_t>) return b.i64;
-    else if constexpr (std::is_same_v<T, float>) return b.f32;
-    else return b.f64;
+    if constexpr (std::is_same_v<T, std::int32_t>)
+        return b.i32;
+    else if constexpr (std::is_same_v<T, std::int64_t>)
+        return b.i64;
+    else if constexpr (std::is_same_v<T, float>)
+        return b.f32;
+    else
+        return b.f64;
 }
 
 [[noreturn]] void divisionByZero() { raise("UnsupportedOperationException", "division by zero"); }
@@ -98,7 +102,9 @@ int order(T x, T y) {
     return x < y ? -1 : x > y ? 1 : x == y ? 0 : 2;
 }
 
-bool isWide(const Type* t) { return t->kind == Kind::Int64 || t->kind == Kind::UInt64 || t->kind == Kind::UInt32; }
+bool isWide(const Type* t) {
+    return t->kind == Kind::Int64 || t->kind == Kind::UInt64 || t->kind == Kind::UInt32;
+}
 
 // The type in which two numbers are combined.
 const Type* common(const Type* a, const Type* b) {
@@ -117,7 +123,8 @@ const Type* common(const Type* a, const Type* b) {
 
 Operand Compiler::unary(const ast::Expr& e) {
     Operand a = value(*e.a);
-    if (a.type->kind == Kind::Variant && e.text != "not") a = coerce(std::move(a), simpleType(Kind::Double), "");
+    if (a.type->kind == Kind::Variant && e.text != "not")
+        a = coerce(std::move(a), simpleType(Kind::Double), "");
     if (e.text == "not") {
         if (a.type->kind == Kind::Variant) a = coerce(std::move(a), simpleType(Kind::Boolean), "");
         if (a.type->kind == Kind::Boolean)
@@ -175,15 +182,19 @@ Operand Compiler::arithmetic(const std::string& op, Operand a, Operand b, Positi
                 position};
     }
     for (Operand* operand : {&a, &b})
-        if (operand->type->kind == Kind::Variant) *operand = coerce(std::move(*operand), simpleType(Kind::Double), "");
+        if (operand->type->kind == Kind::Variant)
+            *operand = coerce(std::move(*operand), simpleType(Kind::Double), "");
     if (!a.type->isNumber() || !b.type->isNumber()) noOperator(op, a.type, b.type, position);
     const Type* real = simpleType(Kind::Double);
     if (op == "/" || op == "^") {
-        const Type* type = op == "/" && a.type->kind == Kind::Single && b.type->kind == Kind::Single ? a.type : real;
+        const Type* type =
+            op == "/" && a.type->kind == Kind::Single && b.type->kind == Kind::Single ? a.type : real;
         a = coerce(std::move(a), type, "");
         b = coerce(std::move(b), type, "");
-        if (op == "^") return {real, typed<double>(a, b, [](double x, double y) { return std::pow(x, y); }), position};
-        if (type == real) return {real, typed<double>(a, b, [](double x, double y) { return x / y; }), position};
+        if (op == "^")
+            return {real, typed<double>(a, b, [](double x, double y) { return std::pow(x, y); }), position};
+        if (type == real)
+            return {real, typed<double>(a, b, [](double x, double y) { return x / y; }), position};
         return {type, typed<float>(a, b, [](float x, float y) { return x / y; }), position};
     }
     const Type* type = common(a.type, b.type);
@@ -194,7 +205,8 @@ Operand Compiler::arithmetic(const std::string& op, Operand a, Operand b, Positi
     b = coerce(std::move(b), type, "");
     Code code;
     if (op == "\\" || op == "mod")
-        code = type->kind == Kind::Int64 ? divisionCode<std::int64_t>(op, a, b) : divisionCode<std::int32_t>(op, a, b);
+        code = type->kind == Kind::Int64 ? divisionCode<std::int64_t>(op, a, b)
+                                         : divisionCode<std::int32_t>(op, a, b);
     else if (type->kind == Kind::Int64)
         code = arithmeticCode<std::int64_t>(op, a, b);
     else if (type->kind == Kind::Int32)
@@ -216,7 +228,8 @@ Operand Compiler::comparison(const std::string& given, Operand a, Operand b, Pos
     bool variant = s->kind == Kind::Variant || t->kind == Kind::Variant;
     if (given == "is" && (!isObject(s) || !isObject(t))) noOperator("Is", s, t, position);
 
-    if (isObject(s) && isObject(t) && (!variant || given == "is" || s->kind == Kind::Nil || t->kind == Kind::Nil)) {
+    if (isObject(s) && isObject(t) &&
+        (!variant || given == "is" || s->kind == Kind::Nil || t->kind == Kind::Nil)) {
         if (!equality) noOperator(op, s, t, position);
         bool related = conversionCost(s, t) >= 0 || conversionCost(t, s) >= 0 || s->kind == t->kind;
         if (!related) noOperator(op, s, t, position);
@@ -284,7 +297,8 @@ Operand Compiler::logical(const std::string& op, Operand a, Operand b, Position 
     a = coerce(std::move(a), type, "");
     b = coerce(std::move(b), type, "");
     return {type,
-            type->kind == Kind::Int64 ? bitwiseCode<std::int64_t>(op, a, b) : bitwiseCode<std::int32_t>(op, a, b),
+            type->kind == Kind::Int64 ? bitwiseCode<std::int64_t>(op, a, b)
+                                      : bitwiseCode<std::int32_t>(op, a, b),
             position};
 }
 

@@ -13,10 +13,11 @@ namespace {
 
 // Words that cannot name a variable.
 constexpr std::string_view kReserved[] = {
-    "and",  "as",   "byref",  "byval", "case", "catch", "const", "continue", "dim",   "do",       "downto", "each",
-    "else", "elseif", "end",  "exit",  "false", "finally", "for", "function", "if",   "is",       "isa",    "loop",
-    "mod",  "new",  "next",   "nil",   "not",  "or",    "raise", "redim",    "return", "select",  "static", "step",
-    "sub",  "then", "to",     "true",  "try",  "until", "wend",  "while",    "xor",   "addressof", "class",  "module"};
+    "and",    "as",    "byref",  "byval",  "case",   "catch",     "const", "continue", "dim", "do",
+    "downto", "each",  "else",   "elseif", "end",    "exit",      "false", "finally",  "for", "function",
+    "if",     "is",    "isa",    "loop",   "mod",    "new",       "next",  "nil",      "not", "or",
+    "raise",  "redim", "return", "select", "static", "step",      "sub",   "then",     "to",  "true",
+    "try",    "until", "wend",   "while",  "xor",    "addressof", "class", "module"};
 
 bool isReserved(std::string_view name) {
     for (std::string_view word : kReserved)
@@ -70,7 +71,8 @@ class Parser {
     bool atEnd() const { return peek().kind == TokenKind::End; }
     bool atEndOfLine() const { return atEnd() || peek().kind == TokenKind::EndOfLine; }
     bool atWord(std::string_view word, std::size_t ahead = 0) const {
-        return peek(ahead).kind == TokenKind::Name && !peek(ahead).dotBefore && sameName(peek(ahead).text, word);
+        return peek(ahead).kind == TokenKind::Name && !peek(ahead).dotBefore &&
+               sameName(peek(ahead).text, word);
     }
     bool atSymbol(std::string_view symbol, std::size_t ahead = 0) const {
         return peek(ahead).kind == TokenKind::Symbol && peek(ahead).text == symbol;
@@ -108,7 +110,8 @@ class Parser {
     }
     std::string expectNewName(const std::string& what) {
         if (peek().kind == TokenKind::Name && isReserved(peek().text))
-            throw SourceError(here(), "expected " + what + ", but '" + peek().text + "' is a word of the language");
+            throw SourceError(here(),
+                              "expected " + what + ", but '" + peek().text + "' is a word of the language");
         return expectName(what);
     }
     void expectEndOfLine() {
@@ -147,7 +150,8 @@ class Parser {
     Parameter parameter() {
         Parameter result;
         for (bool more = true; more;) {
-            if (atWord("as", 1) || (atSymbol("(", 1) && atSymbol(")", 2))) break; // the word is the name itself
+            if (atWord("as", 1) || (atSymbol("(", 1) && atSymbol(")", 2)))
+                break; // the word is the name itself
             if (acceptWord("byref"))
                 result.byRef = true;
             else if (acceptWord("byval")) {
@@ -298,7 +302,8 @@ class Parser {
     }
 
     bool atBlockEnd() const {
-        for (std::string_view word : {"end", "else", "elseif", "case", "next", "wend", "loop", "catch", "finally"})
+        for (std::string_view word :
+             {"end", "else", "elseif", "case", "next", "wend", "loop", "catch", "finally"})
             if (atWord(word)) return true;
         return atEnd();
     }
@@ -372,7 +377,8 @@ class Parser {
             take();
             result->target = postfix();
             if (result->target->kind != ExprKind::Call || result->target->arguments.size() != 1)
-                throw SourceError(result->position, "expected an array and its new upper bound: Redim values(3)");
+                throw SourceError(result->position,
+                                  "expected an array and its new upper bound: Redim values(3)");
             return result;
         }
         if (atWord("addhandler")) {
@@ -380,7 +386,8 @@ class Parser {
             take();
             result->target = postfix();
             if (result->target->kind != ExprKind::Member)
-                throw SourceError(result->position, "expected an event: AddHandler timer.Action, AddressOf Tick");
+                throw SourceError(result->position,
+                                  "expected an event: AddHandler timer.Action, AddressOf Tick");
             expectSymbol(",");
             result->value = expression();
             return result;
@@ -480,7 +487,8 @@ class Parser {
         if (!atWord("next")) fail("'Next' for the 'For' in line " + std::to_string(opened.line));
         take();
         if (peek().kind == TokenKind::Name) {
-            if (!sameName(peek().text, result->variables[0].name)) fail("'" + result->variables[0].name + "'");
+            if (!sameName(peek().text, result->variables[0].name))
+                fail("'" + result->variables[0].name + "'");
             take();
         }
         expectEndOfLine();
@@ -664,7 +672,8 @@ class Parser {
     }
     ExprPtr binaryWords(std::array<std::string_view, 2> words, ExprPtr (Parser::*operand)()) {
         ExprPtr left = (this->*operand)();
-        while (atWord(words[0]) || (!words[1].empty() && atWord(words[1]))) left = binary(std::move(left), operand);
+        while (atWord(words[0]) || (!words[1].empty() && atWord(words[1])))
+            left = binary(std::move(left), operand);
         return left;
     }
 
@@ -704,7 +713,8 @@ class Parser {
         switch (token.kind) {
         case TokenKind::Integer:
         case TokenKind::Color: {
-            auto result = make(token.kind == TokenKind::Color ? ExprKind::Color : ExprKind::Integer, position);
+            auto result =
+                make(token.kind == TokenKind::Color ? ExprKind::Color : ExprKind::Integer, position);
             result->number = take().number;
             return result;
         }
@@ -725,8 +735,10 @@ class Parser {
                 return result;
             }
             fail("a value");
-        case TokenKind::Name: break;
-        default: fail("a value");
+        case TokenKind::Name:
+            break;
+        default:
+            fail("a value");
         }
         if (acceptWord("true")) return make(ExprKind::True, position);
         if (acceptWord("false")) return make(ExprKind::False, position);
@@ -739,7 +751,8 @@ class Parser {
         if (acceptWord("new")) {
             auto result = make(ExprKind::New, position);
             result->type = typeName();
-            if (result->type.array) throw SourceError(position, "an array is not made with New; use Dim or Array(...)");
+            if (result->type.array)
+                throw SourceError(position, "an array is not made with New; use Dim or Array(...)");
             if (atSymbol("(")) result->arguments = argumentList();
             return result;
         }

@@ -14,8 +14,8 @@ std::unique_ptr<Program> compiled(const std::string& fileName, std::string_view 
         return compileProgram(fileName, source);
     } catch (const SourceErrors& mistakes) {
         for (const SourceError& error : mistakes.errors)
-            std::fprintf(stderr, "%s:%d:%d: error: %s\n", fileName.c_str(), error.position.line, error.position.column,
-                         error.what());
+            std::fprintf(stderr, "%s:%d:%d: error: %s\n", fileName.c_str(), error.position.line,
+                         error.position.column, error.what());
         return nullptr;
     }
 }
@@ -63,7 +63,8 @@ std::string nativeGrowth(const Report& before, const Report& after) {
 
 } // namespace
 
-int runProgram(const std::string& fileName, std::string_view source, const std::vector<std::string>& arguments) {
+int runProgram(const std::string& fileName, std::string_view source,
+               const std::vector<std::string>& arguments) {
     std::unique_ptr<Program> program = compiled(fileName, source);
     if (!program) return kMistake;
     int code = kFine;
@@ -112,7 +113,8 @@ int runTests(const std::string& fileName, std::string_view source, const std::st
         } else if (outcome.quit) {
             std::printf("FAIL %s: %s: the test quit\n", name.c_str(), fileName.c_str());
         } else if (!report.empty()) {
-            std::printf("FAIL %s: %s: not everything was given back\n%s", name.c_str(), fileName.c_str(), report.c_str());
+            std::printf("FAIL %s: %s: not everything was given back\n%s", name.c_str(), fileName.c_str(),
+                        report.c_str());
         } else {
             std::printf("ok   %s\n", name.c_str());
             ++passed;

@@ -60,13 +60,16 @@ Action Compiler::block(const ast::Block& statements) {
 Action Compiler::statement(const ast::Statement& s) {
     using ast::StatementKind;
     switch (s.kind) {
-    case StatementKind::Dim: return dim(s);
+    case StatementKind::Dim:
+        return dim(s);
     case StatementKind::Const: {
         Local constant = constantOf(s.variables[0]);
-        if (scopes_.size() > 1 || routine_ != &program_.main) declareLocal(s.variables[0].name, s.position, constant.type) = constant;
+        if (scopes_.size() > 1 || routine_ != &program_.main)
+            declareLocal(s.variables[0].name, s.position, constant.type) = constant;
         return nullptr;
     }
-    case StatementKind::Assign: return assign(*s.target, *s.value);
+    case StatementKind::Assign:
+        return assign(*s.target, *s.value);
     case StatementKind::Call: {
         if (s.value->kind != ast::ExprKind::Call && s.value->kind != ast::ExprKind::Member &&
             s.value->kind != ast::ExprKind::Name)
@@ -80,21 +83,30 @@ Action Compiler::statement(const ast::Statement& s) {
             return Flow::Next;
         };
     }
-    case StatementKind::If: return ifStatement(s);
-    case StatementKind::For: return forStatement(s);
-    case StatementKind::ForEach: return forEachStatement(s);
+    case StatementKind::If:
+        return ifStatement(s);
+    case StatementKind::For:
+        return forStatement(s);
+    case StatementKind::ForEach:
+        return forEachStatement(s);
     case StatementKind::While:
-    case StatementKind::Do: return whileStatement(s);
-    case StatementKind::Select: return selectStatement(s);
+    case StatementKind::Do:
+        return whileStatement(s);
+    case StatementKind::Select:
+        return selectStatement(s);
     case StatementKind::Exit:
-    case StatementKind::Continue: return jump(s);
-    case StatementKind::Return: return returnStatement(s);
-    case StatementKind::Try: return tryStatement(s);
+    case StatementKind::Continue:
+        return jump(s);
+    case StatementKind::Return:
+        return returnStatement(s);
+    case StatementKind::Try:
+        return tryStatement(s);
     case StatementKind::Raise: {
         Operand operand = value(*s.value);
         Class* exception = classes().named("RuntimeException");
         if (operand.type->kind != Kind::Object || !operand.type->cls->isA(exception))
-            throw SourceError(s.value->position, "expected an exception after 'Raise', found " + operand.type->name);
+            throw SourceError(s.value->position,
+                              "expected an exception after 'Raise', found " + operand.type->name);
         return [code = operand.code](Frame& f) -> Flow {
             REALobject object = code(f).object;
             if (!object) raise("NilObjectException", "the exception to raise is nil");
@@ -115,7 +127,8 @@ Action Compiler::statement(const ast::Statement& s) {
             return Flow::Next;
         };
     }
-    case StatementKind::AddHandler: return addHandler(s);
+    case StatementKind::AddHandler:
+        return addHandler(s);
     }
     return nullptr;
 }
@@ -234,7 +247,8 @@ Action Compiler::selectStatement(const ast::Statement& s) {
             for (const ast::CaseTest& test : b.tests) {
                 auto compared = [&](const std::string& op, const ast::Expr& e) {
                     Operand other = value(e);
-                    return comparison(op, variable(held, s.value->position), std::move(other), e.position).code;
+                    return comparison(op, variable(held, s.value->position), std::move(other), e.position)
+                        .code;
                 };
                 if (test.comparison == "to") {
                     Code low = compared(">=", *test.value), high = compared("<=", *test.upper);
@@ -274,15 +288,19 @@ bool leaves(Flow& flow, const Frame& frame, int id) {
 
 template <class T>
 T& as(Bits& bits) {
-    if constexpr (std::is_same_v<T, std::int32_t>) return bits.i32;
-    else if constexpr (std::is_same_v<T, std::int64_t>) return bits.i64;
-    else if constexpr (std::is_same_v<T, float>) return bits.f32;
-    else return bits.f64;
+    if constexpr (std::is_same_v<T, std::int32_t>)
+        return bits.i32;
+    else if constexpr (std::is_same_v<T, std::int64_t>)
+        return bits.i64;
+    else if constexpr (std::is_same_v<T, float>)
+        return bits.f32;
+    else
+        return bits.f64;
 }
 
 template <class T>
-Action countingLoop(std::function<Bits*(Frame&)> variable, Code first, Code last, Code step, bool down, Action body,
-                    int id) {
+Action countingLoop(std::function<Bits*(Frame&)> variable, Code first, Code last, Code step, bool down,
+                    Action body, int id) {
     return [=](Frame& f) {
         Bits start = first(f), end = last(f), by = step(f);
         T limit = as<T>(end), increment = as<T>(by);
@@ -319,8 +337,10 @@ Action Compiler::forStatement(const ast::Statement& s) {
             if (!known) unknown(v.position, "there is no", v.name, namesInScope());
             type = known->type;
         }
-        if (!type->isNumber() || elementSize(type) < 4 || type->kind == Kind::UInt32 || type->kind == Kind::UInt64)
-            throw SourceError(v.position, "a loop counts in Integer, Int64, Single or Double, not in " + type->name);
+        if (!type->isNumber() || elementSize(type) < 4 || type->kind == Kind::UInt32 ||
+            type->kind == Kind::UInt64)
+            throw SourceError(v.position,
+                              "a loop counts in Integer, Int64, Single or Double, not in " + type->name);
         Place counter = place(counterName);
         Code first = valueAs(*s.target, type, "the loop").code;
         Code last = valueAs(*s.value, type, "the loop").code;
@@ -333,14 +353,17 @@ Action Compiler::forStatement(const ast::Statement& s) {
         if (by.constant && by.constant->type->isNumber()) {
             double amount = convert(type, simpleType(Kind::Double), by.constant->bits).f64;
             if (amount == 0) throw SourceError(by.position, "a Step of 0 never ends");
-            if (amount < 0 && !down) down = true; // For i = 10 To 1 Step -1
+            if (amount < 0 && !down)
+                down = true; // For i = 10 To 1 Step -1
             else if (down) {
                 Literal negative{simpleType(Kind::Double), Bits::of(-std::abs(amount)), {}};
                 by = coerce(literal(negative, s.position), type, "");
             }
         } else if (down) {
             ast::Expr minus{ast::ExprKind::Integer, s.position, "", 0, 0, nullptr, nullptr, {}, {}};
-            by = coerce(arithmetic("-", literal(classes().literal(minus), s.position), std::move(by), s.position), type, "");
+            by = coerce(
+                arithmetic("-", literal(classes().literal(minus), s.position), std::move(by), s.position),
+                type, "");
         }
         int id = nextLoop_++;
         loops_.push_back({"for", id});
@@ -350,10 +373,14 @@ Action Compiler::forStatement(const ast::Statement& s) {
             return countingLoop<decltype(tag)>(counter.address, first, last, by.code, down, body, id);
         };
         switch (type->kind) {
-        case Kind::Int64: return make(std::int64_t());
-        case Kind::Single: return make(float());
-        case Kind::Double: return make(double());
-        default: return make(std::int32_t());
+        case Kind::Int64:
+            return make(std::int64_t());
+        case Kind::Single:
+            return make(float());
+        case Kind::Double:
+            return make(double());
+        default:
+            return make(std::int32_t());
         }
     });
 }
@@ -366,7 +393,8 @@ Action Compiler::forEachStatement(const ast::Statement& s) {
             throw SourceError(s.value->position, "expected an array after 'In', found " + array.type->name);
         const Type* type = v.type.name.empty() ? array.type->element : resolveType(v.type);
         if (conversionCost(array.type->element, type) < 0)
-            throw SourceError(v.position, "the elements are " + array.type->element->name + ", not " + type->name);
+            throw SourceError(v.position,
+                              "the elements are " + array.type->element->name + ", not " + type->name);
         if (v.type.name.empty() && findVariable(v.name)) {
             type = findVariable(v.name)->type;
         } else {
@@ -380,8 +408,8 @@ Action Compiler::forEachStatement(const ast::Statement& s) {
         loops_.push_back({"for", id});
         Action body = block(s.body);
         loops_.pop_back();
-        return [code = array.code, from = array.type->element, type, store = target.store, slot = held.slot, body, id,
-                arrayType = array.type](Frame& f) {
+        return [code = array.code, from = array.type->element, type, store = target.store, slot = held.slot,
+                body, id, arrayType = array.type](Frame& f) {
             Bits bits = code(f);
             release(arrayType, std::exchange(f.slots[slot], bits));
             if (!bits.object) raise("NilObjectException", "this array is nil");
@@ -431,7 +459,8 @@ Action Compiler::jump(const ast::Statement& s) {
     auto loop = std::find_if(loops_.rbegin(), loops_.rend(),
                              [&](const Loop& l) { return s.text.empty() || l.kind == s.text; });
     if (loop == loops_.rend())
-        throw SourceError(s.position, std::string("there is no ") + (s.text.empty() ? "" : "'" + s.text + "' ") + "loop to " +
+        throw SourceError(s.position, std::string("there is no ") +
+                                          (s.text.empty() ? "" : "'" + s.text + "' ") + "loop to " +
                                           (exits ? "leave" : "continue") + " here");
     return [id = loop->id, flow = exits ? Flow::Exit : Flow::Continue](Frame& f) {
         f.target = id;
@@ -468,9 +497,11 @@ Action Compiler::tryStatement(const ast::Statement& s) {
         Handler handler{classes().named("RuntimeException"), -1, nullptr};
         handler.body = scoped([&] {
             if (!b.caught.name.empty()) {
-                const Type* type = b.caught.type.name.empty() ? handler.cls->type : resolveType(b.caught.type);
+                const Type* type =
+                    b.caught.type.name.empty() ? handler.cls->type : resolveType(b.caught.type);
                 if (type->kind != Kind::Object || !type->cls->isA(classes().named("RuntimeException")))
-                    throw SourceError(b.caught.type.position, "expected an exception's class, found " + type->name);
+                    throw SourceError(b.caught.type.position,
+                                      "expected an exception's class, found " + type->name);
                 handler.cls = type->cls;
                 handler.slot = declareLocal(b.caught.name, b.caught.position, type).slot;
             }

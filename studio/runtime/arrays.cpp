@@ -12,13 +12,17 @@ int elementSize(const Type* element) {
     switch (element->kind) {
     case Kind::Boolean:
     case Kind::Int8:
-    case Kind::UInt8: return 1;
+    case Kind::UInt8:
+        return 1;
     case Kind::Int16:
-    case Kind::UInt16: return 2;
+    case Kind::UInt16:
+        return 2;
     case Kind::Int64:
     case Kind::UInt64:
-    case Kind::Double: return 8;
-    default: return 4;
+    case Kind::Double:
+        return 8;
+    default:
+        return 4;
     }
 }
 
@@ -31,11 +35,16 @@ void showStorage(ArrayObject& array) {
 Bits load(const ArrayObject& array, std::int32_t index) {
     const char* at = array.data + index * elementSize(array.element);
     switch (array.element->kind) {
-    case Kind::Boolean: return Bits::of(*at != 0);
-    case Kind::Int8: return Bits::of(std::int32_t(*reinterpret_cast<const std::int8_t*>(at)));
-    case Kind::UInt8: return Bits::of(std::int32_t(*reinterpret_cast<const std::uint8_t*>(at)));
-    case Kind::Int16: return Bits::of(std::int32_t(*reinterpret_cast<const std::int16_t*>(at)));
-    case Kind::UInt16: return Bits::of(std::int32_t(*reinterpret_cast<const std::uint16_t*>(at)));
+    case Kind::Boolean:
+        return Bits::of(*at != 0);
+    case Kind::Int8:
+        return Bits::of(std::int32_t(*reinterpret_cast<const std::int8_t*>(at)));
+    case Kind::UInt8:
+        return Bits::of(std::int32_t(*reinterpret_cast<const std::uint8_t*>(at)));
+    case Kind::Int16:
+        return Bits::of(std::int32_t(*reinterpret_cast<const std::int16_t*>(at)));
+    case Kind::UInt16:
+        return Bits::of(std::int32_t(*reinterpret_cast<const std::uint16_t*>(at)));
     default: {
         Bits bits;
         std::memcpy(&bits, at, std::size_t(elementSize(array.element)));
@@ -61,8 +70,8 @@ void reserve(ArrayObject& array, std::int32_t count) {
 
 void checkBounds(const ArrayObject& array, std::int32_t index) {
     if (index < 0 || index >= array.count)
-        raise("OutOfBoundsException", "index " + std::to_string(index) + " is outside 0 to " +
-                                          std::to_string(array.count - 1));
+        raise("OutOfBoundsException",
+              "index " + std::to_string(index) + " is outside 0 to " + std::to_string(array.count - 1));
 }
 
 void finalizeArray(REALobject object) {
@@ -74,9 +83,7 @@ void finalizeArray(REALobject object) {
 
 } // namespace
 
-bool isArray(REALobject object) {
-    return object && classOf(object).arrayElement;
-}
+bool isArray(REALobject object) { return object && classOf(object).arrayElement; }
 
 REALobject newArray(const Type* element, std::int32_t count) {
     Class& cls = *classes().arrayOf(element)->cls;
@@ -103,12 +110,13 @@ void arraySet(ArrayObject& array, std::int32_t index, Bits value) {
 void arrayInsert(ArrayObject& array, std::int32_t index, Bits value) {
     if (index < 0 || index > array.count) {
         release(array.element, value);
-        raise("OutOfBoundsException", "index " + std::to_string(index) + " is outside 0 to " +
-                                          std::to_string(array.count));
+        raise("OutOfBoundsException",
+              "index " + std::to_string(index) + " is outside 0 to " + std::to_string(array.count));
     }
     reserve(array, array.count + 1);
     int size = elementSize(array.element);
-    std::memmove(array.data + (index + 1) * size, array.data + index * size, std::size_t((array.count - index) * size));
+    std::memmove(array.data + (index + 1) * size, array.data + index * size,
+                 std::size_t((array.count - index) * size));
     ++array.count;
     store(array, index, value);
     showStorage(array);
@@ -138,13 +146,19 @@ void arrayResize(ArrayObject& array, std::int32_t count) {
 int compareValues(const Type* type, Bits a, Bits b) {
     auto order = [](auto x, auto y) { return x < y ? -1 : x > y ? 1 : 0; };
     switch (type->kind) {
-    case Kind::Boolean: return order(a.boolean, b.boolean);
+    case Kind::Boolean:
+        return order(a.boolean, b.boolean);
     case Kind::UInt32:
-    case Kind::Color: return order(a.u32, b.u32);
-    case Kind::Int64: return order(a.i64, b.i64);
-    case Kind::UInt64: return order(a.u64, b.u64);
-    case Kind::Single: return order(a.f32, b.f32);
-    case Kind::Double: return order(a.f64, b.f64);
+    case Kind::Color:
+        return order(a.u32, b.u32);
+    case Kind::Int64:
+        return order(a.i64, b.i64);
+    case Kind::UInt64:
+        return order(a.u64, b.u64);
+    case Kind::Single:
+        return order(a.f32, b.f32);
+    case Kind::Double:
+        return order(a.f64, b.f64);
     case Kind::String:
         // Plain bytes of one encoding need no conversion.
         if (encodingOf(a.string) == kREALTextEncodingUTF8 && encodingOf(b.string) == kREALTextEncodingUTF8)
@@ -152,8 +166,10 @@ int compareValues(const Type* type, Bits a, Bits b) {
         return text::compare(toUtf8(a.string), toUtf8(b.string));
     case Kind::Variant:
     case Kind::Object:
-    case Kind::Array: return order(a.object, b.object);
-    default: return order(a.i32, b.i32);
+    case Kind::Array:
+        return order(a.object, b.object);
+    default:
+        return order(a.i32, b.i32);
     }
 }
 

@@ -15,20 +15,32 @@ namespace {
 ffi_type* ffiType(const Type* type) {
     if (!type) return &ffi_type_void;
     switch (type->kind) {
-    case Kind::Void: return &ffi_type_void;
+    case Kind::Void:
+        return &ffi_type_void;
     case Kind::Boolean:
-    case Kind::UInt8: return &ffi_type_uint8;
-    case Kind::Int8: return &ffi_type_sint8;
-    case Kind::Int16: return &ffi_type_sint16;
-    case Kind::UInt16: return &ffi_type_uint16;
-    case Kind::Int32: return &ffi_type_sint32;
+    case Kind::UInt8:
+        return &ffi_type_uint8;
+    case Kind::Int8:
+        return &ffi_type_sint8;
+    case Kind::Int16:
+        return &ffi_type_sint16;
+    case Kind::UInt16:
+        return &ffi_type_uint16;
+    case Kind::Int32:
+        return &ffi_type_sint32;
     case Kind::UInt32:
-    case Kind::Color: return &ffi_type_uint32;
-    case Kind::Int64: return &ffi_type_sint64;
-    case Kind::UInt64: return &ffi_type_uint64;
-    case Kind::Single: return &ffi_type_float;
-    case Kind::Double: return &ffi_type_double;
-    default: return &ffi_type_pointer;
+    case Kind::Color:
+        return &ffi_type_uint32;
+    case Kind::Int64:
+        return &ffi_type_sint64;
+    case Kind::UInt64:
+        return &ffi_type_uint64;
+    case Kind::Single:
+        return &ffi_type_float;
+    case Kind::Double:
+        return &ffi_type_double;
+    default:
+        return &ffi_type_pointer;
     }
 }
 
@@ -39,15 +51,24 @@ Bits resultBits(const Type* type, const void* memory) {
     ffi_arg word;
     std::memcpy(&word, memory, sizeof word);
     switch (type->kind) {
-    case Kind::Boolean: return Bits::of((word & 0xFF) != 0);
-    case Kind::UInt8: return Bits::of(std::int32_t(std::uint8_t(word)));
-    case Kind::Int8: return Bits::of(std::int32_t(std::int8_t(word)));
-    case Kind::UInt16: return Bits::of(std::int32_t(std::uint16_t(word)));
-    case Kind::Int16: return Bits::of(std::int32_t(std::int16_t(word)));
+    case Kind::Boolean:
+        return Bits::of((word & 0xFF) != 0);
+    case Kind::UInt8:
+        return Bits::of(std::int32_t(std::uint8_t(word)));
+    case Kind::Int8:
+        return Bits::of(std::int32_t(std::int8_t(word)));
+    case Kind::UInt16:
+        return Bits::of(std::int32_t(std::uint16_t(word)));
+    case Kind::Int16:
+        return Bits::of(std::int32_t(std::int16_t(word)));
     case Kind::Int64:
     case Kind::UInt64:
-    case Kind::Double: std::memcpy(&bits, memory, 8); return bits;
-    default: std::memcpy(&bits, memory, 4); return bits;
+    case Kind::Double:
+        std::memcpy(&bits, memory, 8);
+        return bits;
+    default:
+        std::memcpy(&bits, memory, 4);
+        return bits;
     }
 }
 
@@ -89,7 +110,9 @@ std::shared_ptr<CallPlan> makePlan(const Signature& signature, bool hasSelf, std
 
 const CallPlan& planOf(const Method& method, bool setter) {
     auto& plan = setter ? method.setterPlan : method.plan;
-    if (!plan) plan = makePlan(setter ? method.setterSignature() : method.signature, !method.shared, method.fullName());
+    if (!plan)
+        plan =
+            makePlan(setter ? method.setterSignature() : method.signature, !method.shared, method.fullName());
     return *plan;
 }
 
@@ -125,7 +148,8 @@ Bits takeOverResult(const Type* type, Bits bits) {
     return bits;
 }
 
-Bits callByOrigin(const CallPlan& plan, void* function, Origin origin, REALobject self, const Bits* arguments) {
+Bits callByOrigin(const CallPlan& plan, void* function, Origin origin, REALobject self,
+                  const Bits* arguments) {
     if (origin != Origin::Plugin) return callFunction(plan, function, self, arguments);
     Bits result;
     {
@@ -142,7 +166,8 @@ Bits callByOrigin(const CallPlan& plan, void* function, Origin origin, REALobjec
 } // namespace
 
 Bits invoke(const Method& method, REALobject self, const Bits* arguments) {
-    if (method.routine) return runtime().runRoutine(method, self, arguments);
+    if (method.routine) // gone with its program when an object outlives that
+        return runtime().runRoutine ? runtime().runRoutine(method, self, arguments) : Bits();
     return callByOrigin(planOf(method, false), method.function, method.origin, self, arguments);
 }
 
@@ -186,15 +211,22 @@ const CallPlan& accessorPlan(const Property& property, bool setter) {
 
 Bits readProperty(const Property& property, REALobject self) {
     if (property.standardGetter()) {
-        const void* field = &dataAt<char>(self, property.owner->dataOffset + std::int32_t(property.parameter));
+        const void* field =
+            &dataAt<char>(self, property.owner->dataOffset + std::int32_t(property.parameter));
         Bits bits;
         switch (property.type->kind) {
         case Kind::Boolean:
-        case Kind::UInt8: bits = Bits::of(std::int32_t(*static_cast<const std::uint8_t*>(field))); break;
+        case Kind::UInt8:
+            bits = Bits::of(std::int32_t(*static_cast<const std::uint8_t*>(field)));
+            break;
         case Kind::Int64:
         case Kind::UInt64:
-        case Kind::Double: std::memcpy(&bits, field, 8); break;
-        default: std::memcpy(&bits, field, 4); break;
+        case Kind::Double:
+            std::memcpy(&bits, field, 8);
+            break;
+        default:
+            std::memcpy(&bits, field, 4);
+            break;
         }
         if (property.type->isObject() && !heap().check(bits.object, property.name)) bits.object = nullptr;
         return retain(property.type, bits);
@@ -206,8 +238,8 @@ Bits readProperty(const Property& property, REALobject self) {
     Bits result;
     {
         PluginCall call(name);
-        result = takeOverResult(property.type,
-                                callFunction(accessorPlan(property, false), property.getter, self, arguments));
+        result = takeOverResult(
+            property.type, callFunction(accessorPlan(property, false), property.getter, self, arguments));
     }
     if (runtime().pending || runtime().quit) {
         release(property.type, result);
@@ -287,7 +319,8 @@ void* functionForPlugins(const Method& method, bool setter) {
     if (!plan.closure) {
         plan.function = function;
         plan.closure = static_cast<ffi_closure*>(ffi_closure_alloc(sizeof(ffi_closure), &plan.code));
-        if (!plan.closure || ffi_prep_closure_loc(plan.closure, &plan.cif, serveClosure, &plan, plan.code) != FFI_OK)
+        if (!plan.closure ||
+            ffi_prep_closure_loc(plan.closure, &plan.cif, serveClosure, &plan, plan.code) != FFI_OK)
             return nullptr;
     }
     return plan.code;
@@ -339,20 +372,22 @@ Choice chooseOverload(const std::vector<const Method*>& candidates, const std::v
         winners.push_back(m);
     }
     // A program's own function comes before one of the framework that fits as well.
-    if (std::any_of(winners.begin(), winners.end(), [](const Method* m) { return m->origin == Origin::Program; }))
+    if (std::any_of(winners.begin(), winners.end(),
+                    [](const Method* m) { return m->origin == Origin::Program; }))
         std::erase_if(winners, [](const Method* m) { return m->origin != Origin::Program; });
     if (winners.size() == 1) return {winners[0], {}};
     std::string problem;
     if (winners.empty()) {
-        problem = std::string(name) + " does not take " + (arguments.empty() ? "no arguments" : listTypes(arguments)) +
-                  "; expected ";
+        problem = std::string(name) + " does not take " +
+                  (arguments.empty() ? "no arguments" : listTypes(arguments)) + "; expected ";
         winners = candidates;
     } else {
         problem = "this call of " + std::string(name) + " is ambiguous; it may be ";
     }
     for (std::size_t i = 0; i < winners.size(); ++i)
-        problem += (i ? " or " : "") +
-                   (withSetterValue && winners[i]->setter ? winners[i]->setterSignature() : winners[i]->signature).text();
+        problem += (i ? " or " : "") + (withSetterValue && winners[i]->setter ? winners[i]->setterSignature()
+                                                                              : winners[i]->signature)
+                                           .text();
     return {nullptr, problem};
 }
 

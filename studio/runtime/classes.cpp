@@ -27,9 +27,11 @@ std::size_t Signature::requiredCount() const {
 }
 
 bool sameSignature(const Signature& a, const Signature& b) {
-    if (!sameName(a.name, b.name) || a.result != b.result || a.parameters.size() != b.parameters.size()) return false;
+    if (!sameName(a.name, b.name) || a.result != b.result || a.parameters.size() != b.parameters.size())
+        return false;
     for (std::size_t i = 0; i < a.parameters.size(); ++i)
-        if (a.parameters[i].type != b.parameters[i].type || a.parameters[i].assigns != b.parameters[i].assigns ||
+        if (a.parameters[i].type != b.parameters[i].type ||
+            a.parameters[i].assigns != b.parameters[i].assigns ||
             a.parameters[i].byRef != b.parameters[i].byRef)
             return false;
     return true;
@@ -193,7 +195,9 @@ Literal ClassTable::literal(const ast::Expr& e) {
         result.type = simpleType(Kind::Boolean);
         result.bits = Bits::of(e.kind == ExprKind::True);
         return result;
-    case ExprKind::Nil: result.type = simpleType(Kind::Nil); return result;
+    case ExprKind::Nil:
+        result.type = simpleType(Kind::Nil);
+        return result;
     case ExprKind::Unary:
         if (e.text == "-") {
             result = literal(*e.a);
@@ -208,7 +212,8 @@ Literal ClassTable::literal(const ast::Expr& e) {
             return result;
         }
         break;
-    default: break;
+    default:
+        break;
     }
     throw SourceError(e.position, "expected a literal value");
 }

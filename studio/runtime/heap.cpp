@@ -165,7 +165,8 @@ void Heap::pluginUnlock(REALobject object) {
     if (!object || !check(object, "REALUnlockObject")) return;
     ObjectHeader& head = header(object);
     if (head.pluginReferences <= 0) {
-        violation("REALUnlockObject: " + head.cls->name + " given back, but no plugin holds a reference to it");
+        violation("REALUnlockObject: " + head.cls->name +
+                  " given back, but no plugin holds a reference to it");
         return;
     }
     if (--head.pluginReferences + head.hostReferences == 0) destroy(object);
@@ -281,9 +282,9 @@ std::string Report::text() const {
     std::string result;
     for (const std::string& violation : violations) result += "misuse: " + violation + "\n";
     for (const Leak& leak : leaks) {
-        result += "leaked: " + std::to_string(leak.count) + " " + leak.className + " (references: " +
-                  std::to_string(leak.hostReferences) + " host, " + std::to_string(leak.pluginReferences) +
-                  " plugin)\n";
+        result += "leaked: " + std::to_string(leak.count) + " " + leak.className +
+                  " (references: " + std::to_string(leak.hostReferences) + " host, " +
+                  std::to_string(leak.pluginReferences) + " plugin)\n";
     }
     return result;
 }

@@ -31,7 +31,9 @@ static_assert(sizeof(ObjectHeader) == sizeof(REALobjectStruct));
 
 inline ObjectHeader& header(REALobject object) { return *reinterpret_cast<ObjectHeader*>(object); }
 inline Class& classOf(REALobject object) { return *header(object).cls; }
-inline char* instanceData(REALobject object) { return reinterpret_cast<char*>(object) + sizeof(ObjectHeader); }
+inline char* instanceData(REALobject object) {
+    return reinterpret_cast<char*>(object) + sizeof(ObjectHeader);
+}
 template <class T>
 T& dataAt(REALobject object, std::int32_t offset) {
     return *reinterpret_cast<T*>(reinterpret_cast<char*>(object) + offset);

@@ -120,7 +120,8 @@ class Arguments {
             if (i < given.size())
                 add(p.type, convert(given[i].type(), p.type, retain(given[i].type(), given[i].bits())));
             else if (p.defaultValue && p.defaultValue->type->kind == Kind::String)
-                add(p.type, convert(p.defaultValue->type, p.type, Bits::of(makeString(p.defaultValue->text))));
+                add(p.type,
+                    convert(p.defaultValue->type, p.type, Bits::of(makeString(p.defaultValue->text))));
             else if (p.defaultValue)
                 add(p.type, convert(p.defaultValue->type, p.type, p.defaultValue->bits));
             else
@@ -149,7 +150,9 @@ std::vector<const Type*> typesOf(const std::vector<Value>& values) {
 
 bool isDeclaration(std::string_view name) { return name.find_first_of("( ") != std::string_view::npos; }
 
-std::string_view nameOf(std::string_view declaration) { return declaration.substr(0, declaration.find_first_of("( ")); }
+std::string_view nameOf(std::string_view declaration) {
+    return declaration.substr(0, declaration.find_first_of("( "));
+}
 
 const Method& select(const std::vector<const Method*>& candidates, std::string_view name,
                      const std::vector<Value>& arguments, bool setter) {
@@ -183,9 +186,9 @@ Value Host::create(std::string_view className, std::vector<Value> arguments) {
         Class& cls = classNamed(className);
         std::vector<const Method*> constructors = cls.constructors();
         Value object = Value::adopt(newInstance(cls));
-        bool plain = arguments.empty() && std::none_of(constructors.begin(), constructors.end(), [](const Method* m) {
-                         return m->signature.requiredCount() == 0;
-                     });
+        bool plain = arguments.empty() &&
+                     std::none_of(constructors.begin(), constructors.end(),
+                                  [](const Method* m) { return m->signature.requiredCount() == 0; });
         if (plain) return object;
         if (constructors.empty()) throw UsageError(cls.name + " has no Constructor");
         run(select(constructors, "Constructor", arguments, false), object.object(), arguments);
@@ -200,7 +203,8 @@ Value Host::instantiate(std::string_view className) {
 Value Host::call(const Value& object, std::string_view method, std::vector<Value> arguments) {
     return translated([&] {
         REALobject self = requireObject(object);
-        return run(select(classOf(self).methodsNamed(nameOf(method)), method, arguments, false), self, arguments);
+        return run(select(classOf(self).methodsNamed(nameOf(method)), method, arguments, false), self,
+                   arguments);
     });
 }
 
@@ -221,14 +225,15 @@ void Host::assign(const Value& object, std::string_view method, std::vector<Valu
 
 Value Host::shared(std::string_view className, std::string_view method, std::vector<Value> arguments) {
     return translated([&] {
-        return run(select(classNamed(className).sharedMethodsNamed(nameOf(method)), method, arguments, false), nullptr,
-                   arguments);
+        return run(select(classNamed(className).sharedMethodsNamed(nameOf(method)), method, arguments, false),
+                   nullptr, arguments);
     });
 }
 
 Value Host::function(std::string_view name, std::vector<Value> arguments) {
     return translated([&] {
-        return run(select(impl_->classes.functionsNamed(nameOf(name)), name, arguments, false), nullptr, arguments);
+        return run(select(impl_->classes.functionsNamed(nameOf(name)), name, arguments, false), nullptr,
+                   arguments);
     });
 }
 
@@ -253,7 +258,8 @@ void Host::set(const Value& object, std::string_view property, Value value) {
     translated([&] {
         REALobject self = requireObject(object);
         const Property* found = findProperty(self, property);
-        if (!found || !found->setter) throw UsageError("there is no property to set: " + std::string(property));
+        if (!found || !found->setter)
+            throw UsageError("there is no property to set: " + std::string(property));
         Bits bits = convert(value.type(), found->type, retain(value.type(), value.bits()));
         writeProperty(*found, self, bits);
         return 0;
@@ -266,7 +272,8 @@ Value Host::array(std::string_view elementType, std::vector<Value> elements) {
         Value result = Value::adopt(newArray(element));
         ArrayObject& array = arrayOf(result.object());
         for (Value& value : elements)
-            arrayInsert(array, array.count, convert(value.type(), element, retain(value.type(), value.bits())));
+            arrayInsert(array, array.count,
+                        convert(value.type(), element, retain(value.type(), value.bits())));
         return result;
     });
 }

@@ -72,7 +72,8 @@ void readProperties(Class& cls, const void* table, std::int32_t count, bool shar
 template <class Layout>
 void readTables(Class& cls, const REALclassDefinition& record) {
     readProperties<typename Layout::PropertyRecord>(cls, record.properties, record.propertyCount, false);
-    readProperties<typename Layout::PropertyRecord>(cls, record.sharedProperties, record.sharedPropertyCount, true);
+    readProperties<typename Layout::PropertyRecord>(cls, record.sharedProperties, record.sharedPropertyCount,
+                                                    true);
     readMethods<typename Layout::MethodRecord>(cls, record.methods, record.methodCount, false);
     readMethods<typename Layout::MethodRecord>(cls, record.sharedMethods, record.sharedMethodCount, true);
     auto* constants = static_cast<const typename Layout::ConstantRecord*>(record.constants);
@@ -80,7 +81,8 @@ void readTables(Class& cls, const REALclassDefinition& record) {
         guarded(cls.name,
                 [&] { cls.constants.push_back(classes().parseConstant(constants[i].declaration)); });
     auto* events = static_cast<const typename Layout::EventRecord*>(record.events);
-    for (std::int32_t i = 0; events && i < record.eventCount; ++i) cls.events.push_back(events[i].declaration);
+    for (std::int32_t i = 0; events && i < record.eventCount; ++i)
+        cls.events.push_back(events[i].declaration);
 }
 
 bool usesLayout9() { return runtime().recordVersion.value_or(12) <= 9; }
@@ -124,9 +126,9 @@ void registerPluginClass(REALclassDefinition* record) {
 void registerPluginFunction(const void* record) {
     const char* declaration = static_cast<const REALmethodDefinition*>(record)->declaration;
     guarded(declaration, [&] {
-        classes().addFunction(usesLayout9()
-                                  ? readMethod(*static_cast<const REALmethodDefinition9*>(record), nullptr, true)
-                                  : readMethod(*static_cast<const REALmethodDefinition*>(record), nullptr, true));
+        classes().addFunction(
+            usesLayout9() ? readMethod(*static_cast<const REALmethodDefinition9*>(record), nullptr, true)
+                          : readMethod(*static_cast<const REALmethodDefinition*>(record), nullptr, true));
     });
 }
 

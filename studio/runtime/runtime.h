@@ -17,9 +17,9 @@ class ClassTable {
   public:
     ClassTable();
 
-    Class* named(std::string_view name);            // made, undefined, when new
-    Class* find(std::string_view name) const;       // null when nobody defined it
-    Class* root() const { return root_; }           // Object
+    Class* named(std::string_view name);      // made, undefined, when new
+    Class* find(std::string_view name) const; // null when nobody defined it
+    Class* root() const { return root_; }     // Object
     const Type* arrayOf(const Type* element);
     const Type* typeNamed(const ast::TypeName& name); // a class that nobody defined yet is fine
     const Type* typeNamed(std::string_view text);     // "Integer", "CIFilterKaz()"
@@ -31,7 +31,8 @@ class ClassTable {
 
     // Places the class's data behind its superclass's and makes it known.
     void define(Class& cls, Origin origin, Class* superclass, std::int32_t dataSize);
-    std::unique_ptr<Method> makeMethod(std::string_view declaration, Class* owner, bool shared, Origin origin);
+    std::unique_ptr<Method> makeMethod(std::string_view declaration, Class* owner, bool shared,
+                                       Origin origin);
     Method* addFunction(std::unique_ptr<Method> function);
     const std::vector<const Method*>& functionsNamed(std::string_view name) const;
     const std::vector<std::unique_ptr<Method>>& functions() const { return functions_; }
@@ -99,7 +100,9 @@ struct ObjectRef {
         std::swap(handle, other.handle);
         return *this;
     }
-    ~ObjectRef() { if (handle) heap().release(handle); }
+    ~ObjectRef() {
+        if (handle) heap().release(handle);
+    }
     REALobject release() { return std::exchange(handle, nullptr); }
     operator REALobject() const { return handle; }
 };
@@ -109,7 +112,9 @@ struct StringRef {
     StringRef() = default;
     explicit StringRef(REALstring owned) : handle(owned) {}
     StringRef(StringRef&& other) noexcept : handle(other.release()) {}
-    ~StringRef() { if (handle) heap().release(handle); }
+    ~StringRef() {
+        if (handle) heap().release(handle);
+    }
     REALstring release() { return std::exchange(handle, nullptr); }
     operator REALstring() const { return handle; }
 };
@@ -131,7 +136,9 @@ inline void release(const Type* type, Bits bits) {
 // ---- strings ---------------------------------------------------------------------------------------------
 
 inline std::string_view bytesOf(REALstring s) { return s ? StringCell::of(s).text() : std::string_view(); }
-inline std::uint32_t encodingOf(REALstring s) { return s ? StringCell::of(s).encoding : kREALTextEncodingUTF8; }
+inline std::uint32_t encodingOf(REALstring s) {
+    return s ? StringCell::of(s).encoding : kREALTextEncodingUTF8;
+}
 std::string toUtf8(REALstring s);
 REALstring makeString(std::string_view utf8); // one host reference
 
@@ -189,11 +196,11 @@ Bits convert(const Type* from, const Type* to, Bits bits);
 
 // ---- variants --------------------------------------------------------------------------------------------
 
-REALobject boxVariant(const Type* type, Bits bits);       // takes over
-Bits unboxVariant(REALobject variant, const Type* to);    // borrows; owned result
-std::int32_t variantType(REALobject variant);             // the code that VarType answers
-bool variantsEqual(REALobject a, REALobject b);           // strings without regard to case
-std::string display(const Type* type, Bits bits);         // as Print and Str show it
+REALobject boxVariant(const Type* type, Bits bits);    // takes over
+Bits unboxVariant(REALobject variant, const Type* to); // borrows; owned result
+std::int32_t variantType(REALobject variant);          // the code that VarType answers
+bool variantsEqual(REALobject a, REALobject b);        // strings without regard to case
+std::string display(const Type* type, Bits bits);      // as Print and Str show it
 std::string display(REALobject variant);
 std::string formatDouble(double value);
 std::string formatSingle(float value);
@@ -213,8 +220,8 @@ inline ArrayObject& arrayOf(REALobject object) { return *reinterpret_cast<ArrayO
 bool isArray(REALobject object);
 REALobject newArray(const Type* element, std::int32_t count = 0);
 int elementSize(const Type* element);
-Bits arrayGet(ArrayObject& array, std::int32_t index);              // owned; raises when out of bounds
-void arraySet(ArrayObject& array, std::int32_t index, Bits value);  // takes over; raises when out of bounds
+Bits arrayGet(ArrayObject& array, std::int32_t index);                // owned; raises when out of bounds
+void arraySet(ArrayObject& array, std::int32_t index, Bits value);    // takes over; raises when out of bounds
 void arrayInsert(ArrayObject& array, std::int32_t index, Bits value); // takes over
 void arrayRemove(ArrayObject& array, std::int32_t index);
 void arrayResize(ArrayObject& array, std::int32_t count);

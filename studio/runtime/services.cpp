@@ -22,7 +22,8 @@ struct Guarded;
 template <class R, class... A, R (*body)(A...)>
 struct Guarded<body> {
     static R call(A... arguments) {
-        if (FaultPlan& faults = runtime().faults; faults.active() && faults.strikes(reinterpret_cast<void*>(&call)))
+        if (FaultPlan& faults = runtime().faults;
+            faults.active() && faults.strikes(reinterpret_cast<void*>(&call)))
             return R();
         try {
             return body(arguments...);
@@ -56,7 +57,8 @@ void REALUnlockString(REALstring string) { heap().pluginUnlock(string); }
 // ---- strings ---------------------------------------------------------------------------------------------
 
 std::optional<std::string> bytesIn(REALstring string, std::uint32_t encoding) {
-    if (encoding == kREALTextEncodingUnknown || encoding == encodingOf(string)) return std::string(bytesOf(string));
+    if (encoding == kREALTextEncodingUnknown || encoding == encodingOf(string))
+        return std::string(bytesOf(string));
     auto utf8 = text::toUtf8(bytesOf(string), encodingOf(string));
     return utf8 ? text::fromUtf8(*utf8, encoding) : std::nullopt;
 }
@@ -225,8 +227,12 @@ Bits unboxed(REALobject variant, Kind kind, const char* service) {
     return heap().check(variant, service) ? unboxVariant(variant, simpleType(kind)) : Bits();
 }
 
-std::int32_t VariantToInt32(REALobject variant) { return unboxed(variant, Kind::Int32, "VariantToInt32").i32; }
-std::int64_t VariantToInt64(REALobject variant) { return unboxed(variant, Kind::Int64, "VariantToInt64").i64; }
+std::int32_t VariantToInt32(REALobject variant) {
+    return unboxed(variant, Kind::Int32, "VariantToInt32").i32;
+}
+std::int64_t VariantToInt64(REALobject variant) {
+    return unboxed(variant, Kind::Int64, "VariantToInt64").i64;
+}
 float VariantToSingle(REALobject variant) { return unboxed(variant, Kind::Single, "VariantToSingle").f32; }
 double VariantToDouble(REALobject variant) { return unboxed(variant, Kind::Double, "VariantToDouble").f64; }
 REALstring VariantToString(REALobject variant) {
@@ -282,7 +288,9 @@ REALarray RuntimeArrayCreateSingleDimBoundedArray(std::int32_t type, std::int32_
     return reinterpret_cast<REALarray>(heap().handOut(newArray(simpleType(kinds[type]), upperBound + 1)));
 }
 
-std::int32_t RuntimeUBound(REALarray array) { return checkArray(array, "RuntimeUBound") ? arrayOf(array).count - 1 : -1; }
+std::int32_t RuntimeUBound(REALarray array) {
+    return checkArray(array, "RuntimeUBound") ? arrayOf(array).count - 1 : -1;
+}
 
 // The element as it crosses the boundary, and its bits.
 template <class T>
@@ -328,20 +336,31 @@ ElementProcs procsFor() {
 
 ElementProcs procsOf(REALarray array) {
     switch (arrayOf(array).element->kind) {
-    case Kind::Boolean: return procsFor<bool>();
-    case Kind::Int8: return procsFor<std::int8_t>();
-    case Kind::UInt8: return procsFor<std::uint8_t>();
-    case Kind::Int16: return procsFor<std::int16_t>();
-    case Kind::UInt16: return procsFor<std::uint16_t>();
+    case Kind::Boolean:
+        return procsFor<bool>();
+    case Kind::Int8:
+        return procsFor<std::int8_t>();
+    case Kind::UInt8:
+        return procsFor<std::uint8_t>();
+    case Kind::Int16:
+        return procsFor<std::int16_t>();
+    case Kind::UInt16:
+        return procsFor<std::uint16_t>();
     case Kind::Int64:
-    case Kind::UInt64: return procsFor<std::int64_t>();
-    case Kind::Single: return procsFor<float>();
-    case Kind::Double: return procsFor<double>();
-    case Kind::String: return procsFor<REALstring>();
+    case Kind::UInt64:
+        return procsFor<std::int64_t>();
+    case Kind::Single:
+        return procsFor<float>();
+    case Kind::Double:
+        return procsFor<double>();
+    case Kind::String:
+        return procsFor<REALstring>();
     case Kind::Int32:
     case Kind::UInt32:
-    case Kind::Color: return procsFor<std::int32_t>();
-    default: return procsFor<REALobject>();
+    case Kind::Color:
+        return procsFor<std::int32_t>();
+    default:
+        return procsFor<REALobject>();
     }
 }
 
@@ -390,18 +409,22 @@ std::int32_t memoryBlockGetSize(REALmemoryBlock block) {
 
 // ---- pictures --------------------------------------------------------------------------------------------
 
-bool checkPicture(REALpicture picture, const char* service) { return checkClass(picture, "Picture", service); }
+bool checkPicture(REALpicture picture, const char* service) {
+    return checkClass(picture, "Picture", service);
+}
 REALobject objectOf(REALpicture picture) { return reinterpret_cast<REALobject>(picture); }
 
 REALpicture newPicture(std::int32_t width, std::int32_t height, std::int32_t depth) {
     return reinterpret_cast<REALpicture>(heap().handOut(tryNewPicture(width, height, depth)));
 }
 REALobject pluginPictureGraphicsGetter(REALpicture picture) {
-    return checkPicture(picture, "pluginPictureGraphicsGetter") ? heap().handOut(pictureGraphics(objectOf(picture)))
-                                                                : nullptr;
+    return checkPicture(picture, "pluginPictureGraphicsGetter")
+               ? heap().handOut(pictureGraphics(objectOf(picture)))
+               : nullptr;
 }
 bool REALLockPictureDescription(REALpicture picture, REALpictureDescription* out, std::int32_t kind) {
-    return checkPicture(picture, "REALLockPictureDescription") && describePicture(objectOf(picture), out, kind);
+    return checkPicture(picture, "REALLockPictureDescription") &&
+           describePicture(objectOf(picture), out, kind);
 }
 bool lockPictureDescription(REALpicture picture, REALpictureDescription* out) {
     return REALLockPictureDescription(picture, out, kREALPictureCGContext);
@@ -433,8 +456,8 @@ bool REALFSSpecFromFolderItem(REALfolderItem item, FSSpec* out) {
 REALfolderItem REALFolderItemFromParentFSRef(const FSRef* parent, const HFSUniStr255* name) {
     return reinterpret_cast<REALfolderItem>(heap().handOut(folderItemIn(parent, name)));
 }
-REALfolderItem FolderItemFromFSSpec(const FSSpec* spec) {
-    return reinterpret_cast<REALfolderItem>(heap().handOut(folderItemOf(spec)));
+REALfolderItem FolderItemFromFSSpec(const FSSpec* record) {
+    return reinterpret_cast<REALfolderItem>(heap().handOut(folderItemOf(record)));
 }
 
 // ---- the table -------------------------------------------------------------------------------------------
@@ -529,6 +552,12 @@ const std::vector<Service>& services() {
 
 } // namespace
 
+std::vector<std::string> Host::serviceNames() {
+    std::vector<std::string> result;
+    for (const Service& service : services()) result.emplace_back(service.name);
+    return result;
+}
+
 bool FaultPlan::strikes(void* function) {
     auto row = std::find_if(services().begin(), services().end(),
                             [&](const Service& service) { return service.function == function; });
@@ -544,7 +573,8 @@ void* findService(std::string_view entryName) {
     if (options.withheld.count(std::string(entryName))) return nullptr;
     if (entryName == "REALGetRBVersion" && !options.version) return nullptr;
     for (const Service& service : services())
-        if (service.name == entryName) return runtime().version() >= service.since ? service.function : nullptr;
+        if (service.name == entryName)
+            return runtime().version() >= service.since ? service.function : nullptr;
     return nullptr;
 }
 

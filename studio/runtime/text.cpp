@@ -114,8 +114,10 @@ std::optional<std::string> toUtf8(std::string_view bytes, std::uint32_t encoding
     std::string result;
     switch (encoding) {
     case kREALTextEncodingUTF8:
-    case kREALTextEncodingUnknown: return std::string(bytes);
-    case kREALTextEncodingUTF16: return utf16ToUtf8(bytes);
+    case kREALTextEncodingUnknown:
+        return std::string(bytes);
+    case kREALTextEncodingUTF16:
+        return utf16ToUtf8(bytes);
     case kREALTextEncodingASCII: // lenient: what is no ASCII is taken for UTF-8
         return std::string(bytes);
     case kLatin1:
@@ -124,7 +126,8 @@ std::optional<std::string> toUtf8(std::string_view bytes, std::uint32_t encoding
     case kMacRoman:
         for (unsigned char c : bytes) append(result, c < 0x80 ? c : kMacRomanUpper[c - 0x80]);
         return result;
-    default: return std::nullopt;
+    default:
+        return std::nullopt;
     }
 }
 
@@ -132,8 +135,10 @@ std::optional<std::string> fromUtf8(std::string_view utf8, std::uint32_t encodin
     std::string result;
     switch (encoding) {
     case kREALTextEncodingUTF8:
-    case kREALTextEncodingUnknown: return std::string(utf8);
-    case kREALTextEncodingUTF16: return utf8ToUtf16(utf8);
+    case kREALTextEncodingUnknown:
+        return std::string(utf8);
+    case kREALTextEncodingUTF16:
+        return utf8ToUtf16(utf8);
     case kREALTextEncodingASCII:
     case kLatin1:
         for (std::size_t i = 0; i < utf8.size();) {
@@ -152,7 +157,8 @@ std::optional<std::string> fromUtf8(std::string_view utf8, std::uint32_t encodin
             result += char(code);
         }
         return result;
-    default: return std::nullopt;
+    default:
+        return std::nullopt;
     }
 }
 
@@ -194,7 +200,8 @@ std::size_t find(std::string_view text, std::string_view part, std::size_t from)
     for (std::size_t i = 0;; ++character) {
         if (character >= from) {
             std::size_t x = i, y = 0;
-            while (y < part.size() && x < text.size() && toLower(decode(text, x)) == toLower(decode(part, y))) {
+            while (y < part.size() && x < text.size() &&
+                   toLower(decode(text, x)) == toLower(decode(part, y))) {
             }
             // The last step may have read one pair too many: compare what was consumed exactly.
             if (y >= part.size() && compare(text.substr(i, x - i), part) == 0) return character;

@@ -8,10 +8,22 @@ namespace studio {
 namespace {
 
 const std::array<Type, 16> kSimpleTypes = {{
-    {Kind::Void, "nothing"},   {Kind::Nil, "Nil"},       {Kind::Boolean, "Boolean"}, {Kind::Int8, "Int8"},
-    {Kind::UInt8, "UInt8"},    {Kind::Int16, "Int16"},   {Kind::UInt16, "UInt16"},   {Kind::Int32, "Integer"},
-    {Kind::UInt32, "UInt32"},  {Kind::Int64, "Int64"},   {Kind::UInt64, "UInt64"},   {Kind::Single, "Single"},
-    {Kind::Double, "Double"},  {Kind::Color, "Color"},   {Kind::String, "String"},   {Kind::Variant, "Variant"},
+    {Kind::Void, "nothing"},
+    {Kind::Nil, "Nil"},
+    {Kind::Boolean, "Boolean"},
+    {Kind::Int8, "Int8"},
+    {Kind::UInt8, "UInt8"},
+    {Kind::Int16, "Int16"},
+    {Kind::UInt16, "UInt16"},
+    {Kind::Int32, "Integer"},
+    {Kind::UInt32, "UInt32"},
+    {Kind::Int64, "Int64"},
+    {Kind::UInt64, "UInt64"},
+    {Kind::Single, "Single"},
+    {Kind::Double, "Double"},
+    {Kind::Color, "Color"},
+    {Kind::String, "String"},
+    {Kind::Variant, "Variant"},
 }};
 
 struct Alias {

@@ -25,22 +25,32 @@ Box& boxOf(REALobject object) { return *reinterpret_cast<Box*>(object); }
 
 std::int32_t typeCode(const Type* type) {
     switch (type->kind) {
-    case Kind::Boolean: return kREALVariantBoolean;
+    case Kind::Boolean:
+        return kREALVariantBoolean;
     case Kind::Int8:
     case Kind::UInt8:
     case Kind::Int16:
     case Kind::UInt16:
-    case Kind::Int32: return kREALVariantInt32;
+    case Kind::Int32:
+        return kREALVariantInt32;
     case Kind::UInt32: // held as Int64, which can express it
     case Kind::Int64:
-    case Kind::UInt64: return kREALVariantInt64;
-    case Kind::Single: return kREALVariantSingle;
-    case Kind::Double: return kREALVariantDouble;
-    case Kind::Color: return kREALVariantColor;
-    case Kind::String: return kREALVariantString;
-    case Kind::Object: return sameName(type->name, "Date") ? kREALVariantDate : kREALVariantObject;
-    case Kind::Variant: return kREALVariantObject;
-    default: return kREALVariantNil;
+    case Kind::UInt64:
+        return kREALVariantInt64;
+    case Kind::Single:
+        return kREALVariantSingle;
+    case Kind::Double:
+        return kREALVariantDouble;
+    case Kind::Color:
+        return kREALVariantColor;
+    case Kind::String:
+        return kREALVariantString;
+    case Kind::Object:
+        return sameName(type->name, "Date") ? kREALVariantDate : kREALVariantObject;
+    case Kind::Variant:
+        return kREALVariantObject;
+    default:
+        return kREALVariantNil;
     }
 }
 
@@ -52,14 +62,21 @@ std::int32_t elementCode(const Type* element) {
 
 double asDouble(const Type* type, Bits bits) {
     switch (type->kind) {
-    case Kind::Int64: return double(bits.i64);
-    case Kind::UInt64: return double(bits.u64);
+    case Kind::Int64:
+        return double(bits.i64);
+    case Kind::UInt64:
+        return double(bits.u64);
     case Kind::UInt32:
-    case Kind::Color: return bits.u32;
-    case Kind::Single: return bits.f32;
-    case Kind::Double: return bits.f64;
-    case Kind::Boolean: return bits.boolean;
-    default: return bits.i32;
+    case Kind::Color:
+        return bits.u32;
+    case Kind::Single:
+        return bits.f32;
+    case Kind::Double:
+        return bits.f64;
+    case Kind::Boolean:
+        return bits.boolean;
+    default:
+        return bits.i32;
     }
 }
 
@@ -73,30 +90,46 @@ std::int64_t truncated(double value) {
 std::int64_t asInt64(const Type* type, Bits bits) {
     switch (type->kind) {
     case Kind::Int64:
-    case Kind::UInt64: return bits.i64;
+    case Kind::UInt64:
+        return bits.i64;
     case Kind::UInt32:
-    case Kind::Color: return bits.u32;
-    case Kind::Single: return truncated(bits.f32);
-    case Kind::Double: return truncated(bits.f64);
-    case Kind::Boolean: return bits.boolean;
-    default: return bits.i32;
+    case Kind::Color:
+        return bits.u32;
+    case Kind::Single:
+        return truncated(bits.f32);
+    case Kind::Double:
+        return truncated(bits.f64);
+    case Kind::Boolean:
+        return bits.boolean;
+    default:
+        return bits.i32;
     }
 }
 
 Bits numberTo(const Type* to, const Type* from, Bits bits) {
     switch (to->kind) {
-    case Kind::Boolean: return Bits::of(from->kind == Kind::Boolean ? bits.boolean : asDouble(from, bits) != 0);
-    case Kind::Int8: return Bits::of(std::int32_t(std::int8_t(asInt64(from, bits))));
-    case Kind::UInt8: return Bits::of(std::int32_t(std::uint8_t(asInt64(from, bits))));
-    case Kind::Int16: return Bits::of(std::int32_t(std::int16_t(asInt64(from, bits))));
-    case Kind::UInt16: return Bits::of(std::int32_t(std::uint16_t(asInt64(from, bits))));
-    case Kind::Int32: return Bits::of(std::int32_t(asInt64(from, bits)));
+    case Kind::Boolean:
+        return Bits::of(from->kind == Kind::Boolean ? bits.boolean : asDouble(from, bits) != 0);
+    case Kind::Int8:
+        return Bits::of(std::int32_t(std::int8_t(asInt64(from, bits))));
+    case Kind::UInt8:
+        return Bits::of(std::int32_t(std::uint8_t(asInt64(from, bits))));
+    case Kind::Int16:
+        return Bits::of(std::int32_t(std::int16_t(asInt64(from, bits))));
+    case Kind::UInt16:
+        return Bits::of(std::int32_t(std::uint16_t(asInt64(from, bits))));
+    case Kind::Int32:
+        return Bits::of(std::int32_t(asInt64(from, bits)));
     case Kind::UInt32:
-    case Kind::Color: return Bits::of(std::uint32_t(asInt64(from, bits)));
+    case Kind::Color:
+        return Bits::of(std::uint32_t(asInt64(from, bits)));
     case Kind::Int64:
-    case Kind::UInt64: return Bits::of(asInt64(from, bits));
-    case Kind::Single: return Bits::of(float(asDouble(from, bits)));
-    default: return Bits::of(asDouble(from, bits));
+    case Kind::UInt64:
+        return Bits::of(asInt64(from, bits));
+    case Kind::Single:
+        return Bits::of(float(asDouble(from, bits)));
+    default:
+        return Bits::of(asDouble(from, bits));
     }
 }
 
@@ -104,7 +137,9 @@ Bits numberTo(const Type* to, const Type* from, Bits bits) {
     raise("TypeMismatchException", "a " + from + " is no " + to->name);
 }
 
-std::string describe(REALobject variant) { return isBox(variant) ? boxOf(variant).type->name : classNameOf(variant); }
+std::string describe(REALobject variant) {
+    return isBox(variant) ? boxOf(variant).type->name : classNameOf(variant);
+}
 
 } // namespace
 
@@ -152,7 +187,8 @@ Bits unboxVariant(REALobject variant, const Type* to) {
     case Kind::String:
         if (isA(variant, "MemoryBlock")) return Bits::of(memoryBlockToString(variant));
         break;
-    default: break;
+    default:
+        break;
     }
     mismatch(describe(variant), to);
 }
@@ -257,31 +293,45 @@ double parseNumber(std::string_view text) {
     }
     // strtod would also take hexadecimal and names of infinities.
     std::size_t end = 0;
-    while (end < copy.size() && std::string_view("+-.0123456789eE").find(copy[end]) != std::string_view::npos) ++end;
+    while (end < copy.size() && std::string_view("+-.0123456789eE").find(copy[end]) != std::string_view::npos)
+        ++end;
     return std::strtod(copy.substr(0, end).c_str(), nullptr);
 }
 
 std::string display(const Type* type, Bits bits) {
     char text[32];
     switch (type->kind) {
-    case Kind::Nil: return "Nil";
-    case Kind::Boolean: return bits.boolean ? "True" : "False";
-    case Kind::UInt32: std::snprintf(text, sizeof text, "%u", bits.u32); return text;
-    case Kind::Int64: std::snprintf(text, sizeof text, "%" PRId64, bits.i64); return text;
-    case Kind::UInt64: std::snprintf(text, sizeof text, "%" PRIu64, bits.u64); return text;
-    case Kind::Single: return formatSingle(bits.f32);
-    case Kind::Double: return formatDouble(bits.f64);
+    case Kind::Nil:
+        return "Nil";
+    case Kind::Boolean:
+        return bits.boolean ? "True" : "False";
+    case Kind::UInt32:
+        std::snprintf(text, sizeof text, "%u", bits.u32);
+        return text;
+    case Kind::Int64:
+        std::snprintf(text, sizeof text, "%" PRId64, bits.i64);
+        return text;
+    case Kind::UInt64:
+        std::snprintf(text, sizeof text, "%" PRIu64, bits.u64);
+        return text;
+    case Kind::Single:
+        return formatSingle(bits.f32);
+    case Kind::Double:
+        return formatDouble(bits.f64);
     case Kind::Color:
         if (bits.u32 >> 24 == 255)
             std::snprintf(text, sizeof text, "&c%06X", bits.u32 & 0xFFFFFF);
         else
             std::snprintf(text, sizeof text, "&c%06X%02X", bits.u32 & 0xFFFFFF, 255 - (bits.u32 >> 24));
         return text;
-    case Kind::String: return toUtf8(bits.string);
+    case Kind::String:
+        return toUtf8(bits.string);
     case Kind::Variant:
     case Kind::Object:
-    case Kind::Array: return display(bits.object);
-    default: return std::to_string(bits.i32);
+    case Kind::Array:
+        return display(bits.object);
+    default:
+        return std::to_string(bits.i32);
     }
 }
 

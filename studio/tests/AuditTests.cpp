@@ -111,7 +111,8 @@ TEST(Audit, AStandardSetterIsAPlainStore) {
 
 TEST(Audit, AWronglyUnlockedDescriptionIsCaught) {
     Host host;
-    auto unlock = reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
+    auto unlock =
+        reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
     Value picture = host.create("Picture", {2, 2, 32});
     unlock(reinterpret_cast<REALpicture>(picture.object()));
     EXPECT_TRUE(mentions(host.report(), "is not locked")) << host.report().text();
@@ -120,7 +121,8 @@ TEST(Audit, AWronglyUnlockedDescriptionIsCaught) {
 TEST(Audit, CountsStringData) {
     Host host;
     auto getData = reinterpret_cast<service::PluginGetStringData>(host.resolver()("PluginGetStringData"));
-    auto dispose = reinterpret_cast<service::PluginDisposeStringData>(host.resolver()("PluginDisposeStringData"));
+    auto dispose =
+        reinterpret_cast<service::PluginDisposeStringData>(host.resolver()("PluginDisposeStringData"));
     Value text("abc");
     REALstringData data;
     ASSERT_TRUE(getData(text.stringHandle(), kREALTextEncodingUTF8, &data));

@@ -15,7 +15,8 @@ static std::string mistakeIn(const std::string& source, bool withPlugin = false)
         compileProgram("test.rbs", source);
     } catch (const SourceErrors& mistakes) {
         const SourceError& first = mistakes.errors.front();
-        return std::to_string(first.position.line) + ":" + std::to_string(first.position.column) + ": " + first.what();
+        return std::to_string(first.position.line) + ":" + std::to_string(first.position.column) + ": " +
+               first.what();
     }
     return "";
 }
@@ -31,28 +32,31 @@ TEST_P(Mistakes, AreExplained) { EXPECT_EQ(mistakeIn(GetParam().source), GetPara
 
 INSTANTIATE_TEST_SUITE_P(
     Syntax, Mistakes,
-    testing::Values(
-        Mistake{"Print \"abc", "1:7: this string has no closing quote"},
-        Mistake{"Dim x As Integer = ", "1:20: expected a value, found the end of the line"},
-        Mistake{"If True\nEnd If", "1:8: expected 'Then', found the end of the line"},
-        Mistake{"If True Then\nPrint 1", "2:8: expected 'End If' for the 'If' in line 1, found the end of the file"},
-        Mistake{"For i As Integer = 1 To 3\nPrint i\n", "3:1: expected 'Next' for the 'For' in line 1, found the end of the file"},
-        Mistake{"Next", "1:1: 'Next' closes nothing that is open here"},
-        Mistake{"Dim x y As Integer", "1:7: expected 'As', found 'y'"},
-        Mistake{"Dim end As Integer",
-                "1:5: expected a name for the variable, but 'end' is a word of the language"},
-        Mistake{"Print &cFF", "1:7: a colour is written &cRRGGBB or &cRRGGBBAA"},
-        Mistake{"Sub A() As Integer\nEnd Sub", "1:12: a Sub has no result; write Function"}));
+    testing::Values(Mistake{"Print \"abc", "1:7: this string has no closing quote"},
+                    Mistake{"Dim x As Integer = ", "1:20: expected a value, found the end of the line"},
+                    Mistake{"If True\nEnd If", "1:8: expected 'Then', found the end of the line"},
+                    Mistake{"If True Then\nPrint 1",
+                            "2:8: expected 'End If' for the 'If' in line 1, found the end of the file"},
+                    Mistake{"For i As Integer = 1 To 3\nPrint i\n",
+                            "3:1: expected 'Next' for the 'For' in line 1, found the end of the file"},
+                    Mistake{"Next", "1:1: 'Next' closes nothing that is open here"},
+                    Mistake{"Dim x y As Integer", "1:7: expected 'As', found 'y'"},
+                    Mistake{"Dim end As Integer",
+                            "1:5: expected a name for the variable, but 'end' is a word of the language"},
+                    Mistake{"Print &cFF", "1:7: a colour is written &cRRGGBB or &cRRGGBBAA"},
+                    Mistake{"Sub A() As Integer\nEnd Sub", "1:12: a Sub has no result; write Function"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Meaning, Mistakes,
     testing::Values(
         Mistake{"Dim count As Integer\nPrint cuont", "2:7: there is no 'cuont'; did you mean 'count'?"},
         Mistake{"Dim d As New Dictionery", "1:14: there is no type 'Dictionery'; did you mean 'Dictionary'?"},
-        Mistake{"Dim d As New Dictionary\nPrint d.Cuont", "2:9: Dictionary has no 'Cuont'; did you mean 'Count'?"},
+        Mistake{"Dim d As New Dictionary\nPrint d.Cuont",
+                "2:9: Dictionary has no 'Cuont'; did you mean 'Count'?"},
         Mistake{"Dim x As Integer = \"a\"",
                 "1:20: expected Integer for 'x', found String; write Val(...) to convert it"},
-        Mistake{"Dim s As String = 5", "1:19: expected String for 's', found Integer; write Str(...) to convert it"},
+        Mistake{"Dim s As String = 5",
+                "1:19: expected String for 's', found Integer; write Str(...) to convert it"},
         Mistake{"Print Left(\"abc\")",
                 "1:7: Left does not take (String); expected Left(s As String, count As Integer) As String"},
         Mistake{"If 1 Then Print 2", "1:4: expected a Boolean, found Integer"},
@@ -83,16 +87,19 @@ TEST(Mistakes, OfOneProgramAreAllFound) {
 TEST(Overloads, AmbiguityNamesTheCandidates) {
     std::string mistake = mistakeIn("Function F(a As Dictionary) As Integer\nReturn 1\nEnd Function\n"
                                     "Function F(a As Date) As Integer\nReturn 2\nEnd Function\nPrint F(Nil)");
-    EXPECT_EQ(mistake, "7:7: this call of F is ambiguous; it may be F(a As Dictionary) As Integer or F(a As Date) As Integer");
+    EXPECT_EQ(mistake, "7:7: this call of F is ambiguous; it may be F(a As Dictionary) As Integer or F(a As "
+                       "Date) As Integer");
 }
 
 TEST(Overloads, OfAPluginAreChosenByType) {
-    EXPECT_EQ(mistakeIn("Dim c As New CounterTest(3)\nDim i As Integer = c.Add(2)\nDim d As Double = c.Add(2.5)\n"
-                        "c.ValueFor(\"k\") = 3\nPrint c.ValueFor(\"k\")\nPrint CounterTest.kLimit",
-                        true),
-              "");
+    EXPECT_EQ(
+        mistakeIn("Dim c As New CounterTest(3)\nDim i As Integer = c.Add(2)\nDim d As Double = c.Add(2.5)\n"
+                  "c.ValueFor(\"k\") = 3\nPrint c.ValueFor(\"k\")\nPrint CounterTest.kLimit",
+                  true),
+        "");
     EXPECT_EQ(mistakeIn("Dim c As New CounterTest(\"x\")", true),
-              "1:10: New CounterTest does not take (String); expected Constructor() or Constructor(Start As Integer)");
+              "1:10: New CounterTest does not take (String); expected Constructor() or Constructor(Start As "
+              "Integer)");
 }
 
 // ---- running ---------------------------------------------------------------------------------------------
@@ -143,7 +150,8 @@ TEST(Running, AnExceptionKnowsItsPlaces) {
     Host host;
     host.loadPlugin(testPlugin12);
     {
-        auto program = compileProgram("test.rbs", "Dim c As New CounterTest\nSub Go()\n  Print c.Fail\nEnd Sub\n\nGo");
+        auto program =
+            compileProgram("test.rbs", "Dim c As New CounterTest\nSub Go()\n  Print c.Fail\nEnd Sub\n\nGo");
         try {
             program->begin({});
             FAIL() << "nothing was thrown";
@@ -194,4 +202,33 @@ Wend
 AssertEqual 1, fired
 )");
     EXPECT_TRUE(report.clean()) << report.text();
+}
+
+TEST(Running, AClassMayInheritFromAPlugins) {
+    Host host;
+    host.loadPlugin(testPlugin12);
+    Report report = run(host, R"(
+Class Tally
+  Inherits CounterTest
+  Notes() As String
+  Sub Constructor(start As Integer)
+    Super.Constructor(start)
+    Notes.Append "from " + Str(start)
+  End Sub
+  Sub Destructor()
+    Notes.Append "gone"
+  End Sub
+  Function Total() As Integer
+    Return Add(1)
+  End Function
+End Class
+Dim t As New Tally(4)
+AssertEqual 5, t.Total
+AssertEqual 5, t.Handle
+AssertEqual "from 4", t.Notes(0)
+Dim c As CounterTest = t
+AssertTrue c.Itself IsA Tally
+)");
+    EXPECT_TRUE(report.clean()) << report.text();
+    EXPECT_NE(testPluginLog.find("-Counter"), std::string::npos);
 }

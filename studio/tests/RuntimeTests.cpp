@@ -58,9 +58,11 @@ TEST(Strings, ConvertBetweenEncodings) {
     Host host;
     namespace service = host::service;
     auto convert = reinterpret_cast<service::REALConvertString>(host.resolver()("REALConvertString"));
-    auto encoding = reinterpret_cast<service::REALGetStringEncoding>(host.resolver()("REALGetStringEncoding"));
+    auto encoding =
+        reinterpret_cast<service::REALGetStringEncoding>(host.resolver()("REALGetStringEncoding"));
     auto getData = reinterpret_cast<service::PluginGetStringData>(host.resolver()("PluginGetStringData"));
-    auto dispose = reinterpret_cast<service::PluginDisposeStringData>(host.resolver()("PluginDisposeStringData"));
+    auto dispose =
+        reinterpret_cast<service::PluginDisposeStringData>(host.resolver()("PluginDisposeStringData"));
     auto unlock = reinterpret_cast<service::REALUnlockString>(host.resolver()("REALUnlockString"));
     {
         Value text("é𝄞");
@@ -120,7 +122,8 @@ TEST(HostMethods, AreFoundByTheirDeclaration) {
     Host host;
     namespace service = host::service;
     auto global = reinterpret_cast<service::REALLoadGlobalMethod>(host.resolver()("REALLoadGlobalMethod"));
-    auto lenB = reinterpret_cast<std::int32_t (*)(REALstring)>(global(nullptr, "LenB( s as string ) as integer"));
+    auto lenB =
+        reinterpret_cast<std::int32_t (*)(REALstring)>(global(nullptr, "LenB( s as string ) as integer"));
     ASSERT_TRUE(lenB);
     Value text("grün");
     EXPECT_EQ(lenB(text.stringHandle()), 5);
@@ -130,9 +133,10 @@ TEST(HostMethods, AreFoundByTheirDeclaration) {
     auto method = reinterpret_cast<service::REALLoadObjectMethod>(host.resolver()("REALLoadObjectMethod"));
     Value picture = host.create("Picture", {2, 2, 32});
     Value graphics = host.get(picture, "Graphics");
-    EXPECT_TRUE(method(graphics.object(),
-                       "DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, sx as "
-                       "Integer = 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)"));
+    EXPECT_TRUE(
+        method(graphics.object(),
+               "DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, sx as "
+               "Integer = 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)"));
     Value file = host.function("GetFolderItem", {"."});
     EXPECT_TRUE(method(file.object(), "TrueItem(Index as integer) as Folderitem"));
     EXPECT_FALSE(method(picture.object(), "TrueItem(Index as integer) as Folderitem"));
@@ -184,8 +188,10 @@ TEST(Pictures, HaveDescriptionsThatMustBeUnlocked) {
     namespace service = host::service;
     for (double version : {2009.0, 2014.01}) {
         Host host({.version = version});
-        auto lock = reinterpret_cast<service::REALLockPictureDescription>(host.resolver()("REALLockPictureDescription"));
-        auto unlock = reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
+        auto lock = reinterpret_cast<service::REALLockPictureDescription>(
+            host.resolver()("REALLockPictureDescription"));
+        auto unlock =
+            reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
         Value picture = host.create("Picture", {3, 2, 32});
         auto* handle = reinterpret_cast<REALpicture>(picture.object());
         REALpictureDescription description;

@@ -77,11 +77,14 @@ void raiseUnknown(REALobject) {
 
 double stored = 0;
 double valueFor(REALobject, REALstring key) {
-    return stored + double(testService<std::int32_t (*)(REALstring)>("StringGetCString") ? key != nullptr : 0);
+    return stored +
+           double(testService<std::int32_t (*)(REALstring)>("StringGetCString") ? key != nullptr : 0);
 }
 void setValueFor(REALobject, REALstring, double value) { stored = value; }
 
-std::int32_t getDouble(REALobject self, std::uint32_t parameter) { return data(self).count * std::int32_t(parameter); }
+std::int32_t getDouble(REALobject self, std::uint32_t parameter) {
+    return data(self).count * std::int32_t(parameter);
+}
 void setDouble(REALobject self, std::uint32_t parameter, std::int32_t value) {
     data(self).count = value / std::int32_t(parameter);
 }
@@ -107,8 +110,8 @@ float sum(REALarray values) {
 
 REALobject fillDictionary() {
     REALobject dictionary = SERVICE(PluginNewInstance)("Dictionary");
-    auto set = reinterpret_cast<void (*)(REALobject, REALobject, REALobject)>(SERVICE(REALLoadObjectMethod)(
-        dictionary, "Value(key As Variant, Assigns _value As Variant)"));
+    auto set = reinterpret_cast<void (*)(REALobject, REALobject, REALobject)>(
+        SERVICE(REALLoadObjectMethod)(dictionary, "Value(key As Variant, Assigns _value As Variant)"));
     REALobject key = SERVICE(Int32ToVariant)(5), value = SERVICE(DoubleToVariant)(2.5);
     set(dictionary, key, value);
     SERVICE(REALUnlockObject)(key);

@@ -10,10 +10,14 @@ namespace {
 /// The uniform type identifier; nil for types that cannot be written.
 NSString* typeIdentifier(NSBitmapImageFileType type) {
     switch (type) {
-    case NSTIFFFileType: return @"public.tiff";
-    case NSJPEGFileType: return @"public.jpeg";
-    case NSPNGFileType: return @"public.png";
-    default: return nil;
+    case NSTIFFFileType:
+        return @"public.tiff";
+    case NSJPEGFileType:
+        return @"public.jpeg";
+    case NSPNGFileType:
+        return @"public.png";
+    default:
+        return nil;
     }
 }
 
@@ -40,7 +44,8 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
 }
 
 + (NSArray*)imageRepsWithData:(NSData*)data {
-    auto source = cg::Retained<CGImageSourceRef>::adopt(CGImageSourceCreateWithData((CFDataRef)data, nullptr));
+    auto source =
+        cg::Retained<CGImageSourceRef>::adopt(CGImageSourceCreateWithData((CFDataRef)data, nullptr));
     NSMutableArray* reps = [NSMutableArray array];
     for (size_t i = 0; i < CGImageSourceGetCount(source.get()); ++i) {
         auto image = cg::Retained<CGImageRef>::adopt(imageAt(source.get(), i));
@@ -53,7 +58,8 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
 }
 
 - (id)initWithData:(NSData*)data {
-    auto source = cg::Retained<CGImageSourceRef>::adopt(CGImageSourceCreateWithData((CFDataRef)data, nullptr));
+    auto source =
+        cg::Retained<CGImageSourceRef>::adopt(CGImageSourceCreateWithData((CFDataRef)data, nullptr));
     auto image = cg::Retained<CGImageRef>::adopt(imageAt(source.get(), 0));
     if (!(self = [self initWithCGImage:image.get()])) return nil;
     [self setSize:pointSize(source.get(), 0, image.get())];
@@ -69,14 +75,17 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
     _image = CGImageRetain(image);
     CGImageAlphaInfo alpha = CGImageGetAlphaInfo(image);
     size_t colors = CGColorSpaceGetNumberOfComponents(CGImageGetColorSpace(image));
-    bool hasAlpha = alpha != kCGImageAlphaNone && alpha != kCGImageAlphaNoneSkipFirst && alpha != kCGImageAlphaNoneSkipLast;
+    bool hasAlpha = alpha != kCGImageAlphaNone && alpha != kCGImageAlphaNoneSkipFirst &&
+                    alpha != kCGImageAlphaNoneSkipLast;
     bool first = alpha == kCGImageAlphaFirst || alpha == kCGImageAlphaPremultipliedFirst;
     bool straight = alpha == kCGImageAlphaFirst || alpha == kCGImageAlphaLast;
     _bytesPerRow = static_cast<NSInteger>(CGImageGetBytesPerRow(image));
     _bitsPerPixel = static_cast<NSInteger>(CGImageGetBitsPerPixel(image));
     _samplesPerPixel = static_cast<NSInteger>(colors) + hasAlpha;
-    _format = (first ? NSAlphaFirstBitmapFormat : 0u) | (hasAlpha && straight ? NSAlphaNonpremultipliedBitmapFormat : 0u) |
-              (CGImageGetBitmapInfo(image) & kCGBitmapFloatComponents ? NSFloatingPointSamplesBitmapFormat : 0u);
+    _format =
+        (first ? NSAlphaFirstBitmapFormat : 0u) |
+        (hasAlpha && straight ? NSAlphaNonpremultipliedBitmapFormat : 0u) |
+        (CGImageGetBitmapInfo(image) & kCGBitmapFloatComponents ? NSFloatingPointSamplesBitmapFormat : 0u);
     [self setPixelsWide:static_cast<NSInteger>(CGImageGetWidth(image))];
     [self setPixelsHigh:static_cast<NSInteger>(CGImageGetHeight(image))];
     [self setSize:NSMakeSize(CGImageGetWidth(image), CGImageGetHeight(image))];
@@ -100,7 +109,8 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
                    bytesPerRow:(NSInteger)rowBytes
                   bitsPerPixel:(NSInteger)pixelBits {
     NSInteger colors = samplesPerPixel - (alpha ? 1 : 0);
-    bool sound = !planes && !isPlanar && bitsPerSample == 8 && width > 0 && height > 0 && (colors == 1 || colors == 3);
+    bool sound =
+        !planes && !isPlanar && bitsPerSample == 8 && width > 0 && height > 0 && (colors == 1 || colors == 3);
     // Opaque colours may have a filler as fourth byte.
     if (pixelBits == 0) pixelBits = samplesPerPixel * 8;
     bool filler = !alpha && colors == 3 && pixelBits == 32;
@@ -109,15 +119,17 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
     NSMutableData* pixels = nil;
     if (sound && rowBytes <= NSIntegerMax / height)
         pixels = [NSMutableData dataWithLength:static_cast<NSUInteger>(rowBytes * height)];
-    CGImageAlphaInfo info = alpha ? kCGImageAlphaPremultipliedLast : filler ? kCGImageAlphaNoneSkipLast : kCGImageAlphaNone;
+    CGImageAlphaInfo info = alpha    ? kCGImageAlphaPremultipliedLast
+                            : filler ? kCGImageAlphaNoneSkipLast
+                                     : kCGImageAlphaNone;
     auto space = cg::Retained<CGColorSpaceRef>::adopt(colors == 1 ? CGColorSpaceCreateDeviceGray()
                                                                   : CGColorSpaceCreateDeviceRGB());
     // The image looks straight at the bytes that bitmapData hands out.
     auto provider = cg::Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithCFData((CFDataRef)pixels));
     auto image = cg::Retained<CGImageRef>::adopt(
-        CGImageCreate(static_cast<size_t>(width), static_cast<size_t>(height), 8, static_cast<size_t>(pixelBits),
-                      static_cast<size_t>(rowBytes), space.get(), info, provider.get(), nullptr, true,
-                      kCGRenderingIntentDefault));
+        CGImageCreate(static_cast<size_t>(width), static_cast<size_t>(height), 8,
+                      static_cast<size_t>(pixelBits), static_cast<size_t>(rowBytes), space.get(), info,
+                      provider.get(), nullptr, true, kCGRenderingIntentDefault));
     if (!(self = [self initWithCGImage:image.get()])) return nil;
     _pixels = [pixels retain];
     if (colorSpaceName) [self setColorSpaceName:colorSpaceName];
@@ -142,12 +154,12 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
     if (!_pixels) {
         NSData* bytes = [(NSData*)CGDataProviderCopyData(CGImageGetDataProvider(_image)) autorelease];
         _pixels = [bytes mutableCopy];
-        auto provider = cg::Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithCFData((CFDataRef)_pixels));
-        CGImageRef image = CGImageCreate(CGImageGetWidth(_image), CGImageGetHeight(_image),
-                                         CGImageGetBitsPerComponent(_image), CGImageGetBitsPerPixel(_image),
-                                         CGImageGetBytesPerRow(_image), CGImageGetColorSpace(_image),
-                                         CGImageGetBitmapInfo(_image), provider.get(), nullptr, true,
-                                         CGImageGetRenderingIntent(_image));
+        auto provider =
+            cg::Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithCFData((CFDataRef)_pixels));
+        CGImageRef image = CGImageCreate(
+            CGImageGetWidth(_image), CGImageGetHeight(_image), CGImageGetBitsPerComponent(_image),
+            CGImageGetBitsPerPixel(_image), CGImageGetBytesPerRow(_image), CGImageGetColorSpace(_image),
+            CGImageGetBitmapInfo(_image), provider.get(), nullptr, true, CGImageGetRenderingIntent(_image));
         CGImageRelease(_image);
         _image = image;
     }

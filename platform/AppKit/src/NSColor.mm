@@ -14,7 +14,8 @@ cg::Retained<CGColorSpaceRef> spaceNamed(NSString* name) {
         NSString* name;
         CGColorSpaceRef (*create)();
     } const all[] = {
-        {NSCalibratedWhiteColorSpace, [] { return CGColorSpaceCreateWithName(kCGColorSpaceGenericGrayGamma2_2); }},
+        {NSCalibratedWhiteColorSpace,
+         [] { return CGColorSpaceCreateWithName(kCGColorSpaceGenericGrayGamma2_2); }},
         {NSCalibratedRGBColorSpace, [] { return CGColorSpaceCreateWithName(kCGColorSpaceGenericRGB); }},
         {NSDeviceWhiteColorSpace, CGColorSpaceCreateDeviceGray},
         {NSDeviceRGBColorSpace, CGColorSpaceCreateDeviceRGB},
@@ -104,7 +105,8 @@ static NSColor* make(NSString* spaceName, std::initializer_list<CGFloat> compone
 }
 
 - (NSColor*)colorWithAlphaComponent:(CGFloat)alpha {
-    NSColor* copy = [[[NSColor alloc] initWithComponents:CGColorGetComponents(_color) spaceName:_spaceName] autorelease];
+    NSColor* copy = [[[NSColor alloc] initWithComponents:CGColorGetComponents(_color)
+                                               spaceName:_spaceName] autorelease];
     CGColorRelease(copy->_color);
     copy->_color = CGColorCreateCopyWithAlpha(_color, alpha);
     return copy;
@@ -113,8 +115,9 @@ static NSColor* make(NSString* spaceName, std::initializer_list<CGFloat> compone
 /// Component `index`, of a colour that has `count` of them with alpha.
 - (CGFloat)component:(size_t)index of:(size_t)count selector:(SEL)selector {
     if (CGColorGetNumberOfComponents(_color) != count)
-        [NSException raise:NSInvalidArgumentException
-                    format:@"-%@ is not defined for a colour in %@", NSStringFromSelector(selector), _spaceName];
+        [NSException
+             raise:NSInvalidArgumentException
+            format:@"-%@ is not defined for a colour in %@", NSStringFromSelector(selector), _spaceName];
     return CGColorGetComponents(_color)[index];
 }
 
@@ -158,7 +161,9 @@ static NSColor* make(NSString* spaceName, std::initializer_list<CGFloat> compone
     return _color;
 }
 
-static CGContextRef port() { return static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]); }
+static CGContextRef port() {
+    return static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
+}
 
 - (void)setFill {
     CGContextSetFillColorWithColor(port(), _color);
@@ -184,7 +189,8 @@ static CGContextRef port() { return static_cast<CGContextRef>([[NSGraphicsContex
 
 - (NSString*)description {
     NSMutableString* text = [NSMutableString stringWithString:_spaceName];
-    for (NSInteger i = 0; i < [self numberOfComponents]; ++i) [text appendFormat:@" %g", CGColorGetComponents(_color)[i]];
+    for (NSInteger i = 0; i < [self numberOfComponents]; ++i)
+        [text appendFormat:@" %g", CGColorGetComponents(_color)[i]];
     return text;
 }
 

@@ -12,19 +12,32 @@ namespace {
 
 CGBlendMode blendMode(NSCompositingOperation operation) {
     switch (operation) {
-    case NSCompositeClear: return kCGBlendModeClear;
-    case NSCompositeCopy: return kCGBlendModeCopy;
-    case NSCompositeSourceIn: return kCGBlendModeSourceIn;
-    case NSCompositeSourceOut: return kCGBlendModeSourceOut;
-    case NSCompositeSourceAtop: return kCGBlendModeSourceAtop;
-    case NSCompositeDestinationOver: return kCGBlendModeDestinationOver;
-    case NSCompositeDestinationIn: return kCGBlendModeDestinationIn;
-    case NSCompositeDestinationOut: return kCGBlendModeDestinationOut;
-    case NSCompositeDestinationAtop: return kCGBlendModeDestinationAtop;
-    case NSCompositeXOR: return kCGBlendModeXOR;
-    case NSCompositePlusDarker: return kCGBlendModePlusDarker;
-    case NSCompositePlusLighter: return kCGBlendModePlusLighter;
-    default: return kCGBlendModeNormal;
+    case NSCompositeClear:
+        return kCGBlendModeClear;
+    case NSCompositeCopy:
+        return kCGBlendModeCopy;
+    case NSCompositeSourceIn:
+        return kCGBlendModeSourceIn;
+    case NSCompositeSourceOut:
+        return kCGBlendModeSourceOut;
+    case NSCompositeSourceAtop:
+        return kCGBlendModeSourceAtop;
+    case NSCompositeDestinationOver:
+        return kCGBlendModeDestinationOver;
+    case NSCompositeDestinationIn:
+        return kCGBlendModeDestinationIn;
+    case NSCompositeDestinationOut:
+        return kCGBlendModeDestinationOut;
+    case NSCompositeDestinationAtop:
+        return kCGBlendModeDestinationAtop;
+    case NSCompositeXOR:
+        return kCGBlendModeXOR;
+    case NSCompositePlusDarker:
+        return kCGBlendModePlusDarker;
+    case NSCompositePlusLighter:
+        return kCGBlendModePlusLighter;
+    default:
+        return kCGBlendModeNormal;
     }
 }
 
@@ -123,7 +136,9 @@ CGBlendMode blendMode(NSCompositingOperation operation) {
     auto pixels = [](CGFloat v) { return v > 0 && v < 1e6f ? static_cast<size_t>(std::ceil(v)) : 0; };
     auto bitmap = cg::Retained<CGContextRef>::adopt(CGBitmapContextCreate(
         nullptr, pixels(size.width), pixels(size.height), 8, 0, space.get(), kCGImageAlphaPremultipliedLast));
-    if (!bitmap) [NSException raise:NSImageCacheException format:@"Can't lock focus on an image of size %g x %g", size.width, size.height];
+    if (!bitmap)
+        [NSException raise:NSImageCacheException
+                    format:@"Can't lock focus on an image of size %g x %g", size.width, size.height];
     [_focus release];
     _focus = [[NSGraphicsContext graphicsContextWithGraphicsPort:bitmap.get() flipped:NO] retain];
     [NSGraphicsContext saveGraphicsState];
@@ -160,8 +175,8 @@ CGBlendMode blendMode(NSCompositingOperation operation) {
     CGContextClipToRect(port, NSRectToCGRect(rect));
     CGContextSetBlendMode(port, blendMode(operation));
     CGContextSetAlpha(port, delta);
-    [rep drawInRect:NSMakeRect(rect.origin.x - from.origin.x * sx, rect.origin.y - from.origin.y * sy, size.width * sx,
-                               size.height * sy)];
+    [rep drawInRect:NSMakeRect(rect.origin.x - from.origin.x * sx, rect.origin.y - from.origin.y * sy,
+                               size.width * sx, size.height * sy)];
     CGContextRestoreGState(port);
 }
 

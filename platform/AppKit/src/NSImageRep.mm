@@ -120,7 +120,8 @@
         nullptr, pixels(size.width), pixels(size.height), 8, 0, space.get(), kCGImageAlphaPremultipliedLast));
     if (!bitmap) return nullptr;
     [NSGraphicsContext saveGraphicsState];
-    [NSGraphicsContext setCurrentContext:[NSGraphicsContext graphicsContextWithGraphicsPort:bitmap.get() flipped:NO]];
+    [NSGraphicsContext setCurrentContext:[NSGraphicsContext graphicsContextWithGraphicsPort:bitmap.get()
+                                                                                    flipped:NO]];
     BOOL drawn = [self drawInRect:NSMakeRect(0, 0, size.width, size.height)];
     [NSGraphicsContext restoreGraphicsState];
     if (!drawn) return nullptr;

@@ -14,39 +14,62 @@ struct Factors {
 
 Factors factors(CGBlendMode mode, float sa, float da) {
     switch (mode) {
-    case kCGBlendModeClear: return {0, 0};
-    case kCGBlendModeCopy: return {1, 0};
-    case kCGBlendModeSourceIn: return {da, 0};
-    case kCGBlendModeSourceOut: return {1 - da, 0};
-    case kCGBlendModeSourceAtop: return {da, 1 - sa};
-    case kCGBlendModeDestinationOver: return {1 - da, 1};
-    case kCGBlendModeDestinationIn: return {0, sa};
-    case kCGBlendModeDestinationOut: return {0, 1 - sa};
-    case kCGBlendModeDestinationAtop: return {1 - da, sa};
-    case kCGBlendModeXOR: return {1 - da, 1 - sa};
-    case kCGBlendModePlusLighter: return {1, 1};
-    default: return {1, 1 - sa};
+    case kCGBlendModeClear:
+        return {0, 0};
+    case kCGBlendModeCopy:
+        return {1, 0};
+    case kCGBlendModeSourceIn:
+        return {da, 0};
+    case kCGBlendModeSourceOut:
+        return {1 - da, 0};
+    case kCGBlendModeSourceAtop:
+        return {da, 1 - sa};
+    case kCGBlendModeDestinationOver:
+        return {1 - da, 1};
+    case kCGBlendModeDestinationIn:
+        return {0, sa};
+    case kCGBlendModeDestinationOut:
+        return {0, 1 - sa};
+    case kCGBlendModeDestinationAtop:
+        return {1 - da, sa};
+    case kCGBlendModeXOR:
+        return {1 - da, 1 - sa};
+    case kCGBlendModePlusLighter:
+        return {1, 1};
+    default:
+        return {1, 1 - sa};
     }
 }
 
 /// Backdrop b and source s, straight, to the mixed colour, one component at a time.
 float separable(CGBlendMode mode, float b, float s) {
     switch (mode) {
-    case kCGBlendModeMultiply: return b * s;
-    case kCGBlendModeScreen: return b + s - b * s;
-    case kCGBlendModeOverlay: return separable(kCGBlendModeHardLight, s, b);
-    case kCGBlendModeDarken: return std::min(b, s);
-    case kCGBlendModeLighten: return std::max(b, s);
-    case kCGBlendModeColorDodge: return b <= 0 ? 0 : s >= 1 ? 1 : std::min(1.f, b / (1 - s));
-    case kCGBlendModeColorBurn: return b >= 1 ? 1 : s <= 0 ? 0 : 1 - std::min(1.f, (1 - b) / s);
+    case kCGBlendModeMultiply:
+        return b * s;
+    case kCGBlendModeScreen:
+        return b + s - b * s;
+    case kCGBlendModeOverlay:
+        return separable(kCGBlendModeHardLight, s, b);
+    case kCGBlendModeDarken:
+        return std::min(b, s);
+    case kCGBlendModeLighten:
+        return std::max(b, s);
+    case kCGBlendModeColorDodge:
+        return b <= 0 ? 0 : s >= 1 ? 1 : std::min(1.f, b / (1 - s));
+    case kCGBlendModeColorBurn:
+        return b >= 1 ? 1 : s <= 0 ? 0 : 1 - std::min(1.f, (1 - b) / s);
     case kCGBlendModeSoftLight: {
         float d = b <= 0.25f ? ((16 * b - 12) * b + 4) * b : std::sqrt(b);
         return s <= 0.5f ? b - (1 - 2 * s) * b * (1 - b) : b + (2 * s - 1) * (d - b);
     }
-    case kCGBlendModeHardLight: return s <= 0.5f ? b * 2 * s : b + (2 * s - 1) - b * (2 * s - 1);
-    case kCGBlendModeDifference: return std::fabs(b - s);
-    case kCGBlendModeExclusion: return b + s - 2 * b * s;
-    default: return s;
+    case kCGBlendModeHardLight:
+        return s <= 0.5f ? b * 2 * s : b + (2 * s - 1) - b * (2 * s - 1);
+    case kCGBlendModeDifference:
+        return std::fabs(b - s);
+    case kCGBlendModeExclusion:
+        return b + s - 2 * b * s;
+    default:
+        return s;
     }
 }
 
@@ -66,7 +89,8 @@ RGB withLuminosity(RGB c, float target) {
     float scale = 1;
     if (low < 0 && target > low) scale = std::min(scale, target / (target - low));
     if (high > 1 && high > target) scale = std::min(scale, (1 - target) / (high - target));
-    return {target + (c.r - target) * scale, target + (c.g - target) * scale, target + (c.b - target) * scale};
+    return {target + (c.r - target) * scale, target + (c.g - target) * scale,
+            target + (c.b - target) * scale};
 }
 
 RGB withSaturation(RGB c, float target) {
@@ -78,10 +102,14 @@ RGB withSaturation(RGB c, float target) {
 
 RGB nonSeparable(CGBlendMode mode, RGB b, RGB s) {
     switch (mode) {
-    case kCGBlendModeHue: return withLuminosity(withSaturation(s, saturation(b)), luminosity(b));
-    case kCGBlendModeSaturation: return withLuminosity(withSaturation(b, saturation(s)), luminosity(b));
-    case kCGBlendModeColor: return withLuminosity(s, luminosity(b));
-    default: return withLuminosity(b, luminosity(s));
+    case kCGBlendModeHue:
+        return withLuminosity(withSaturation(s, saturation(b)), luminosity(b));
+    case kCGBlendModeSaturation:
+        return withLuminosity(withSaturation(b, saturation(s)), luminosity(b));
+    case kCGBlendModeColor:
+        return withLuminosity(s, luminosity(b));
+    default:
+        return withLuminosity(b, luminosity(s));
     }
 }
 

@@ -6,7 +6,8 @@ using namespace cg;
 
 CGContextRef CGBitmapContextCreateWithData(void* data, size_t width, size_t height, size_t bitsPerComponent,
                                            size_t bytesPerRow, CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
-                                           CGBitmapContextReleaseDataCallback releaseCallback, void* releaseInfo) {
+                                           CGBitmapContextReleaseDataCallback releaseCallback,
+                                           void* releaseInfo) {
     return guarded([&] {
         std::function<void(void*)> release;
         if (releaseCallback && data) release = [=](void* pixels) { releaseCallback(releaseInfo, pixels); };
@@ -22,12 +23,13 @@ CGContextRef CGBitmapContextCreateWithData(void* data, size_t width, size_t heig
 
 CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size_t bitsPerComponent,
                                    size_t bytesPerRow, CGColorSpaceRef space, CGBitmapInfo bitmapInfo) {
-    return CGBitmapContextCreateWithData(data, width, height, bitsPerComponent, bytesPerRow, space, bitmapInfo, nullptr,
-                                         nullptr);
+    return CGBitmapContextCreateWithData(data, width, height, bitsPerComponent, bytesPerRow, space,
+                                         bitmapInfo, nullptr, nullptr);
 }
 
 /// One field of the layout, the empty value for null.
-template <class Field> static Field field(CGContextRef context, Field Image::Layout::*member) {
+template <class Field>
+static Field field(CGContextRef context, Field Image::Layout::*member) {
     Context* self = get<Context>(context);
     return self ? self->layout().*member : Field();
 }
@@ -41,8 +43,12 @@ size_t CGBitmapContextGetHeight(CGContextRef context) { return field(context, &I
 size_t CGBitmapContextGetBitsPerComponent(CGContextRef context) {
     return field(context, &Image::Layout::bitsPerComponent);
 }
-size_t CGBitmapContextGetBitsPerPixel(CGContextRef context) { return field(context, &Image::Layout::bitsPerPixel); }
-size_t CGBitmapContextGetBytesPerRow(CGContextRef context) { return field(context, &Image::Layout::bytesPerRow); }
+size_t CGBitmapContextGetBitsPerPixel(CGContextRef context) {
+    return field(context, &Image::Layout::bitsPerPixel);
+}
+size_t CGBitmapContextGetBytesPerRow(CGContextRef context) {
+    return field(context, &Image::Layout::bytesPerRow);
+}
 CGColorSpaceRef CGBitmapContextGetColorSpace(CGContextRef context) {
     Context* self = get<Context>(context);
     return self ? self->space() : nullptr;
@@ -50,7 +56,9 @@ CGColorSpaceRef CGBitmapContextGetColorSpace(CGContextRef context) {
 CGImageAlphaInfo CGBitmapContextGetAlphaInfo(CGContextRef context) {
     return CGBitmapContextGetBitmapInfo(context) & kCGBitmapAlphaInfoMask;
 }
-CGBitmapInfo CGBitmapContextGetBitmapInfo(CGContextRef context) { return field(context, &Image::Layout::info); }
+CGBitmapInfo CGBitmapContextGetBitmapInfo(CGContextRef context) {
+    return field(context, &Image::Layout::info);
+}
 
 CGImageRef CGBitmapContextCreateImage(CGContextRef context) {
     Context* self = get<Context>(context);
@@ -59,7 +67,8 @@ CGImageRef CGBitmapContextCreateImage(CGContextRef context) {
         Image::Layout layout = self->layout();
         layout.interpolate = true;
         // Only the pixels are the caller's to read; what follows the last row may not exist.
-        std::size_t row = self->format().rowBytes(layout.width), size = layout.bytesPerRow * (layout.height - 1) + row;
+        std::size_t row = self->format().rowBytes(layout.width),
+                    size = layout.bytesPerRow * (layout.height - 1) + row;
         std::shared_ptr<std::uint8_t[]> copy(new std::uint8_t[size]);
         std::memcpy(copy.get(), self->data(), size);
         auto provider = Retained<CGDataProviderRef>::adopt(makeProvider(copy.get(), size, copy));

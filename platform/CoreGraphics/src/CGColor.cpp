@@ -47,8 +47,9 @@ using namespace cg;
 CGColorRef CGColorCreate(CGColorSpaceRef space, const CGFloat components[]) {
     ColorSpace* meaning = get<ColorSpace>(space);
     if (!meaning || !components) return nullptr;
-    return guarded(
-        [&] { return make<Color>(space, std::vector<CGFloat>(components, components + meaning->components() + 1)); });
+    return guarded([&] {
+        return make<Color>(space, std::vector<CGFloat>(components, components + meaning->components() + 1));
+    });
 }
 
 static CGColorRef createIn(CFStringRef spaceName, std::initializer_list<CGFloat> components) {
@@ -62,7 +63,8 @@ CGColorRef CGColorCreateGenericGray(CGFloat gray, CGFloat alpha) {
 CGColorRef CGColorCreateGenericRGB(CGFloat red, CGFloat green, CGFloat blue, CGFloat alpha) {
     return createIn(kCGColorSpaceGenericRGB, {red, green, blue, alpha});
 }
-CGColorRef CGColorCreateGenericCMYK(CGFloat cyan, CGFloat magenta, CGFloat yellow, CGFloat black, CGFloat alpha) {
+CGColorRef CGColorCreateGenericCMYK(CGFloat cyan, CGFloat magenta, CGFloat yellow, CGFloat black,
+                                    CGFloat alpha) {
     return createIn(kCGColorSpaceGenericCMYK, {cyan, magenta, yellow, black, alpha});
 }
 

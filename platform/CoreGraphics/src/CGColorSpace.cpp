@@ -14,8 +14,8 @@ static LiveCount live("CGColorSpace");
 color::ColorSpacePtr deviceGray() {
     static const color::ColorSpacePtr space = [] {
         const cmsFloat64Number parameters[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
-        std::unique_ptr<cmsToneCurve, void (*)(cmsToneCurve*)> curve(cmsBuildParametricToneCurve(nullptr, 4, parameters),
-                                                                     cmsFreeToneCurve);
+        std::unique_ptr<cmsToneCurve, void (*)(cmsToneCurve*)> curve(
+            cmsBuildParametricToneCurve(nullptr, 4, parameters), cmsFreeToneCurve);
         std::unique_ptr<void, cmsBool (*)(void*)> profile(cmsCreateGrayProfile(cmsD50_xyY(), curve.get()),
                                                           cmsCloseProfile);
         cmsUInt32Number size = 0;
@@ -55,7 +55,8 @@ CGColorSpaceRef makeColorSpace(color::ColorSpacePtr space) noexcept {
 namespace {
 
 /// An object that is made once and lives as long as the process; every caller gets a reference.
-template <color::ColorSpacePtr (*space)()> CGColorSpaceRef shared(CFStringRef name) {
+template <color::ColorSpacePtr (*space)()>
+CGColorSpaceRef shared(CFStringRef name) {
     static const CGColorSpaceRef object = make<ColorSpace>(space(), ColorSpace::Life::endless, name);
     return CGColorSpaceRetain(object);
 }
@@ -66,7 +67,8 @@ constexpr std::array<double, 3> d50 = {0.9642, 1, 0.8249};
 /// adapted to D50.
 color::ColorSpacePtr genericRGB() {
     return color::ColorSpace::calibratedRGB(
-        d50, {}, {1.8, 1.8, 1.8}, {0.45427, 0.24263, 0.01482, 0.35332, 0.67441, 0.09042, 0.15661, 0.08296, 0.71966});
+        d50, {}, {1.8, 1.8, 1.8},
+        {0.45427, 0.24263, 0.01482, 0.35332, 0.67441, 0.09042, 0.15661, 0.08296, 0.71966});
 }
 
 color::ColorSpacePtr genericGray() { return color::ColorSpace::calibratedGray(d50, {}, 1.8); }
@@ -86,15 +88,9 @@ std::array<double, 3> triple(const CGFloat* values, std::array<double, 3> missin
 
 using namespace cg;
 
-CGColorSpaceRef CGColorSpaceCreateDeviceGray() {
-    return shared<deviceGray>(nullptr);
-}
-CGColorSpaceRef CGColorSpaceCreateDeviceRGB() {
-    return shared<color::ColorSpace::deviceRGB>(nullptr);
-}
-CGColorSpaceRef CGColorSpaceCreateDeviceCMYK() {
-    return shared<color::ColorSpace::deviceCMYK>(nullptr);
-}
+CGColorSpaceRef CGColorSpaceCreateDeviceGray() { return shared<deviceGray>(nullptr); }
+CGColorSpaceRef CGColorSpaceCreateDeviceRGB() { return shared<color::ColorSpace::deviceRGB>(nullptr); }
+CGColorSpaceRef CGColorSpaceCreateDeviceCMYK() { return shared<color::ColorSpace::deviceCMYK>(nullptr); }
 
 CGColorSpaceRef CGColorSpaceCreateWithName(CFStringRef name) {
     // Generic linear RGB is Core Image's working space, which has the primaries of sRGB.
@@ -115,7 +111,8 @@ CGColorSpaceRef CGColorSpaceCreateCalibratedGray(const CGFloat whitePoint[3], co
                                                  CGFloat gamma) {
     if (!whitePoint) return nullptr;
     return guarded([&] {
-        return make<ColorSpace>(color::ColorSpace::calibratedGray(triple(whitePoint, {}), triple(blackPoint, {}), gamma));
+        return make<ColorSpace>(
+            color::ColorSpace::calibratedGray(triple(whitePoint, {}), triple(blackPoint, {}), gamma));
     });
 }
 
@@ -125,8 +122,8 @@ CGColorSpaceRef CGColorSpaceCreateCalibratedRGB(const CGFloat whitePoint[3], con
     return guarded([&] {
         std::array<double, 9> primaries = {1, 0, 0, 0, 1, 0, 0, 0, 1};
         if (matrix) std::copy_n(matrix, 9, primaries.begin());
-        return make<ColorSpace>(color::ColorSpace::calibratedRGB(triple(whitePoint, {}), triple(blackPoint, {}),
-                                                                 triple(gamma, {1, 1, 1}), primaries));
+        return make<ColorSpace>(color::ColorSpace::calibratedRGB(
+            triple(whitePoint, {}), triple(blackPoint, {}), triple(gamma, {1, 1, 1}), primaries));
     });
 }
 
@@ -135,16 +132,18 @@ static CGColorSpaceRef createFromICC(const std::uint8_t* bytes, std::size_t size
 }
 
 CGColorSpaceRef CGColorSpaceCreateWithICCProfile(CFDataRef data) {
-    return data ? createFromICC(CFDataGetBytePtr(data), static_cast<std::size_t>(CFDataGetLength(data))) : nullptr;
+    return data ? createFromICC(CFDataGetBytePtr(data), static_cast<std::size_t>(CFDataGetLength(data)))
+                : nullptr;
 }
 
-CGColorSpaceRef CGColorSpaceCreateICCBased(size_t componentCount, const CGFloat* range, CGDataProviderRef profile,
-                                           CGColorSpaceRef alternate) {
+CGColorSpaceRef CGColorSpaceCreateICCBased(size_t componentCount, const CGFloat* range,
+                                           CGDataProviderRef profile, CGColorSpaceRef alternate) {
     if (DataProvider* data = get<DataProvider>(profile)) {
         auto space = Retained<CGColorSpaceRef>::adopt(createFromICC(data->bytes(), data->size()));
         if (CGColorSpaceGetNumberOfComponents(space.get()) == componentCount && space) return space.release();
     }
-    return CGColorSpaceGetNumberOfComponents(alternate) == componentCount ? CGColorSpaceRetain(alternate) : nullptr;
+    return CGColorSpaceGetNumberOfComponents(alternate) == componentCount ? CGColorSpaceRetain(alternate)
+                                                                          : nullptr;
 }
 
 size_t CGColorSpaceGetNumberOfComponents(CGColorSpaceRef space) {
@@ -156,10 +155,14 @@ CGColorSpaceModel CGColorSpaceGetModel(CGColorSpaceRef space) {
     ColorSpace* self = get<ColorSpace>(space);
     if (!self) return kCGColorSpaceModelUnknown;
     switch (self->space()->model()) {
-    case color::Model::gray: return kCGColorSpaceModelMonochrome;
-    case color::Model::rgb: return kCGColorSpaceModelRGB;
-    case color::Model::cmyk: return kCGColorSpaceModelCMYK;
-    case color::Model::lab: return kCGColorSpaceModelLab;
+    case color::Model::gray:
+        return kCGColorSpaceModelMonochrome;
+    case color::Model::rgb:
+        return kCGColorSpaceModelRGB;
+    case color::Model::cmyk:
+        return kCGColorSpaceModelCMYK;
+    case color::Model::lab:
+        return kCGColorSpaceModelLab;
     }
     return kCGColorSpaceModelUnknown;
 }

@@ -2,7 +2,7 @@
 
 #include <CoreGraphics/CGColorSpace.h>
 
-#define NAME(symbol) const CFStringRef symbol = (CFStringRef)@ #symbol
+#define NAME(symbol) const CFStringRef symbol = (CFStringRef) @ #symbol
 
 NAME(kCGColorSpaceGenericGray);
 NAME(kCGColorSpaceGenericGrayGamma2_2);

@@ -5,12 +5,14 @@
 using namespace cg;
 
 /// Calls `body` with the context; does nothing for null. A lack of memory ends the drawing, nothing more.
-template <class Body> static void with(CGContextRef ref, Body body) {
+template <class Body>
+static void with(CGContextRef ref, Body body) {
     if (Context* context = get<Context>(ref)) guarded([&] { body(*context); });
 }
 
 /// The same for a result; `missing` is the answer for null.
-template <class Result, class Body> static Result ask(CGContextRef ref, Result missing, Body body) {
+template <class Result, class Body>
+static Result ask(CGContextRef ref, Result missing, Body body) {
     Context* context = get<Context>(ref);
     return context ? body(*context) : missing;
 }
@@ -53,7 +55,9 @@ CGAffineTransform CGContextGetCTM(CGContextRef context) {
 CGAffineTransform CGContextGetUserSpaceToDeviceSpaceTransform(CGContextRef context) {
     return CGContextGetCTM(context);
 }
-static CGAffineTransform toUser(CGContextRef context) { return CGAffineTransformInvert(CGContextGetCTM(context)); }
+static CGAffineTransform toUser(CGContextRef context) {
+    return CGAffineTransformInvert(CGContextGetCTM(context));
+}
 CGPoint CGContextConvertPointToDeviceSpace(CGContextRef context, CGPoint point) {
     return CGPointApplyAffineTransform(point, CGContextGetCTM(context));
 }
@@ -85,7 +89,8 @@ void CGContextSetInterpolationQuality(CGContextRef context, CGInterpolationQuali
     with(context, [&](Context& c) { c.state().quality = quality; });
 }
 CGInterpolationQuality CGContextGetInterpolationQuality(CGContextRef context) {
-    return ask(context, CGInterpolationQuality(kCGInterpolationDefault), [](Context& c) { return c.state().quality; });
+    return ask(context, CGInterpolationQuality(kCGInterpolationDefault),
+               [](Context& c) { return c.state().quality; });
 }
 void CGContextSetShouldAntialias(CGContextRef context, bool shouldAntialias) {
     with(context, [&](Context& c) { c.state().antialias = shouldAntialias; });
@@ -151,12 +156,14 @@ void CGContextSetGrayStrokeColor(CGContextRef context, CGFloat gray, CGFloat alp
 void CGContextSetRGBFillColor(CGContextRef context, CGFloat red, CGFloat green, CGFloat blue, CGFloat alpha) {
     setColor(context, &GraphicsState::fill, CGColorSpaceCreateDeviceRGB, {red, green, blue, alpha});
 }
-void CGContextSetRGBStrokeColor(CGContextRef context, CGFloat red, CGFloat green, CGFloat blue, CGFloat alpha) {
+void CGContextSetRGBStrokeColor(CGContextRef context, CGFloat red, CGFloat green, CGFloat blue,
+                                CGFloat alpha) {
     setColor(context, &GraphicsState::stroke, CGColorSpaceCreateDeviceRGB, {red, green, blue, alpha});
 }
-void CGContextSetCMYKFillColor(CGContextRef context, CGFloat cyan, CGFloat magenta, CGFloat yellow, CGFloat black,
-                               CGFloat alpha) {
-    setColor(context, &GraphicsState::fill, CGColorSpaceCreateDeviceCMYK, {cyan, magenta, yellow, black, alpha});
+void CGContextSetCMYKFillColor(CGContextRef context, CGFloat cyan, CGFloat magenta, CGFloat yellow,
+                               CGFloat black, CGFloat alpha) {
+    setColor(context, &GraphicsState::fill, CGColorSpaceCreateDeviceCMYK,
+             {cyan, magenta, yellow, black, alpha});
 }
 
 // -------------------------------------------------------------------------------------------- paths
@@ -170,8 +177,8 @@ void CGContextMoveToPoint(CGContextRef context, CGFloat x, CGFloat y) {
 void CGContextAddLineToPoint(CGContextRef context, CGFloat x, CGFloat y) {
     with(context, [&](Context& c) { c.lineTo({x, y}); });
 }
-void CGContextAddCurveToPoint(CGContextRef context, CGFloat cp1x, CGFloat cp1y, CGFloat cp2x, CGFloat cp2y, CGFloat x,
-                              CGFloat y) {
+void CGContextAddCurveToPoint(CGContextRef context, CGFloat cp1x, CGFloat cp1y, CGFloat cp2x, CGFloat cp2y,
+                              CGFloat x, CGFloat y) {
     with(context, [&](Context& c) { c.curveTo({cp1x, cp1y}, {cp2x, cp2y}, {x, y}); });
 }
 void CGContextAddQuadCurveToPoint(CGContextRef context, CGFloat cpx, CGFloat cpy, CGFloat x, CGFloat y) {
@@ -188,8 +195,8 @@ void CGContextAddRect(CGContextRef context, CGRect rect) {
 void CGContextAddEllipseInRect(CGContextRef context, CGRect rect) {
     with(context, [&](Context& c) { c.addEllipse(rect); });
 }
-void CGContextAddArc(CGContextRef context, CGFloat x, CGFloat y, CGFloat radius, CGFloat startAngle, CGFloat endAngle,
-                     int clockwise) {
+void CGContextAddArc(CGContextRef context, CGFloat x, CGFloat y, CGFloat radius, CGFloat startAngle,
+                     CGFloat endAngle, int clockwise) {
     with(context, [&](Context& c) { c.addArc({x, y}, radius, startAngle, endAngle, clockwise); });
 }
 void CGContextClosePath(CGContextRef context) {

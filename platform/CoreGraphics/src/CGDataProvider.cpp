@@ -46,7 +46,8 @@ CGDataProviderRef CGDataProviderCreateWithURL(CFURLRef url) {
     return guarded([&]() -> CGDataProviderRef {
         auto path = Retained<CFStringRef>::adopt(CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle));
         char name[4096];
-        if (!path || !CFStringGetCString(path.get(), name, sizeof name, kCFStringEncodingUTF8)) return nullptr;
+        if (!path || !CFStringGetCString(path.get(), name, sizeof name, kCFStringEncodingUTF8))
+            return nullptr;
         std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name, "rb"), std::fclose);
         if (!file) return nullptr;
         auto bytes = std::make_shared<std::vector<std::uint8_t>>();
@@ -60,7 +61,8 @@ CGDataProviderRef CGDataProviderCreateWithURL(CFURLRef url) {
 
 CFDataRef CGDataProviderCopyData(CGDataProviderRef provider) {
     DataProvider* self = get<DataProvider>(provider);
-    return self ? CFDataCreate(kCFAllocatorDefault, self->bytes(), static_cast<CFIndex>(self->size())) : nullptr;
+    return self ? CFDataCreate(kCFAllocatorDefault, self->bytes(), static_cast<CFIndex>(self->size()))
+                : nullptr;
 }
 
 CGDataProviderRef CGDataProviderRetain(CGDataProviderRef provider) {

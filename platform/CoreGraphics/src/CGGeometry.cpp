@@ -7,8 +7,8 @@
 const CGPoint CGPointZero = {0, 0};
 const CGSize CGSizeZero = {0, 0};
 const CGRect CGRectZero = {{0, 0}, {0, 0}};
-const CGRect CGRectNull = {{std::numeric_limits<CGFloat>::infinity(), std::numeric_limits<CGFloat>::infinity()},
-                           {0, 0}};
+const CGRect CGRectNull = {
+    {std::numeric_limits<CGFloat>::infinity(), std::numeric_limits<CGFloat>::infinity()}, {0, 0}};
 const CGRect CGRectInfinite = {{-CGFLOAT_MAX / 2, -CGFLOAT_MAX / 2}, {CGFLOAT_MAX, CGFLOAT_MAX}};
 
 CGFloat CGRectGetMinX(CGRect r) { return std::min(r.origin.x, r.origin.x + r.size.width); }
@@ -35,7 +35,8 @@ bool CGRectEqualToRect(CGRect a, CGRect b) {
 bool CGRectIsNull(CGRect r) { return std::isinf(r.origin.x) || std::isinf(r.origin.y); }
 bool CGRectIsEmpty(CGRect r) { return CGRectIsNull(r) || r.size.width == 0 || r.size.height == 0; }
 bool CGRectIsInfinite(CGRect r) {
-    return CGPointEqualToPoint(r.origin, CGRectInfinite.origin) && CGSizeEqualToSize(r.size, CGRectInfinite.size);
+    return CGPointEqualToPoint(r.origin, CGRectInfinite.origin) &&
+           CGSizeEqualToSize(r.size, CGRectInfinite.size);
 }
 
 CGRect CGRectInset(CGRect rect, CGFloat dx, CGFloat dy) {
@@ -55,7 +56,8 @@ CGRect CGRectUnion(CGRect a, CGRect b) {
     if (CGRectIsNull(a)) return CGRectStandardize(b);
     if (CGRectIsNull(b)) return CGRectStandardize(a);
     if (CGRectIsInfinite(a) || CGRectIsInfinite(b)) return CGRectInfinite;
-    CGFloat x = std::min(CGRectGetMinX(a), CGRectGetMinX(b)), y = std::min(CGRectGetMinY(a), CGRectGetMinY(b));
+    CGFloat x = std::min(CGRectGetMinX(a), CGRectGetMinX(b)),
+            y = std::min(CGRectGetMinY(a), CGRectGetMinY(b));
     return CGRectMake(x, y, std::max(CGRectGetMaxX(a), CGRectGetMaxX(b)) - x,
                       std::max(CGRectGetMaxY(a), CGRectGetMaxY(b)) - y);
 }
@@ -64,7 +66,8 @@ CGRect CGRectIntersection(CGRect a, CGRect b) {
     if (CGRectIsNull(a) || CGRectIsNull(b)) return CGRectNull;
     if (CGRectIsInfinite(a)) return CGRectStandardize(b);
     if (CGRectIsInfinite(b)) return CGRectStandardize(a);
-    CGFloat x = std::max(CGRectGetMinX(a), CGRectGetMinX(b)), y = std::max(CGRectGetMinY(a), CGRectGetMinY(b));
+    CGFloat x = std::max(CGRectGetMinX(a), CGRectGetMinX(b)),
+            y = std::max(CGRectGetMinY(a), CGRectGetMinY(b));
     CGFloat width = std::min(CGRectGetMaxX(a), CGRectGetMaxX(b)) - x;
     CGFloat height = std::min(CGRectGetMaxY(a), CGRectGetMaxY(b)) - y;
     return width < 0 || height < 0 ? CGRectNull : CGRectMake(x, y, width, height);
@@ -99,10 +102,12 @@ void CGRectDivide(CGRect rect, CGRect* slice, CGRect* remainder, CGFloat amount,
 }
 
 bool CGRectContainsPoint(CGRect r, CGPoint p) {
-    return !CGRectIsEmpty(r) && p.x >= CGRectGetMinX(r) && p.x < CGRectGetMaxX(r) && p.y >= CGRectGetMinY(r) &&
-           p.y < CGRectGetMaxY(r);
+    return !CGRectIsEmpty(r) && p.x >= CGRectGetMinX(r) && p.x < CGRectGetMaxX(r) &&
+           p.y >= CGRectGetMinY(r) && p.y < CGRectGetMaxY(r);
 }
 
-bool CGRectContainsRect(CGRect outer, CGRect inner) { return CGRectEqualToRect(CGRectUnion(outer, inner), outer); }
+bool CGRectContainsRect(CGRect outer, CGRect inner) {
+    return CGRectEqualToRect(CGRectUnion(outer, inner), outer);
+}
 
 bool CGRectIntersectsRect(CGRect a, CGRect b) { return !CGRectIsNull(CGRectIntersection(a, b)); }

@@ -17,8 +17,8 @@ Image::Image(const Layout& layout, CGColorSpaceRef space, CGDataProviderRef prov
     if (!data) throw std::invalid_argument("no data");
     bool alphaOnly = (layout.info & kCGBitmapAlphaInfoMask) == kCGImageAlphaOnly;
     if (!meaning && !layout.isMask && !alphaOnly) throw std::invalid_argument("no colour space");
-    auto format = PixelFormat::of(layout.bitsPerComponent, layout.bitsPerPixel, meaning ? meaning->components() : 1,
-                                  layout.info);
+    auto format = PixelFormat::of(layout.bitsPerComponent, layout.bitsPerPixel,
+                                  meaning ? meaning->components() : 1, layout.info);
     if (!format) throw std::invalid_argument("unknown pixel layout");
     format_ = *format;
 
@@ -36,9 +36,10 @@ Image::Image(const Layout& layout, CGColorSpaceRef space, CGDataProviderRef prov
 
 using namespace cg;
 
-CGImageRef CGImageCreate(size_t width, size_t height, size_t bitsPerComponent, size_t bitsPerPixel, size_t bytesPerRow,
-                         CGColorSpaceRef space, CGBitmapInfo bitmapInfo, CGDataProviderRef provider,
-                         const CGFloat decode[], bool shouldInterpolate, CGColorRenderingIntent intent) {
+CGImageRef CGImageCreate(size_t width, size_t height, size_t bitsPerComponent, size_t bitsPerPixel,
+                         size_t bytesPerRow, CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
+                         CGDataProviderRef provider, const CGFloat decode[], bool shouldInterpolate,
+                         CGColorRenderingIntent intent) {
     if (decode) return nullptr;
     return make<Image>(Image::Layout{.width = width,
                                      .height = height,
@@ -97,7 +98,8 @@ static CGDataProviderRef shiftedRows(const Image& image, std::size_t x, std::siz
 CGImageRef CGImageCreateWithImageInRect(CGImageRef image, CGRect rect) {
     Image* self = get<Image>(image);
     if (!self) return nullptr;
-    CGRect whole = CGRectMake(0, 0, static_cast<CGFloat>(self->width()), static_cast<CGFloat>(self->height()));
+    CGRect whole =
+        CGRectMake(0, 0, static_cast<CGFloat>(self->width()), static_cast<CGFloat>(self->height()));
     CGRect part = CGRectIntersection(CGRectIntegral(rect), whole);
     if (CGRectIsEmpty(part)) return nullptr;
     return guarded([&]() -> CGImageRef {
@@ -110,7 +112,8 @@ CGImageRef CGImageCreateWithImageInRect(CGImageRef image, CGRect rect) {
             provider = Retained<CGDataProviderRef>::adopt(
                 shiftedRows(*self, x, y, layout.width, layout.height, &layout.bytesPerRow));
         } else {
-            std::size_t size = layout.bytesPerRow * (layout.height - 1) + self->format().rowBytes(layout.width);
+            std::size_t size =
+                layout.bytesPerRow * (layout.height - 1) + self->format().rowBytes(layout.width);
             Retained<CGDataProviderRef> whole(self->provider());
             provider = Retained<CGDataProviderRef>::adopt(make<DataProvider>(
                 self->row(y) + x * layout.bitsPerPixel / 8, size, [whole = std::move(whole)] {}));
@@ -137,7 +140,8 @@ CGImageRef CGImageCreateCopyWithColorSpace(CGImageRef image, CGColorSpaceRef spa
 }
 
 /// One field of the layout, the empty value for null.
-template <class Field> static Field field(CGImageRef image, Field Image::Layout::*member) {
+template <class Field>
+static Field field(CGImageRef image, Field Image::Layout::*member) {
     Image* self = get<Image>(image);
     return self ? self->layout().*member : Field();
 }
@@ -153,7 +157,9 @@ CGImageAlphaInfo CGImageGetAlphaInfo(CGImageRef image) {
 }
 CGBitmapInfo CGImageGetBitmapInfo(CGImageRef image) { return field(image, &Image::Layout::info); }
 bool CGImageGetShouldInterpolate(CGImageRef image) { return field(image, &Image::Layout::interpolate); }
-CGColorRenderingIntent CGImageGetRenderingIntent(CGImageRef image) { return field(image, &Image::Layout::intent); }
+CGColorRenderingIntent CGImageGetRenderingIntent(CGImageRef image) {
+    return field(image, &Image::Layout::intent);
+}
 const CGFloat* CGImageGetDecode(CGImageRef image) { return nullptr; }
 
 CGColorSpaceRef CGImageGetColorSpace(CGImageRef image) {

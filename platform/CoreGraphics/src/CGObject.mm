@@ -47,7 +47,8 @@ CFTypeRef makeObject(std::unique_ptr<Payload> payload) {
 }
 
 Payload* payloadOf(CFTypeRef object) {
-    if (!object || object_getClass(static_cast<id>(const_cast<void*>(object))) != [__NSCFType class]) return nullptr;
+    if (!object || object_getClass(static_cast<id>(const_cast<void*>(object))) != [__NSCFType class])
+        return nullptr;
     return static_cast<const __NSCFType*>(object)->payload;
 }
 

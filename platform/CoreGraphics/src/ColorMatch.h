@@ -7,7 +7,7 @@ namespace cg {
 
 /// Converts rows of straight colour from one space to another.
 class ColorMatch {
-public:
+  public:
     /// Nothing is converted when either is null. `extended` keeps colours outside 0..1.
     ColorMatch(const ColorSpace* from, const ColorSpace* to, bool extended);
 
@@ -15,7 +15,7 @@ public:
     /// In place; the number of colour planes changes to that of the target.
     void apply(const Planes& planes, std::size_t n) const;
 
-private:
+  private:
     const color::ColorSpace* from_ = nullptr;
     const color::ColorSpace* to_ = nullptr;
     bool extended_;

@@ -45,8 +45,8 @@ struct SolidPaint final : Paint {
 };
 
 struct ImagePaint final : Paint {
-    ImagePaint(const Image& image, Sampler::Role role, const ColorSpace* space, bool extended, const Matrix& toImage,
-               Sampler::Quality quality)
+    ImagePaint(const Image& image, Sampler::Role role, const ColorSpace* space, bool extended,
+               const Matrix& toImage, Sampler::Quality quality)
         : sampler(image, role, space, extended, toImage, quality) {}
     void prepare(const IntRect& area) override { sampler.prepare(area); }
     void row(int x, int y, std::size_t n, const Planes& out) override { sampler.row(x, y, n, out); }
@@ -109,7 +109,8 @@ bool drawsTo(const PixelFormat& f, const Image::Layout& layout) {
 
 } // namespace
 
-Context::Context(void* data, const Image::Layout& layout, CGColorSpaceRef space, std::function<void(void*)> release)
+Context::Context(void* data, const Image::Layout& layout, CGColorSpaceRef space,
+                 std::function<void(void*)> release)
     : Payload(&live), layout_(layout), space_(space), own_(nullptr, [](void* p) { std::free(p); }),
       release_(std::move(release)), data_(static_cast<std::uint8_t*>(data)) {
     bool alphaOnly = (layout.info & kCGBitmapAlphaInfoMask) == kCGImageAlphaOnly;
@@ -209,7 +210,8 @@ void Context::clear(CGRect rect) {
     if (format_.padding < 0) return;
     IntRect all = shape.bounds();
     for (int y = all.y0; y < all.y1; ++y) {
-        const std::vector<float>& covered = shape.band(y, y + 1, Rasterizer::Rule::nonZero, state().antialias);
+        const std::vector<float>& covered =
+            shape.band(y, y + 1, Rasterizer::Rule::nonZero, state().antialias);
         std::size_t pixelBytes = static_cast<std::size_t>(format_.pixelBits) / 8;
         for (int x = all.x0; x < all.x1; ++x)
             if (covered[static_cast<std::size_t>(x - all.x0)] == 1 && !state().mask)
@@ -319,7 +321,7 @@ void Context::curveTo(CGPoint control1, CGPoint control2, CGPoint end) {
     // A line for about two pixels of the control polygon leaves an error far below a tenth of a pixel.
     double length = std::hypot(p1.x - p0.x, p1.y - p0.y) + std::hypot(p2.x - p1.x, p2.y - p1.y) +
                     std::hypot(p3.x - p2.x, p3.y - p2.y);
-    int steps = std::isfinite(length) ? std::clamp(static_cast<int>(length / 2), 4, 500) : 4;
+    int steps = std::isfinite(length) ? std::clamp(toInt(length / 2), 4, 500) : 4;
     for (int i = 1; i <= steps; ++i) {
         double t = static_cast<double>(i) / steps, u = 1 - t;
         double a = u * u * u, b = 3 * u * u * t, c = 3 * u * t * t, d = t * t * t;
@@ -332,9 +334,7 @@ void Context::closePath() {
     if (!path_.empty()) path_.back().closed = true;
 }
 
-void Context::addRect(CGRect r) {
-    path_.push_back({corners(r, toPixels()), true});
-}
+void Context::addRect(CGRect r) { path_.push_back({corners(r, toPixels()), true}); }
 
 void Context::addEllipse(CGRect rect) {
     CGRect r = CGRectStandardize(rect);

@@ -26,12 +26,13 @@ const Image& checked(CGImageRef ref) {
 ImageRows::ImageRows(CGImageRef ref, const PixelFormat& format, CGColorSpaceRef space) {
     const Image& image = checked(ref);
     PixelReader reader(image, PixelReader::Role::picture, get<ColorSpace>(space), format.bits == 32);
-    if (reader.colors() != format.colors) throw std::invalid_argument("image and layout differ in components");
-    state_.reset(new State{Retained(ref), Retained(space), format, reader, PlaneBuffer(image.width()), nullptr,
-                           PlaneBuffer()});
+    if (reader.colors() != format.colors)
+        throw std::invalid_argument("image and layout differ in components");
+    state_.reset(new State{Retained(ref), Retained(space), format, reader, PlaneBuffer(image.width()),
+                           nullptr, PlaneBuffer()});
     if (Image* mask = get<Image>(image.mask())) {
-        state_->mask = std::make_unique<Sampler>(*mask, Sampler::Role::shape, nullptr, false, stretch(image, *mask),
-                                                 Sampler::Quality::smooth);
+        state_->mask = std::make_unique<Sampler>(*mask, Sampler::Role::shape, nullptr, false,
+                                                 stretch(image, *mask), Sampler::Quality::smooth);
         state_->maskBuffer.resize(image.width());
     }
 }

@@ -11,13 +11,15 @@ namespace {
 std::uint16_t swapBytes(std::uint16_t v) { return __builtin_bswap16(v); }
 std::uint32_t swapBytes(std::uint32_t v) { return __builtin_bswap32(v); }
 
-template <class Word> Word load(const std::uint8_t* p, bool swapped) {
+template <class Word>
+Word load(const std::uint8_t* p, bool swapped) {
     Word word;
     std::memcpy(&word, p, sizeof word);
     return swapped ? swapBytes(word) : word;
 }
 
-template <class Word> void store(std::uint8_t* p, Word word, bool swapped) {
+template <class Word>
+void store(std::uint8_t* p, Word word, bool swapped) {
     if (swapped) word = swapBytes(word);
     std::memcpy(p, &word, sizeof word);
 }
@@ -25,13 +27,15 @@ template <class Word> void store(std::uint8_t* p, Word word, bool swapped) {
 /// Not a number becomes 0.
 float unit(float v) { return v > 0 ? (v < 1 ? v : 1.f) : 0.f; }
 
-template <class Read> void readSamples(float* out, std::size_t n, Read read) {
+template <class Read>
+void readSamples(float* out, std::size_t n, Read read) {
     for (std::size_t i = 0; i < n; ++i) out[i] = read(i);
 }
 
 } // namespace
 
-std::optional<PixelFormat> PixelFormat::of(std::size_t bits, std::size_t pixelBits, int colors, CGBitmapInfo info) {
+std::optional<PixelFormat> PixelFormat::of(std::size_t bits, std::size_t pixelBits, int colors,
+                                           CGBitmapInfo info) {
     CGImageAlphaInfo alphaInfo = info & kCGBitmapAlphaInfoMask;
     CGBitmapInfo order = info & kCGBitmapByteOrderMask;
     bool isFloat = info & kCGBitmapFloatComponents;
@@ -111,7 +115,8 @@ void PixelFormat::unpack(const std::uint8_t* row, std::size_t x, std::size_t n, 
         const std::uint8_t* p = row + x * pixelBytes + static_cast<std::size_t>(offset[k] * bits / 8);
         bool swap = swapped;
         if (bits == 8)
-            readSamples(out[k], n, [=](std::size_t i) { return static_cast<float>(p[i * pixelBytes]) / 255; });
+            readSamples(out[k], n,
+                        [=](std::size_t i) { return static_cast<float>(p[i * pixelBytes]) / 255; });
         else if (bits == 16)
             readSamples(out[k], n, [=](std::size_t i) {
                 return static_cast<float>(load<std::uint16_t>(p + i * pixelBytes, swap)) / 65535;
@@ -124,7 +129,8 @@ void PixelFormat::unpack(const std::uint8_t* row, std::size_t x, std::size_t n, 
 }
 
 void PixelFormat::pack(std::uint8_t* row, std::size_t x, std::size_t n, const Planes& in) const {
-    std::size_t pixelBytes = static_cast<std::size_t>(pixelBits) / 8, sampleBytes = static_cast<std::size_t>(bits) / 8;
+    std::size_t pixelBytes = static_cast<std::size_t>(pixelBits) / 8,
+                sampleBytes = static_cast<std::size_t>(bits) / 8;
     row += x * pixelBytes;
     auto write = [&](int sample, auto value) {
         std::uint8_t* p = row + static_cast<std::size_t>(sample) * sampleBytes;
@@ -139,7 +145,8 @@ void PixelFormat::pack(std::uint8_t* row, std::size_t x, std::size_t n, const Pl
         }
     };
     for (std::size_t k = 0; k < in.size(); ++k)
-        if (offset[k] >= 0 && (k == alphaPlane || static_cast<int>(k) < colors)) write(offset[k], [plane = in[k]](std::size_t i) { return plane[i]; });
+        if (offset[k] >= 0 && (k == alphaPlane || static_cast<int>(k) < colors))
+            write(offset[k], [plane = in[k]](std::size_t i) { return plane[i]; });
     if (padding >= 0) write(padding, [](std::size_t) { return 1.f; });
 }
 

@@ -8,9 +8,9 @@ namespace cg {
 
 /// Reads the pixels of an image as colours of a space, without its mask.
 class PixelReader {
-public:
-    /// A picture has colour and alpha; a shape has only coverage, in the alpha plane: of a mask image what it lets
-    /// through, of a gray image its brightness.
+  public:
+    /// A picture has colour and alpha; a shape has only coverage, in the alpha plane: of a mask image what it
+    /// lets through, of a gray image its brightness.
     enum class Role { picture, shape };
 
     /// The image and the space must outlive the reader; a null space means no matching.
@@ -22,7 +22,7 @@ public:
     /// Pixels x to x+n-1 of a row, with alpha as asked for: straight or premultiplied.
     void read(int x, int y, int n, Alpha alpha, const Planes& out) const;
 
-private:
+  private:
     const Image& image_;
     ColorMatch match_;
     int colors_;

@@ -49,7 +49,8 @@ const std::vector<float>& Rasterizer::band(int y0, int y1, Rule rule, bool antia
     return coverage_;
 }
 
-/// Cuts an edge to the band: what is above or below does not count, what is left or right counts on the border.
+/// Cuts an edge to the band: what is above or below does not count, what is left or right counts on the
+/// border.
 void Rasterizer::addEdge(Point p, Point q) {
     if (p.y == q.y) return;
     double direction = 1;
@@ -76,7 +77,8 @@ void Rasterizer::addEdge(Point p, Point q) {
         if (middle <= 0)
             addClipped({0, begin.y}, {0, end.y}, direction);
         else if (middle < width)
-            addClipped({std::clamp(begin.x, 0., width), begin.y}, {std::clamp(end.x, 0., width), end.y}, direction);
+            addClipped({std::clamp(begin.x, 0., width), begin.y}, {std::clamp(end.x, 0., width), end.y},
+                       direction);
         begin = end;
     }
 }
@@ -103,7 +105,8 @@ void Rasterizer::addClipped(Point p, Point q, double direction) {
         double perPixel = amount / (x1 - x0);
         double before = 0;
         for (std::size_t i = first; i <= last; ++i) {
-            double enter = std::max(x0, static_cast<double>(i)), leave = std::min(x1, static_cast<double>(i + 1));
+            double enter = std::max(x0, static_cast<double>(i)),
+                   leave = std::min(x1, static_cast<double>(i + 1));
             // Passed inside this pixel, on average at (enter + leave) / 2.
             double area = perPixel * (leave - enter) * (static_cast<double>(i + 1) - (enter + leave) / 2);
             double passed = perPixel * (leave - enter);

@@ -11,7 +11,7 @@ using Polygon = std::vector<Point>;
 
 /// How much of each pixel a set of outlines covers, exactly by area for outlines that do not overlap.
 class Rasterizer {
-public:
+  public:
     enum class Rule { nonZero, evenOdd };
 
     /// Nothing outside of `clip` is computed.
@@ -24,7 +24,7 @@ public:
     /// Coverage 0..1 of the rows y0 to y1-1 of bounds(), bounds().width() values each.
     const std::vector<float>& band(int y0, int y1, Rule rule, bool antialias);
 
-private:
+  private:
     struct Edge {
         Point from, to;
     };

@@ -12,7 +12,7 @@ bool isWhole(double v) { return v == std::floor(v); }
 } // namespace
 
 Matrix stretch(const Image& from, const Image& to) {
-    return {static_cast<double>(to.width()) / static_cast<double>(from.width()), 0, 0,
+    return {static_cast<double>(to.width()) / static_cast<double>(from.width()),   0, 0,
             static_cast<double>(to.height()) / static_cast<double>(from.height()), 0, 0};
 }
 
@@ -21,13 +21,15 @@ Sampler::Sampler(const Image& image, Role role, const ColorSpace* space, bool ex
     : reader_(image, role, space, extended), toCells_(toImage), quality_(quality) {
     if (quality == Quality::smooth) {
         auto shrink = [](double footprint) { return std::max(1, toInt(std::round(footprint))); };
-        shrinkX_ = std::min(shrink(std::fabs(toImage.a) + std::fabs(toImage.c)), static_cast<int>(image.width()));
-        shrinkY_ = std::min(shrink(std::fabs(toImage.b) + std::fabs(toImage.d)), static_cast<int>(image.height()));
+        shrinkX_ =
+            std::min(shrink(std::fabs(toImage.a) + std::fabs(toImage.c)), static_cast<int>(image.width()));
+        shrinkY_ =
+            std::min(shrink(std::fabs(toImage.b) + std::fabs(toImage.d)), static_cast<int>(image.height()));
         toCells_ = toImage.then({1. / shrinkX_, 0, 0, 1. / shrinkY_, 0, 0});
     }
     if (Image* mask = get<Image>(image.mask())) {
-        mask_ = std::make_unique<Sampler>(*mask, Role::shape, nullptr, false, toImage.then(stretch(image, *mask)),
-                                          quality);
+        mask_ = std::make_unique<Sampler>(*mask, Role::shape, nullptr, false,
+                                          toImage.then(stretch(image, *mask)), quality);
     }
 }
 
@@ -58,7 +60,8 @@ void Sampler::fetch(const IntRect& cells) {
     auto width = static_cast<std::size_t>(cells.width());
     window_.resize(width * static_cast<std::size_t>(cells.height()));
     bool shrinks = shrinkX_ > 1 || shrinkY_ > 1;
-    int left = cells.x0 * shrinkX_, right = std::min(cells.x1 * shrinkX_, static_cast<int>(reader_.image().width()));
+    int left = cells.x0 * shrinkX_,
+        right = std::min(cells.x1 * shrinkX_, static_cast<int>(reader_.image().width()));
     if (shrinks) source_.resize(static_cast<std::size_t>(right - left));
     for (int j = cells.y0; j < cells.y1; ++j) {
         Planes target = window_.at(static_cast<std::size_t>(j - cells.y0) * width);
@@ -92,8 +95,8 @@ void Sampler::sampleRow(int x, int y, std::size_t n, const Planes& out) const {
     bool copies = toCells_.a == 1 && toCells_.b == 0 && toCells_.c == 0 && toCells_.d == 1 &&
                   isWhole(toCells_.tx) && isWhole(toCells_.ty);
     int firstX = toInt(start.x), sameY = toInt(start.y);
-    copies = copies && firstX >= cells_.x0 && firstX + static_cast<int>(n) <= cells_.x1 && sameY >= cells_.y0 &&
-             sameY < cells_.y1;
+    copies = copies && firstX >= cells_.x0 && firstX + static_cast<int>(n) <= cells_.x1 &&
+             sameY >= cells_.y0 && sameY < cells_.y1;
 
     for (std::size_t k = 0; k < out.size(); ++k) {
         if (k < alphaPlane && static_cast<int>(k) >= colors()) continue;
@@ -103,14 +106,17 @@ void Sampler::sampleRow(int x, int y, std::size_t n, const Planes& out) const {
             continue;
         }
         for (std::size_t i = 0; i < n; ++i) {
-            double u = start.x + toCells_.a * static_cast<double>(i), v = start.y + toCells_.b * static_cast<double>(i);
+            double u = start.x + toCells_.a * static_cast<double>(i),
+                   v = start.y + toCells_.b * static_cast<double>(i);
             if (!nearest) {
                 u -= 0.5;
                 v -= 0.5;
             }
             double floorU = std::floor(u), floorV = std::floor(v);
             auto column = [&](int at) { return std::clamp(at, cells_.x0, lastX) - cells_.x0; };
-            auto line = [&](int at) { return plane + (std::clamp(at, cells_.y0, lastY) - cells_.y0) * width; };
+            auto line = [&](int at) {
+                return plane + (std::clamp(at, cells_.y0, lastY) - cells_.y0) * width;
+            };
             int left = toInt(floorU), top = toInt(floorV);
             if (nearest) {
                 out[k][i] = line(top)[column(left)];

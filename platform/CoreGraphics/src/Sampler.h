@@ -9,11 +9,11 @@ namespace cg {
 /// From pixels of one image to those of another that covers the same area.
 Matrix stretch(const Image& from, const Image& to);
 
-/// Reads an image at transformed positions, as premultiplied colour of a space. Works on areas of the destination,
-/// for which the pixels needed are fetched at once: shrunk by averaging where many fall onto one, so that memory
-/// grows with the area and not with the image.
+/// Reads an image at transformed positions, as premultiplied colour of a space. Works on areas of the
+/// destination, for which the pixels needed are fetched at once: shrunk by averaging where many fall onto
+/// one, so that memory grows with the area and not with the image.
 class Sampler {
-public:
+  public:
     using Role = PixelReader::Role;
     enum class Quality { nearest, smooth };
 
@@ -29,7 +29,7 @@ public:
     /// Colour planes that row() writes.
     int colors() const { return reader_.colors(); }
 
-private:
+  private:
     void fetch(const IntRect& cells);
     void sampleRow(int x, int y, std::size_t n, const Planes& out) const;
 

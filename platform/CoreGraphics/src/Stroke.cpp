@@ -13,7 +13,7 @@ double cross(Point p, Point q) { return p.x * q.y - p.y * q.x; }
 double dot(Point p, Point q) { return p.x * q.x + p.y * q.y; }
 
 class Stroker {
-public:
+  public:
     Stroker(double halfWidth, const Matrix& userToDevice) : half_(halfWidth), toDevice_(userToDevice) {}
 
     void segment(Point p, Point q) {
@@ -39,7 +39,7 @@ public:
 
     std::vector<Polygon> take() { return std::move(outlines_); }
 
-private:
+  private:
     Point normal(Point p, Point q) const {
         Point along = q - p;
         double length = std::hypot(along.x, along.y);
@@ -49,7 +49,8 @@ private:
     void emit(Polygon outline) {
         double area = 0;
         for (Point& p : outline) p = toDevice_.apply(p);
-        for (std::size_t i = 0; i < outline.size(); ++i) area += cross(outline[i], outline[(i + 1) % outline.size()]);
+        for (std::size_t i = 0; i < outline.size(); ++i)
+            area += cross(outline[i], outline[(i + 1) % outline.size()]);
         if (area < 0) std::reverse(outline.begin(), outline.end());
         outlines_.push_back(std::move(outline));
     }
@@ -61,7 +62,8 @@ private:
 
 } // namespace
 
-std::vector<Polygon> strokeOutlines(const std::vector<Subpath>& path, double width, const Matrix& userToDevice) {
+std::vector<Polygon> strokeOutlines(const std::vector<Subpath>& path, double width,
+                                    const Matrix& userToDevice) {
     auto toUser = userToDevice.inverse();
     if (!toUser || !(width > 0)) return {};
     Stroker stroker(width / 2, userToDevice);
@@ -72,7 +74,9 @@ std::vector<Polygon> strokeOutlines(const std::vector<Subpath>& path, double wid
             if (points.empty() || p.x != points.back().x || p.y != points.back().y) points.push_back(p);
         }
         std::size_t n = points.size();
-        if (subpath.closed && n > 1 && points.front().x == points.back().x && points.front().y == points.back().y) --n;
+        if (subpath.closed && n > 1 && points.front().x == points.back().x &&
+            points.front().y == points.back().y)
+            --n;
         if (n < 2) continue;
         std::size_t segments = subpath.closed ? n : n - 1;
         for (std::size_t i = 0; i < segments; ++i) stroker.segment(points[i], points[(i + 1) % n]);

@@ -12,6 +12,7 @@ struct Subpath {
 
 /// The outlines of lines of a width (in user space), butt ends and mitred joins, all turning the same way so
 /// that their union is what the non-zero rule fills. The points are in device space.
-std::vector<Polygon> strokeOutlines(const std::vector<Subpath>& path, double width, const Matrix& userToDevice);
+std::vector<Polygon> strokeOutlines(const std::vector<Subpath>& path, double width,
+                                    const Matrix& userToDevice);
 
 } // namespace cg

@@ -22,8 +22,8 @@ struct Bitmap {
     CGContextRef get() const { return context.get(); }
     /// The bytes of a pixel, counted from the top left.
     const std::uint8_t* at(size_t x, size_t y) const {
-        return static_cast<std::uint8_t*>(CGBitmapContextGetData(get())) + y * CGBitmapContextGetBytesPerRow(get()) +
-               x * CGBitmapContextGetBitsPerPixel(get()) / 8;
+        return static_cast<std::uint8_t*>(CGBitmapContextGetData(get())) +
+               y * CGBitmapContextGetBytesPerRow(get()) + x * CGBitmapContextGetBitsPerPixel(get()) / 8;
     }
     Pixel pixel(size_t x, size_t y) const {
         const std::uint8_t* p = at(x, y);
@@ -36,15 +36,17 @@ struct Bitmap {
 inline cg::Retained<CGImageRef> makeImage(size_t width, size_t height, size_t bits, size_t pixelBits,
                                           CGColorSpaceRef (*space)(), CGBitmapInfo info, const Bytes& bytes) {
     auto meaning = cg::Retained<CGColorSpaceRef>::adopt(space());
-    auto data = cg::Retained<CFDataRef>::adopt(CFDataCreate(nullptr, bytes.data(), static_cast<CFIndex>(bytes.size())));
+    auto data = cg::Retained<CFDataRef>::adopt(
+        CFDataCreate(nullptr, bytes.data(), static_cast<CFIndex>(bytes.size())));
     auto provider = cg::Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithCFData(data.get()));
-    return cg::Retained<CGImageRef>::adopt(CGImageCreate(width, height, bits, pixelBits, (width * pixelBits + 7) / 8,
-                                                         meaning.get(), info, provider.get(), nullptr, false,
-                                                         kCGRenderingIntentDefault));
+    return cg::Retained<CGImageRef>::adopt(
+        CGImageCreate(width, height, bits, pixelBits, (width * pixelBits + 7) / 8, meaning.get(), info,
+                      provider.get(), nullptr, false, kCGRenderingIntentDefault));
 }
 
 inline cg::Retained<CGImageRef> makeMask(size_t width, size_t height, const Bytes& bytes) {
-    auto data = cg::Retained<CFDataRef>::adopt(CFDataCreate(nullptr, bytes.data(), static_cast<CFIndex>(bytes.size())));
+    auto data = cg::Retained<CFDataRef>::adopt(
+        CFDataCreate(nullptr, bytes.data(), static_cast<CFIndex>(bytes.size())));
     auto provider = cg::Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithCFData(data.get()));
     return cg::Retained<CGImageRef>::adopt(
         CGImageMaskCreate(width, height, 8, 8, width, provider.get(), nullptr, false));

@@ -34,9 +34,9 @@ TEST(ColorSpace, NamesAndProfiles) {
 }
 
 TEST(ColorSpace, EveryNameWorks) {
-    for (CFStringRef name : {kCGColorSpaceSRGB, kCGColorSpaceGenericRGB, kCGColorSpaceGenericRGBLinear,
-                             kCGColorSpaceGenericGray, kCGColorSpaceGenericGrayGamma2_2, kCGColorSpaceGenericCMYK,
-                             kCGColorSpaceAdobeRGB1998}) {
+    for (CFStringRef name :
+         {kCGColorSpaceSRGB, kCGColorSpaceGenericRGB, kCGColorSpaceGenericRGBLinear, kCGColorSpaceGenericGray,
+          kCGColorSpaceGenericGrayGamma2_2, kCGColorSpaceGenericCMYK, kCGColorSpaceAdobeRGB1998}) {
         auto space = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateWithName(name));
         EXPECT_TRUE(space);
     }
@@ -48,7 +48,8 @@ TEST(ColorSpace, ImpossibleSpacesAreNull) {
     EXPECT_EQ(CGColorSpaceCreateCalibratedGray(white, nullptr, -1), nullptr);
     EXPECT_EQ(CGColorSpaceCreateCalibratedRGB(white, nullptr, nullptr, singular), nullptr);
     EXPECT_EQ(CGColorSpaceCreateCalibratedRGB(nullptr, nullptr, nullptr, nullptr), nullptr);
-    auto text = Retained<CFDataRef>::adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>("no profile"), 10));
+    auto text =
+        Retained<CFDataRef>::adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>("no profile"), 10));
     EXPECT_EQ(CGColorSpaceCreateWithICCProfile(text.get()), nullptr);
     EXPECT_EQ(CGColorSpaceCreateWithICCProfile(nullptr), nullptr);
     auto gray = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateCalibratedGray(white, nullptr, 2.2f));

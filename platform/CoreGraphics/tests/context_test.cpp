@@ -38,7 +38,8 @@ TEST(BitmapContext, OwnMemoryIsClearedAndAligned) {
 TEST(BitmapContext, RefusesWhatQuartzDoesNotDrawTo) {
     auto rgb = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
     auto create = [&](size_t w, size_t bits, size_t row, CGBitmapInfo info) {
-        return Retained<CGContextRef>::adopt(CGBitmapContextCreate(nullptr, w, 4, bits, row, rgb.get(), info));
+        return Retained<CGContextRef>::adopt(
+            CGBitmapContextCreate(nullptr, w, 4, bits, row, rgb.get(), info));
     };
     EXPECT_FALSE(create(4, 8, 0, kCGImageAlphaLast));
     EXPECT_FALSE(create(4, 8, 0, kCGImageAlphaNone));
@@ -46,8 +47,8 @@ TEST(BitmapContext, RefusesWhatQuartzDoesNotDrawTo) {
     EXPECT_FALSE(create(0, 8, 0, kCGImageAlphaPremultipliedLast));
     EXPECT_FALSE(create(4, 5, 0, kCGImageAlphaPremultipliedLast));
     EXPECT_TRUE(create(4, 16, 0, kCGImageAlphaPremultipliedLast | kCGBitmapByteOrder16Little));
-    EXPECT_TRUE(create(4, 32, 0,
-                       kCGImageAlphaPremultipliedLast | kCGBitmapByteOrder32Little | kCGBitmapFloatComponents));
+    EXPECT_TRUE(create(
+        4, 32, 0, kCGImageAlphaPremultipliedLast | kCGBitmapByteOrder32Little | kCGBitmapFloatComponents));
 }
 
 TEST(BitmapContext, EveryOrderOfBytes) {
@@ -105,19 +106,20 @@ TEST(BitmapContext, BlendModes) {
         Pixel expected;
     };
     // Backdrop 0.8, 0.4, 0.2 opaque; source 0.6, 0.6, 0.6 opaque.
-    const Case cases[] = {{kCGBlendModeMultiply, {122, 61, 31, 255}},   {kCGBlendModeScreen, {235, 194, 173, 255}},
-                          {kCGBlendModeDarken, {153, 102, 51, 255}},    {kCGBlendModeLighten, {204, 153, 153, 255}},
-                          {kCGBlendModeDifference, {51, 51, 102, 255}}, {kCGBlendModeExclusion, {112, 133, 143, 255}},
-                          {kCGBlendModeDestinationOver, {204, 102, 51, 255}},
-                          {kCGBlendModeXOR, {0, 0, 0, 0}},              {kCGBlendModePlusLighter, {255, 255, 204, 255}},
-                          {kCGBlendModeClear, {0, 0, 0, 0}}};
+    const Case cases[] = {
+        {kCGBlendModeMultiply, {122, 61, 31, 255}},         {kCGBlendModeScreen, {235, 194, 173, 255}},
+        {kCGBlendModeDarken, {153, 102, 51, 255}},          {kCGBlendModeLighten, {204, 153, 153, 255}},
+        {kCGBlendModeDifference, {51, 51, 102, 255}},       {kCGBlendModeExclusion, {112, 133, 143, 255}},
+        {kCGBlendModeDestinationOver, {204, 102, 51, 255}}, {kCGBlendModeXOR, {0, 0, 0, 0}},
+        {kCGBlendModePlusLighter, {255, 255, 204, 255}},    {kCGBlendModeClear, {0, 0, 0, 0}}};
     for (const Case& c : cases) {
         Bitmap bitmap(1, 1);
         fill(bitmap, whole(bitmap), 0.8f, 0.4f, 0.2f);
         CGContextSetBlendMode(bitmap.get(), c.mode);
         fill(bitmap, whole(bitmap), 0.6f, 0.6f, 0.6f);
         Pixel p = bitmap.pixel(0, 0);
-        for (size_t k = 0; k < 4; ++k) EXPECT_NEAR(p[k], c.expected[k], 1) << "mode " << c.mode << " component " << k;
+        for (size_t k = 0; k < 4; ++k)
+            EXPECT_NEAR(p[k], c.expected[k], 1) << "mode " << c.mode << " component " << k;
     }
 }
 
@@ -138,7 +140,8 @@ TEST(BitmapContext, TransformAndState) {
     CGContextTranslateCTM(bitmap.get(), 2, 4);
     CGContextScaleCTM(bitmap.get(), 2, 2);
     fill(bitmap, CGRectMake(0, 0, 1, 1), 0, 1, 0);
-    EXPECT_TRUE(CGPointEqualToPoint(CGContextConvertPointToDeviceSpace(bitmap.get(), {1, 1}), CGPointMake(4, 6)));
+    EXPECT_TRUE(
+        CGPointEqualToPoint(CGContextConvertPointToDeviceSpace(bitmap.get(), {1, 1}), CGPointMake(4, 6)));
     CGContextRestoreGState(bitmap.get());
     CGContextRestoreGState(bitmap.get()); // one too many
     EXPECT_TRUE(CGAffineTransformIsIdentity(CGContextGetCTM(bitmap.get())));
@@ -337,7 +340,8 @@ TEST(DrawImage, CMYKBecomesRGB) {
 }
 
 TEST(DrawImage, MasksHideParts) {
-    auto image = makeImage(2, 1, 8, 24, CGColorSpaceCreateDeviceRGB, kCGImageAlphaNone, {255, 0, 0, 0, 255, 0});
+    auto image =
+        makeImage(2, 1, 8, 24, CGColorSpaceCreateDeviceRGB, kCGImageAlphaNone, {255, 0, 0, 0, 255, 0});
     // A gray image shows where it is bright, an image mask where it is dark.
     auto gray = makeImage(2, 1, 8, 8, CGColorSpaceCreateDeviceGray, kCGImageAlphaNone, {255, 0});
     auto mask = makeMask(2, 1, {0, 255});
@@ -348,7 +352,8 @@ TEST(DrawImage, MasksHideParts) {
         CGContextDrawImage(bitmap.get(), whole(bitmap), masked.get());
         EXPECT_EQ(bitmap.pixel(0, 0), (Pixel{255, 0, 0, 255}));
         EXPECT_EQ(bitmap.pixel(1, 0), (Pixel{0, 0, 0, 0}));
-        auto part = Retained<CGImageRef>::adopt(CGImageCreateWithImageInRect(masked.get(), CGRectMake(1, 0, 1, 1)));
+        auto part =
+            Retained<CGImageRef>::adopt(CGImageCreateWithImageInRect(masked.get(), CGRectMake(1, 0, 1, 1)));
         Bitmap second(1, 1);
         CGContextDrawImage(second.get(), whole(second), part.get());
         EXPECT_EQ(second.pixel(0, 0), (Pixel{0, 0, 0, 0}));
@@ -396,8 +401,8 @@ TEST(DrawImage, ContextsMakeIndependentImages) {
 }
 
 TEST(DrawImage, AlphaOnlyContextsKeepCoverage) {
-    auto context = Retained<CGContextRef>::adopt(
-        CGBitmapContextCreate(nullptr, 2, 1, 8, 0, nullptr, kCGImageAlphaOnly));
+    auto context =
+        Retained<CGContextRef>::adopt(CGBitmapContextCreate(nullptr, 2, 1, 8, 0, nullptr, kCGImageAlphaOnly));
     ASSERT_TRUE(context);
     CGContextSetRGBFillColor(context.get(), 1, 0, 0, 0.5f);
     CGContextFillRect(context.get(), CGRectMake(0, 0, 1, 1));

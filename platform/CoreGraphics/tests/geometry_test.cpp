@@ -77,7 +77,8 @@ TEST(AffineTransform, InverseUndoes) {
 }
 
 TEST(AffineTransform, RectBecomesItsBoundingBox) {
-    CGRect r = CGRectApplyAffineTransform(CGRectMake(0, 0, 2, 1), CGAffineTransformMakeRotation(float(M_PI / 2)));
+    CGRect r =
+        CGRectApplyAffineTransform(CGRectMake(0, 0, 2, 1), CGAffineTransformMakeRotation(float(M_PI / 2)));
     EXPECT_NEAR(r.origin.x, -1, 1e-6);
     EXPECT_NEAR(r.origin.y, 0, 1e-6);
     EXPECT_NEAR(r.size.width, 1, 1e-6);

@@ -17,8 +17,8 @@ Retained<CGImageRef> rgba(size_t width, size_t height, const Bytes& bytes) {
 TEST(DataProvider, CallsReleaseOnceInTheEnd) {
     static const char bytes[] = "abcd";
     released = 0;
-    CGDataProviderRef provider = CGDataProviderCreateWithData(
-        &released, bytes, 4, [](void* info, const void* data, size_t size) {
+    CGDataProviderRef provider =
+        CGDataProviderCreateWithData(&released, bytes, 4, [](void* info, const void* data, size_t size) {
             EXPECT_EQ(data, bytes);
             EXPECT_EQ(size, 4u);
             ++*static_cast<int*>(info);
@@ -45,8 +45,8 @@ TEST(Image, AnswersHowItWasMade) {
 }
 
 TEST(Image, RefusesWhatCannotBe) {
-    EXPECT_FALSE(rgba(2, 3, Bytes(23)));   // a byte is missing
-    EXPECT_FALSE(rgba(0, 3, Bytes(24)));   // no area
+    EXPECT_FALSE(rgba(2, 3, Bytes(23)));                       // a byte is missing
+    EXPECT_FALSE(rgba(0, 3, Bytes(24)));                       // no area
     EXPECT_FALSE(rgba(SIZE_MAX / 2, SIZE_MAX / 2, Bytes(24))); // would wrap around
     EXPECT_FALSE(makeImage(2, 2, 8, 16, CGColorSpaceCreateDeviceRGB, kCGImageAlphaNone, Bytes(64)));
     EXPECT_FALSE(makeImage(2, 2, 5, 16, CGColorSpaceCreateDeviceRGB, kCGImageAlphaNone, Bytes(64)));
@@ -59,7 +59,8 @@ TEST(Image, PartsShareTheBytes) {
     Bytes bytes(4 * 4 * 4);
     for (size_t i = 0; i < 16; ++i) bytes[i * 4] = std::uint8_t(i), bytes[i * 4 + 3] = 255;
     auto image = rgba(4, 4, bytes);
-    auto part = Retained<CGImageRef>::adopt(CGImageCreateWithImageInRect(image.get(), CGRectMake(1, 2, 2, 2)));
+    auto part =
+        Retained<CGImageRef>::adopt(CGImageCreateWithImageInRect(image.get(), CGRectMake(1, 2, 2, 2)));
     ASSERT_TRUE(part);
     EXPECT_EQ(CGImageGetWidth(part.get()), 2u);
     auto data = Retained<CFDataRef>::adopt(CGDataProviderCopyData(CGImageGetDataProvider(part.get())));
@@ -71,7 +72,8 @@ TEST(Image, PartsShareTheBytes) {
 TEST(Image, PartOfABitImageBeginsAtItsBit) {
     // 10 pixels of 1 bit: 0110 1001 11
     auto image = makeImage(10, 1, 1, 1, CGColorSpaceCreateDeviceGray, kCGImageAlphaNone, {0x69, 0xc0});
-    auto part = Retained<CGImageRef>::adopt(CGImageCreateWithImageInRect(image.get(), CGRectMake(3, 0, 7, 1)));
+    auto part =
+        Retained<CGImageRef>::adopt(CGImageCreateWithImageInRect(image.get(), CGRectMake(3, 0, 7, 1)));
     Bitmap target(7, 1, kCGImageAlphaNone, CGColorSpaceCreateDeviceGray);
     CGContextDrawImage(target.get(), CGRectMake(0, 0, 7, 1), part.get());
     const int expected[] = {0, 255, 0, 0, 255, 255, 255};

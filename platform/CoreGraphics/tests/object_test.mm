@@ -31,7 +31,7 @@ TEST(Objects, LiveInDictionaries) {
 
 TEST(Objects, WrongTypesAreNull) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    EXPECT_EQ(CGColorSpaceGetNumberOfComponents((CGColorSpaceRef)@"text"), 0u);
+    EXPECT_EQ(CGColorSpaceGetNumberOfComponents((CGColorSpaceRef) @"text"), 0u);
     Bitmap bitmap(1, 1);
     EXPECT_EQ(CGImageGetWidth((CGImageRef)bitmap.get()), 0u);
     [pool release];
@@ -53,7 +53,8 @@ TEST(Objects, AreCountedAndLeaveNothingBehind) {
         CGContextSetRGBFillColor(bitmap.get(), 1, 0, 0, 1);
         CGContextFillRect(bitmap.get(), CGRectMake(0, 0, 4, 4));
         auto image = cg::Retained<CGImageRef>::adopt(CGBitmapContextCreateImage(bitmap.get()));
-        auto part = cg::Retained<CGImageRef>::adopt(CGImageCreateWithImageInRect(image.get(), CGRectMake(1, 1, 2, 2)));
+        auto part = cg::Retained<CGImageRef>::adopt(
+            CGImageCreateWithImageInRect(image.get(), CGRectMake(1, 1, 2, 2)));
         EXPECT_EQ(liveCount("CGImage"), images + 2);
         EXPECT_EQ(liveCount("CGContext"), contexts + 1);
     }

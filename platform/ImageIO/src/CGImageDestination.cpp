@@ -31,13 +31,15 @@ static const Type* typeNamed(CFStringRef name) {
 }
 
 class ImageDestination final : public cg::Payload {
-public:
+  public:
     using Ref = CGImageDestinationRef;
 
-    /// Writes to the file, or appends to the data. Throws std::invalid_argument for an unknown type or no target.
+    /// Writes to the file, or appends to the data. Throws std::invalid_argument for an unknown type or no
+    /// target.
     ImageDestination(std::string path, CFMutableDataRef data, CFStringRef typeName, std::size_t count)
         : Payload(&live), path_(std::move(path)), data_(data), type_(typeNamed(typeName)), count_(count) {
-        if (!type_ || !count || (count > 1 && !type_->several)) throw std::invalid_argument("cannot be written");
+        if (!type_ || !count || (count > 1 && !type_->several))
+            throw std::invalid_argument("cannot be written");
         if (path_.empty() && !data) throw std::invalid_argument("nowhere to write");
     }
 
@@ -57,7 +59,7 @@ public:
         return !file.empty() && store(file);
     }
 
-private:
+  private:
     struct Added {
         cg::Retained<CGImageRef> image;
         cg::Retained<CFDictionaryRef> properties;
@@ -118,7 +120,9 @@ ImageDestination::Page ImageDestination::prepare(const Added& added) const {
     std::size_t width = s.width, bytes = s.rowBytes();
     auto colors = static_cast<std::size_t>(s.colors);
     if (!onWhite) {
-        s.rows = [=](std::size_t first, std::size_t count, std::uint8_t* out) { rows->read(first, count, out, bytes); };
+        s.rows = [=](std::size_t first, std::size_t count, std::uint8_t* out) {
+            rows->read(first, count, out, bytes);
+        };
         return page;
     }
     s.rows = [=](std::size_t first, std::size_t count, std::uint8_t* out) {
@@ -127,7 +131,8 @@ ImageDestination::Page ImageDestination::prepare(const Added& added) const {
             rows->read(y, 1, row.data(), row.size());
             for (std::size_t x = 0; x < width; ++x)
                 for (std::size_t k = 0; k < colors; ++k)
-                    *out++ = static_cast<std::uint8_t>(row[x * (colors + 1) + k] + 255 - row[x * (colors + 1) + colors]);
+                    *out++ = static_cast<std::uint8_t>(row[x * (colors + 1) + k] + 255 -
+                                                       row[x * (colors + 1) + colors]);
         }
     };
     return page;
@@ -154,7 +159,8 @@ CGImageDestinationRef CGImageDestinationCreateWithURL(CFURLRef url, CFStringRef 
     return cg::guarded([&]() -> CGImageDestinationRef {
         auto path = cg::Retained<CFStringRef>::adopt(CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle));
         char name[4096];
-        if (!path || !CFStringGetCString(path.get(), name, sizeof name, kCFStringEncodingUTF8)) return nullptr;
+        if (!path || !CFStringGetCString(path.get(), name, sizeof name, kCFStringEncodingUTF8))
+            return nullptr;
         return cg::make<ImageDestination>(std::string(name), nullptr, type, count);
     });
 }
@@ -164,7 +170,8 @@ CGImageDestinationRef CGImageDestinationCreateWithData(CFMutableDataRef data, CF
     return cg::make<ImageDestination>(std::string(), data, type, count);
 }
 
-void CGImageDestinationAddImage(CGImageDestinationRef destination, CGImageRef image, CFDictionaryRef properties) {
+void CGImageDestinationAddImage(CGImageDestinationRef destination, CGImageRef image,
+                                CFDictionaryRef properties) {
     if (ImageDestination* self = cg::get<ImageDestination>(destination))
         cg::guarded([&] { self->add(image, properties); });
 }

@@ -4,7 +4,7 @@
 
 #include "CGImageProperties.h"
 
-#define KEY(symbol, text) const CFStringRef symbol = (CFStringRef)@text
+#define KEY(symbol, text) const CFStringRef symbol = (CFStringRef) @text
 
 KEY(kCGImagePropertyPixelWidth, "PixelWidth");
 KEY(kCGImagePropertyPixelHeight, "PixelHeight");
@@ -30,10 +30,14 @@ namespace imageio {
 
 static CFStringRef modelName(color::Model model) {
     switch (model) {
-    case color::Model::gray: return kCGImagePropertyColorModelGray;
-    case color::Model::cmyk: return kCGImagePropertyColorModelCMYK;
-    case color::Model::lab: return kCGImagePropertyColorModelLab;
-    case color::Model::rgb: break;
+    case color::Model::gray:
+        return kCGImagePropertyColorModelGray;
+    case color::Model::cmyk:
+        return kCGImagePropertyColorModelCMYK;
+    case color::Model::lab:
+        return kCGImagePropertyColorModelLab;
+    case color::Model::rgb:
+        break;
     }
     return kCGImagePropertyColorModelRGB;
 }

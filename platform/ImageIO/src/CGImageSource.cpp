@@ -9,7 +9,7 @@ namespace imageio {
 static cg::LiveCount live("CGImageSource");
 
 class ImageSource final : public cg::Payload {
-public:
+  public:
     using Ref = CGImageSourceRef;
 
     /// Throws Damaged for bytes of no known format.
@@ -32,7 +32,7 @@ public:
         return format_->decode(bytes_, index, pixels);
     }
 
-private:
+  private:
     cg::Retained<CGDataProviderRef> provider_;
     cg::Retained<CFStringRef> type_;
     Bytes bytes_;
@@ -52,8 +52,9 @@ static CGImageRef makeImage(const Decoded& decoded) {
     auto space = cg::Retained<CGColorSpaceRef>::adopt(cg::makeColorSpace(decoded.info.space));
     auto provider = cg::Retained<CGDataProviderRef>::adopt(cg::makeProvider(p.bytes.get(), p.size, p.bytes));
     auto bits = static_cast<std::size_t>(p.bits);
-    return CGImageCreate(decoded.info.width, decoded.info.height, bits, bits * static_cast<std::size_t>(p.samples),
-                         p.rowBytes, space.get(), info, provider.get(), nullptr, true, kCGRenderingIntentDefault);
+    return CGImageCreate(decoded.info.width, decoded.info.height, bits,
+                         bits * static_cast<std::size_t>(p.samples), p.rowBytes, space.get(), info,
+                         provider.get(), nullptr, true, kCGRenderingIntentDefault);
 }
 
 } // namespace imageio
@@ -85,7 +86,8 @@ CGImageRef CGImageSourceCreateImageAtIndex(CGImageSourceRef source, size_t index
     return self ? cg::guarded([&] { return makeImage(self->decode(index, true)); }) : nullptr;
 }
 
-CFDictionaryRef CGImageSourceCopyPropertiesAtIndex(CGImageSourceRef source, size_t index, CFDictionaryRef options) {
+CFDictionaryRef CGImageSourceCopyPropertiesAtIndex(CGImageSourceRef source, size_t index,
+                                                   CFDictionaryRef options) {
     ImageSource* self = cg::get<ImageSource>(source);
     return self ? cg::guarded([&] { return makeProperties(self->decode(index, false).info); }) : nullptr;
 }

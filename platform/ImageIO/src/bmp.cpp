@@ -12,7 +12,7 @@ enum Compression { rgb = 0, rle8 = 1, rle4 = 2, bitFields = 3, alphaBitFields = 
 
 /// Little-endian numbers of the file; beyond its end is damage.
 class Fields {
-public:
+  public:
     explicit Fields(Bytes file) : file_(file) {}
     std::uint32_t byte(std::size_t at) const {
         if (at >= file_.size()) throw Damaged("BMP is cut off");
@@ -26,7 +26,7 @@ public:
         return file_.subspan(at, size);
     }
 
-private:
+  private:
     Bytes file_;
 };
 
@@ -74,11 +74,12 @@ struct Header {
             if (depth == 32) masks = {{{0xFF0000}, {0xFF00}, {0xFF}, {0}}};
         }
         if (size >= 124 && f.u32(70) == 0x4D424544) icc = f.bytes(14 + f.u32(126), f.u32(130)); // "MBED"
-        bool known = compression == rgb          ? depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32
-                     : compression == rle8       ? depth == 8 && !topDown
-                     : compression == rle4       ? depth == 4 && !topDown
-                     : masked                    ? depth == 16 || depth == 32
-                                                 : false;
+        bool known = compression == rgb
+                         ? depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32
+                     : compression == rle8 ? depth == 8 && !topDown
+                     : compression == rle4 ? depth == 4 && !topDown
+                     : masked              ? depth == 16 || depth == 32
+                                           : false;
         if (!known) throw Damaged("unknown kind of BMP");
     }
 
@@ -109,7 +110,8 @@ std::vector<std::uint8_t> unpackRuns(const Header& h) {
     std::vector<std::uint8_t> out(h.width * h.height);
     std::size_t at = h.offset, x = 0, line = 0;
     auto put = [&](std::uint32_t color) {
-        if (x < h.width && line < h.height) out[h.rowOf(line) * h.width + x] = static_cast<std::uint8_t>(color);
+        if (x < h.width && line < h.height)
+            out[h.rowOf(line) * h.width + x] = static_cast<std::uint8_t>(color);
         ++x;
     };
     while (line < h.height || h.fields.byte(at) == 0) {
@@ -147,7 +149,8 @@ void readIndexed(const Header& h, const Pixels& out) {
     std::size_t rowBytes = (h.width * static_cast<std::size_t>(h.depth) + 31) / 32 * 4;
     for (std::size_t line = 0; line < h.height; ++line) {
         std::size_t y = h.rowOf(line);
-        const std::uint8_t* packed = runs.empty() ? h.fields.bytes(h.offset + line * rowBytes, rowBytes).data() : nullptr;
+        const std::uint8_t* packed =
+            runs.empty() ? h.fields.bytes(h.offset + line * rowBytes, rowBytes).data() : nullptr;
         std::uint8_t* to = out.row(y);
         for (std::size_t x = 0; x < h.width; ++x, to += 4) {
             std::size_t index;

@@ -40,7 +40,8 @@ void setProfile(Info& info, Bytes icc, int components, color::ColorSpacePtr miss
 void setExif(Info& info, Bytes exif) {
     static constexpr char mark[] = "Exif\0";
     constexpr std::size_t markSize = sizeof mark;
-    if (exif.size() > markSize && std::equal(mark, mark + markSize, exif.begin())) exif = exif.subspan(markSize);
+    if (exif.size() > markSize && std::equal(mark, mark + markSize, exif.begin()))
+        exif = exif.subspan(markSize);
     info.exif.assign(exif.begin(), exif.end());
 
     // The library wants the mark, wherever the block comes from.

@@ -42,7 +42,8 @@ struct Info {
     std::vector<std::uint8_t> exif;
 };
 
-/// Pixels as in the file, interleaved, tightly packed, the top row first, components in the machine's byte order.
+/// Pixels as in the file, interleaved, tightly packed, the top row first, components in the machine's byte
+/// order.
 struct Pixels {
     /// 8, 16 or 32 (float).
     int bits = 8;
@@ -82,8 +83,8 @@ const Format* formatOf(Bytes file);
 
 /// Throws Damaged for a size of zero, or more than 2^28 pixels.
 void checkSize(std::uint64_t width, std::uint64_t height);
-/// The embedded profile as the space of `info`, if it is one for `components`; otherwise `missing`. An unusable
-/// profile counts as none.
+/// The embedded profile as the space of `info`, if it is one for `components`; otherwise `missing`. An
+/// unusable profile counts as none.
 void setProfile(Info& info, Bytes icc, int components, color::ColorSpacePtr missing);
 /// Keeps the block and reads the orientation from it.
 void setExif(Info& info, Bytes exif);

@@ -21,7 +21,9 @@ struct Writer {
         exif.insert(exif.end(), block.begin(), block.end());
         info.err = jpeg_std_error(&errors);
         info.client_data = this;
-        errors.error_exit = [](j_common_ptr c) { std::longjmp(static_cast<Writer*>(c->client_data)->escape, 1); };
+        errors.error_exit = [](j_common_ptr c) {
+            std::longjmp(static_cast<Writer*>(c->client_data)->escape, 1);
+        };
         errors.output_message = [](j_common_ptr) {};
     }
     ~Writer() {
@@ -53,7 +55,8 @@ bool Writer::run() {
     auto quality = static_cast<int>(std::lround(std::clamp(source.quality, 0., 1.) * 100));
     jpeg_set_quality(&info, quality, TRUE);
     // Fine colours are kept where quality is asked for.
-    if (quality >= 90 && source.colors == 3) info.comp_info[0].h_samp_factor = info.comp_info[0].v_samp_factor = 1;
+    if (quality >= 90 && source.colors == 3)
+        info.comp_info[0].h_samp_factor = info.comp_info[0].v_samp_factor = 1;
     info.density_unit = 1;
     info.X_density = static_cast<UINT16>(std::clamp(std::lround(source.dpiX), 1l, 65535l));
     info.Y_density = static_cast<UINT16>(std::clamp(std::lround(source.dpiY), 1l, 65535l));
@@ -82,8 +85,9 @@ std::vector<std::uint8_t> encodeJPEG(std::span<const Source> images) {
 
 std::vector<std::uint8_t> orientationBlock(int orientation) {
     // TIFF's header, big-endian, and one entry: tag 0x112, type short, count 1.
-    return {'M', 'M', 0, 42, 0, 0, 0, 8, 0, 1, 0x01, 0x12, 0, 3, 0, 0, 0, 1, 0, static_cast<std::uint8_t>(orientation), 0,
-            0,   0,   0, 0,  0};
+    return {'M',  'M',  0, 42, 0, 0, 0, 8, 0, 1,
+            0x01, 0x12, 0, 3,  0, 0, 0, 1, 0, static_cast<std::uint8_t>(orientation),
+            0,    0,    0, 0,  0, 0};
 }
 
 } // namespace imageio

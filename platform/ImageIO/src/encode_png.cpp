@@ -11,9 +11,11 @@ namespace imageio {
 
 namespace {
 
-/// The library's errors jump back to run(); what is thrown for lack of memory inside a callback is turned into one.
+/// The library's errors jump back to run(); what is thrown for lack of memory inside a callback is turned
+/// into one.
 struct Writer {
-    explicit Writer(const Source& source) : source(source), row(source.rowBytes()), exif(orientationBlock(source.orientation)) {}
+    explicit Writer(const Source& source)
+        : source(source), row(source.rowBytes()), exif(orientationBlock(source.orientation)) {}
     ~Writer() { png_destroy_write_struct(&png, &info); }
 
     static void fail(png_structp png, png_const_charp) {
@@ -48,8 +50,9 @@ bool Writer::run() {
     if (!info) return false;
     png_set_write_fn(png, this, take, [](png_structp) {});
     int type = (source.colors == 3 ? PNG_COLOR_MASK_COLOR : 0) | (source.hasAlpha ? PNG_COLOR_MASK_ALPHA : 0);
-    png_set_IHDR(png, info, static_cast<png_uint_32>(source.width), static_cast<png_uint_32>(source.height), source.bits,
-                 type, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_set_IHDR(png, info, static_cast<png_uint_32>(source.width), static_cast<png_uint_32>(source.height),
+                 source.bits, type, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+                 PNG_FILTER_TYPE_DEFAULT);
     // A profile that the library does not like is left out, the picture is written all the same.
     png_set_benign_errors(png, 1);
     if (source.isSRGB)

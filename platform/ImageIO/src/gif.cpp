@@ -41,7 +41,8 @@ GraphicsControlBlock control(GifFileType* gif, int index) {
 }
 
 /// Calls put(pixel, index) for the pixels of a frame that lie on the canvas.
-template <class Put> void forEachPixel(const GifFileType* gif, const SavedImage& frame, const Pixels& canvas, Put put) {
+template <class Put>
+void forEachPixel(const GifFileType* gif, const SavedImage& frame, const Pixels& canvas, Put put) {
     const GifImageDesc& d = frame.ImageDesc;
     for (int y = 0; y < d.Height && d.Top + y < gif->SHeight; ++y)
         for (int x = 0; x < d.Width && d.Left + x < gif->SWidth; ++x)
@@ -89,7 +90,8 @@ Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
         draw(gif.get(), i, canvas);
         if (i == static_cast<int>(index)) break;
         if (disposal == DISPOSE_BACKGROUND)
-            forEachPixel(gif.get(), gif->SavedImages[i], canvas, [](std::uint8_t* p, int) { std::memset(p, 0, 4); });
+            forEachPixel(gif.get(), gif->SavedImages[i], canvas,
+                         [](std::uint8_t* p, int) { std::memset(p, 0, 4); });
         else if (disposal == DISPOSE_PREVIOUS)
             std::memcpy(canvas.bytes.get(), before.data(), before.size());
     }
@@ -106,7 +108,8 @@ Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
 std::size_t count(Bytes bytes) { return static_cast<std::size_t>(open(bytes)->ImageCount); }
 
 bool recognises(Bytes file) {
-    return file.size() >= 6 && (std::memcmp(file.data(), "GIF87a", 6) == 0 || std::memcmp(file.data(), "GIF89a", 6) == 0);
+    return file.size() >= 6 &&
+           (std::memcmp(file.data(), "GIF87a", 6) == 0 || std::memcmp(file.data(), "GIF89a", 6) == 0);
 }
 
 } // namespace

@@ -18,7 +18,9 @@ struct Reader {
     explicit Reader(Bytes file) : file(file) {
         info.err = jpeg_std_error(&errors);
         info.client_data = this;
-        errors.error_exit = [](j_common_ptr c) { std::longjmp(static_cast<Reader*>(c->client_data)->escape, 1); };
+        errors.error_exit = [](j_common_ptr c) {
+            std::longjmp(static_cast<Reader*>(c->client_data)->escape, 1);
+        };
         // Level -1 says that data are damaged; the library would go on with guesses.
         errors.emit_message = [](j_common_ptr c, int level) {
             if (level < 0 && !isHarmless(c->err->msg_code)) c->err->error_exit(c);
@@ -57,10 +59,17 @@ bool Reader::readHeader() {
     jpeg_save_markers(&info, JPEG_APP0 + 2, 0xFFFF);
     jpeg_read_header(&info, TRUE);
     switch (info.num_components) {
-    case 1: info.out_color_space = JCS_GRAYSCALE; break;
-    case 3: info.out_color_space = JCS_EXT_RGBX; break;
-    case 4: info.out_color_space = JCS_CMYK; break;
-    default: return false;
+    case 1:
+        info.out_color_space = JCS_GRAYSCALE;
+        break;
+    case 3:
+        info.out_color_space = JCS_EXT_RGBX;
+        break;
+    case 4:
+        info.out_color_space = JCS_CMYK;
+        break;
+    default:
+        return false;
     }
     jpeg_read_icc_profile(&info, &icc, &iccSize);
     return true;
@@ -94,7 +103,8 @@ Decoded decode(Bytes file, std::size_t, bool wantsPixels) {
     }
     for (jpeg_saved_marker_ptr marker = jpeg.marker_list; marker; marker = marker->next) {
         Bytes data(marker->data, marker->data_length);
-        if (marker->marker == JPEG_APP0 + 1 && data.size() > 6 && std::equal(data.begin(), data.begin() + 4, "Exif")) {
+        if (marker->marker == JPEG_APP0 + 1 && data.size() > 6 &&
+            std::equal(data.begin(), data.begin() + 4, "Exif")) {
             setExif(info, data);
             break;
         }
@@ -116,7 +126,9 @@ Decoded decode(Bytes file, std::size_t, bool wantsPixels) {
     return result;
 }
 
-bool recognises(Bytes file) { return file.size() >= 3 && file[0] == 0xFF && file[1] == 0xD8 && file[2] == 0xFF; }
+bool recognises(Bytes file) {
+    return file.size() >= 3 && file[0] == 0xFF && file[1] == 0xD8 && file[2] == 0xFF;
+}
 
 } // namespace
 

@@ -70,17 +70,19 @@ color::ColorSpacePtr calibrated(Reader& reader, bool gray) {
     if (!primaries) {
         if (isSRGBGamma) return nullptr;
         // sRGB's own.
-        rx = 0.4124, ry = 0.2126, rz = 0.0193, gx = 0.3576, gy = 0.7152, gz = 0.1192, bx = 0.1805, by = 0.0722,
-        bz = 0.9505;
-    } else if (isSRGBGamma && std::fabs(rx - 0.4124) + std::fabs(gy - 0.7152) + std::fabs(bz - 0.9505) < 0.005) {
+        rx = 0.4124, ry = 0.2126, rz = 0.0193, gx = 0.3576, gy = 0.7152, gz = 0.1192, bx = 0.1805,
+        by = 0.0722, bz = 0.9505;
+    } else if (isSRGBGamma &&
+               std::fabs(rx - 0.4124) + std::fabs(gy - 0.7152) + std::fabs(bz - 0.9505) < 0.005) {
         return nullptr;
     }
     double y = ry + gy + by;
     color::ColorSpace::Triple white = {(rx + gx + bx) / y, 1, (rz + gz + bz) / y};
     try {
         if (gray) return color::ColorSpace::calibratedGray(white, {}, 1 / gamma);
-        return color::ColorSpace::calibratedRGB(white, {}, {1 / gamma, 1 / gamma, 1 / gamma},
-                                                {rx / y, ry / y, rz / y, gx / y, gy / y, gz / y, bx / y, by / y, bz / y});
+        return color::ColorSpace::calibratedRGB(
+            white, {}, {1 / gamma, 1 / gamma, 1 / gamma},
+            {rx / y, ry / y, rz / y, gx / y, gy / y, gz / y, bx / y, by / y, bz / y});
     } catch (const std::invalid_argument&) {
         return nullptr;
     }
@@ -101,7 +103,8 @@ void readColors(Reader& reader, Info& info, bool gray) {
     info.space = told ? told : plain;
 }
 
-/// What all the readings of header fields need: errors jump to the caller's setjmp, so there is one more here.
+/// What all the readings of header fields need: errors jump to the caller's setjmp, so there is one more
+/// here.
 bool readFields(Reader& reader, Info& info, Pixels& pixels, int& passes) {
     png_structp png = reader.png;
     png_infop in = reader.info;

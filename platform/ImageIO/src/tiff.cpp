@@ -38,9 +38,12 @@ struct Tags {
     int colors() const {
         switch (photometric) {
         case PHOTOMETRIC_MINISWHITE:
-        case PHOTOMETRIC_MINISBLACK: return 1;
-        case PHOTOMETRIC_SEPARATED: return 4;
-        default: return 3;
+        case PHOTOMETRIC_MINISBLACK:
+            return 1;
+        case PHOTOMETRIC_SEPARATED:
+            return 4;
+        default:
+            return 3;
         }
     }
     bool isFloat() const { return format == SAMPLEFORMAT_IEEEFP; }
@@ -53,13 +56,15 @@ struct Tags {
 
     TIFF* tiff;
     std::uint32_t width = 0, height = 0;
-    std::uint16_t bits = 1, samples = 1, format = SAMPLEFORMAT_UINT, planar = PLANARCONFIG_CONTIG, photometric = 0;
+    std::uint16_t bits = 1, samples = 1, format = SAMPLEFORMAT_UINT, planar = PLANARCONFIG_CONTIG,
+                  photometric = 0;
     Alpha alpha = Alpha::none;
 };
 
-/// Copies the samples of one strip or tile to their places. With separate planes, `plane` is the sample they are.
-void place(const Tags& tags, const Pixels& out, const std::uint8_t* chunk, std::size_t chunkRowBytes, std::uint32_t x0,
-           std::uint32_t y0, std::uint32_t width, std::uint32_t height, int plane) {
+/// Copies the samples of one strip or tile to their places. With separate planes, `plane` is the sample they
+/// are.
+void place(const Tags& tags, const Pixels& out, const std::uint8_t* chunk, std::size_t chunkRowBytes,
+           std::uint32_t x0, std::uint32_t y0, std::uint32_t width, std::uint32_t height, int plane) {
     auto bytes = static_cast<std::size_t>(out.bits / 8);
     bool separate = tags.planar == PLANARCONFIG_SEPARATE;
     std::size_t stride = separate ? bytes : bytes * tags.samples;
@@ -71,7 +76,8 @@ void place(const Tags& tags, const Pixels& out, const std::uint8_t* chunk, std::
             if (separate && s != plane) continue;
             const std::uint8_t* p = from + (separate ? 0 : static_cast<std::size_t>(s) * bytes);
             std::uint8_t* q = to + static_cast<std::size_t>(s) * bytes;
-            for (std::uint32_t x = 0; x < width; ++x, p += stride, q += bytes * static_cast<std::size_t>(out.samples))
+            for (std::uint32_t x = 0; x < width;
+                 ++x, p += stride, q += bytes * static_cast<std::size_t>(out.samples))
                 std::memcpy(q, p, bytes);
         }
     }
@@ -99,12 +105,14 @@ void readPlain(const Tags& tags, Pixels& out) {
     for (int plane = 0; plane < planes; ++plane)
         for (std::uint32_t y = 0; y < tags.height; y += chunkHeight)
             for (std::uint32_t x = 0; x < tags.width; x += chunkWidth) {
-                std::uint32_t width = std::min(chunkWidth, tags.width - x), height = std::min(chunkHeight, tags.height - y);
+                std::uint32_t width = std::min(chunkWidth, tags.width - x),
+                              height = std::min(chunkHeight, tags.height - y);
                 auto sample = static_cast<std::uint16_t>(plane);
                 // The last strip is as long as the rows that are left; tiles are always whole.
                 tmsize_t needed = tiled ? chunkSize : rowBytes * static_cast<tmsize_t>(height);
                 tmsize_t got = tiled ? TIFFReadTile(tiff, chunk.get(), x, y, 0, sample)
-                                     : TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, sample), chunk.get(), needed);
+                                     : TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, sample),
+                                                            chunk.get(), needed);
                 if (got < needed) throw Damaged("TIFF data");
                 place(tags, out, chunk.get(), static_cast<std::size_t>(rowBytes), x, y, width, height, plane);
             }
@@ -148,8 +156,8 @@ Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
     float x = 0, y = 0;
     std::uint16_t unit = RESUNIT_INCH, orientation = 0;
     TIFFGetFieldDefaulted(tiff.get(), TIFFTAG_RESOLUTIONUNIT, &unit);
-    if (TIFFGetField(tiff.get(), TIFFTAG_XRESOLUTION, &x) && TIFFGetField(tiff.get(), TIFFTAG_YRESOLUTION, &y) &&
-        unit != RESUNIT_NONE) {
+    if (TIFFGetField(tiff.get(), TIFFTAG_XRESOLUTION, &x) &&
+        TIFFGetField(tiff.get(), TIFFTAG_YRESOLUTION, &y) && unit != RESUNIT_NONE) {
         double inch = unit == RESUNIT_CENTIMETER ? 2.54 : 1;
         info.dpiX = x * inch;
         info.dpiY = y * inch;

@@ -10,7 +10,8 @@ namespace {
 tmsize_t read(thandle_t handle, void* out, tmsize_t wanted) {
     auto* file = static_cast<MemoryFile*>(handle);
     const std::uint8_t* data = file->output ? file->output->data() : file->bytes.data();
-    std::size_t left = file->position < file->size() ? file->size() - static_cast<std::size_t>(file->position) : 0;
+    std::size_t left =
+        file->position < file->size() ? file->size() - static_cast<std::size_t>(file->position) : 0;
     std::size_t n = std::min(left, static_cast<std::size_t>(wanted));
     if (n) std::memcpy(out, data + file->position, n);
     file->position += n;
@@ -48,11 +49,13 @@ int quiet(TIFF*, void*, const char*, const char*, va_list) { return 1; }
 } // namespace
 
 TIFF* openTiff(MemoryFile& file, const char* mode) {
-    std::unique_ptr<TIFFOpenOptions, void (*)(TIFFOpenOptions*)> options(TIFFOpenOptionsAlloc(), TIFFOpenOptionsFree);
+    std::unique_ptr<TIFFOpenOptions, void (*)(TIFFOpenOptions*)> options(TIFFOpenOptionsAlloc(),
+                                                                         TIFFOpenOptionsFree);
     if (!options) return nullptr;
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), quiet, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), quiet, nullptr);
-    return TIFFClientOpenExt("memory", mode, &file, read, write, seek, close, size, nullptr, nullptr, options.get());
+    return TIFFClientOpenExt("memory", mode, &file, read, write, seek, close, size, nullptr, nullptr,
+                             options.get());
 }
 
 } // namespace imageio

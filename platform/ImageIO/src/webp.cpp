@@ -19,7 +19,8 @@ Demuxer open(const Bytes& file) {
 }
 
 /// Calls `use` with the contents of a chunk, when there is one.
-template <class Use> void withChunk(const Demuxer& demuxer, const char* name, Use use) {
+template <class Use>
+void withChunk(const Demuxer& demuxer, const char* name, Use use) {
     WebPChunkIterator chunk;
     if (WebPDemuxGetChunk(demuxer.get(), name, 1, &chunk)) use(Bytes(chunk.chunk.bytes, chunk.chunk.size));
     WebPDemuxReleaseChunkIterator(&chunk);
@@ -70,7 +71,8 @@ Decoded decode(Bytes file, std::size_t index, bool wantsPixels) {
 std::size_t count(Bytes file) { return WebPDemuxGetI(open(file).get(), WEBP_FF_FRAME_COUNT); }
 
 bool recognises(Bytes file) {
-    return file.size() >= 16 && std::memcmp(file.data(), "RIFF", 4) == 0 && std::memcmp(file.data() + 8, "WEBP", 4) == 0;
+    return file.size() >= 16 && std::memcmp(file.data(), "RIFF", 4) == 0 &&
+           std::memcmp(file.data() + 8, "WEBP", 4) == 0;
 }
 
 } // namespace

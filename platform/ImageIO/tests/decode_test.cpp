@@ -86,7 +86,8 @@ TEST(Decode, PNGOfEveryKind) {
         ASSERT_TRUE(image);
         EXPECT_EQ(CGImageGetBitsPerComponent(image.get()), std::size_t(kind.bits));
         Drawn drawn(image.get());
-        for (int at : {0, 7, 19}) EXPECT_EQ(drawn.at(std::size_t(at), 5), expected(pixels, 20, kind.samples, at, 5));
+        for (int at : {0, 7, 19})
+            EXPECT_EQ(drawn.at(std::size_t(at), 5), expected(pixels, 20, kind.samples, at, 5));
     }
 }
 
@@ -107,7 +108,8 @@ TEST(Decode, PNGPalettesAndFewBits) {
     EXPECT_EQ(drawn.at(0, 0), (Pixel{255, 0, 0, 255}));
     EXPECT_EQ(drawn.at(1, 1), (Pixel{0, 255, 0, 255}));
     EXPECT_EQ(drawn.at(7, 1), (Pixel{255, 255, 255, 255}));
-    double indexed = number(properties(pngFile(8, 2, PNG_COLOR_TYPE_PALETTE, {.bits = 2})), kCGImagePropertyIsIndexed);
+    double indexed =
+        number(properties(pngFile(8, 2, PNG_COLOR_TYPE_PALETTE, {.bits = 2})), kCGImagePropertyIsIndexed);
     EXPECT_EQ(indexed, 1);
 }
 
@@ -139,7 +141,8 @@ TEST(Decode, WebP) {
         const std::uint8_t* p = &pixels[std::size_t(5 * 24 + 9) * (alpha ? 4 : 3)];
         double a = alpha ? p[3] / 255. : 1;
         expectNear(Drawn(image.get()).at(9, 5),
-                   {int(std::lround(p[0] * a)), int(std::lround(p[1] * a)), int(std::lround(p[2] * a)), alpha ? p[3] : 255},
+                   {int(std::lround(p[0] * a)), int(std::lround(p[1] * a)), int(std::lround(p[2] * a)),
+                    alpha ? p[3] : 255},
                    1);
     }
 }
@@ -183,5 +186,6 @@ TEST(Decode, Properties) {
     EXPECT_EQ(number(p, kCGImagePropertyPixelHeight), 10);
     EXPECT_EQ(number(p, kCGImagePropertyDepth), 16);
     EXPECT_EQ(number(p, kCGImagePropertyHasAlpha), 1);
-    EXPECT_TRUE(CFEqual(CFDictionaryGetValue(p.get(), kCGImagePropertyColorModel), kCGImagePropertyColorModelGray));
+    EXPECT_TRUE(
+        CFEqual(CFDictionaryGetValue(p.get(), kCGImagePropertyColorModel), kCGImagePropertyColorModelGray));
 }

@@ -13,7 +13,8 @@ Bytes testPixels(int width, int height, int samples) {
     Bytes pixels;
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
-            const int values[] = {x * 255 / width, y * 255 / height, (x / 8 + y / 8) % 2 ? 200 : 50, 255 - y * 200 / height};
+            const int values[] = {x * 255 / width, y * 255 / height, (x / 8 + y / 8) % 2 ? 200 : 50,
+                                  255 - y * 200 / height};
             for (int s = 0; s < samples; ++s) pixels.push_back(static_cast<std::uint8_t>(values[s]));
         }
     return pixels;
@@ -58,17 +59,18 @@ Bytes pngFile(int width, int height, int colorType, const PngOptions& options) {
             out->insert(out->end(), data, data + size);
         },
         nullptr);
-    png_set_IHDR(png, info, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height), options.bits, colorType,
-                 options.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-                 PNG_FILTER_TYPE_DEFAULT);
+    png_set_IHDR(png, info, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height), options.bits,
+                 colorType, options.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     if (options.gamma > 0) png_set_gAMA(png, info, options.gamma);
     const png_color palette[] = {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}, {255, 255, 255}};
     if (colorType == PNG_COLOR_TYPE_PALETTE) png_set_PLTE(png, info, palette, 4);
     png_write_info(png, info);
-    int samples = colorType == PNG_COLOR_TYPE_GRAY ? 1 : colorType == PNG_COLOR_TYPE_GRAY_ALPHA ? 2
-                  : colorType == PNG_COLOR_TYPE_RGB                                            ? 3
-                  : colorType == PNG_COLOR_TYPE_RGB_ALPHA                                      ? 4
-                                                                                               : 1;
+    int samples = colorType == PNG_COLOR_TYPE_GRAY         ? 1
+                  : colorType == PNG_COLOR_TYPE_GRAY_ALPHA ? 2
+                  : colorType == PNG_COLOR_TYPE_RGB        ? 3
+                  : colorType == PNG_COLOR_TYPE_RGB_ALPHA  ? 4
+                                                           : 1;
     Bytes pixels = testPixels(width, height, samples);
     if (colorType == PNG_COLOR_TYPE_PALETTE)
         for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = i % 4;
@@ -143,14 +145,16 @@ Bytes bmpFile24() {
     file[28] = 24;
     put(38, 3937); // 100 dots per inch
     put(42, 3937);
-    const std::uint8_t rows[2][12] = {{255, 255, 255, 0, 0, 0, 128, 128, 128}, {0, 0, 255, 0, 255, 0, 255, 0, 0}};
+    const std::uint8_t rows[2][12] = {{255, 255, 255, 0, 0, 0, 128, 128, 128},
+                                      {0, 0, 255, 0, 255, 0, 255, 0, 0}};
     for (auto& row : rows) file.insert(file.end(), row, row + 12);
     put(2, static_cast<std::uint32_t>(file.size()));
     return file;
 }
 
 cg::Retained<CGImageSourceRef> source(const Bytes& file) {
-    auto data = cg::Retained<CFDataRef>::adopt(CFDataCreate(nullptr, file.data(), static_cast<CFIndex>(file.size())));
+    auto data =
+        cg::Retained<CFDataRef>::adopt(CFDataCreate(nullptr, file.data(), static_cast<CFIndex>(file.size())));
     return cg::Retained<CGImageSourceRef>::adopt(CGImageSourceCreateWithData(data.get(), nullptr));
 }
 
@@ -162,8 +166,8 @@ cg::Retained<CGImageRef> decode(const Bytes& file, std::size_t index) {
 Drawn::Drawn(CGImageRef image) {
     auto space = cg::Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
     std::size_t width = CGImageGetWidth(image), height = CGImageGetHeight(image);
-    context_ = cg::Retained<CGContextRef>::adopt(
-        CGBitmapContextCreate(nullptr, width, height, 8, width * 4, space.get(), kCGImageAlphaPremultipliedLast));
+    context_ = cg::Retained<CGContextRef>::adopt(CGBitmapContextCreate(
+        nullptr, width, height, 8, width * 4, space.get(), kCGImageAlphaPremultipliedLast));
     CGContextDrawImage(context_.get(), CGRectMake(0, 0, CGFloat(width), CGFloat(height)), image);
 }
 

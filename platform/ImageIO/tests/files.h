@@ -34,11 +34,11 @@ cg::Retained<CGImageSourceRef> source(const Bytes& file);
 cg::Retained<CGImageRef> decode(const Bytes& file, std::size_t index = 0);
 /// The image drawn into sRGB, as premultiplied RGBA.
 class Drawn {
-public:
+  public:
     explicit Drawn(CGImageRef image);
     Pixel at(std::size_t x, std::size_t y) const;
 
-private:
+  private:
     cg::Retained<CGContextRef> context_;
 };
 double number(const cg::Retained<CFDictionaryRef>& properties, CFStringRef key);

@@ -33,7 +33,8 @@ Bytes raw(CGImageRef image) {
 
 TEST(RoundTrip, LosslessFormatsKeepEverySample) {
     for (const char* type : {"public.png", "public.tiff"})
-        for (int kind : {PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, PNG_COLOR_TYPE_RGB, PNG_COLOR_TYPE_RGB_ALPHA})
+        for (int kind :
+             {PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, PNG_COLOR_TYPE_RGB, PNG_COLOR_TYPE_RGB_ALPHA})
             for (int bits : {8, 16}) {
                 SCOPED_TRACE(testing::Message() << type << " kind " << kind << " bits " << bits);
                 auto image = decode(pngFile(33, 21, kind, {.bits = bits}));
@@ -85,8 +86,8 @@ TEST(RoundTrip, JPEGShowsTransparencyOnWhite) {
 
 TEST(RoundTrip, ResolutionAndOrientation) {
     auto image = decode(pngFile(16, 16, PNG_COLOR_TYPE_RGB));
-    auto properties = Retained<CFMutableDictionaryRef>::adopt(
-        CFDictionaryCreateMutable(nullptr, 3, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    auto properties = Retained<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutable(
+        nullptr, 3, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     auto set = [&](CFStringRef key, double value) {
         auto number = Retained<CFNumberRef>::adopt(CFNumberCreate(nullptr, kCFNumberDoubleType, &value));
         CFDictionarySetValue(properties.get(), key, number.get());
@@ -96,14 +97,16 @@ TEST(RoundTrip, ResolutionAndOrientation) {
     set(kCGImagePropertyOrientation, 6);
     for (const char* type : {"public.png", "public.jpeg", "public.tiff"}) {
         auto from = source(encode({image.get()}, type, properties.get()));
-        auto read = Retained<CFDictionaryRef>::adopt(CGImageSourceCopyPropertiesAtIndex(from.get(), 0, nullptr));
+        auto read =
+            Retained<CFDictionaryRef>::adopt(CGImageSourceCopyPropertiesAtIndex(from.get(), 0, nullptr));
         EXPECT_NEAR(number(read, kCGImagePropertyDPIWidth), 300, 0.1) << type;
         EXPECT_EQ(number(read, kCGImagePropertyOrientation), 6) << type;
     }
 }
 
 TEST(RoundTrip, TIFFHoldsSeveralPages) {
-    auto first = decode(pngFile(16, 16, PNG_COLOR_TYPE_RGB)), second = decode(pngFile(8, 9, PNG_COLOR_TYPE_GRAY));
+    auto first = decode(pngFile(16, 16, PNG_COLOR_TYPE_RGB)),
+         second = decode(pngFile(8, 9, PNG_COLOR_TYPE_GRAY));
     Bytes file = encode({first.get(), second.get()}, "public.tiff");
     EXPECT_EQ(CGImageSourceGetCount(source(file).get()), 2u);
     EXPECT_EQ(CGImageGetHeight(decode(file, 1).get()), 9u);

@@ -94,7 +94,8 @@ static CGFloat component(CGColorRef color, size_t index) {
 }
 
 - (NSString*)stringRepresentation {
-    return [NSString stringWithUTF8String:ci::joinNumbers([self components], [self numberOfComponents]).c_str()];
+    return
+        [NSString stringWithUTF8String:ci::joinNumbers([self components], [self numberOfComponents]).c_str()];
 }
 
 - (NSString*)description {

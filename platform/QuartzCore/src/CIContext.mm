@@ -25,7 +25,9 @@ struct CIContextState {
     live.born();
     _state = new CIContextState;
     _state->context = context;
-    auto isRGB = [](id space) { return CGColorSpaceGetModel((CGColorSpaceRef)space) == kCGColorSpaceModelRGB; };
+    auto isRGB = [](id space) {
+        return CGColorSpaceGetModel((CGColorSpaceRef)space) == kCGColorSpaceModelRGB;
+    };
 
     id output = [options objectForKey:kCIContextOutputColorSpace];
     id working = [options objectForKey:kCIContextWorkingColorSpace];
@@ -57,7 +59,7 @@ struct CIContextState {
 - (void)drawImage:(CIImage*)image inRect:(CGRect)dest fromRect:(CGRect)src {
     if (!image) return;
     ci::Failure failure;
-    ci::draw([image recipe], _state->context.get(), dest, src, _state->options, failure);
+    ci::draw([image recipe], _state -> context.get(), dest, src, _state->options, failure);
     ci::raise(failure, @"drawImage:inRect:fromRect:");
 }
 
@@ -71,8 +73,9 @@ struct CIContextState {
                  colorSpace:(CGColorSpaceRef)colorSpace {
     if (!image) return nullptr;
     ci::Failure failure;
-    CGImageRef result = ci::makeCGImage([image recipe], CGRectIntegral(r), format,
-                                        colorSpace ? colorSpace : _state->output.get(), _state->options, failure);
+    CGImageRef result =
+        ci::makeCGImage([image recipe], CGRectIntegral(r), format,
+                        colorSpace ? colorSpace : _state->output.get(), _state->options, failure);
     ci::raise(failure, @"createCGImage:fromRect:");
     return result;
 }
@@ -85,8 +88,8 @@ struct CIContextState {
     colorSpace:(CGColorSpaceRef)colorSpace {
     if (!image) return;
     ci::Failure failure;
-    ci::renderBitmap([image recipe], CGRectIntegral(r), format, colorSpace, data, static_cast<size_t>(rowBytes),
-                     _state->options, failure);
+    ci::renderBitmap([image recipe], CGRectIntegral(r), format, colorSpace, data,
+                     static_cast<size_t>(rowBytes), _state->options, failure);
     ci::raise(failure, @"render:toBitmap:");
 }
 

@@ -20,14 +20,23 @@ namespace {
 
 NSString* text(const std::string& s) { return [NSString stringWithUTF8String:s.c_str()]; }
 
-const engine::FilterInfo* filterNamed(NSString* name) { return name ? engine::findFilter([name UTF8String]) : nullptr; }
+const engine::FilterInfo* filterNamed(NSString* name) {
+    return name ? engine::findFilter([name UTF8String]) : nullptr;
+}
 
 bool isIn(const engine::FilterInfo& filter, NSString* category) {
     return std::find(filter.categories.begin(), filter.categories.end(), [category UTF8String]) !=
            filter.categories.end();
 }
 
-/// Every filter is a class of its own, named like the filter, so that it tells its name wherever classes are shown.
+bool hasInput(const engine::FilterInfo& filter, NSString* key) {
+    const char* wanted = key ? [key UTF8String] : "";
+    return std::any_of(filter.inputs.begin(), filter.inputs.end(),
+                       [wanted](const engine::InputInfo& input) { return input.key == wanted; });
+}
+
+/// Every filter is a class of its own, named like the filter, so that it tells its name wherever classes are
+/// shown.
 Class classOf(const engine::FilterInfo& filter) {
     @synchronized([CIFilter class]) {
         Class known = objc_lookUpClass(filter.name.c_str());
@@ -63,14 +72,15 @@ NSDictionary* describe(const engine::InputInfo& input) {
 NSString* categoryName(NSString* category) {
     static NSDictionary* names = [[NSDictionary alloc]
         initWithObjectsAndKeys:@"Distortion Effect", kCICategoryDistortionEffect, @"Geometry Adjustment",
-                               kCICategoryGeometryAdjustment, @"Composite Operation", kCICategoryCompositeOperation,
-                               @"Halftone Effect", kCICategoryHalftoneEffect, @"Color Adjustment",
-                               kCICategoryColorAdjustment, @"Color Effect", kCICategoryColorEffect, @"Transition",
-                               kCICategoryTransition, @"Tile Effect", kCICategoryTileEffect, @"Generator",
-                               kCICategoryGenerator, @"Reduction", kCICategoryReduction, @"Gradient",
-                               kCICategoryGradient, @"Stylize", kCICategoryStylize, @"Sharpen", kCICategorySharpen,
-                               @"Blur", kCICategoryBlur, @"Video", kCICategoryVideo, @"Still Image",
-                               kCICategoryStillImage, @"Interlaced", kCICategoryInterlaced, @"Non-Square Pixels",
+                               kCICategoryGeometryAdjustment, @"Composite Operation",
+                               kCICategoryCompositeOperation, @"Halftone Effect", kCICategoryHalftoneEffect,
+                               @"Color Adjustment", kCICategoryColorAdjustment, @"Color Effect",
+                               kCICategoryColorEffect, @"Transition", kCICategoryTransition, @"Tile Effect",
+                               kCICategoryTileEffect, @"Generator", kCICategoryGenerator, @"Reduction",
+                               kCICategoryReduction, @"Gradient", kCICategoryGradient, @"Stylize",
+                               kCICategoryStylize, @"Sharpen", kCICategorySharpen, @"Blur", kCICategoryBlur,
+                               @"Video", kCICategoryVideo, @"Still Image", kCICategoryStillImage,
+                               @"Interlaced", kCICategoryInterlaced, @"Non-Square Pixels",
                                kCICategoryNonSquarePixels, @"High Dynamic Range", kCICategoryHighDynamicRange,
                                @"Built-In", kCICategoryBuiltIn, nil];
     return category ? [names objectForKey:category] : nil;
@@ -125,9 +135,11 @@ NSString* categoryName(NSString* category) {
 
 + (NSURL*)localizedReferenceDocumentationForFilterName:(NSString*)filterName {
     if (!filterNamed(filterName)) return nil;
-    return [NSURL URLWithString:[NSString stringWithFormat:@"http://developer.apple.com/cgi-bin/apple_ref.cgi?apple_ref="
-                                                           @"//apple_ref/doc/filter/ci/%@",
-                                                           filterName]];
+    return [NSURL
+        URLWithString:[NSString
+                          stringWithFormat:@"http://developer.apple.com/cgi-bin/apple_ref.cgi?apple_ref="
+                                           @"//apple_ref/doc/filter/ci/%@",
+                                           filterName]];
 }
 
 /// Values come and go through the keys of the inputs only.
@@ -186,11 +198,12 @@ NSString* categoryName(NSString* category) {
     const engine::FilterInfo& info = *_state->info;
     NSMutableArray* categories = [NSMutableArray array];
     for (const std::string& category : info.categories) [categories addObject:text(category)];
-    NSMutableDictionary* attributes =
-        [NSMutableDictionary dictionaryWithObjectsAndKeys:text(info.name), kCIAttributeFilterName,
-                                                          text(info.displayName), kCIAttributeFilterDisplayName,
-                                                          categories, kCIAttributeFilterCategories, nil];
-    for (const engine::InputInfo& input : info.inputs) [attributes setObject:describe(input) forKey:text(input.key)];
+    NSMutableDictionary* attributes = [NSMutableDictionary
+        dictionaryWithObjectsAndKeys:text(info.name), kCIAttributeFilterName, text(info.displayName),
+                                     kCIAttributeFilterDisplayName, categories, kCIAttributeFilterCategories,
+                                     nil];
+    for (const engine::InputInfo& input : info.inputs)
+        [attributes setObject:describe(input) forKey:text(input.key)];
     return attributes;
 }
 
@@ -215,12 +228,12 @@ NSString* categoryName(NSString* category) {
 // -------------------------------------------------------------------------------- key-value coding
 
 - (id)valueForKey:(NSString*)key {
-    if (key && _state->info->findInput([key UTF8String])) return [_state->values objectForKey:key];
+    if (hasInput(*_state->info, key)) return [_state->values objectForKey:key];
     return [super valueForKey:key];
 }
 
 - (void)setValue:(id)value forKey:(NSString*)key {
-    if (!key || !_state->info->findInput([key UTF8String])) {
+    if (!hasInput(*_state->info, key)) {
         [self setValue:value forUndefinedKey:key];
         return;
     }
@@ -231,11 +244,11 @@ NSString* categoryName(NSString* category) {
 }
 
 - (void)raiseUnknownKey:(NSString*)key in:(const char*)method {
-    NSString* reason =
-        [NSString stringWithFormat:@"[<%@ %p> %s]: this class is not key value coding-compliant for the key %@.",
-                                   NSStringFromClass([self class]), self, method, key];
-    NSDictionary* info = [NSDictionary dictionaryWithObjectsAndKeys:self, @"NSTargetObjectUserInfoKey", key,
-                                                                    @"NSUnknownUserInfoKey", nil];
+    NSString* reason = [NSString
+        stringWithFormat:@"[<%@ %p> %s]: this class is not key value coding-compliant for the key %@.",
+                         NSStringFromClass([self class]), self, method, key];
+    NSDictionary* info = [NSDictionary
+        dictionaryWithObjectsAndKeys:self, @"NSTargetObjectUserInfoKey", key, @"NSUnknownUserInfoKey", nil];
     [[NSException exceptionWithName:@"NSUnknownKeyException" reason:reason userInfo:info] raise];
 }
 
@@ -250,7 +263,8 @@ NSString* categoryName(NSString* category) {
 
 - (NSString*)description {
     NSMutableString* all = [NSMutableString stringWithFormat:@"<%@:", [self name]];
-    for (NSString* key in [self inputKeys]) [all appendFormat:@" %@=%@", key, [_state->values objectForKey:key]];
+    for (NSString* key in [self inputKeys])
+        [all appendFormat:@" %@=%@", key, [_state->values objectForKey:key]];
     [all appendString:@">"];
     return all;
 }

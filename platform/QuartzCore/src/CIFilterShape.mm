@@ -74,7 +74,8 @@ static CIFilterShape* shape(const ci::Region& region) {
 
 - (BOOL)isEqual:(id)other {
     if (self == other) return YES;
-    return [other isKindOfClass:[CIFilterShape class]] && _region->region == ((CIFilterShape*)other)->_region->region;
+    return [other isKindOfClass:[CIFilterShape class]] &&
+           _region->region == ((CIFilterShape*)other)->_region->region;
 }
 
 - (NSUInteger)hash {

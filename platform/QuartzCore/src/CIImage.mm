@@ -106,7 +106,8 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
 - (id)initWithCGImage:(CGImageRef)image options:(NSDictionary*)options {
     self = [self init];
     ci::SpaceChoice choice = spaceChoice(options);
-    _state->space = choice.kind == ci::SpaceChoice::Kind::own ? CGImageGetColorSpace(image) : choice.space.get();
+    _state->space =
+        choice.kind == ci::SpaceChoice::Kind::own ? CGImageGetColorSpace(image) : choice.space.get();
     _state->properties = (CFDictionaryRef)[options objectForKey:kCIImageProperties];
     return [self initFinishedWithRecipe:ci::imageOf(image, choice)];
 }
@@ -120,8 +121,8 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
     _state->space = colorSpace;
     if (!data) return [self initFinishedWithRecipe:nullptr];
     auto owner = std::make_shared<cg::Retained<CFDataRef>>((CFDataRef)data);
-    return [self initFinishedWithRecipe:ci::imageOfBitmap([data bytes], [data length], bytesPerRow, size, format,
-                                                          colorSpace, std::move(owner))];
+    return [self initFinishedWithRecipe:ci::imageOfBitmap([data bytes], [data length], bytesPerRow, size,
+                                                          format, colorSpace, std::move(owner))];
 }
 
 - (id)initWithSource:(CGImageSourceRef)source url:(NSURL*)url options:(NSDictionary*)options {
@@ -154,9 +155,8 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
 }
 
 - (id)initWithData:(NSData*)data options:(NSDictionary*)options {
-    // The source reads the data lazily, so it has to be a copy of what the caller may change.
-    NSData* bytes = [[data copy] autorelease];
-    auto source = cg::Retained<CGImageSourceRef>::adopt(CGImageSourceCreateWithData((CFDataRef)bytes, nullptr));
+    auto source =
+        cg::Retained<CGImageSourceRef>::adopt(CGImageSourceCreateWithData((CFDataRef)data, nullptr));
     return [self initWithSource:source.get() url:nil options:options];
 }
 
@@ -218,8 +218,8 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
     CGRect r = [self extent];
     NSString* extent = CGRectIsInfinite(r)
                            ? @"infinite"
-                           : [NSString stringWithFormat:@"[%g %g %g %g]", r.origin.x, r.origin.y, r.size.width,
-                                                        r.size.height];
+                           : [NSString stringWithFormat:@"[%g %g %g %g]", r.origin.x, r.origin.y,
+                                                        r.size.width, r.size.height];
     return [NSString stringWithFormat:@"<CIImage: %p extent %@>", self, extent];
 }
 

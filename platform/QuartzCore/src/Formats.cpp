@@ -6,7 +6,8 @@ static const CoreImageFormat formats[] = {
     {23, engine::Format::ARGB8, kCGImageAlphaPremultipliedFirst},
     {24, engine::Format::RGBA8, kCGImageAlphaPremultipliedLast},
     {27, engine::Format::RGBA16, kCGImageAlphaPremultipliedLast | kCGBitmapByteOrder16Host},
-    {34, engine::Format::RGBAf, kCGImageAlphaPremultipliedLast | kCGBitmapFloatComponents | kCGBitmapByteOrder32Host},
+    {34, engine::Format::RGBAf,
+     kCGImageAlphaPremultipliedLast | kCGBitmapFloatComponents | kCGBitmapByteOrder32Host},
 };
 
 const CoreImageFormat* formatNamed(int code) {

@@ -6,7 +6,8 @@
 
 namespace ci {
 
-/// Raises the failure, if it is one, as NSMallocException or NSInvalidArgumentException; `who` comes first in the reason.
+/// Raises the failure, if it is one, as NSMallocException or NSInvalidArgumentException; `who` comes first in
+/// the reason.
 inline void raise(const Failure& failure, NSString* who) {
     if (!failure) return;
     [NSException raise:failure.memory ? NSMallocException : NSInvalidArgumentException

@@ -12,8 +12,8 @@ std::vector<Rect> outside(const Rect& r, const Rect& hole) {
     Rect h = r.intersect(hole);
     if (h.isEmpty()) return {r};
     std::vector<Rect> parts;
-    for (const Rect& part : {Rect{r.x0, r.y0, r.x1, h.y0}, Rect{r.x0, h.y1, r.x1, r.y1}, Rect{r.x0, h.y0, h.x0, h.y1},
-                             Rect{h.x1, h.y0, r.x1, h.y1}})
+    for (const Rect& part : {Rect{r.x0, r.y0, r.x1, h.y0}, Rect{r.x0, h.y1, r.x1, r.y1},
+                             Rect{r.x0, h.y0, h.x0, h.y1}, Rect{h.x1, h.y0, r.x1, h.y1}})
         if (!part.isEmpty()) parts.push_back(part);
     return parts;
 }
@@ -34,12 +34,13 @@ std::pair<double, double> crossing(const engine::Point (&corners)[4], double y) 
     return {left, right};
 }
 
-/// Bands inside of the transformed rectangle: a convex shape contains what lies between its cuts at both ends of a
-/// band.
+/// Bands inside of the transformed rectangle: a convex shape contains what lies between its cuts at both ends
+/// of a band.
 std::vector<Rect> bandsInside(const Rect& r, const engine::Affine& m) {
     constexpr int count = 64;
     auto corner = [&m](double x, double y) { return m.apply(engine::Point{x, y}); };
-    const engine::Point corners[4] = {corner(r.x0, r.y0), corner(r.x1, r.y0), corner(r.x1, r.y1), corner(r.x0, r.y1)};
+    const engine::Point corners[4] = {corner(r.x0, r.y0), corner(r.x1, r.y0), corner(r.x1, r.y1),
+                                      corner(r.x0, r.y1)};
     Rect box = m.apply(r);
     std::vector<Rect> bands;
     for (int i = 0; i < count; ++i) {

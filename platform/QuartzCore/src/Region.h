@@ -10,7 +10,7 @@ namespace ci {
 using engine::Rect;
 
 class Region {
-public:
+  public:
     Region() = default;
     explicit Region(const Rect& r);
 
@@ -23,13 +23,13 @@ public:
     Region subtract(const Region& other) const;
     /// Every boundary moved inwards, or outwards for negative amounts.
     Region inset(double dx, double dy) const;
-    /// Rectangles that a transform does not keep upright become their bounding boxes or, with `interior`, bands
-    /// that lie inside.
+    /// Rectangles that a transform does not keep upright become their bounding boxes or, with `interior`,
+    /// bands that lie inside.
     Region transform(const engine::Affine& matrix, bool interior) const;
     /// The same points, however they are cut.
     bool operator==(const Region& other) const;
 
-private:
+  private:
     void add(const Rect& r);
     std::vector<Rect> rects_;
 };

@@ -14,7 +14,8 @@ namespace ci {
 namespace {
 
 /// Runs `body`; what it throws is told in `failure`, and its result is then empty.
-template <class Body> auto attempt(Failure& failure, Body body) noexcept -> decltype(body()) {
+template <class Body>
+auto attempt(Failure& failure, Body body) noexcept -> decltype(body()) {
     using Result = decltype(body());
     try {
         return body();
@@ -30,19 +31,21 @@ constexpr double largest = std::numeric_limits<CGFloat>::max();
 
 /// The pixels of an image that the engine cannot read where they are.
 class ConvertedRows final : public engine::RowSource {
-public:
+  public:
     /// Colours other than RGB become sRGB.
     explicit ConvertedRows(CGImageRef ref) : ConvertedRows(ref, *cg::get<cg::Image>(ref)) {}
 
     const engine::PixelLayout& layout() const override { return layout_; }
     void readRows(int first, int count, std::uint8_t* out) override {
-        std::size_t rowBytes = static_cast<std::size_t>(layout_.width) * engine::bytesPerPixel(layout_.format);
+        std::size_t rowBytes =
+            static_cast<std::size_t>(layout_.width) * engine::bytesPerPixel(layout_.format);
         rows_.read(static_cast<std::size_t>(first), static_cast<std::size_t>(count), out, rowBytes);
     }
 
-private:
+  private:
     ConvertedRows(CGImageRef ref, const cg::Image& image)
-        : layout_(layoutFor(image)), space_(targetSpace(image)), rows_(ref, formatFor(layout_), space_.get()) {
+        : layout_(layoutFor(image)), space_(targetSpace(image)),
+          rows_(ref, formatFor(layout_), space_.get()) {
         layout_.space = cg::spaceOf(space_.get());
     }
 
@@ -64,7 +67,9 @@ private:
     }
     static cg::PixelFormat formatFor(const engine::PixelLayout& layout) {
         cg::PixelFormat format;
-        format.bits = layout.format == engine::Format::RGBAf ? 32 : layout.format == engine::Format::RGBA16 ? 16 : 8;
+        format.bits = layout.format == engine::Format::RGBAf    ? 32
+                      : layout.format == engine::Format::RGBA16 ? 16
+                                                                : 8;
         format.pixelBits = 4 * format.bits;
         if (layout.alpha == engine::Alpha::straight) {
             format.alpha = cg::Alpha::straight;
@@ -99,8 +104,10 @@ engine::Target targetOf(CGRect area, const CoreImageFormat& format, CGColorSpace
     return target;
 }
 
-void renderAll(const engine::Image& image, CGRect area, const engine::Target& target, const engine::Options& options) {
-    engine::render(image, fromCG(area), target, engine::Rect::ofSize(0, 0, area.size.width, area.size.height), options);
+void renderAll(const engine::Image& image, CGRect area, const engine::Target& target,
+               const engine::Options& options) {
+    engine::render(image, fromCG(area), target, engine::Rect::ofSize(0, 0, area.size.width, area.size.height),
+                   options);
 }
 
 /// What of the drawing is not clipped away, in user space, with the part of the source that belongs to it.
@@ -118,10 +125,12 @@ bool clip(CGContextRef context, CGRect& dest, CGRect& source) {
     if (CGRectContainsRect(bounds, dest)) return true;
     CGRect part = CGRectIntersection(dest, bounds);
     if (CGRectIsEmpty(part)) return false;
-    double sx = double(source.size.width) / dest.size.width, sy = double(source.size.height) / dest.size.height;
-    source = CGRectMake(static_cast<CGFloat>(source.origin.x + sx * (double(part.origin.x) - dest.origin.x)),
-                        static_cast<CGFloat>(source.origin.y + sy * (double(part.origin.y) - dest.origin.y)),
-                        static_cast<CGFloat>(sx * part.size.width), static_cast<CGFloat>(sy * part.size.height));
+    double sx = double(source.size.width) / dest.size.width,
+           sy = double(source.size.height) / dest.size.height;
+    source =
+        CGRectMake(static_cast<CGFloat>(source.origin.x + sx * (double(part.origin.x) - dest.origin.x)),
+                   static_cast<CGFloat>(source.origin.y + sy * (double(part.origin.y) - dest.origin.y)),
+                   static_cast<CGFloat>(sx * part.size.width), static_cast<CGFloat>(sy * part.size.height));
     dest = part;
     return true;
 }
@@ -129,8 +138,8 @@ bool clip(CGContextRef context, CGRect& dest, CGRect& source) {
 /// True when the engine can write to the context's memory itself.
 bool isPlain(const cg::GraphicsState& state) {
     const CGAffineTransform& m = state.ctm;
-    return !state.mask && state.alpha == 1 && state.blend == kCGBlendModeNormal && m.b == 0 && m.c == 0 && m.a > 0 &&
-           m.d > 0;
+    return !state.mask && state.alpha == 1 && state.blend == kCGBlendModeNormal && m.b == 0 && m.c == 0 &&
+           m.a > 0 && m.d > 0;
 }
 
 } // namespace
@@ -175,7 +184,8 @@ engine::Image imageOf(CGImageRef ref, const SpaceChoice& choice) {
         cg::Retained<CGImageRef> image(ref);
         if (choice.kind == SpaceChoice::Kind::given)
             // A space of another model cannot be meant, and is passed over.
-            if (auto copy = cg::Retained<CGImageRef>::adopt(CGImageCreateCopyWithColorSpace(ref, choice.space.get())))
+            if (auto copy =
+                    cg::Retained<CGImageRef>::adopt(CGImageCreateCopyWithColorSpace(ref, choice.space.get())))
                 image = copy;
         const cg::Image* picture = cg::get<cg::Image>(image.get());
         if (!picture) return nullptr;
@@ -189,8 +199,8 @@ engine::Image imageOf(CGImageRef ref, const SpaceChoice& choice) {
     });
 }
 
-engine::Image imageOfBitmap(const void* bytes, std::size_t size, std::size_t rowBytes, CGSize pixels, int format,
-                            CGColorSpaceRef space, std::shared_ptr<const void> owner) {
+engine::Image imageOfBitmap(const void* bytes, std::size_t size, std::size_t rowBytes, CGSize pixels,
+                            int format, CGColorSpaceRef space, std::shared_ptr<const void> owner) {
     const CoreImageFormat* known = formatNamed(format);
     CGRect area = CGRectMake(0, 0, std::trunc(pixels.width), std::trunc(pixels.height));
     if (!known || !(pixels.width >= 1) || !(pixels.height >= 1) || !canBePixels(area)) return nullptr;
@@ -234,7 +244,8 @@ CGImageRef makeCGImage(const engine::Image& image, CGRect area, int format, CGCo
     const CoreImageFormat* known = formatNamed(format);
     if (!known || !canBePixels(area) || CGColorSpaceGetModel(space) != kCGColorSpaceModelRGB) return nullptr;
     return attempt(failure, [&]() -> CGImageRef {
-        auto width = static_cast<std::size_t>(area.size.width), height = static_cast<std::size_t>(area.size.height);
+        auto width = static_cast<std::size_t>(area.size.width),
+             height = static_cast<std::size_t>(area.size.height);
         std::size_t rowBytes = width * engine::bytesPerPixel(known->layout);
         if (rowBytes > SIZE_MAX / 2 / height) throw std::bad_alloc();
         std::size_t size = rowBytes * height;
@@ -242,8 +253,8 @@ CGImageRef makeCGImage(const engine::Image& image, CGRect area, int format, CGCo
         renderAll(image, area, targetOf(area, *known, space, pixels.get(), rowBytes), options);
         auto provider = cg::Retained<CGDataProviderRef>::adopt(cg::makeProvider(pixels.get(), size, pixels));
         std::size_t pixelBits = 8 * engine::bytesPerPixel(known->layout);
-        return CGImageCreate(width, height, pixelBits / 4, pixelBits, rowBytes, space, known->info, provider.get(), nullptr,
-                             true, kCGRenderingIntentDefault);
+        return CGImageCreate(width, height, pixelBits / 4, pixelBits, rowBytes, space, known->info,
+                             provider.get(), nullptr, true, kCGRenderingIntentDefault);
     });
 }
 
@@ -273,7 +284,8 @@ void draw(const engine::Image& image, CGContextRef ref, CGRect dest, CGRect sour
             target.pixels = context->data();
             target.rowBytes = context->layout().bytesPerRow;
             options.blend = true;
-            engine::render(image, fromCG(source), target, fromCG(CGContextConvertRectToDeviceSpace(ref, dest)), options);
+            engine::render(image, fromCG(source), target,
+                           fromCG(CGContextConvertRectToDeviceSpace(ref, dest)), options);
             return;
         }
         // Otherwise a picture in the size that it will have on the device is drawn like any other.
@@ -281,15 +293,16 @@ void draw(const engine::Image& image, CGContextRef ref, CGRect dest, CGRect sour
         CGRect area = CGRectMake(0, 0, std::ceil(std::hypot(m.a, m.b) * dest.size.width),
                                  std::ceil(std::hypot(m.c, m.d) * dest.size.height));
         if (!canBePixels(area)) return;
-        engine::Image scaled = engine::transform(
-            image, engine::Affine::translation(-source.origin.x, -source.origin.y)
-                       .then(engine::Affine::scale(area.size.width / source.size.width,
-                                                   area.size.height / source.size.height)));
+        engine::Image scaled =
+            engine::transform(image, engine::Affine::translation(-source.origin.x, -source.origin.y)
+                                         .then(engine::Affine::scale(area.size.width / source.size.width,
+                                                                     area.size.height / source.size.height)));
         cg::Retained<CGColorSpaceRef> space(context->space());
         if (CGColorSpaceGetModel(space.get()) != kCGColorSpaceModelRGB)
             space = cg::Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
         int format = formatForBits(context->format().bits);
-        auto picture = cg::Retained<CGImageRef>::adopt(makeCGImage(scaled, area, format, space.get(), options, failure));
+        auto picture =
+            cg::Retained<CGImageRef>::adopt(makeCGImage(scaled, area, format, space.get(), options, failure));
         CGContextDrawImage(ref, dest, picture.get());
     });
 }

@@ -34,23 +34,25 @@ engine::Color fromCG(CGColorRef color);
 
 /// Null for null, and when memory is short.
 engine::Image imageOf(CGImageRef image, const SpaceChoice& choice);
-/// Pixels of a Core Image format; null for an unknown one, or a space that is no RGB. The bytes belong to `owner`.
-engine::Image imageOfBitmap(const void* bytes, std::size_t size, std::size_t rowBytes, CGSize pixels, int format,
-                            CGColorSpaceRef space, std::shared_ptr<const void> owner);
+/// Pixels of a Core Image format; null for an unknown one, or a space that is no RGB. The bytes belong to
+/// `owner`.
+engine::Image imageOfBitmap(const void* bytes, std::size_t size, std::size_t rowBytes, CGSize pixels,
+                            int format, CGColorSpaceRef space, std::shared_ptr<const void> owner);
 engine::Image constant(const engine::Color& color);
 engine::Image empty();
 engine::Image transform(const engine::Image& image, const CGAffineTransform& matrix, Failure& failure);
 engine::Image crop(const engine::Image& image, CGRect area, Failure& failure);
 engine::Image apply(const engine::FilterInfo& filter, const engine::Values& values, Failure& failure);
 
-/// The pixels of a whole-numbered rectangle as a new image; null for a rectangle, format or space that cannot be.
+/// The pixels of a whole-numbered rectangle as a new image; null for a rectangle, format or space that cannot
+/// be.
 CGImageRef makeCGImage(const engine::Image& image, CGRect area, int format, CGColorSpaceRef space,
                        const engine::Options& options, Failure& failure);
 /// Writes them to memory. A null space means no colour matching.
 void renderBitmap(const engine::Image& image, CGRect area, int format, CGColorSpaceRef space, void* pixels,
                   std::size_t rowBytes, engine::Options options, Failure& failure);
 /// Draws into the context under its state.
-void draw(const engine::Image& image, CGContextRef context, CGRect dest, CGRect source, engine::Options options,
-          Failure& failure);
+void draw(const engine::Image& image, CGContextRef context, CGRect dest, CGRect source,
+          engine::Options options, Failure& failure);
 
 } // namespace ci

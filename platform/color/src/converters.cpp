@@ -19,10 +19,9 @@ template <class F> void inChunks(std::size_t n, F work) {
 
 constexpr int tableSteps = 4095;
 
-SIMD_INLINE inline float lookUp(const float* table, float x) {
+float lookUp(const std::vector<float>& table, float x) {
     float position = simd::unit(x) * tableSteps;
-    int i = static_cast<int>(position);
-    i = i < tableSteps ? i : tableSteps - 1;
+    int i = std::min(static_cast<int>(position), tableSteps - 1);
     return simd::mix(table[i], table[i + 1], position - static_cast<float>(i));
 }
 
@@ -95,7 +94,7 @@ void Curve::decode(const float* in, float* out, std::size_t n) const {
         map(in, out, n, [p = gamma](float x) SIMD_INLINE { return simd::copySign(simd::pow(simd::abs(x), p), x); });
         break;
     case Kind::table:
-        map(in, out, n, [t = forward.data()](float x) SIMD_INLINE { return lookUp(t, x); });
+        for (std::size_t i = 0; i < n; ++i) out[i] = lookUp(forward, in[i]);
         break;
     }
 }
@@ -109,7 +108,7 @@ void Curve::encode(const float* in, float* out, std::size_t n) const {
             [p = 1 / gamma](float x) SIMD_INLINE { return simd::copySign(simd::pow(simd::abs(x), p), x); });
         break;
     case Kind::table:
-        map(in, out, n, [t = backward.data()](float x) SIMD_INLINE { return lookUp(t, simd::sqrt(x)); });
+        for (std::size_t i = 0; i < n; ++i) out[i] = lookUp(backward, simd::sqrt(in[i]));
         break;
     }
 }

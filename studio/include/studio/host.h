@@ -54,7 +54,8 @@ struct Leak {
 struct Report {
     std::vector<Leak> leaks;             // what is still alive, by class
     std::vector<std::string> violations; // misuse of services, in the order it happened
-    std::vector<std::pair<std::string, int>> platformObjects; // native objects alive, where the platform counts
+    std::vector<std::pair<std::string, int>>
+        platformObjects; // native objects alive, where the platform counts
 
     bool clean() const { return leaks.empty() && violations.empty(); }
     int alive(std::string_view className) const;
@@ -77,7 +78,8 @@ class Host {
     void loadPlugin(PluginEntry entry);
     void loadPlugin(const std::string& path); // UsageError when it cannot be loaded
     REALResolver resolver() const;
-    std::optional<std::int32_t> recordVersion() const; // what the plugin gave to "RegisterPluginVersion"
+    std::optional<std::int32_t> recordVersion() const;  // what the plugin gave to "RegisterPluginVersion"
+    static std::vector<std::string> serviceNames();     // all there are, in any version
     std::vector<std::string> requestedServices() const; // every name asked of the resolver, in order
 
     // What is registered.
@@ -88,7 +90,7 @@ class Host {
     // Programs in C++. A name selects by argument count and types as the language does; a full declaration,
     // as registered, selects exactly. Exceptions that were raised arrive as HostException.
     Value create(std::string_view className, std::vector<Value> arguments = {}); // New
-    Value instantiate(std::string_view className);                               // without any Constructor(...)
+    Value instantiate(std::string_view className); // without any Constructor(...)
     Value call(const Value& object, std::string_view method, std::vector<Value> arguments = {});
     void assign(const Value& object, std::string_view method, std::vector<Value> arguments, Value value);
     Value shared(std::string_view className, std::string_view method, std::vector<Value> arguments = {});

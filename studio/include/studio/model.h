@@ -99,8 +99,8 @@ struct Class {
     std::int32_t dataSize = 0;   // as received
     std::int32_t dataOffset = 0; // of this class's own data inside an instance
     std::int32_t instanceSize = 0;
-    void* constructor = nullptr; // constructor(instance), superclass first
-    void* destructor = nullptr;  // destructor(instance), subclass first
+    void* constructor = nullptr;                // constructor(instance), superclass first
+    void* destructor = nullptr;                 // destructor(instance), subclass first
     std::function<void(REALobject)> initialize; // a program class's fields, and what arrays hold
     std::function<void(REALobject)> finalize;
 

@@ -64,15 +64,51 @@ union Bits {
     REALobject object;
 
     Bits() : i64(0) {}
-    static Bits of(std::int32_t v) { Bits b; b.i32 = v; return b; }
-    static Bits of(std::uint32_t v) { Bits b; b.u32 = v; return b; }
-    static Bits of(std::int64_t v) { Bits b; b.i64 = v; return b; }
-    static Bits of(std::uint64_t v) { Bits b; b.u64 = v; return b; }
-    static Bits of(float v) { Bits b; b.f32 = v; return b; }
-    static Bits of(double v) { Bits b; b.f64 = v; return b; }
-    static Bits of(bool v) { Bits b; b.boolean = v; return b; }
-    static Bits of(REALstring v) { Bits b; b.string = v; return b; }
-    static Bits of(REALobject v) { Bits b; b.object = v; return b; }
+    static Bits of(std::int32_t v) {
+        Bits b;
+        b.i32 = v;
+        return b;
+    }
+    static Bits of(std::uint32_t v) {
+        Bits b;
+        b.u32 = v;
+        return b;
+    }
+    static Bits of(std::int64_t v) {
+        Bits b;
+        b.i64 = v;
+        return b;
+    }
+    static Bits of(std::uint64_t v) {
+        Bits b;
+        b.u64 = v;
+        return b;
+    }
+    static Bits of(float v) {
+        Bits b;
+        b.f32 = v;
+        return b;
+    }
+    static Bits of(double v) {
+        Bits b;
+        b.f64 = v;
+        return b;
+    }
+    static Bits of(bool v) {
+        Bits b;
+        b.boolean = v;
+        return b;
+    }
+    static Bits of(REALstring v) {
+        Bits b;
+        b.string = v;
+        return b;
+    }
+    static Bits of(REALobject v) {
+        Bits b;
+        b.object = v;
+        return b;
+    }
 };
 
 // Names of the language ignore case.

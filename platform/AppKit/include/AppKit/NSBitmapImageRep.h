@@ -2,17 +2,14 @@
 
 #import <AppKit/NSImageRep.h>
 
-enum {
-    NSTIFFFileType,
-    NSBMPFileType,
-    NSGIFFileType,
-    NSJPEGFileType,
-    NSPNGFileType,
-    NSJPEG2000FileType
-};
+enum { NSTIFFFileType, NSBMPFileType, NSGIFFileType, NSJPEGFileType, NSPNGFileType, NSJPEG2000FileType };
 typedef NSUInteger NSBitmapImageFileType;
 
-enum { NSAlphaFirstBitmapFormat = 1 << 0, NSAlphaNonpremultipliedBitmapFormat = 1 << 1, NSFloatingPointSamplesBitmapFormat = 1 << 2 };
+enum {
+    NSAlphaFirstBitmapFormat = 1 << 0,
+    NSAlphaNonpremultipliedBitmapFormat = 1 << 1,
+    NSFloatingPointSamplesBitmapFormat = 1 << 2
+};
 typedef NSUInteger NSBitmapFormat;
 
 /** Property: a number from 0 to 1, the quality of JPEG. */
@@ -35,7 +32,8 @@ APPKIT_EXTERN NSString* const NSImageCompressionFactor;
 - (id)initWithData:(NSData*)data;
 /** Nil for a null image. */
 - (id)initWithCGImage:(CGImageRef)image;
-/** Pixels of its own, cleared, in 8-bit samples, meshed; `planes` must be null. Nil for a layout it cannot hold. */
+/** Pixels of its own, cleared, in 8-bit samples, meshed; `planes` must be null. Nil for a layout it cannot
+ * hold. */
 - (id)initWithBitmapDataPlanes:(unsigned char**)planes
                     pixelsWide:(NSInteger)width
                     pixelsHigh:(NSInteger)height

@@ -27,8 +27,8 @@
 - (void)removeRepresentation:(NSImageRep*)representation;
 
 /**
- * Between the two, drawing goes into the picture: onto what it shows already, kept as one bitmap that replaces
- * the representations. An empty size raises NSImageCacheException.
+ * Between the two, drawing goes into the picture: onto what it shows already, kept as one bitmap that
+ * replaces the representations. An empty size raises NSImageCacheException.
  */
 - (void)lockFocus;
 - (void)unlockFocus;

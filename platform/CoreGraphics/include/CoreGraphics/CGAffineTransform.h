@@ -20,7 +20,8 @@ CG_EXTERN CGAffineTransform CGAffineTransformMakeScale(CGFloat sx, CGFloat sy);
 CG_EXTERN CGAffineTransform CGAffineTransformMakeRotation(CGFloat angle);
 CG_EXTERN bool CGAffineTransformIsIdentity(CGAffineTransform t);
 
-/** These three put their step before `t`: a point is translated (scaled, rotated) first, then goes through t. */
+/** These three put their step before `t`: a point is translated (scaled, rotated) first, then goes through t.
+ */
 CG_EXTERN CGAffineTransform CGAffineTransformTranslate(CGAffineTransform t, CGFloat tx, CGFloat ty);
 CG_EXTERN CGAffineTransform CGAffineTransformScale(CGAffineTransform t, CGFloat sx, CGFloat sy);
 CG_EXTERN CGAffineTransform CGAffineTransformRotate(CGAffineTransform t, CGFloat angle);

@@ -11,9 +11,9 @@ typedef void (*CGBitmapContextReleaseDataCallback)(void* releaseInfo, void* data
  * A context on `data`, or on memory of its own, cleared to 0, when `data` is null. With own memory,
  * bytesPerRow 0 lets the context choose.
  * Supported: RGB with 8 bits (32 bits a pixel, premultiplied or skipped alpha, either byte order), with 16
- * bits or float components (premultiplied or skipped alpha last, or premultiplied first); gray with 8 or 16 bits or
- * floats without alpha; 8-bit alpha only (space null). Anything else, a bytesPerRow too
- * small, or a lack of memory gives null.
+ * bits or float components (premultiplied or skipped alpha last, or premultiplied first); gray with 8 or 16
+ * bits or floats without alpha; 8-bit alpha only (space null). Anything else, a bytesPerRow too small, or a
+ * lack of memory gives null.
  */
 CG_EXTERN CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size_t bitsPerComponent,
                                              size_t bytesPerRow, CGColorSpaceRef space,

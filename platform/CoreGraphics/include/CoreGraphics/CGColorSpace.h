@@ -59,7 +59,8 @@ CG_EXTERN CGColorSpaceRef CGColorSpaceCreateCalibratedRGB(const CGFloat whitePoi
                                                           const CGFloat matrix[9]);
 /** A space from the bytes of an ICC profile; null when they are not one. */
 CG_EXTERN CGColorSpaceRef CGColorSpaceCreateWithICCProfile(CFDataRef data);
-/** As above with the number of components checked; `range` is ignored, `alternate` answers for a bad profile. */
+/** As above with the number of components checked; `range` is ignored, `alternate` answers for a bad profile.
+ */
 CG_EXTERN CGColorSpaceRef CGColorSpaceCreateICCBased(size_t componentCount, const CGFloat* range,
                                                      CGDataProviderRef profile, CGColorSpaceRef alternate);
 

@@ -57,7 +57,8 @@ CG_EXTERN void CGContextRelease(CGContextRef context);
 CG_EXTERN void CGContextFlush(CGContextRef context);
 CG_EXTERN void CGContextSynchronize(CGContextRef context);
 
-/** The state: CTM, clip, colours, alpha, blend mode, line width, interpolation. A lone restore does nothing. */
+/** The state: CTM, clip, colours, alpha, blend mode, line width, interpolation. A lone restore does nothing.
+ */
 CG_EXTERN void CGContextSaveGState(CGContextRef context);
 CG_EXTERN void CGContextRestoreGState(CGContextRef context);
 

@@ -22,7 +22,8 @@ typedef uint32_t CGImageAlphaInfo;
 
 typedef uint32_t CGBitmapInfo;
 
-/* Plain numbers, because they are made to be or-ed with the alpha infos, which C++ frowns upon between enums. */
+/* Plain numbers, because they are made to be or-ed with the alpha infos, which C++ frowns upon between enums.
+ */
 #define kCGBitmapAlphaInfoMask ((CGBitmapInfo)0x1F)
 #define kCGBitmapFloatComponents ((CGBitmapInfo)(1 << 8))
 #define kCGBitmapByteOrderMask ((CGBitmapInfo)0x7000)
@@ -56,10 +57,12 @@ CG_EXTERN CGImageRef CGImageMaskCreate(size_t width, size_t height, size_t bitsP
 CG_EXTERN CGImageRef CGImageCreateCopy(CGImageRef image);
 /**
  * The image seen through a mask, stretched over it. An image mask hides where it is at its maximum; a gray
- * image without alpha, used as a mask, hides where it is 0. Null for any other mask, and for a masked `image`.
+ * image without alpha, used as a mask, hides where it is 0. Null for any other mask, and for a masked
+ * `image`.
  */
 CG_EXTERN CGImageRef CGImageCreateWithMask(CGImageRef image, CGImageRef mask);
-/** The part of `image` inside `rect` (origin at the top left, grown to whole pixels); null when there is none. */
+/** The part of `image` inside `rect` (origin at the top left, grown to whole pixels); null when there is
+ * none. */
 CG_EXTERN CGImageRef CGImageCreateWithImageInRect(CGImageRef image, CGRect rect);
 /** The same bytes read in another space; null when the number of components differs or for a mask. */
 CG_EXTERN CGImageRef CGImageCreateCopyWithColorSpace(CGImageRef image, CGColorSpaceRef space);

@@ -9,7 +9,7 @@
 namespace cg {
 
 class CG_INTERNAL Color final : public Payload {
-public:
+  public:
     using Ref = CGColorRef;
 
     /// The components of the space, then alpha.
@@ -23,7 +23,7 @@ public:
     CGColorSpaceRef space() const { return space_.get(); }
     const std::vector<CGFloat>& components() const { return components_; }
 
-private:
+  private:
     Retained<CGColorSpaceRef> space_;
     std::vector<CGFloat> components_;
 };

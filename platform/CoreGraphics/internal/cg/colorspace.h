@@ -8,7 +8,7 @@
 namespace cg {
 
 class CG_INTERNAL ColorSpace final : public Payload {
-public:
+  public:
     using Ref = CGColorSpaceRef;
 
     /// The device spaces and the named ones live as long as the process.
@@ -26,7 +26,7 @@ public:
     int components() const { return space_->components(); }
     CFStringRef name() const { return name_; }
 
-private:
+  private:
     color::ColorSpacePtr space_;
     CFStringRef name_;
 };
@@ -35,7 +35,8 @@ private:
 CG_INTERNAL color::ColorSpacePtr deviceGray();
 /// What the reference stands for; null for null.
 CG_INTERNAL color::ColorSpacePtr spaceOf(CGColorSpaceRef ref);
-/// An object for `space`, with one reference: the shared one for sRGB and the device spaces, otherwise a new one.
+/// An object for `space`, with one reference: the shared one for sRGB and the device spaces, otherwise a new
+/// one.
 CG_INTERNAL CGColorSpaceRef makeColorSpace(color::ColorSpacePtr space) noexcept;
 
 } // namespace cg

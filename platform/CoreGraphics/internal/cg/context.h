@@ -37,11 +37,12 @@ struct GraphicsState {
 
 /// A bitmap context. Not for several threads at once.
 class CG_INTERNAL Context final : public Payload {
-public:
+  public:
     using Ref = CGContextRef;
 
     /// Memory of its own for null `data`. Throws std::invalid_argument for a layout that cannot be drawn to.
-    Context(void* data, const Image::Layout& layout, CGColorSpaceRef space, std::function<void(void*)> release);
+    Context(void* data, const Image::Layout& layout, CGColorSpaceRef space,
+            std::function<void(void*)> release);
     ~Context() override;
 
     const char* typeName() const override { return "CGContext"; }
@@ -81,7 +82,7 @@ public:
     void strokePath();
     void clipToPath(bool evenOdd);
 
-private:
+  private:
     void paint(Rasterizer& shape, bool evenOdd, Paint& paint);
     void paintColor(Rasterizer& shape, bool evenOdd, CGColorRef color);
     void intersectClip(Rasterizer& shape, bool evenOdd, Paint* paint);

@@ -11,7 +11,7 @@ namespace cg {
 
 /// Bytes that stay where they are as long as the object lives.
 class CG_INTERNAL DataProvider final : public Payload {
-public:
+  public:
     using Ref = CGDataProviderRef;
 
     /// `release` is called in the end; it keeps alive what it captures.
@@ -22,7 +22,7 @@ public:
     const std::uint8_t* bytes() const { return bytes_; }
     std::size_t size() const { return size_; }
 
-private:
+  private:
     const std::uint8_t* bytes_;
     std::size_t size_;
     std::function<void()> release_;

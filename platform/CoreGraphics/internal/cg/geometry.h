@@ -32,8 +32,8 @@ struct Matrix {
     Point apply(Point p) const { return {a * p.x + c * p.y + tx, b * p.x + d * p.y + ty}; }
     /// This one first.
     Matrix then(const Matrix& m) const {
-        return {a * m.a + b * m.c,         a * m.b + b * m.d,         c * m.a + d * m.c, c * m.b + d * m.d,
-                tx * m.a + ty * m.c + m.tx, tx * m.b + ty * m.d + m.ty};
+        return {a * m.a + b * m.c, a * m.b + b * m.d,          c * m.a + d * m.c,
+                c * m.b + d * m.d, tx * m.a + ty * m.c + m.tx, tx * m.b + ty * m.d + m.ty};
     }
     /// Empty when there is none.
     std::optional<Matrix> inverse() const {

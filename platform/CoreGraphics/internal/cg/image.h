@@ -7,7 +7,7 @@
 namespace cg {
 
 class CG_INTERNAL Image final : public Payload {
-public:
+  public:
     using Ref = CGImageRef;
 
     struct Layout {
@@ -35,7 +35,7 @@ public:
     /// The image that masks this one, stretched over it; null without.
     CGImageRef mask() const { return mask_.get(); }
 
-private:
+  private:
     Layout layout_;
     PixelFormat format_;
     Retained<CGColorSpaceRef> space_;
@@ -44,9 +44,10 @@ private:
     const std::uint8_t* bytes_ = nullptr;
 };
 
-/// Rows of an image, its mask applied, in the layout and space of the caller. Not for several threads at once.
+/// Rows of an image, its mask applied, in the layout and space of the caller. Not for several threads at
+/// once.
 class CG_INTERNAL ImageRows {
-public:
+  public:
     /// Pixels come in `format` (8 bits or more). They are matched to `space`, or left as numbers when it is
     /// null, which takes as many components as the image has.
     ImageRows(CGImageRef image, const PixelFormat& format, CGColorSpaceRef space);
@@ -54,7 +55,7 @@ public:
     /// Writes rows y to y+count-1, counted from the top, each `rowBytes` long.
     void read(std::size_t y, std::size_t count, std::uint8_t* out, std::size_t rowBytes);
 
-private:
+  private:
     struct State;
     std::unique_ptr<State> state_;
 };

@@ -20,7 +20,7 @@ namespace cg {
 
 /// The number of live instances of one class, for leak checks. Make them static; they list themselves.
 class CG_INTERNAL LiveCount {
-public:
+  public:
     explicit LiveCount(const char* name) noexcept;
     void born() { count_.fetch_add(1, std::memory_order_relaxed); }
     void gone() { count_.fetch_sub(1, std::memory_order_relaxed); }
@@ -31,7 +31,7 @@ public:
     static const LiveCount* first();
     const LiveCount* next() const { return next_; }
 
-private:
+  private:
     const char* name_;
     const LiveCount* next_;
     std::atomic<int> count_ = 0;
@@ -39,7 +39,7 @@ private:
 
 /// What an object holds.
 class CG_INTERNAL Payload {
-public:
+  public:
     /// `count` may be null for objects that live as long as the process.
     explicit Payload(LiveCount* count) : count_(count) {
         if (count_) count_->born();
@@ -57,7 +57,7 @@ public:
     virtual bool equals(const Payload& other) const { return this == &other; }
     virtual std::size_t hash() const { return reinterpret_cast<std::size_t>(this) >> 4; }
 
-private:
+  private:
     LiveCount* count_;
 };
 
@@ -67,11 +67,16 @@ CG_INTERNAL CFTypeRef makeObject(std::unique_ptr<Payload> payload);
 CG_INTERNAL Payload* payloadOf(CFTypeRef object);
 
 /// What a reference of the type T::Ref holds; null for null and for an object of another type.
-template <class T> T* get(CFTypeRef object) { return dynamic_cast<T*>(payloadOf(object)); }
+template <class T>
+T* get(CFTypeRef object) {
+    return dynamic_cast<T*>(payloadOf(object));
+}
 
-/// Runs `body` and gives its result; the empty result when memory is short or an argument is impossible. For the C
-/// functions, which must not throw. (In C++ sources only: Objective-C++ code cannot catch what C++ throws.)
-template <class Body> auto guarded(Body body) noexcept -> decltype(body()) {
+/// Runs `body` and gives its result; the empty result when memory is short or an argument is impossible. For
+/// the C functions, which must not throw. (In C++ sources only: Objective-C++ code cannot catch what C++
+/// throws.)
+template <class Body>
+auto guarded(Body body) noexcept -> decltype(body()) {
     using Result = decltype(body());
     try {
         return body();
@@ -83,7 +88,8 @@ template <class Body> auto guarded(Body body) noexcept -> decltype(body()) {
 }
 
 /// A new object holding a T; null when T's constructor throws.
-template <class T, class... Args> typename T::Ref make(Args&&... args) noexcept {
+template <class T, class... Args>
+typename T::Ref make(Args&&... args) noexcept {
     return guarded([&] {
         return static_cast<typename T::Ref>(
             const_cast<void*>(makeObject(std::make_unique<T>(std::forward<Args>(args)...))));
@@ -91,8 +97,9 @@ template <class T, class... Args> typename T::Ref make(Args&&... args) noexcept 
 }
 
 /// A reference that is kept: retains what it is given, releases in the end.
-template <class Ref> class Retained {
-public:
+template <class Ref>
+class Retained {
+  public:
     Retained() = default;
     Retained(Ref ref) : ref_(ref) {
         if (ref_) CFRetain(ref_);
@@ -117,7 +124,7 @@ public:
     Ref get() const { return ref_; }
     explicit operator bool() const { return ref_ != nullptr; }
 
-private:
+  private:
     Ref ref_ = nullptr;
 };
 

@@ -23,7 +23,8 @@ struct CG_INTERNAL PixelFormat {
     int pixelBits = 32;
     /// Colour components, without alpha: 0 (coverage only), 1, 3 or 4.
     int colors = 3;
-    /// Where component k is, counted in samples from the start of the pixel; the last one is alpha's, -1 without.
+    /// Where component k is, counted in samples from the start of the pixel; the last one is alpha's, -1
+    /// without.
     std::array<int, 5> offset = {0, 1, 2, 3, -1};
     /// A sample that means nothing, written as full; -1 without.
     int padding = -1;
@@ -31,14 +32,18 @@ struct CG_INTERNAL PixelFormat {
     /// Samples of more than a byte in the order that is not the machine's.
     bool swapped = false;
 
-    std::size_t rowBytes(std::size_t width) const { return (width * static_cast<std::size_t>(pixelBits) + 7) / 8; }
+    std::size_t rowBytes(std::size_t width) const {
+        return (width * static_cast<std::size_t>(pixelBits) + 7) / 8;
+    }
     bool hasAlpha() const { return alpha != Alpha::none; }
 
-    /// What Core Graphics' numbers mean, with `colors` components in the colour space; empty for a layout that is
-    /// not supported.
-    static std::optional<PixelFormat> of(std::size_t bits, std::size_t pixelBits, int colors, CGBitmapInfo info);
+    /// What Core Graphics' numbers mean, with `colors` components in the colour space; empty for a layout
+    /// that is not supported.
+    static std::optional<PixelFormat> of(std::size_t bits, std::size_t pixelBits, int colors,
+                                         CGBitmapInfo info);
 
-    /// Pixels x to x+n-1 of the row to floats, as they are stored: premultiplied or straight. Alpha is 1 without.
+    /// Pixels x to x+n-1 of the row to floats, as they are stored: premultiplied or straight. Alpha is 1
+    /// without.
     void unpack(const std::uint8_t* row, std::size_t x, std::size_t n, const Planes& out) const;
     /// The way back, rounded and clipped. For 8 bits and more only.
     void pack(std::uint8_t* row, std::size_t x, std::size_t n, const Planes& in) const;
@@ -46,14 +51,14 @@ struct CG_INTERNAL PixelFormat {
 
 /// Heap memory for one row of floats.
 class CG_INTERNAL PlaneBuffer {
-public:
+  public:
     explicit PlaneBuffer(std::size_t width = 0) { resize(width); }
     void resize(std::size_t width);
     const Planes& planes() const { return planes_; }
     /// The planes from pixel x on.
     Planes at(std::size_t x) const;
 
-private:
+  private:
     std::unique_ptr<float[]> memory_;
     Planes planes_ = {};
 };

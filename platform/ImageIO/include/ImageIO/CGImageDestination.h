@@ -14,8 +14,10 @@ IMAGEIO_EXTERN CGImageDestinationRef CGImageDestinationCreateWithURL(CFURLRef ur
                                                                      size_t count, CFDictionaryRef options);
 IMAGEIO_EXTERN CGImageDestinationRef CGImageDestinationCreateWithData(CFMutableDataRef data, CFStringRef type,
                                                                       size_t count, CFDictionaryRef options);
-/** Adds an image; kCGImagePropertyOrientation, DPIWidth, DPIHeight and the quality are read from `properties`. */
+/** Adds an image; kCGImagePropertyOrientation, DPIWidth, DPIHeight and the quality are read from
+ * `properties`. */
 IMAGEIO_EXTERN void CGImageDestinationAddImage(CGImageDestinationRef destination, CGImageRef image,
                                                CFDictionaryRef properties);
-/** Writes everything; false when the number of images is wrong, an image cannot be encoded or the file written. */
+/** Writes everything; false when the number of images is wrong, an image cannot be encoded or the file
+ * written. */
 IMAGEIO_EXTERN bool CGImageDestinationFinalize(CGImageDestinationRef destination);

@@ -11,7 +11,8 @@ IMAGEIO_EXTERN CGImageSourceRef CGImageSourceCreateWithData(CFDataRef data, CFDi
 IMAGEIO_EXTERN CGImageSourceRef CGImageSourceCreateWithURL(CFURLRef url, CFDictionaryRef options);
 /** The uniform type identifier, such as "public.jpeg"; borrowed. */
 IMAGEIO_EXTERN CFStringRef CGImageSourceGetType(CGImageSourceRef source);
-/** The number of images: frames of a GIF, pages of a TIFF, 1 for the rest; 0 when the structure is damaged. */
+/** The number of images: frames of a GIF, pages of a TIFF, 1 for the rest; 0 when the structure is damaged.
+ */
 IMAGEIO_EXTERN size_t CGImageSourceGetCount(CGImageSourceRef source);
 /** Decodes one image, in the colour space that the file tells; null when it is damaged or too large. */
 IMAGEIO_EXTERN CGImageRef CGImageSourceCreateImageAtIndex(CGImageSourceRef source, size_t index,

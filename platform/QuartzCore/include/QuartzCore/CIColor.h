@@ -13,7 +13,8 @@
 /** In sRGB, alpha 1 unless given. */
 + (CIColor*)colorWithRed:(CGFloat)r green:(CGFloat)g blue:(CGFloat)b alpha:(CGFloat)a;
 + (CIColor*)colorWithRed:(CGFloat)r green:(CGFloat)g blue:(CGFloat)b;
-/** From three or four numbers, "0.5 0.7 0.3 1.0". Text that is something else gives opaque black, nil gives nil. */
+/** From three or four numbers, "0.5 0.7 0.3 1.0". Text that is something else gives opaque black, nil gives
+ * nil. */
 + (CIColor*)colorWithString:(NSString*)representation;
 
 - (id)initWithCGColor:(CGColorRef)color;

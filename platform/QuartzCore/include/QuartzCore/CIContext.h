@@ -18,13 +18,14 @@ CORE_IMAGE_EXTERN NSString* const kCIContextUseSoftwareRenderer;
 
 /** Draws `src` of the image (in its coordinates) so that its origin comes to `p` (in user space). */
 - (void)drawImage:(CIImage*)image atPoint:(CGPoint)p fromRect:(CGRect)src;
-/** Draws `src` of the image, scaled, into `dest`, source over, under the context's transform, clip and alpha. */
+/** Draws `src` of the image, scaled, into `dest`, source over, under the context's transform, clip and alpha.
+ */
 - (void)drawImage:(CIImage*)image inRect:(CGRect)dest fromRect:(CGRect)src;
 
 /**
- * The pixels inside `r`, grown to whole pixels, as a new image that the caller releases; null for an empty, infinite
- * or too large rectangle, for an unknown format and for a space that is no RGB. Without format and space:
- * kCIFormatARGB8 in the context's output space.
+ * The pixels inside `r`, grown to whole pixels, as a new image that the caller releases; null for an empty,
+ * infinite or too large rectangle, for an unknown format and for a space that is no RGB. Without format and
+ * space: kCIFormatARGB8 in the context's output space.
  */
 - (CGImageRef)createCGImage:(CIImage*)image fromRect:(CGRect)r;
 - (CGImageRef)createCGImage:(CIImage*)image

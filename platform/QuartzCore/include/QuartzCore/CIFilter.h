@@ -69,9 +69,9 @@ CORE_IMAGE_EXTERN NSString* const kCIInputBackgroundImageKey;
 CORE_IMAGE_EXTERN NSString* const kCIOutputImageKey;
 
 /**
- * A filter: inputs under their keys, and the image that comes of them. Inputs are read and written by key-value
- * coding; the key "outputImage" is read only. Inputs have no value until they are set or setDefaults is sent;
- * an input without value counts with its default when the output is made.
+ * A filter: inputs under their keys, and the image that comes of them. Inputs are read and written by
+ * key-value coding; the key "outputImage" is read only. Inputs have no value until they are set or
+ * setDefaults is sent; an input without value counts with its default when the output is made.
  *
  * Any object can be set as a value. When it cannot serve for its input, asking for the output raises
  * NSInvalidArgumentException with a reason that names filter and input. A key that the filter does not

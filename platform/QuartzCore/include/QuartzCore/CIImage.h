@@ -7,12 +7,13 @@
 
 /** Layouts of bitmaps; pixels are premultiplied, components in the machine's byte order. */
 typedef int CIFormat;
-CORE_IMAGE_EXTERN CIFormat kCIFormatARGB8; /* 23: bytes A R G B */
-CORE_IMAGE_EXTERN CIFormat kCIFormatRGBA8; /* 24: bytes R G B A */
+CORE_IMAGE_EXTERN CIFormat kCIFormatARGB8;  /* 23: bytes A R G B */
+CORE_IMAGE_EXTERN CIFormat kCIFormatRGBA8;  /* 24: bytes R G B A */
 CORE_IMAGE_EXTERN CIFormat kCIFormatRGBA16; /* 27: 16 bits each */
-CORE_IMAGE_EXTERN CIFormat kCIFormatRGBAf; /* 34: floats */
+CORE_IMAGE_EXTERN CIFormat kCIFormatRGBAf;  /* 34: floats */
 
-/** Option: the CGColorSpace in which to read the data, instead of their own; NSNull for no colour matching. */
+/** Option: the CGColorSpace in which to read the data, instead of their own; NSNull for no colour matching.
+ */
 CORE_IMAGE_EXTERN NSString* const kCIImageColorSpace;
 /** Option: the dictionary that `properties` answers. */
 CORE_IMAGE_EXTERN NSString* const kCIImageProperties;
@@ -23,8 +24,8 @@ CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustRedEye;
 CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustFeatures;
 
 /**
- * A recipe for an image: nothing is computed until it is drawn. Immutable; a copy is the receiver, retained. The
- * origin is the lower left corner.
+ * A recipe for an image: nothing is computed until it is drawn. Immutable; a copy is the receiver, retained.
+ * The origin is the lower left corner.
  */
 @interface CIImage : NSObject <NSCopying> {
   @private
@@ -68,7 +69,8 @@ CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustFeatures;
 - (CIImage*)imageByApplyingTransform:(CGAffineTransform)matrix;
 - (CIImage*)imageByCroppingToRect:(CGRect)r;
 
-/** Where the image can be other than transparent; CGRectInfinite for no bounds, CGRectZero for an empty image. */
+/** Where the image can be other than transparent; CGRectInfinite for no bounds, CGRectZero for an empty
+ * image. */
 - (CGRect)extent;
 - (CIFilterShape*)definition;
 /** What the file told about itself, or the dictionary given as kCIImageProperties; empty for other images. */

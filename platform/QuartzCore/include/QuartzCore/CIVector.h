@@ -2,7 +2,8 @@
 
 #import <QuartzCore/CoreImageDefines.h>
 
-/** A list of numbers: a position, a rectangle, the row of a matrix. Immutable; a copy is the receiver, retained. */
+/** A list of numbers: a position, a rectangle, the row of a matrix. Immutable; a copy is the receiver,
+ * retained. */
 @interface CIVector : NSObject <NSCopying> {
   @private
     size_t _count;

@@ -266,7 +266,7 @@ private:
 };
 
 /// A filter is data plus one function.
-struct FilterInfo {
+struct ENGINE_API FilterInfo {
     std::string name;
     std::string displayName;
     std::string description;

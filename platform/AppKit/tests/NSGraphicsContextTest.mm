@@ -1,0 +1,28 @@
+#include "support.h"
+
+TEST(NSGraphicsContext, IsCurrentForAWhile) {
+    EXPECT_EQ([NSGraphicsContext currentContext], nil);
+    auto context = makeContext(4, 4);
+    {
+        Current current(context.get());
+        EXPECT_EQ([[NSGraphicsContext currentContext] graphicsPort], context.get());
+        auto inner = makeContext(2, 2);
+        {
+            Current second(inner.get());
+            EXPECT_EQ([[NSGraphicsContext currentContext] graphicsPort], inner.get());
+        }
+        EXPECT_EQ([[NSGraphicsContext currentContext] graphicsPort], context.get());
+    }
+    EXPECT_EQ([NSGraphicsContext currentContext], nil);
+    [NSGraphicsContext restoreGraphicsState]; // one too many
+    EXPECT_EQ([NSGraphicsContext graphicsContextWithGraphicsPort:nullptr flipped:NO], nil);
+}
+
+TEST(NSGraphicsContext, SavesTheStateOfItsPort) {
+    auto context = makeContext(4, 4);
+    Current current(context.get());
+    [[NSGraphicsContext currentContext] saveGraphicsState];
+    CGContextTranslateCTM(context.get(), 1, 1);
+    [[NSGraphicsContext currentContext] restoreGraphicsState];
+    EXPECT_TRUE(CGAffineTransformIsIdentity(CGContextGetCTM(context.get())));
+}

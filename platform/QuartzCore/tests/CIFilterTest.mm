@@ -1,0 +1,162 @@
+#include "support.h"
+
+TEST(CIFilter, ByName) {
+    CIFilter* filter = [CIFilter filterWithName:@"CISepiaTone"];
+    ASSERT_TRUE(filter != nil);
+    EXPECT_EQ(str([filter name]), "CISepiaTone");
+    EXPECT_EQ(str(NSStringFromClass([filter class])), "CISepiaTone");
+    EXPECT_TRUE([filter isKindOfClass:[CIFilter class]]);
+    EXPECT_EQ([CIFilter filterWithName:@"CINoSuchFilter"], nil);
+    EXPECT_EQ([CIFilter filterWithName:nil], nil);
+    EXPECT_EQ([[CIFilter alloc] init], nil);
+    EXPECT_NE([CIFilter filterWithName:@"CISepiaTone"], filter);
+}
+
+TEST(CIFilter, InputsAreUnsetUntilTheyAreSet) {
+    CIFilter* filter = [CIFilter filterWithName:@"CISepiaTone"];
+    EXPECT_EQ([filter valueForKey:@"inputIntensity"], nil);
+    [filter setDefaults];
+    EXPECT_EQ([[filter valueForKey:@"inputIntensity"] doubleValue], 1);
+    EXPECT_EQ([filter valueForKey:@"inputImage"], nil);
+    [filter setValue:[NSNumber numberWithDouble:0.25] forKey:@"inputIntensity"];
+    EXPECT_EQ([[filter valueForKey:@"inputIntensity"] doubleValue], 0.25);
+    [filter setValue:nil forKey:@"inputIntensity"];
+    EXPECT_EQ([filter valueForKey:@"inputIntensity"], nil);
+}
+
+TEST(CIFilter, UnknownKeysRaise) {
+    CIFilter* filter = [CIFilter filterWithName:@"CISepiaTone"];
+    NSException* e = raised([&] { [filter valueForKey:@"foo"]; });
+    EXPECT_EQ(str([e name]), "NSUnknownKeyException");
+    EXPECT_EQ(str([e reason]),
+              str([NSString stringWithFormat:@"[<CISepiaTone %p> valueForUndefinedKey:]: this class is not "
+                                             @"key value coding-compliant for the key foo.",
+                                             filter]));
+    e = raised([&] { [filter setValue:@"x" forKey:@"bar"]; });
+    EXPECT_EQ(str([e name]), "NSUnknownKeyException");
+    EXPECT_TRUE([[e reason]
+        hasSuffix:@"setValue:forUndefinedKey:]: this class is not key value coding-compliant for the key "
+                  @"bar."]);
+    EXPECT_EQ(str([raised([&] { [filter setValue:nil forKey:@"outputImage"]; }) name]),
+              "NSUnknownKeyException");
+    // Nothing inside is within reach either.
+    EXPECT_EQ(str([raised([&] { [filter valueForKey:@"_state"]; }) name]), "NSUnknownKeyException");
+    EXPECT_EQ(str([raised([&] { [filter setValue:nil forKey:nil]; }) name]), "NSUnknownKeyException");
+}
+
+TEST(CIFilter, ValuesAreRetained) {
+    CIVector* vector = [[CIVector alloc] initWithX:1 Y:2];
+    @autoreleasepool {
+        CIFilter* filter = [CIFilter filterWithName:@"CITwirlDistortion"];
+        [filter setValue:vector forKey:@"inputCenter"];
+        EXPECT_EQ([vector retainCount], 2u);
+        EXPECT_EQ([filter valueForKey:@"inputCenter"], vector);
+    }
+    EXPECT_EQ([vector retainCount], 1u);
+    [vector release];
+}
+
+TEST(CIFilter, OutputIsARecipe) {
+    CIFilter* filter = [CIFilter filterWithName:@"CISepiaTone"];
+    EXPECT_EQ([filter valueForKey:@"outputImage"], nil); // no image to work on
+    [filter setValue:[CIImage imageWithCGImage:makePicture(4, 3).get()] forKey:@"inputImage"];
+    CIImage* output = [filter valueForKey:@"outputImage"];
+    EXPECT_TRUE(CGRectEqualToRect([output extent], CGRectMake(0, 0, 4, 3)));
+    EXPECT_EQ([output colorSpace], nullptr);
+}
+
+TEST(CIFilter, WrongValuesRaiseWhenTheOutputIsMade) {
+    CIFilter* filter = [CIFilter filterWithName:@"CISepiaTone"];
+    [filter setValue:[CIImage emptyImage] forKey:@"inputImage"];
+    CIColor* color = [CIColor colorWithRed:1 green:0 blue:0];
+    [filter setValue:color forKey:@"inputIntensity"];
+    EXPECT_EQ([filter valueForKey:@"inputIntensity"], color);
+    NSException* e = raised([&] { [filter valueForKey:@"outputImage"]; });
+    EXPECT_EQ(str([e name]), str(NSInvalidArgumentException));
+    EXPECT_EQ(str([e reason]), "CISepiaTone: the value of inputIntensity must be a NSNumber, not a CIColor");
+    // Text that says a number is one.
+    [filter setValue:@"0.5" forKey:@"inputIntensity"];
+    EXPECT_TRUE([filter valueForKey:@"outputImage"] != nil);
+    [filter setValue:@"an image" forKey:@"inputImage"];
+    EXPECT_EQ(str([raised([&] { [filter outputImage]; }) name]), str(NSInvalidArgumentException));
+}
+
+TEST(CIFilter, KeysAndAttributes) {
+    CIFilter* filter = [CIFilter filterWithName:@"CISepiaTone"];
+    EXPECT_TRUE([[filter inputKeys] containsObject:@"inputImage"]);
+    EXPECT_TRUE([[filter inputKeys] containsObject:@"inputIntensity"]);
+    EXPECT_EQ(str([[filter outputKeys] objectAtIndex:0]), "outputImage");
+    NSDictionary* attributes = [filter attributes];
+    EXPECT_EQ(str([attributes objectForKey:kCIAttributeFilterName]), "CISepiaTone");
+    EXPECT_EQ(str([attributes objectForKey:@"CIAttributeFilterDisplayName"]), "Sepia Tone");
+    EXPECT_TRUE(
+        [[attributes objectForKey:@"CIAttributeFilterCategories"] containsObject:@"CICategoryColorEffect"]);
+    NSDictionary* intensity = [attributes objectForKey:@"inputIntensity"];
+    EXPECT_EQ(str([intensity objectForKey:@"CIAttributeClass"]), "NSNumber");
+    EXPECT_EQ(str([intensity objectForKey:@"CIAttributeType"]), "CIAttributeTypeScalar");
+    EXPECT_EQ([[intensity objectForKey:@"CIAttributeDefault"] doubleValue], 1);
+    EXPECT_EQ([[intensity objectForKey:@"CIAttributeIdentity"] doubleValue], 0);
+    EXPECT_EQ([[intensity objectForKey:@"CIAttributeSliderMax"] doubleValue], 1);
+    EXPECT_EQ([[attributes objectForKey:@"inputImage"] objectForKey:@"CIAttributeDefault"], nil);
+}
+
+TEST(CIFilter, AttributesHaveCoreImagesTypes) {
+    auto defaultOf = [](NSString* filter, NSString* key) {
+        return [[[[CIFilter filterWithName:filter] attributes] objectForKey:key]
+            objectForKey:kCIAttributeDefault];
+    };
+    EXPECT_TRUE([defaultOf(@"CITwirlDistortion", @"inputCenter") isKindOfClass:[CIVector class]]);
+    EXPECT_TRUE([defaultOf(@"CIConstantColorGenerator", @"inputColor") isKindOfClass:[CIColor class]]);
+    EXPECT_TRUE([defaultOf(@"CIAffineTransform", @"inputTransform") isKindOfClass:[NSAffineTransform class]]);
+    NSAffineTransformStruct m = [defaultOf(@"CIAffineTransform", @"inputTransform") transformStruct];
+    EXPECT_EQ(m.m11, 1);
+    EXPECT_EQ(m.m12, 0);
+}
+
+TEST(CIFilter, NamesByCategory) {
+    NSArray* all = [CIFilter filterNamesInCategory:nil];
+    NSArray* effects = [CIFilter filterNamesInCategory:kCICategoryColorEffect];
+    EXPECT_TRUE([effects containsObject:@"CISepiaTone"]);
+    EXPECT_FALSE([effects containsObject:@"CITwirlDistortion"]);
+    EXPECT_GT([all count], [effects count]);
+    NSArray* both = [CIFilter filterNamesInCategories:@[ kCICategoryColorEffect, kCICategoryBuiltIn ]];
+    EXPECT_EQ([both count], [effects count]);
+    EXPECT_EQ([[CIFilter filterNamesInCategory:@"CICategoryNonsense"] count], 0u);
+    NSArray* sorted = [all sortedArrayUsingSelector:@selector(compare:)];
+    EXPECT_TRUE([all isEqual:sorted]);
+}
+
+TEST(CIFilter, EveryFilterCanBeMadeAndDescribed) {
+    for (NSString* name in [CIFilter filterNamesInCategory:nil]) {
+        CIFilter* filter = [CIFilter filterWithName:name];
+        EXPECT_EQ(str([filter name]), str(name));
+        [filter setDefaults];
+        NSDictionary* attributes = [filter attributes];
+        EXPECT_EQ([attributes count], [[filter inputKeys] count] + 3) << str(name);
+        for (NSString* key in [filter inputKeys])
+            EXPECT_TRUE([[attributes objectForKey:key] objectForKey:kCIAttributeClass] != nil)
+                << str(name) << str(key);
+        // With nothing but defaults there is an image or there is none.
+        EXPECT_EQ(raised([&] { [filter outputImage]; }), nil) << str(name);
+    }
+}
+
+TEST(CIFilter, TextsForPeople) {
+    EXPECT_EQ(str([CIFilter localizedNameForFilterName:@"CISepiaTone"]), "Sepia Tone");
+    EXPECT_EQ(str([CIFilter localizedNameForCategory:kCICategoryBlur]), "Blur");
+    EXPECT_EQ([CIFilter localizedNameForCategory:@"CICategoryNonsense"], nil);
+    EXPECT_EQ([CIFilter localizedNameForFilterName:@"CINoSuchFilter"], nil);
+    EXPECT_GT([[CIFilter localizedDescriptionForFilterName:@"CISepiaTone"] length], 0u);
+    NSURL* url = [CIFilter localizedReferenceDocumentationForFilterName:@"CISepiaTone"];
+    EXPECT_TRUE([[url absoluteString] hasSuffix:@"/CISepiaTone"]);
+    EXPECT_EQ([CIFilter localizedReferenceDocumentationForFilterName:@"CINoSuchFilter"], nil);
+}
+
+TEST(CIFilter, CopiesHaveTheirOwnValues) {
+    CIFilter* filter = [CIFilter filterWithName:@"CISepiaTone" keysAndValues:@"inputIntensity", @0.5, nil];
+    EXPECT_EQ([[filter valueForKey:@"inputIntensity"] doubleValue], 0.5);
+    CIFilter* copy = [[filter copy] autorelease];
+    [copy setValue:@0.75 forKey:@"inputIntensity"];
+    EXPECT_EQ([[filter valueForKey:@"inputIntensity"] doubleValue], 0.5);
+    EXPECT_EQ(str([copy name]), "CISepiaTone");
+}
