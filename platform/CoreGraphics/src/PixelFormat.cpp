@@ -134,15 +134,16 @@ void PixelFormat::pack(std::uint8_t* row, std::size_t x, std::size_t n, const Pl
     row += x * pixelBytes;
     auto write = [&](int sample, auto value) {
         std::uint8_t* p = row + static_cast<std::size_t>(sample) * sampleBytes;
-        for (std::size_t i = 0; i < n; ++i, p += pixelBytes) {
-            float v = value(i);
-            if (bits == 8)
-                *p = static_cast<std::uint8_t>(unit(v) * 255 + 0.5f);
-            else if (bits == 16)
-                store(p, static_cast<std::uint16_t>(unit(v) * 65535 + 0.5f), swapped);
-            else
-                store(p, std::bit_cast<std::uint32_t>(v), swapped);
-        }
+        bool swap = swapped;
+        if (bits == 8)
+            for (std::size_t i = 0; i < n; ++i)
+                p[i * pixelBytes] = static_cast<std::uint8_t>(static_cast<int>(unit(value(i)) * 255 + 0.5f));
+        else if (bits == 16)
+            for (std::size_t i = 0; i < n; ++i)
+                store(p + i * pixelBytes, static_cast<std::uint16_t>(unit(value(i)) * 65535 + 0.5f), swap);
+        else
+            for (std::size_t i = 0; i < n; ++i)
+                store(p + i * pixelBytes, std::bit_cast<std::uint32_t>(value(i)), swap);
     };
     for (std::size_t k = 0; k < in.size(); ++k)
         if (offset[k] >= 0 && (k == alphaPlane || static_cast<int>(k) < colors))

@@ -47,7 +47,7 @@ TEST(CIFilter, UnknownKeysRaise) {
 TEST(CIFilter, ValuesAreRetained) {
     CIVector* vector = [[CIVector alloc] initWithX:1 Y:2];
     @autoreleasepool {
-        CIFilter* filter = [CIFilter filterWithName:@"CITwirlDistortion"];
+        CIFilter* filter = [CIFilter filterWithName:@"CICheckerboardGenerator"];
         [filter setValue:vector forKey:@"inputCenter"];
         EXPECT_EQ([vector retainCount], 2u);
         EXPECT_EQ([filter valueForKey:@"inputCenter"], vector);
@@ -105,7 +105,7 @@ TEST(CIFilter, AttributesHaveCoreImagesTypes) {
         return [[[[CIFilter filterWithName:filter] attributes] objectForKey:key]
             objectForKey:kCIAttributeDefault];
     };
-    EXPECT_TRUE([defaultOf(@"CITwirlDistortion", @"inputCenter") isKindOfClass:[CIVector class]]);
+    EXPECT_TRUE([defaultOf(@"CICheckerboardGenerator", @"inputCenter") isKindOfClass:[CIVector class]]);
     EXPECT_TRUE([defaultOf(@"CIConstantColorGenerator", @"inputColor") isKindOfClass:[CIColor class]]);
     EXPECT_TRUE([defaultOf(@"CIAffineTransform", @"inputTransform") isKindOfClass:[NSAffineTransform class]]);
     NSAffineTransformStruct m = [defaultOf(@"CIAffineTransform", @"inputTransform") transformStruct];
@@ -117,7 +117,7 @@ TEST(CIFilter, NamesByCategory) {
     NSArray* all = [CIFilter filterNamesInCategory:nil];
     NSArray* effects = [CIFilter filterNamesInCategory:kCICategoryColorEffect];
     EXPECT_TRUE([effects containsObject:@"CISepiaTone"]);
-    EXPECT_FALSE([effects containsObject:@"CITwirlDistortion"]);
+    EXPECT_FALSE([effects containsObject:@"CICheckerboardGenerator"]);
     EXPECT_GT([all count], [effects count]);
     NSArray* both = [CIFilter filterNamesInCategories:@[ kCICategoryColorEffect, kCICategoryBuiltIn ]];
     EXPECT_EQ([both count], [effects count]);

@@ -1,17 +1,27 @@
 #include "tile.h"
 
 #include <cmath>
-#include <limits>
 
 namespace engine {
+
+namespace {
+
+/// A host's "infinite" rectangle reaches half of the greatest float or double; no real picture comes near.
+constexpr double farAway = 1e30;
+
+double snapFar(double edge) { return edge >= farAway ? Rect::inf : edge <= -farAway ? -Rect::inf : edge; }
+
+int limited(double v) {
+    constexpr double limit = IntRect::limit;
+    return static_cast<int>(v > -limit ? std::min(v, limit) : -limit);
+}
+
+} // namespace
 
 Rect Rect::ofSize(double x, double y, double width, double height) {
     if (width < 0) x += width, width = -width;
     if (height < 0) y += height, height = -height;
-    // Hosts write "infinite" as a huge origin with a huge size, whose sum need not be huge.
-    constexpr double huge = std::numeric_limits<float>::max() / 4;
-    auto edge = [](double v) { return std::abs(v) >= huge ? std::copysign(inf, v) : v; };
-    return {edge(x), edge(y), width >= huge ? inf : edge(x + width), height >= huge ? inf : edge(y + height)};
+    return {snapFar(x), snapFar(y), snapFar(x + width), snapFar(y + height)};
 }
 
 bool Rect::isInfinite() const {
@@ -19,29 +29,29 @@ bool Rect::isInfinite() const {
 }
 
 bool Rect::contains(const Rect& o) const {
-    return o.isEmpty() || (x0 <= o.x0 && y0 <= o.y0 && x1 >= o.x1 && y1 >= o.y1);
+    return o.isEmpty() || (x0 <= o.x0 && y0 <= o.y0 && o.x1 <= x1 && o.y1 <= y1);
 }
 
 Rect Rect::intersect(const Rect& o) const {
-    if (isEmpty() || o.isEmpty()) return {};
-    Rect r{std::max(x0, o.x0), std::max(y0, o.y0), std::min(x1, o.x1), std::min(y1, o.y1)};
+    Rect r = {std::max(x0, o.x0), std::max(y0, o.y0), std::min(x1, o.x1), std::min(y1, o.y1)};
     return r.isEmpty() ? Rect{} : r;
 }
 
 Rect Rect::unite(const Rect& o) const {
-    if (isEmpty()) return o.isEmpty() ? Rect{} : o;
+    if (isEmpty()) return o;
     if (o.isEmpty()) return *this;
     return {std::min(x0, o.x0), std::min(y0, o.y0), std::max(x1, o.x1), std::max(y1, o.y1)};
 }
 
 Rect Rect::grown(double dx, double dy) const {
-    if (isEmpty()) return {};
-    return {x0 - dx, y0 - dy, x1 + dx, y1 + dy};
+    return isEmpty() ? Rect{} : Rect{x0 - dx, y0 - dy, x1 + dx, y1 + dy};
 }
 
 Rect Rect::integral() const {
-    if (isEmpty()) return {};
-    return {std::floor(x0), std::floor(y0), std::ceil(x1), std::ceil(y1)};
+    // A hair of tolerance: 0.1 * 30 shall not touch a fourth pixel.
+    constexpr double hair = 1e-6;
+    return isEmpty() ? Rect{}
+                     : Rect{std::floor(x0 + hair), std::floor(y0 + hair), std::ceil(x1 - hair), std::ceil(y1 - hair)};
 }
 
 Affine Affine::rotation(double radians) {
@@ -50,50 +60,60 @@ Affine Affine::rotation(double radians) {
 }
 
 Affine Affine::then(const Affine& n) const {
-    Point t = n.apply(Point{tx, ty});
-    return {n.a * a + n.c * b, n.b * a + n.d * b, n.a * c + n.c * d, n.b * c + n.d * d, t.x, t.y};
+    return {n.a * a + n.c * b,  n.b * a + n.d * b,  n.a * c + n.c * d,
+            n.b * c + n.d * d,  n.a * tx + n.c * ty + n.tx, n.b * tx + n.d * ty + n.ty};
 }
 
 std::optional<Affine> Affine::inverse() const {
     double det = a * d - b * c;
-    if (!(std::abs(det) > 0)) return {};
-    Affine i{d / det, -b / det, -c / det, a / det, 0, 0};
-    i.tx = -(i.a * tx + i.c * ty);
-    i.ty = -(i.b * tx + i.d * ty);
-    if (!i.isFinite()) return {};
-    return i;
+    if (!(std::abs(det) > 1e-18) || !std::isfinite(det)) return {};
+    return Affine{d / det, -b / det, -c / det, a / det, (c * ty - d * tx) / det, (b * tx - a * ty) / det};
 }
 
 Rect Affine::apply(const Rect& r) const {
     if (r.isEmpty()) return {};
-    // A factor of zero must not meet an infinite edge.
-    auto term = [](double factor, double edge) { return factor == 0 ? 0 : factor * edge; };
-    auto low = [&](double f, double e0, double e1) { return std::min(term(f, e0), term(f, e1)); };
-    auto high = [&](double f, double e0, double e1) { return std::max(term(f, e0), term(f, e1)); };
-    return {low(a, r.x0, r.x1) + low(c, r.y0, r.y1) + tx, low(b, r.x0, r.x1) + low(d, r.y0, r.y1) + ty,
-            high(a, r.x0, r.x1) + high(c, r.y0, r.y1) + tx, high(b, r.x0, r.x1) + high(d, r.y0, r.y1) + ty};
+    // A zero factor has to win over an infinite edge.
+    auto times = [](double f, double edge) { return f == 0 ? 0 : f * edge; };
+    auto span = [&](double f, double g, double t, double& low, double& high) {
+        auto [ax, bx] = std::minmax(times(f, r.x0), times(f, r.x1));
+        auto [ay, by] = std::minmax(times(g, r.y0), times(g, r.y1));
+        low = ax + ay + t;
+        high = bx + by + t;
+    };
+    Rect out;
+    span(a, c, tx, out.x0, out.x1);
+    span(b, d, ty, out.y0, out.y1);
+    return out;
 }
 
 bool Affine::isFinite() const {
-    return std::isfinite(a) && std::isfinite(b) && std::isfinite(c) && std::isfinite(d) && std::isfinite(tx) &&
-           std::isfinite(ty);
+    for (double v : {a, b, c, d, tx, ty})
+        if (!std::isfinite(v)) return false;
+    return true;
 }
 
-static int toCoordinate(double v) {
-    constexpr double limit = 1 << 29;
-    return static_cast<int>(std::clamp(v, -limit, limit));
-}
-
-IntRect toInt(const Rect& r) {
+IntRect IntRect::around(const Rect& r) {
     if (r.isEmpty()) return {};
-    return {toCoordinate(std::floor(r.x0)), toCoordinate(std::floor(r.y0)), toCoordinate(std::ceil(r.x1)),
-            toCoordinate(std::ceil(r.y1))};
+    Rect i = r.integral();
+    return {limited(i.x0), limited(i.y0), limited(i.x1), limited(i.y1)};
 }
 
-IntRect centresIn(const Rect& r) {
+IntRect IntRect::centredIn(const Rect& r) {
     if (r.isEmpty()) return {};
-    auto edge = [](double v) { return toCoordinate(std::ceil(v - 0.5)); };
-    return {edge(r.x0), edge(r.y0), edge(r.x1), edge(r.y1)};
+    return {limited(std::ceil(r.x0 - 0.5)), limited(std::ceil(r.y0 - 0.5)), limited(std::ceil(r.x1 - 0.5)),
+            limited(std::ceil(r.y1 - 0.5))};
+}
+
+Rect IntRect::rect() const {
+    // The limits stand for infinity, there and back.
+    auto edge = [](int v) { return v >= limit ? Rect::inf : v <= -limit ? -Rect::inf : double(v); };
+    return isEmpty() ? Rect{} : Rect{edge(x0), edge(y0), edge(x1), edge(y1)};
+}
+
+IntRect IntRect::unite(const IntRect& o) const {
+    if (isEmpty()) return o;
+    if (o.isEmpty()) return *this;
+    return {std::min(x0, o.x0), std::min(y0, o.y0), std::max(x1, o.x1), std::max(y1, o.y1)};
 }
 
 } // namespace engine

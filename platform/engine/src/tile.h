@@ -1,127 +1,147 @@
-// What nodes use to compute pixels: planes of float, rows on demand, and what holds for one render.
+// What a tile is computed with: whole-numbered areas, spans of pixels, and the evaluators that fill them.
 #pragma once
 
+#include <color/simd.h>
 #include <engine/engine.h>
 
 #include <algorithm>
-#include <cstring>
-#include <functional>
-#include <map>
-#include <set>
+#include <new>
+#include <unordered_map>
 
 namespace engine {
 
-/// Pixels x0..x1-1 of rows y0..y1-1, y upwards.
+namespace simd = color::simd;
+
+/// Pixels x0 <= x < x1, y0 <= y < y1. Edges stay within +-limit, so that adding a few never overflows.
 struct IntRect {
+    static constexpr int limit = 1 << 29;
     int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
 
+    /// All pixels that the rectangle touches.
+    static IntRect around(const Rect& r);
+    /// The pixels whose centre is inside.
+    static IntRect centredIn(const Rect& r);
+    Rect rect() const;
     int width() const { return x1 - x0; }
     int height() const { return y1 - y0; }
     bool isEmpty() const { return x0 >= x1 || y0 >= y1; }
-    double count() const { return isEmpty() ? 0 : static_cast<double>(width()) * height(); }
     IntRect intersect(const IntRect& o) const {
         return {std::max(x0, o.x0), std::max(y0, o.y0), std::min(x1, o.x1), std::min(y1, o.y1)};
     }
-    bool contains(const IntRect& o) const { return x0 <= o.x0 && y0 <= o.y0 && x1 >= o.x1 && y1 >= o.y1; }
-    auto operator<=>(const IntRect&) const = default;
+    IntRect unite(const IntRect& o) const;
+    IntRect grown(int n) const { return {x0 - n, y0 - n, x1 + n, y1 + n}; }
+    bool contains(const IntRect& o) const {
+        return o.isEmpty() || (x0 <= o.x0 && y0 <= o.y0 && o.x1 <= x1 && o.y1 <= y1);
+    }
+    bool operator==(const IntRect&) const = default;
 };
 
-/// The pixels that touch a rectangle. Limited to +-2^29, so that sizes fit an int.
-IntRect toInt(const Rect& r);
-/// The pixels whose centres lie in a rectangle.
-IntRect centresIn(const Rect& r);
-inline Rect toRect(const IntRect& r) {
-    if (r.isEmpty()) return {};
-    return {static_cast<double>(r.x0), static_cast<double>(r.y0), static_cast<double>(r.x1),
-            static_cast<double>(r.y1)};
-}
-inline int floorDiv(int a, int b) { return a / b - (a % b < 0); }
+/// Longest span: its four planes are half of a first-level cache.
+inline constexpr int spanPixels = 1024;
 
-/// A stretch of one row: planes of premultiplied r, g, b and of alpha.
+/// Neighbouring pixels of one row, one plane per component: r, g, b, a.
 struct Span {
-    std::array<float*, 4> plane;
+    float* plane[4];
+    int count;
 
-    Span at(int offset) const {
-        return {{plane[0] + offset, plane[1] + offset, plane[2] + offset, plane[3] + offset}};
+    Span from(int begin, int n) const {
+        return {{plane[0] + begin, plane[1] + begin, plane[2] + begin, plane[3] + begin}, n};
     }
-    void clear(int n) const {
-        for (float* p : plane) std::memset(p, 0, sizeof(float) * n);
+    void clear() const {
+        for (float* p : plane) std::fill_n(p, count, 0.f);
     }
-    void copy(const Span& from, int n) const {
-        for (int c = 0; c < 4; ++c) std::memcpy(plane[c], from.plane[c], sizeof(float) * n);
+    void copyFrom(const Span& other) const {
+        for (int c = 0; c < 4; ++c) std::copy_n(other.plane[c], count, plane[c]);
     }
 };
 
-/// The most pixels a span has. Eight kilobytes, so that a chain of steps works within the first cache.
-constexpr int maxSpan = 512;
+/// Floats on a cache line's boundary, not initialised.
+class Floats {
+  public:
+    Floats() = default;
+    explicit Floats(std::size_t count)
+        : data_(static_cast<float*>(::operator new(count * sizeof(float), std::align_val_t(64)))) {}
+    float* get() const { return data_.get(); }
 
-struct SpanBuffer {
-    alignas(32) float data[4][maxSpan];
-    Span span() { return {{data[0], data[1], data[2], data[3]}}; }
+  private:
+    struct Delete {
+        void operator()(float* p) const { ::operator delete(p, std::align_val_t(64)); }
+    };
+    std::unique_ptr<float, Delete> data_;
 };
 
-/// Pixels of one tile. The planes of one row follow each other.
-struct Pixels {
-    explicit Pixels(const IntRect& area);
-    Span row(int y) const { return at(area.x0, y); }
-    Span at(int x, int y) const {
-        float* p = data.get() + rowStep() * (y - area.y0) + (x - area.x0);
-        return {{p, p + stride, p + 2 * stride, p + 3 * stride}};
+/// Rows of pixels, each row with its four planes one after the other.
+class Rows {
+  public:
+    Rows() = default;
+    Rows(int width, int height) : stride_((width + 15) / 16 * 16), floats_(std::size_t(4) * stride_ * height) {}
+    Span row(int i, int count) const {
+        float* p = floats_.get() + std::size_t(4) * stride_ * i;
+        return {{p, p + stride_, p + 2 * stride_, p + 3 * stride_}, count};
     }
-    std::ptrdiff_t rowStep() const { return 4 * static_cast<std::ptrdiff_t>(stride); }
-    void clear();
 
-    IntRect area;
-    int stride;
-    std::unique_ptr<float[]> data;
+  private:
+    int stride_ = 0;
+    Floats floats_;
 };
 
-/// Computes rows of a node for one tile; used by one thread.
+/// One span of scratch.
+class Scratch {
+  public:
+    Scratch() : rows_(spanPixels, 1) {}
+    Span span(int count) const { return rows_.row(0, count); }
+
+  private:
+    Rows rows_;
+};
+
 class Evaluator {
-public:
+  public:
     virtual ~Evaluator() = default;
-    /// Pixels x..x+n-1 of row y, which lie in the prepared area; n is at most maxSpan.
-    virtual void row(int x, int y, int n, const Span& out) = 0;
+    /// Writes pixels x..x+count-1 of row y, all inside the area it was prepared for. count <= spanPixels.
+    virtual void row(int x, int y, const Span& out) = 0;
 };
 
-/// Transparent outside of `bounds`.
-std::shared_ptr<Evaluator> clipped(std::shared_ptr<Evaluator> evaluator, const IntRect& bounds);
+using EvaluatorPtr = std::shared_ptr<Evaluator>;
 
-/// A step on pixels x..x+n-1 of row y, in place.
-using SpanFunction = std::function<void(const Span& pixels, int x, int y, int n)>;
+/// The graph of one render, seen once: its nodes with every reader before what it reads.
+class Graph {
+  public:
+    explicit Graph(const Image& root);
+    const std::vector<const Node*>& nodes() const { return order_; }
+    int readers(const Node* node) const { return readers_.at(node); }
+    /// What of each node is needed for `area` of the root.
+    std::unordered_map<const Node*, IntRect> demand(const IntRect& area) const;
 
-using Rgba = std::array<float, 4>;
-
-/// What holds for all tiles of a render.
-struct RenderSettings {
-    /// Null for linear sRGB.
-    color::ColorSpacePtr working;
-    bool colorManaged = true;
-    /// Nodes that more than one other reads.
-    std::set<const Node*> shared;
+  private:
+    std::vector<const Node*> order_;
+    std::unordered_map<const Node*, int> readers_;
 };
 
-/// What holds for one tile.
+/// What holds while one tile is computed.
 class RenderContext {
-public:
-    explicit RenderContext(const RenderSettings& settings) : settings(settings) {}
+  public:
+    RenderContext(const Graph& graph, const Options& options, const IntRect& tile);
 
-    /// The evaluator of an image, transparent outside of the image's extent.
-    std::shared_ptr<Evaluator> prepare(const Image& image, const IntRect& area);
-    /// A caller's colour as a pixel.
-    Rgba color(const Color& color) const;
-    /// Calls `work(y, row)` for every row of the area from the lowest upwards, where the image may be other
-    /// than transparent. The row has area.width() pixels and lies as in Pixels. Holds the evaluators of a strip at a time.
-    void stream(const Image& image, const IntRect& area, const std::function<void(int, const Span&)>& work);
+    /// An evaluator for any pixels of `area`; transparent outside of the image. An image with several
+    /// readers has one evaluator that they share.
+    EvaluatorPtr prepare(const Image& image, const IntRect& area);
+    const Options& options() const { return options_; }
+    /// From straight linear sRGB to the working space, in place.
+    void toWorking(const Span& span) const;
 
-    const RenderSettings& settings;
-
-private:
-    std::shared_ptr<Evaluator> prepareShared(const Image& image, const IntRect& area);
-    std::map<std::pair<const Node*, IntRect>, std::shared_ptr<Evaluator>> shared_;
+  private:
+    const Graph& graph_;
+    const Options& options_;
+    std::unordered_map<const Node*, IntRect> demand_;
+    std::unordered_map<const Node*, EvaluatorPtr> shared_;
 };
 
-/// Fills the pixels' area.
-void fill(Evaluator& from, const Pixels& to);
+/// Calls row() for a stretch longer than a span.
+void evaluateRow(Evaluator& evaluator, int x, int y, const Span& out);
+
+/// rgb *= a, and rgb /= a (0 where a is 0).
+void premultiply(const Span& span);
+void unpremultiply(const Span& span);
 
 } // namespace engine

@@ -92,10 +92,9 @@ class Node;
 /// An image is a shared, immutable recipe. Null means "no image".
 using Image = std::shared_ptr<const Node>;
 
-struct Pixels;       // pixels of one tile, see src/tile.h
-class Evaluator;     // computes rows of a node for one tile
-class RenderContext; // what holds for one whole render
 struct IntRect;
+class Evaluator;     // computes rows of a node for one tile, see src/tile.h
+class RenderContext; // what holds while one tile is computed
 
 /// One step of a recipe.
 class ENGINE_API Node : public std::enable_shared_from_this<Node> {
@@ -113,7 +112,9 @@ public:
     virtual std::string name() const = 0;
     /// True when the step keeps pixels of its input in a buffer, so that it ends a pass.
     virtual bool materialises() const { return false; }
-    /// Makes what computes rows inside `area`. Called once per tile, on the tile's thread.
+    /// The pixels that can be other than transparent: `extent` rounded outwards unless a step says otherwise.
+    virtual IntRect pixels() const;
+    /// Makes what computes rows inside `area`, which is a part of pixels(). Called once per tile, on its thread.
     virtual std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const = 0;
 
 protected:
@@ -149,8 +150,8 @@ struct PixelLayout {
 };
 
 /// Pixels that are produced on demand, a strip of rows at a time: a file too big to be held in float, or
-/// something computed. The engine keeps a few strips and never asks for a row twice in a row; it calls
-/// from its own threads, but never two at once for one source.
+/// something computed. The engine keeps the strips it read last. It calls from its own threads, but never two at
+/// once for one source.
 class ENGINE_API RowSource {
 public:
     virtual ~RowSource() = default;

@@ -1,0 +1,54 @@
+// The steps that filters are built from. As in the public functions, a null image gives a null image.
+#pragma once
+
+#include "tile.h"
+
+namespace engine {
+
+/// Makes a step for one render, where colours depend on its working space.
+using SpanMaker = std::function<SpanFunction(const RenderContext&)>;
+
+/// A step that computes each pixel from that pixel alone (and its place).
+Image pointStep(const Image& image, std::string name, SpanMaker make);
+/// Pixels computed from their place alone.
+Image generator(std::string name, const Rect& extent, SpanMaker make);
+
+/// r' = m[0][0] r + m[0][1] g + m[0][2] b + m[0][3] a + m[0][4] and so on, on straight colour.
+using ColorMatrix = std::array<std::array<double, 5>, 4>;
+/// Consecutive matrices become one.
+Image colorMatrix(const Image& image, const ColorMatrix& matrix);
+/// A matrix of the colours that leaves alpha as it is.
+ColorMatrix colorsOnly(const std::array<double, 9>& rgb, double bias = 0);
+
+/// A combination of two images, pixel by pixel, on premultiplied colours.
+struct BlendMode {
+    const char* name;
+    /// Pixels `above` and `below`; the result goes to `below`.
+    void (*run)(const Span& above, const Span& below, int n);
+    /// Whether the result can be other than transparent where only one of them is.
+    bool onlyAbove = true, onlyBelow = true;
+};
+void sourceOver(const Span& above, const Span& below, int n);
+/// With one image missing the result is the other where that can show without it, and null otherwise.
+Image blend(const BlendMode& mode, const Image& above, const Image& below);
+
+/// Convolution with a Gaussian of standard deviation `sigma`.
+Image gaussian(const Image& image, double sigma);
+/// The mean of the square that reaches `radius` pixels to each side of a pixel.
+Image boxBlur(const Image& image, double radius);
+
+/// Where a warp reads.
+class Warp {
+public:
+    virtual ~Warp() = default;
+    virtual std::string name() const = 0;
+    /// Where the pixels of a source of this extent go.
+    virtual Rect extent(const Rect& source) const = 0;
+    /// What the pixels of `area` read, neighbours not counted.
+    virtual Rect region(const Rect& area) const = 0;
+    /// For the centres of pixels x..x+n-1 of row y: how far away from them to read.
+    virtual void displace(int x, int y, int n, float* dx, float* dy) const = 0;
+};
+Image warp(const Image& image, std::shared_ptr<const Warp> warp);
+
+} // namespace engine

@@ -1,0 +1,125 @@
+#include "codec.h"
+#include "nodes.h"
+#include "plan.h"
+#include "pool.h"
+
+#include <color/simd.h>
+
+#include <atomic>
+#include <cmath>
+#include <stdexcept>
+
+namespace engine {
+
+namespace {
+
+std::atomic<int> wantedTile{0};
+
+bool isFinite(const Rect& r) {
+    return std::isfinite(r.x0) && std::isfinite(r.y0) && std::isfinite(r.x1) && std::isfinite(r.y1);
+}
+
+void check(const Rect& source, const Target& target, const Rect& dest, const Options& options) {
+    checkLayout(target.layout);
+    if (!target.pixels) throw std::invalid_argument("a target needs pixels");
+    if (target.rowBytes / bytesPerPixel(target.layout.format) < static_cast<std::size_t>(target.layout.width))
+        throw std::invalid_argument("rows of a target are shorter than their pixels");
+    if (!isFinite(source) || !isFinite(dest)) throw std::invalid_argument("only a finite area can be rendered");
+    if (options.working && options.working->model() != color::Model::rgb)
+        throw std::invalid_argument("the working space needs red, green and blue");
+}
+
+/// Width and height of tiles. Without neighbours, whole rows are cheapest; with them, tiles are large enough
+/// that what they read around them counts little, and small enough to stay near the processor.
+std::pair<int, int> tileSize(const IntRect& area, bool neighbours) {
+    if (int size = wantedTile) return {size, size};
+    int width = neighbours ? std::min(area.width(), 1024) : area.width();
+    int height = neighbours ? 512 : std::clamp((1 << 18) / area.width(), 16, 1024);
+    // Work for every thread.
+    int tiles = threadCount() * 2;
+    while (height > 32 && (area.width() + width - 1) / width * ((area.height() + height - 1) / height) < tiles)
+        height = (height + 1) / 2;
+    return {width, height};
+}
+
+class Renderer {
+public:
+    Renderer(const Image& image, const Target& target, const Options& options)
+        : image_(image), target_(target), blend_(options.blend), settings_(settingsFor(image, options)),
+          codec_(target.layout, settings_) {}
+
+    void tile(const IntRect& area) const {
+        RenderContext context(settings_);
+        auto evaluator = context.prepare(image_, area);
+        SpanBuffer buffer, below;
+        std::size_t step = bytesPerPixel(target_.layout.format);
+        for (int y = area.y0; y < area.y1; ++y) {
+            std::uint8_t* row = static_cast<std::uint8_t*>(target_.pixels) +
+                                static_cast<std::size_t>(target_.layout.height - 1 - y) * target_.rowBytes;
+            for (int x = area.x0; x < area.x1; x += maxSpan) {
+                int n = std::min(maxSpan, area.x1 - x);
+                evaluator->row(x, y, n, buffer.span());
+                if (blend_) {
+                    codec_.decode(row + x * step, n, below.span());
+                    sourceOver(buffer.span(), below.span(), n);
+                    codec_.encode(below.span(), n, row + x * step);
+                } else {
+                    codec_.encode(buffer.span(), n, row + x * step);
+                }
+            }
+        }
+    }
+
+private:
+    static RenderSettings settingsFor(const Image& image, const Options& options) {
+        RenderSettings settings{nullptr, options.colorManaged, {}};
+        if (options.working && !options.working->sameAs(*color::ColorSpace::linearSRGB()))
+            settings.working = options.working;
+        for (const auto& [node, count] : readers(image))
+            if (isKept(*node, count)) settings.shared.insert(node);
+        return settings;
+    }
+
+    const Image& image_;
+    const Target& target_;
+    bool blend_;
+    RenderSettings settings_;
+    Codec codec_;
+};
+
+} // namespace
+
+void setTileSize(int size) { wantedTile = std::clamp(size, 0, 8192); }
+
+InstructionSet instructionSet() {
+    return color::simd::current() == color::simd::Set::avx2 ? InstructionSet::avx2 : InstructionSet::sse2;
+}
+
+bool setInstructionSet(InstructionSet set) {
+    return color::simd::select(set == InstructionSet::avx2 ? color::simd::Set::avx2 : color::simd::Set::sse2);
+}
+
+void render(const Image& image, const Rect& source, const Target& target, const Rect& dest, const Options& options) {
+    check(source, target, dest, options);
+    if (source.isEmpty() || dest.isEmpty()) return;
+    double sx = dest.width() / source.width(), sy = dest.height() / source.height();
+    Affine place{sx, 0, 0, sy, dest.x0 - source.x0 * sx, dest.y0 - source.y0 * sy};
+    if (!place.isFinite()) throw std::invalid_argument("an area that is too large cannot be rendered");
+    Image placed = transform(image ? image : empty(), place);
+
+    IntRect area = centresIn(dest).intersect({0, 0, target.layout.width, target.layout.height});
+    if (options.blend) area = area.intersect(toInt(placed->extent()));
+    if (area.isEmpty()) return;
+    bool neighbours = planSummary(placed).passes > 1;
+    auto [width, height] = tileSize(area, neighbours);
+    int columns = (area.width() - 1) / width + 1, rows = (area.height() - 1) / height + 1;
+    Renderer renderer(placed, target, options);
+    // From the top downwards, as files are read.
+    parallel(columns * rows, [&, width = width, height = height](int i) {
+        int x0 = area.x0 + i % columns * width, y1 = area.y1 - i / columns * height;
+        renderer.tile(
+            {x0, std::max(area.y0, y1 - height), std::min(area.x1, x0 + width), y1});
+    });
+}
+
+} // namespace engine

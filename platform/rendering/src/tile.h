@@ -1,0 +1,127 @@
+// What nodes use to compute pixels: planes of float, rows on demand, and what holds for one render.
+#pragma once
+
+#include <engine/engine.h>
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <set>
+
+namespace engine {
+
+/// Pixels x0..x1-1 of rows y0..y1-1, y upwards.
+struct IntRect {
+    int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+
+    int width() const { return x1 - x0; }
+    int height() const { return y1 - y0; }
+    bool isEmpty() const { return x0 >= x1 || y0 >= y1; }
+    double count() const { return isEmpty() ? 0 : static_cast<double>(width()) * height(); }
+    IntRect intersect(const IntRect& o) const {
+        return {std::max(x0, o.x0), std::max(y0, o.y0), std::min(x1, o.x1), std::min(y1, o.y1)};
+    }
+    bool contains(const IntRect& o) const { return x0 <= o.x0 && y0 <= o.y0 && x1 >= o.x1 && y1 >= o.y1; }
+    auto operator<=>(const IntRect&) const = default;
+};
+
+/// The pixels that touch a rectangle. Limited to +-2^29, so that sizes fit an int.
+IntRect toInt(const Rect& r);
+/// The pixels whose centres lie in a rectangle.
+IntRect centresIn(const Rect& r);
+inline Rect toRect(const IntRect& r) {
+    if (r.isEmpty()) return {};
+    return {static_cast<double>(r.x0), static_cast<double>(r.y0), static_cast<double>(r.x1),
+            static_cast<double>(r.y1)};
+}
+inline int floorDiv(int a, int b) { return a / b - (a % b < 0); }
+
+/// A stretch of one row: planes of premultiplied r, g, b and of alpha.
+struct Span {
+    std::array<float*, 4> plane;
+
+    Span at(int offset) const {
+        return {{plane[0] + offset, plane[1] + offset, plane[2] + offset, plane[3] + offset}};
+    }
+    void clear(int n) const {
+        for (float* p : plane) std::memset(p, 0, sizeof(float) * n);
+    }
+    void copy(const Span& from, int n) const {
+        for (int c = 0; c < 4; ++c) std::memcpy(plane[c], from.plane[c], sizeof(float) * n);
+    }
+};
+
+/// The most pixels a span has. Eight kilobytes, so that a chain of steps works within the first cache.
+constexpr int maxSpan = 512;
+
+struct SpanBuffer {
+    alignas(32) float data[4][maxSpan];
+    Span span() { return {{data[0], data[1], data[2], data[3]}}; }
+};
+
+/// Pixels of one tile. The planes of one row follow each other.
+struct Pixels {
+    explicit Pixels(const IntRect& area);
+    Span row(int y) const { return at(area.x0, y); }
+    Span at(int x, int y) const {
+        float* p = data.get() + rowStep() * (y - area.y0) + (x - area.x0);
+        return {{p, p + stride, p + 2 * stride, p + 3 * stride}};
+    }
+    std::ptrdiff_t rowStep() const { return 4 * static_cast<std::ptrdiff_t>(stride); }
+    void clear();
+
+    IntRect area;
+    int stride;
+    std::unique_ptr<float[]> data;
+};
+
+/// Computes rows of a node for one tile; used by one thread.
+class Evaluator {
+public:
+    virtual ~Evaluator() = default;
+    /// Pixels x..x+n-1 of row y, which lie in the prepared area; n is at most maxSpan.
+    virtual void row(int x, int y, int n, const Span& out) = 0;
+};
+
+/// Transparent outside of `bounds`.
+std::shared_ptr<Evaluator> clipped(std::shared_ptr<Evaluator> evaluator, const IntRect& bounds);
+
+/// A step on pixels x..x+n-1 of row y, in place.
+using SpanFunction = std::function<void(const Span& pixels, int x, int y, int n)>;
+
+using Rgba = std::array<float, 4>;
+
+/// What holds for all tiles of a render.
+struct RenderSettings {
+    /// Null for linear sRGB.
+    color::ColorSpacePtr working;
+    bool colorManaged = true;
+    /// Nodes that more than one other reads.
+    std::set<const Node*> shared;
+};
+
+/// What holds for one tile.
+class RenderContext {
+public:
+    explicit RenderContext(const RenderSettings& settings) : settings(settings) {}
+
+    /// The evaluator of an image, transparent outside of the image's extent.
+    std::shared_ptr<Evaluator> prepare(const Image& image, const IntRect& area);
+    /// A caller's colour as a pixel.
+    Rgba color(const Color& color) const;
+    /// Calls `work(y, row)` for every row of the area from the lowest upwards, where the image may be other
+    /// than transparent. The row has area.width() pixels and lies as in Pixels. Holds the evaluators of a strip at a time.
+    void stream(const Image& image, const IntRect& area, const std::function<void(int, const Span&)>& work);
+
+    const RenderSettings& settings;
+
+private:
+    std::shared_ptr<Evaluator> prepareShared(const Image& image, const IntRect& area);
+    std::map<std::pair<const Node*, IntRect>, std::shared_ptr<Evaluator>> shared_;
+};
+
+/// Fills the pixels' area.
+void fill(Evaluator& from, const Pixels& to);
+
+} // namespace engine

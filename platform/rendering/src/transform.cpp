@@ -1,0 +1,249 @@
+#include "sample.h"
+
+#include <color/vecmath.h>
+
+#include <cmath>
+#include <stdexcept>
+
+namespace engine {
+
+namespace {
+
+class MovedEvaluator : public Evaluator {
+public:
+    MovedEvaluator(std::shared_ptr<Evaluator> input, int dx, int dy)
+        : input_(std::move(input)), dx_(dx), dy_(dy) {}
+    void row(int x, int y, int n, const Span& out) override { input_->row(x - dx_, y - dy_, n, out); }
+
+private:
+    std::shared_ptr<Evaluator> input_;
+    int dx_, dy_;
+};
+
+bool isWholeMove(const Affine& m) {
+    auto whole = [](double v) { return std::abs(v) < (1 << 28) && v == std::round(v); };
+    return m.a == 1 && m.b == 0 && m.c == 0 && m.d == 1 && whole(m.tx) && whole(m.ty);
+}
+
+/// An image made smaller by whole factors: each pixel the mean of a block.
+class Reduction {
+public:
+    Reduction(const Image& image, int fx, int fy)
+        : image_(image), bounds_(toInt(image->extent())), fx_(fx), fy_(fy),
+          // Blocks begin at the image's corner, so that its first pixels are whole blocks.
+          x0_(std::isfinite(image->extent().x0) ? bounds_.x0 : 0),
+          y0_(std::isfinite(image->extent().y0) ? bounds_.y0 : 0) {}
+
+    double toX(double x) const { return (x - x0_) / fx_; }
+    double toY(double y) const { return (y - y0_) / fy_; }
+    IntRect bounds() const {
+        return {floorDiv(bounds_.x0 - x0_, fx_), floorDiv(bounds_.y0 - y0_, fy_),
+                floorDiv(bounds_.x1 - 1 - x0_, fx_) + 1, floorDiv(bounds_.y1 - 1 - y0_, fy_) + 1};
+    }
+
+    void compute(const Pixels& out, RenderContext& context) const {
+        if (fx_ == 1 && fy_ == 1) {
+            IntRect a = out.area;
+            auto input = context.prepare(image_, {a.x0 + x0_, a.y0 + y0_, a.x1 + x0_, a.y1 + y0_});
+            for (int y = a.y0; y < a.y1; ++y)
+                for (int x = a.x0; x < a.x1; x += maxSpan)
+                    input->row(x + x0_, y + y0_, std::min(maxSpan, a.x1 - x), out.at(x, y));
+            return;
+        }
+        // A picture is read as a whole; of something endless, parts of the blocks have to do.
+        constexpr double mostRead = 1 << 28;
+        if (block(out.area).count() <= mostRead)
+            readAll(out, context);
+        else
+            readParts(out, context);
+    }
+
+private:
+    /// The pixels of the image under an area.
+    IntRect block(const IntRect& a) const {
+        auto edge = [](int index, int factor, int origin) {
+            double v = static_cast<double>(index) * factor + origin;
+            return static_cast<int>(std::clamp(v, -1.0 * (1 << 29), 1.0 * (1 << 29)));
+        };
+        return bounds_.intersect({edge(a.x0, fx_, x0_), edge(a.y0, fy_, y0_), edge(a.x1, fx_, x0_),
+                                  edge(a.y1, fy_, y0_)});
+    }
+
+    void readAll(const Pixels& out, RenderContext& context) const {
+        IntRect area = block(out.area);
+        Pixels sums({area.x0, 0, area.x1, 1});
+        sums.clear();
+        int floats = static_cast<int>(sums.rowStep());
+        context.stream(image_, area, [&](int y, const Span& in) {
+            float* sum = sums.data.get();
+            color::simd::run([=, from = in.plane[0]]() SIMD_INLINE {
+                SIMD_LOOP
+                for (int i = 0; i < floats; ++i) sum[i] += from[i];
+            });
+            int j = floorDiv(y - y0_, fy_);
+            bool last = y + 1 == area.y1 || floorDiv(y + 1 - y0_, fy_) != j;
+            if (!last) return;
+            for (int i = out.area.x0; i < out.area.x1; ++i) {
+                IntRect b = block({i, j, i + 1, j + 1});
+                float weight = 1 / static_cast<float>(b.count());
+                for (int c = 0; c < 4; ++c) {
+                    const float* p = sums.row(0).plane[c];
+                    float total = 0;
+                    for (int x = b.x0 - area.x0; x < b.x1 - area.x0; ++x) total += p[x];
+                    *out.at(i, j).plane[c] = total * weight;
+                }
+            }
+            sums.clear();
+        });
+    }
+
+    void readParts(const Pixels& out, RenderContext& context) const {
+        constexpr double mostRead = 1 << 24;
+        int side = std::max(1, static_cast<int>(std::sqrt(mostRead / out.area.count())));
+        for (int j = out.area.y0; j < out.area.y1; ++j) {
+            for (int i = out.area.x0; i < out.area.x1; ++i) {
+                IntRect b = block({i, j, i + 1, j + 1});
+                Span to = out.at(i, j);
+                to.clear(1);
+                if (b.isEmpty()) continue;
+                b.x0 += std::max(0, b.width() - side) / 2;
+                b.y0 += std::max(0, b.height() - side) / 2;
+                b.x1 = std::min(b.x1, b.x0 + side);
+                b.y1 = std::min(b.y1, b.y0 + side);
+                float weight = 1 / static_cast<float>(b.count());
+                context.stream(image_, b, [&](int, const Span& in) {
+                    for (int c = 0; c < 4; ++c)
+                        for (int k = 0; k < b.width(); ++k) *to.plane[c] += in.plane[c][k] * weight;
+                });
+            }
+        }
+    }
+
+    Image image_;
+    IntRect bounds_;
+    int fx_, fy_, x0_, y0_;
+};
+
+/// How much of a pixel lies between two edges, for pixels whose position is from + i * step.
+void coverAxis(double from, double step, double low, double high, double footprint, float* coverage, int n) {
+    float scale = static_cast<float>(1 / footprint), move = static_cast<float>(step);
+    float toLow = std::isfinite(low) ? static_cast<float>(from - low) : 1e30f;
+    float toHigh = std::isfinite(high) ? static_cast<float>(high - from) : 1e30f;
+    color::simd::run([=]() SIMD_INLINE {
+        SIMD_LOOP
+        for (int i = 0; i < n; ++i) {
+            float d = static_cast<float>(i) * move;
+            float a = color::simd::unit((toLow + d) * scale + 0.5f), b = color::simd::unit((toHigh - d) * scale + 0.5f);
+            coverage[i] *= color::simd::max(a + b - 1, 0);
+        }
+    });
+}
+
+class TransformNode : public Node {
+public:
+    TransformNode(const Image& image, const Affine& matrix, const Affine& inverse)
+        : Node(matrix.apply(image->extent()), {image}), matrix_(matrix), inverse_(inverse) {}
+
+    const Affine& matrix() const { return matrix_; }
+    std::string name() const override { return isWholeMove(matrix_) ? "move" : "transform"; }
+    bool materialises() const override { return !isWholeMove(matrix_); }
+    Rect regionOfInterest(std::size_t, const Rect& area) const override {
+        if (isWholeMove(matrix_)) return inverse_.apply(area);
+        return inverse_.apply(area).grown(factor(inverse_.a, inverse_.c), factor(inverse_.b, inverse_.d));
+    }
+
+    std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
+        if (isWholeMove(matrix_)) {
+            int dx = static_cast<int>(matrix_.tx), dy = static_cast<int>(matrix_.ty);
+            return std::make_shared<MovedEvaluator>(
+                context.prepare(inputs()[0], {area.x0 - dx, area.y0 - dy, area.x1 - dx, area.y1 - dy}), dx, dy);
+        }
+        Reduction source(inputs()[0], factor(inverse_.a, inverse_.c), factor(inverse_.b, inverse_.d));
+        Pixels out(area);
+        compute(area, out, source, context);
+        return std::make_shared<Computed>(std::move(out));
+    }
+
+private:
+    /// By how much the source is made smaller beforehand: not at all down to one half.
+    static int factor(double perX, double perY) {
+        double footprint = std::hypot(perX, perY);
+        return footprint < 2 ? 1 : static_cast<int>(std::min(footprint + 1e-6, 1.0 * (1 << 28)));
+    }
+
+    void compute(const IntRect& area, const Pixels& out, const Reduction& source, RenderContext& context) const {
+        Point first = inverse_.apply(Point{area.x0 + 0.5, area.y0 + 0.5});
+        // A single row or column of centres has no area, but a place.
+        Point across{inverse_.a * (area.width() - 1), inverse_.b * (area.width() - 1)};
+        Point along{inverse_.c * (area.height() - 1), inverse_.d * (area.height() - 1)};
+        Rect region{first.x + std::min(across.x, 0.0) + std::min(along.x, 0.0),
+                  first.y + std::min(across.y, 0.0) + std::min(along.y, 0.0),
+                  first.x + std::max(across.x, 0.0) + std::max(along.x, 0.0),
+                  first.y + std::max(across.y, 0.0) + std::max(along.y, 0.0)};
+        // The neighbours, and the edge of the image, which shows half a footprint outside of it.
+        Rect near{source.toX(region.x0) - 2, source.toY(region.y0) - 2, source.toX(region.x1) + 2,
+                  source.toY(region.y1) + 2};
+        IntRect needed = toInt(near).intersect(source.bounds());
+        if (needed.count() > mostSampled && area.count() > 1) {
+            auto [a, b] = halves(area);
+            compute(a, out, source, context);
+            compute(b, out, source, context);
+            return;
+        }
+        if (needed.isEmpty()) {
+            for (int y = area.y0; y < area.y1; ++y) out.at(area.x0, y).clear(area.width());
+            return;
+        }
+        Pixels in(needed);
+        source.compute(in, context);
+        for (int y = area.y0; y < area.y1; ++y)
+            for (int x = area.x0; x < area.x1; x += maxSpan)
+                row(x, y, std::min(maxSpan, area.x1 - x), in, source, out.at(x, y));
+    }
+
+    void row(int x, int y, int n, const Pixels& in, const Reduction& source, const Span& out) const {
+        alignas(32) float u[maxSpan], v[maxSpan], coverage[maxSpan];
+        Point from = inverse_.apply(Point{x + 0.5, y + 0.5});
+        float u0 = static_cast<float>(source.toX(from.x) - 0.5 - in.area.x0);
+        float v0 = static_cast<float>(source.toY(from.y) - 0.5 - in.area.y0);
+        float du = static_cast<float>(source.toX(from.x + inverse_.a) - source.toX(from.x));
+        float dv = static_cast<float>(source.toY(from.y + inverse_.b) - source.toY(from.y));
+        color::simd::run([=, u = u, v = v, coverage = coverage]() SIMD_INLINE {
+            SIMD_LOOP
+            for (int i = 0; i < n; ++i) {
+                u[i] = u0 + static_cast<float>(i) * du;
+                v[i] = v0 + static_cast<float>(i) * dv;
+                coverage[i] = 1;
+            }
+        });
+        sample(in, u, v, n, out);
+        Rect edges = inputs()[0]->extent().integral();
+        coverAxis(from.x, inverse_.a, edges.x0, edges.x1, std::hypot(inverse_.a, inverse_.c), coverage, n);
+        coverAxis(from.y, inverse_.b, edges.y0, edges.y1, std::hypot(inverse_.b, inverse_.d), coverage, n);
+        for (float* p : out.plane)
+            color::simd::run([=, coverage = coverage]() SIMD_INLINE {
+                SIMD_LOOP
+                for (int i = 0; i < n; ++i) p[i] *= coverage[i];
+            });
+    }
+
+    Affine matrix_, inverse_;
+};
+
+} // namespace
+
+Image transform(const Image& image, const Affine& matrix) {
+    if (!matrix.isFinite()) throw std::invalid_argument("a transform needs finite numbers");
+    if (!image) return nullptr;
+    if (auto before = dynamic_cast<const TransformNode*>(image.get())) {
+        Affine both = before->matrix().then(matrix);
+        // Beyond what numbers hold, the steps stay apart.
+        if (both.isFinite()) return transform(before->inputs()[0], both);
+    }
+    auto inverse = matrix.inverse();
+    if (!inverse || image->extent().isEmpty()) return empty();
+    if (matrix == Affine{}) return image;
+    return std::make_shared<TransformNode>(image, matrix, *inverse);
+}
+
+} // namespace engine
