@@ -79,7 +79,8 @@ REALstring buildUTF8(const char* text) {
 } // namespace
 
 void bridge::disposeStringData(REALstringData& data) {
-    if (REALDisposeStringData.resolve())
+    // What the host did not make is not the host's to free.
+    if (PluginGetStringData.resolve() && REALDisposeStringData.resolve())
         REALDisposeStringData(&data);
     else
         std::free(data.data);

@@ -22,6 +22,8 @@ const HostCase hostCases[] = {
     {"2009_05", 2009.05, 9, false}, {"none", std::nullopt, 9, false},
 };
 
+void PrintTo(const HostCase& host, std::ostream* out) { *out << host.name; }
+
 struct ClassCase {
     const char* name;
     const char* superclass;

@@ -19,6 +19,15 @@ CGDataProviderRef makeProvider(const std::uint8_t* bytes, std::size_t size,
     return guarded([&] { return make<DataProvider>(bytes, size, [owner = std::move(owner)] {}); });
 }
 
+std::string filePath(CFURLRef url) {
+    char text[4096];
+    if (!url || !CFStringGetCString(CFURLGetString(url), text, sizeof text, kCFStringEncodingUTF8)) return {};
+    if (std::string(text).rfind("file:", 0) != 0) return {};
+    auto path = Retained<CFStringRef>::adopt(CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle));
+    if (!path || !CFStringGetCString(path.get(), text, sizeof text, kCFStringEncodingUTF8)) return {};
+    return text;
+}
+
 } // namespace cg
 
 using namespace cg;
@@ -42,13 +51,9 @@ CGDataProviderRef CGDataProviderCreateWithCFData(CFDataRef data) {
 }
 
 CGDataProviderRef CGDataProviderCreateWithURL(CFURLRef url) {
-    if (!url) return nullptr;
     return guarded([&]() -> CGDataProviderRef {
-        auto path = Retained<CFStringRef>::adopt(CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle));
-        char name[4096];
-        if (!path || !CFStringGetCString(path.get(), name, sizeof name, kCFStringEncodingUTF8))
-            return nullptr;
-        std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name, "rb"), std::fclose);
+        std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(filePath(url).c_str(), "rb"),
+                                                             std::fclose);
         if (!file) return nullptr;
         auto bytes = std::make_shared<std::vector<std::uint8_t>>();
         std::uint8_t chunk[65536];

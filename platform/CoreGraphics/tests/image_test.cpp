@@ -32,6 +32,19 @@ TEST(DataProvider, CallsReleaseOnceInTheEnd) {
     EXPECT_EQ(released, 1);
 }
 
+TEST(DataProvider, ReadsFilesAndNothingElse) {
+    auto provider = [](const char* text) {
+        auto string =
+            Retained<CFStringRef>::adopt(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8));
+        auto url = Retained<CFURLRef>::adopt(CFURLCreateWithString(nullptr, string.get(), nullptr));
+        return Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithURL(url.get()));
+    };
+    EXPECT_TRUE(provider("file:///proc/self/status"));
+    EXPECT_FALSE(provider("http://localhost/proc/self/status"));
+    EXPECT_FALSE(provider("file:///no/such/file"));
+    EXPECT_EQ(CGDataProviderCreateWithURL(nullptr), nullptr);
+}
+
 TEST(Image, AnswersHowItWasMade) {
     auto image = rgba(2, 3, Bytes(24));
     ASSERT_TRUE(image);

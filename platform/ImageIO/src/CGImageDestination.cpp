@@ -155,14 +155,7 @@ using namespace imageio;
 
 CGImageDestinationRef CGImageDestinationCreateWithURL(CFURLRef url, CFStringRef type, size_t count,
                                                       CFDictionaryRef options) {
-    if (!url) return nullptr;
-    return cg::guarded([&]() -> CGImageDestinationRef {
-        auto path = cg::Retained<CFStringRef>::adopt(CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle));
-        char name[4096];
-        if (!path || !CFStringGetCString(path.get(), name, sizeof name, kCFStringEncodingUTF8))
-            return nullptr;
-        return cg::make<ImageDestination>(std::string(name), nullptr, type, count);
-    });
+    return cg::guarded([&] { return cg::make<ImageDestination>(cg::filePath(url), nullptr, type, count); });
 }
 
 CGImageDestinationRef CGImageDestinationCreateWithData(CFMutableDataRef data, CFStringRef type, size_t count,

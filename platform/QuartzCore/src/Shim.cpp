@@ -117,10 +117,10 @@ bool clip(CGContextRef context, CGRect& dest, CGRect& source) {
     source = CGRectStandardize(source);
     if (CGRectIsNull(bounds) || CGRectIsEmpty(dest) || CGRectIsEmpty(source)) return false;
     if (CGRectIsInfinite(source) || CGRectIsInfinite(dest)) {
-        // Only an infinite picture on an infinite area has a scale: none.
-        if (!CGRectIsInfinite(source) || !CGRectIsInfinite(dest)) return false;
-        dest = source = bounds;
-        return true;
+        // An infinite picture has no scale to an area, so it is drawn as it is; nothing fills an infinite area else.
+        if (!CGRectIsInfinite(source)) return false;
+        dest = source = CGRectIntersection(dest, bounds);
+        return !CGRectIsEmpty(dest);
     }
     if (CGRectContainsRect(bounds, dest)) return true;
     CGRect part = CGRectIntersection(dest, bounds);

@@ -14,7 +14,7 @@ CG_EXTERN CGDataProviderRef CGDataProviderCreateWithData(void* info, const void*
                                                          CGDataProviderReleaseDataCallback releaseData);
 /** Retains `data`; null gives null. */
 CG_EXTERN CGDataProviderRef CGDataProviderCreateWithCFData(CFDataRef data);
-/** The contents of a file; null when it cannot be read. */
+/** The contents of a file; null when it cannot be read, and for a URL of anything else. */
 CG_EXTERN CGDataProviderRef CGDataProviderCreateWithURL(CFURLRef url);
 /** All bytes of the provider as a new data object. */
 CG_EXTERN CFDataRef CGDataProviderCopyData(CGDataProviderRef provider);

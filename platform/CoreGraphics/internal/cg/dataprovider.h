@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 namespace cg {
 
@@ -31,5 +32,8 @@ class CG_INTERNAL DataProvider final : public Payload {
 /// A provider that keeps `owner`, whose bytes they are. Null when memory is short.
 CG_INTERNAL CGDataProviderRef makeProvider(const std::uint8_t* bytes, std::size_t size,
                                            std::shared_ptr<const void> owner) noexcept;
+
+/// The path of a file URL; empty for any other URL and for null.
+CG_INTERNAL std::string filePath(CFURLRef url);
 
 } // namespace cg
