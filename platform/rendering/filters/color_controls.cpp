@@ -12,16 +12,19 @@ static Image build(const Inputs& in) {
     return colorMatrix(in.image("inputImage"), colorsOnly(m, bias));
 }
 
-static const Registrar filter{{
-    "CIColorControls", "Color Controls", "Changes the saturation, brightness and contrast of a picture.", "10.4",
-    categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
-    {imageInput(),
-     numberInput("inputSaturation", "Saturation", "Scalar",
-                 {.value = 1, .identity = 1, .min = 0, .sliderMin = 0, .sliderMax = 2}),
-     numberInput("inputBrightness", "Brightness", "Scalar",
-                 {.value = 0, .identity = 0, .min = -1, .sliderMin = -1, .sliderMax = 1}),
-     numberInput("inputContrast", "Contrast", "Scalar",
-                 {.value = 1, .identity = 1, .min = 0, .sliderMin = 0.25, .sliderMax = 4})},
-    build}};
+static const Registrar filter{
+    {"CIColorControls",
+     "Color Controls",
+     "Changes the saturation, brightness and contrast of a picture.",
+     "10.4",
+     categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
+     {imageInput(),
+      numberInput("inputSaturation", "Saturation", "Scalar",
+                  {.value = 1, .identity = 1, .min = 0, .sliderMin = 0, .sliderMax = 2}),
+      numberInput("inputBrightness", "Brightness", "Scalar",
+                  {.value = 0, .identity = 0, .min = -1, .sliderMin = -1, .sliderMax = 1}),
+      numberInput("inputContrast", "Contrast", "Scalar",
+                  {.value = 1, .identity = 1, .min = 0, .sliderMin = 0.25, .sliderMax = 4})},
+     build}};
 
 } // namespace engine

@@ -12,7 +12,8 @@ namespace {
 namespace simd = color::simd;
 
 /// The same formula for all four premultiplied components: f(s, d, alpha of s, alpha of d).
-template <class F> void eachComponent(const Span& above, const Span& below, int n) {
+template <class F>
+void eachComponent(const Span& above, const Span& below, int n) {
     // Alpha comes last, so that the colours still see it.
     for (int c = 0; c < 4; ++c) {
         const float *s = above.plane[c], *sa = above.plane[3], *da = below.plane[3];
@@ -25,7 +26,8 @@ template <class F> void eachComponent(const Span& above, const Span& below, int 
 }
 
 /// The formula of PDF's separable blend modes: where both are, f(s, d) of their straight colours counts.
-template <class F> void separable(const Span& above, const Span& below, int n) {
+template <class F>
+void separable(const Span& above, const Span& below, int n) {
     const float *sa = above.plane[3], *da = below.plane[3];
     for (int c = 0; c < 3; ++c) {
         const float* s = above.plane[c];
@@ -91,54 +93,97 @@ struct Mode {
 
 constexpr Mode modes[] = {
     {"CISourceOverCompositing", "Source Over", "Lays a picture over another.", {"source over", sourceOver}},
-    {"CISourceAtopCompositing", "Source Atop", "Lays a picture over another where that one is, and nowhere else.",
+    {"CISourceAtopCompositing",
+     "Source Atop",
+     "Lays a picture over another where that one is, and nowhere else.",
      {"source atop", eachComponent<Atop>, false, true}},
-    {"CISourceInCompositing", "Source In", "Keeps a picture where another one is.",
+    {"CISourceInCompositing",
+     "Source In",
+     "Keeps a picture where another one is.",
      {"source in", eachComponent<In>, false, false}},
-    {"CISourceOutCompositing", "Source Out", "Keeps a picture where another one is not.",
+    {"CISourceOutCompositing",
+     "Source Out",
+     "Keeps a picture where another one is not.",
      {"source out", eachComponent<Out>, true, false}},
     {"CIAdditionCompositing", "Addition", "Adds the light of two pictures.", {"addition", addition}},
-    {"CIMaximumCompositing", "Maximum", "Takes the larger of each component of two pictures.",
+    {"CIMaximumCompositing",
+     "Maximum",
+     "Takes the larger of each component of two pictures.",
      {"maximum", eachComponent<Largest>}},
-    {"CIMinimumCompositing", "Minimum", "Takes the smaller of each component of two pictures.",
+    {"CIMinimumCompositing",
+     "Minimum",
+     "Takes the smaller of each component of two pictures.",
      {"minimum", eachComponent<Smallest>, false, false}},
-    {"CIMultiplyCompositing", "Multiply", "Multiplies the components of two pictures.",
+    {"CIMultiplyCompositing",
+     "Multiply",
+     "Multiplies the components of two pictures.",
      {"multiply", eachComponent<Product>, false, false}},
-    {"CIMultiplyBlendMode", "Multiply Blend Mode", "Multiplies colours, like two slides laid on each other.",
+    {"CIMultiplyBlendMode",
+     "Multiply Blend Mode",
+     "Multiplies colours, like two slides laid on each other.",
      {"multiply blend", separable<Multiply>}},
-    {"CIScreenBlendMode", "Screen Blend Mode", "Multiplies the inverses of colours, like two projectors.",
+    {"CIScreenBlendMode",
+     "Screen Blend Mode",
+     "Multiplies the inverses of colours, like two projectors.",
      {"screen", separable<Screen>}},
-    {"CIOverlayBlendMode", "Overlay Blend Mode", "Multiplies or screens, depending on the background.",
+    {"CIOverlayBlendMode",
+     "Overlay Blend Mode",
+     "Multiplies or screens, depending on the background.",
      {"overlay", separable<Overlay>}},
-    {"CIHardLightBlendMode", "Hard Light Blend Mode", "Multiplies or screens, depending on the picture on top.",
+    {"CIHardLightBlendMode",
+     "Hard Light Blend Mode",
+     "Multiplies or screens, depending on the picture on top.",
      {"hard light", separable<HardLight>}},
-    {"CISoftLightBlendMode", "Soft Light Blend Mode", "Darkens or lightens gently, depending on the picture on top.",
+    {"CISoftLightBlendMode",
+     "Soft Light Blend Mode",
+     "Darkens or lightens gently, depending on the picture on top.",
      {"soft light", separable<SoftLight>}},
-    {"CIDarkenBlendMode", "Darken Blend Mode", "Takes the darker of each colour component.",
+    {"CIDarkenBlendMode",
+     "Darken Blend Mode",
+     "Takes the darker of each colour component.",
      {"darken", separable<Darken>}},
-    {"CILightenBlendMode", "Lighten Blend Mode", "Takes the lighter of each colour component.",
+    {"CILightenBlendMode",
+     "Lighten Blend Mode",
+     "Takes the lighter of each colour component.",
      {"lighten", separable<Lighten>}},
-    {"CIDifferenceBlendMode", "Difference Blend Mode", "Takes how much colours differ.",
+    {"CIDifferenceBlendMode",
+     "Difference Blend Mode",
+     "Takes how much colours differ.",
      {"difference", separable<Difference>}},
-    {"CIExclusionBlendMode", "Exclusion Blend Mode", "Takes how much colours differ, with less contrast.",
+    {"CIExclusionBlendMode",
+     "Exclusion Blend Mode",
+     "Takes how much colours differ, with less contrast.",
      {"exclusion", separable<Exclusion>}},
-    {"CIColorDodgeBlendMode", "Color Dodge Blend Mode", "Brightens the background to reflect the picture on top.",
+    {"CIColorDodgeBlendMode",
+     "Color Dodge Blend Mode",
+     "Brightens the background to reflect the picture on top.",
      {"color dodge", separable<ColorDodge>}},
-    {"CIColorBurnBlendMode", "Color Burn Blend Mode", "Darkens the background to reflect the picture on top.",
+    {"CIColorBurnBlendMode",
+     "Color Burn Blend Mode",
+     "Darkens the background to reflect the picture on top.",
      {"color burn", separable<ColorBurn>}},
 };
 
-template <std::size_t i> Image build(const Inputs& in) {
+template <std::size_t i>
+Image build(const Inputs& in) {
     return blend(modes[i].blend, in.image("inputImage"), in.image("inputBackgroundImage"));
 }
 
-template <std::size_t... i> std::array<Registrar, sizeof...(i)> registerAll(std::index_sequence<i...>) {
+template <std::size_t... i>
+std::array<Registrar, sizeof...(i)> registerAll(std::index_sequence<i...>) {
     auto info = [](const Mode& mode, Image (*build)(const Inputs&)) -> FilterInfo {
         bool blends = std::string_view(mode.name).ends_with("BlendMode");
-        auto names = blends ? "CompositeOperation Video StillImage Interlaced NonSquarePixels BuiltIn"
-                            : "CompositeOperation Video StillImage Interlaced NonSquarePixels HighDynamicRange BuiltIn";
-        return {mode.name, mode.displayName, mode.description, "10.4", categories(names),
-                {imageInput(), imageInput("inputBackgroundImage", "Background Image")}, build};
+        auto names =
+            blends
+                ? "CompositeOperation Video StillImage Interlaced NonSquarePixels BuiltIn"
+                : "CompositeOperation Video StillImage Interlaced NonSquarePixels HighDynamicRange BuiltIn";
+        return {mode.name,
+                mode.displayName,
+                mode.description,
+                "10.4",
+                categories(names),
+                {imageInput(), imageInput("inputBackgroundImage", "Background Image")},
+                build};
     };
     return {Registrar(info(modes[i], build<i>))...};
 }

@@ -26,11 +26,14 @@ static Image build(const Inputs& in) {
                      [p = static_cast<float>(power)](const RenderContext&) { return gammaStep(p); });
 }
 
-static const Registrar filter{{
-    "CIGammaAdjust", "Gamma Adjust", "Lightens or darkens the middle tones by a power curve.", "10.4",
-    categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
-    {imageInput(), numberInput("inputPower", "Power", "Scalar",
-                               {.value = 1, .identity = 1, .sliderMin = 0.25, .sliderMax = 4})},
-    build}};
+static const Registrar filter{
+    {"CIGammaAdjust",
+     "Gamma Adjust",
+     "Lightens or darkens the middle tones by a power curve.",
+     "10.4",
+     categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
+     {imageInput(), numberInput("inputPower", "Power", "Scalar",
+                                {.value = 1, .identity = 1, .sliderMin = 0.25, .sliderMax = 4})},
+     build}};
 
 } // namespace engine

@@ -12,11 +12,14 @@ static Image build(const Inputs& in) {
     return colorMatrix(in.image("inputImage"), colorsOnly(m));
 }
 
-static const Registrar filter{{
-    "CISepiaTone", "Sepia Tone", "Tints a picture brown like an old photograph.", "10.4",
-    categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
-    {imageInput(), numberInput("inputIntensity", "Intensity", "Scalar",
-                               {.value = 1, .identity = 0, .min = 0, .sliderMin = 0, .sliderMax = 1})},
-    build}};
+static const Registrar filter{
+    {"CISepiaTone",
+     "Sepia Tone",
+     "Tints a picture brown like an old photograph.",
+     "10.4",
+     categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
+     {imageInput(), numberInput("inputIntensity", "Intensity", "Scalar",
+                                {.value = 1, .identity = 0, .min = 0, .sliderMin = 0, .sliderMax = 1})},
+     build}};
 
 } // namespace engine

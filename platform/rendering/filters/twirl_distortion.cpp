@@ -11,7 +11,7 @@ namespace {
 /// Turns by an angle that falls from the centre to the rim as (1 - distance / radius)^2, so that neither
 /// the picture nor its direction breaks at the rim.
 class Twirl : public Warp {
-public:
+  public:
     Twirl(Point centre, double radius, double angle) : centre_(centre), radius_(radius), angle_(angle) {}
 
     std::string name() const override { return "twirl"; }
@@ -34,7 +34,7 @@ public:
         });
     }
 
-private:
+  private:
     Rect disc() const {
         return {centre_.x - radius_, centre_.y - radius_, centre_.x + radius_, centre_.y + radius_};
     }
@@ -51,16 +51,21 @@ Image build(const Inputs& in) {
     return warp(image, std::make_shared<Twirl>(in.point("inputCenter"), radius, angle));
 }
 
-const Registrar filter{{
-    "CITwirlDistortion", "Twirl Distortion", "Turns the inside of a circle, most of all its centre.", "10.4",
-    categories("DistortionEffect Video StillImage BuiltIn"),
-    {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),
-     numberInput("inputRadius", "Radius", "Distance",
-                 {.value = 300, .identity = 300, .min = 0, .sliderMin = 0, .sliderMax = 500}),
-     numberInput("inputAngle", "Angle", "Angle",
-                 {.value = 3.141592653589793, .identity = 0, .sliderMin = -12.56637061435917,
-                  .sliderMax = 12.56637061435917})},
-    build}};
+const Registrar filter{
+    {"CITwirlDistortion",
+     "Twirl Distortion",
+     "Turns the inside of a circle, most of all its centre.",
+     "10.4",
+     categories("DistortionEffect Video StillImage BuiltIn"),
+     {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),
+      numberInput("inputRadius", "Radius", "Distance",
+                  {.value = 300, .identity = 300, .min = 0, .sliderMin = 0, .sliderMax = 500}),
+      numberInput("inputAngle", "Angle", "Angle",
+                  {.value = 3.141592653589793,
+                   .identity = 0,
+                   .sliderMin = -12.56637061435917,
+                   .sliderMax = 12.56637061435917})},
+     build}};
 
 } // namespace
 

@@ -8,9 +8,9 @@ namespace engine {
 
 namespace {
 
-/// Light falls off with the fourth power of the cosine of the angle it comes in at, as in a lens; the radius sets how
-/// wide that angle is in the corners (at 1, where the distance from the middle equals the distance of the
-/// film) and the intensity mixes.
+/// Light falls off with the fourth power of the cosine of the angle it comes in at, as in a lens; the radius
+/// sets how wide that angle is in the corners (at 1, where the distance from the middle equals the distance
+/// of the film) and the intensity mixes.
 SpanFunction vignetteStep(Point middle, double perPixel, float intensity) {
     return [=](const Span& s, int x, int y, int n) {
         float step = static_cast<float>(perPixel), x0 = static_cast<float>((x + 0.5 - middle.x) * perPixel);
@@ -42,15 +42,18 @@ Image build(const Inputs& in) {
                      [=](const RenderContext&) { return vignetteStep(middle, perPixel, intensity); });
 }
 
-const Registrar filter{{
-    "CIVignette", "Vignette", "Darkens a picture towards its corners.", "10.9",
-    categories("ColorEffect Video Interlaced StillImage BuiltIn"),
-    {imageInput(),
-     numberInput("inputIntensity", "Intensity", "Scalar",
-                 {.value = 0, .identity = 0, .min = -1, .max = 1, .sliderMin = -1, .sliderMax = 1}),
-     numberInput("inputRadius", "Radius", "Scalar",
-                 {.value = 1, .min = 0, .max = 2, .sliderMin = 0, .sliderMax = 2})},
-    build}};
+const Registrar filter{
+    {"CIVignette",
+     "Vignette",
+     "Darkens a picture towards its corners.",
+     "10.9",
+     categories("ColorEffect Video Interlaced StillImage BuiltIn"),
+     {imageInput(),
+      numberInput("inputIntensity", "Intensity", "Scalar",
+                  {.value = 0, .identity = 0, .min = -1, .max = 1, .sliderMin = -1, .sliderMax = 1}),
+      numberInput("inputRadius", "Radius", "Scalar",
+                  {.value = 1, .min = 0, .max = 2, .sliderMin = 0, .sliderMax = 2})},
+     build}};
 
 } // namespace
 

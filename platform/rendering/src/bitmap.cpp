@@ -10,7 +10,7 @@ namespace {
 
 /// Converts what is asked for, straight from where the pixels are.
 class BitmapEvaluator : public Evaluator {
-public:
+  public:
     /// Row counted from the top; the pointer is valid until the next call.
     using RowOf = std::function<const std::uint8_t*(int)>;
 
@@ -22,7 +22,7 @@ public:
         codec_.decode(rowOf_(height_ - 1 - y) + x * step_, n, out);
     }
 
-private:
+  private:
     int height_;
     std::size_t step_;
     Codec codec_;
@@ -34,7 +34,7 @@ Rect extentOf(const PixelLayout& layout) {
 }
 
 class BitmapNode : public Node {
-public:
+  public:
     BitmapNode(const PixelLayout& layout, const void* pixels, std::size_t rowBytes,
                std::shared_ptr<const void> owner)
         : Node(extentOf(layout), {}), layout_(layout), pixels_(static_cast<const std::uint8_t*>(pixels)),
@@ -46,7 +46,7 @@ public:
                                                  [this](int row) { return pixels_ + row * rowBytes_; });
     }
 
-private:
+  private:
     PixelLayout layout_;
     const std::uint8_t* pixels_;
     std::size_t rowBytes_;
@@ -58,7 +58,7 @@ using StripPtr = std::shared_ptr<const Strip>;
 
 /// The strips of a row source that were used last.
 class Strips {
-public:
+  public:
     explicit Strips(std::shared_ptr<RowSource> source)
         : source_(std::move(source)), layout_(source_->layout()),
           rowBytes_(layout_.width * bytesPerPixel(layout_.format)),
@@ -71,7 +71,8 @@ public:
 
     StripPtr strip(int index) const {
         std::lock_guard lock(mutex_);
-        auto found = std::find_if(kept_.begin(), kept_.end(), [=](const auto& e) { return e.first == index; });
+        auto found =
+            std::find_if(kept_.begin(), kept_.end(), [=](const auto& e) { return e.first == index; });
         if (found != kept_.end()) {
             kept_.splice(kept_.begin(), kept_, found);
         } else {
@@ -84,7 +85,7 @@ public:
         return kept_.front().second;
     }
 
-private:
+  private:
     /// Enough that neighbouring tiles find the rows of each other.
     static constexpr std::size_t memory = 32 << 20;
 
@@ -98,7 +99,7 @@ private:
 };
 
 class RowSourceNode : public Node {
-public:
+  public:
     explicit RowSourceNode(std::shared_ptr<RowSource> source)
         : Node(extentOf(source->layout()), {}), strips_(std::move(source)) {}
 
@@ -112,7 +113,7 @@ public:
             });
     }
 
-private:
+  private:
     Strips strips_;
 };
 

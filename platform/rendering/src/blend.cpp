@@ -7,7 +7,7 @@ namespace engine {
 namespace {
 
 class BlendEvaluator : public Evaluator {
-public:
+  public:
     BlendEvaluator(const BlendMode& mode, std::shared_ptr<Evaluator> above, std::shared_ptr<Evaluator> below)
         : mode_(mode), above_(std::move(above)), below_(std::move(below)) {}
 
@@ -17,7 +17,7 @@ public:
         mode_.run(buffer_.span(), out, n);
     }
 
-private:
+  private:
     const BlendMode& mode_;
     std::shared_ptr<Evaluator> above_, below_;
     SpanBuffer buffer_;
@@ -31,7 +31,7 @@ Rect blendExtent(const BlendMode& mode, const Rect& above, const Rect& below) {
 }
 
 class BlendNode : public Node {
-public:
+  public:
     BlendNode(const BlendMode& mode, const Image& above, const Image& below)
         : Node(blendExtent(mode, above->extent(), below->extent()), {above, below}), mode_(mode) {}
 
@@ -44,7 +44,7 @@ public:
                                                 context.prepare(inputs()[1], area));
     }
 
-private:
+  private:
     const BlendMode& mode_;
 };
 

@@ -10,7 +10,8 @@ namespace engine {
 namespace {
 
 /// out[i] = the sum over k in -radius..radius of weights[|k|] * centre[i + k * step].
-void symmetricFilter(const float* centre, std::ptrdiff_t step, const std::vector<float>& weights, float* out, int n) {
+void symmetricFilter(const float* centre, std::ptrdiff_t step, const std::vector<float>& weights, float* out,
+                     int n) {
     int radius = static_cast<int>(weights.size()) - 1;
     color::simd::run([=, w = weights[0]]() SIMD_INLINE {
         SIMD_LOOP
@@ -34,9 +35,9 @@ void symmetricFilter(const float* centre, std::ptrdiff_t step, const std::vector
     }
 }
 
-/// A Gaussian is computed on an image made smaller by a power of two where it is wide enough not to show: smoothed
-/// by repeated [1 3 3 1] / 8 on the way down and by the cubic B-spline on the way up. The variances of the three
-/// add up, so that the Gaussian between them gets what is left of the wanted one.
+/// A Gaussian is computed on an image made smaller by a power of two where it is wide enough not to show:
+/// smoothed by repeated [1 3 3 1] / 8 on the way down and by the cubic B-spline on the way up. The variances
+/// of the three add up, so that the Gaussian between them gets what is left of the wanted one.
 struct GaussianPlan {
     explicit GaussianPlan(double sigma) {
         while (sigma / factor >= 8) factor *= 2;
@@ -46,7 +47,8 @@ struct GaussianPlan {
             for (int step = 1; step < factor; step *= 2) {
                 std::vector<double> wider(down.size() + 3 * step);
                 for (std::size_t i = 0; i < down.size(); ++i)
-                    for (int tap = 0; tap < 4; ++tap) wider[i + tap * step] += down[i] * (tap % 3 ? 3 : 1) / 8;
+                    for (int tap = 0; tap < 4; ++tap)
+                        wider[i + tap * step] += down[i] * (tap % 3 ? 3 : 1) / 8;
                 down = std::move(wider);
             }
             for (int phase = 0; phase < factor; ++phase) up.push_back(spline(phase));
@@ -79,14 +81,15 @@ struct GaussianPlan {
     int radius() const { return static_cast<int>(weights.size()) - 1; }
 
     int factor = 1;
-    std::vector<double> down; // by `factor` at once; its middle is the middle of a smaller pixel
-    std::vector<float> weights; // from the middle outwards
+    std::vector<double> down;             // by `factor` at once; its middle is the middle of a smaller pixel
+    std::vector<float> weights;           // from the middle outwards
     std::vector<std::array<float, 5>> up; // by the place within a smaller pixel
 };
 
 class GaussianEvaluator : public Evaluator {
-public:
-    GaussianEvaluator(const GaussianPlan& plan, const Image& image, const IntRect& area, RenderContext& context)
+  public:
+    GaussianEvaluator(const GaussianPlan& plan, const Image& image, const IntRect& area,
+                      RenderContext& context)
         : plan_(plan), rows_(across(image, area, context)) {
         if (plan_.factor == 1) return;
         // All of the smaller image is needed again and again, so its columns are filtered now.
@@ -115,14 +118,14 @@ public:
             color::simd::run([=, w = w, line = line]() SIMD_INLINE {
                 SIMD_LOOP
                 for (int i = 0; i < count; ++i)
-                    line[i] = w[0] * p[i] + w[1] * p[i + step] + w[2] * p[i + 2 * step] + w[3] * p[i + 3 * step] +
-                              w[4] * p[i + 4 * step];
+                    line[i] = w[0] * p[i] + w[1] * p[i + step] + w[2] * p[i + 2 * step] +
+                              w[3] * p[i + 3 * step] + w[4] * p[i + 4 * step];
             });
             enlarge(line, x - (first + 2) * f, out.plane[c], n);
         }
     }
 
-private:
+  private:
     /// Pixels `begin`.. counted from the left edge of the smaller pixel line[2].
     void enlarge(const float* line, int begin, float* out, int n) const {
         int f = plan_.factor;
@@ -170,7 +173,8 @@ private:
         auto finishBefore = [&](int y) {
             for (; next < small.y1 && firstRow(next) + taps <= y; ++next) {
                 Pixels& sum = sums[next & 3];
-                for (int c = 0; c < 4; ++c) shrink(sum.row(0).plane[c], down, narrow.row(0).plane[c], wide.width());
+                for (int c = 0; c < 4; ++c)
+                    shrink(sum.row(0).plane[c], down, narrow.row(0).plane[c], wide.width());
                 filterRow(narrow.row(0), next);
                 sum.clear();
             }
@@ -204,19 +208,19 @@ private:
 
 /// A step that reads a square around each pixel.
 class BlurNode : public Node {
-public:
+  public:
     BlurNode(const Image& image, double extentReach, double reach)
         : Node(image->extent().grown(extentReach, extentReach), {image}), reach_(reach) {}
 
     bool materialises() const override { return true; }
     Rect regionOfInterest(std::size_t, const Rect& area) const override { return area.grown(reach_, reach_); }
 
-private:
+  private:
     double reach_;
 };
 
 class GaussianNode : public BlurNode {
-public:
+  public:
     GaussianNode(const Image& image, double sigma)
         : BlurNode(image, std::ceil(3 * sigma), std::ceil(4 * sigma) + 4), plan_(sigma) {}
 
@@ -225,14 +229,14 @@ public:
         return std::make_shared<GaussianEvaluator>(plan_, inputs()[0], area, context);
     }
 
-private:
+  private:
     GaussianPlan plan_;
 };
 
 /// Sums that move with the pixel: as fast for a wide box as for a narrow one. In double, so that what
 /// has been added leaves nothing behind when it is taken away.
 class BoxNode : public BlurNode {
-public:
+  public:
     BoxNode(const Image& image, double radius)
         : BlurNode(image, std::ceil(radius), std::ceil(radius)), whole_(static_cast<int>(radius)),
           part_(static_cast<float>(radius - whole_)), scale_(1 / (2 * radius + 1)) {}
@@ -259,13 +263,14 @@ public:
             const float *below = line(y - reach), *above = line(y + reach);
             float* to = out.row(y).plane[0];
             for (int i = 0; i < floats; ++i)
-                to[i] = static_cast<float>((sums[i] + static_cast<double>(part_ * (below[i] + above[i]))) * scale_);
+                to[i] = static_cast<float>((sums[i] + static_cast<double>(part_ * (below[i] + above[i]))) *
+                                           scale_);
             add(line(y - whole_), -1);
         }
         return std::make_shared<Computed>(std::move(out));
     }
 
-private:
+  private:
     /// `in` begins whole_ + 1 pixels before the first result.
     void average(const float* in, float* out, int n) const {
         int side = 2 * whole_ + 1;
@@ -273,7 +278,8 @@ private:
         for (int i = 1; i < side; ++i) sum += in[i];
         for (int i = 0; i < n; ++i) {
             sum += in[i + side];
-            out[i] = static_cast<float>((sum + static_cast<double>(part_ * (in[i] + in[i + side + 1]))) * scale_);
+            out[i] =
+                static_cast<float>((sum + static_cast<double>(part_ * (in[i] + in[i + side + 1]))) * scale_);
             sum -= in[i + 1];
         }
     }

@@ -10,10 +10,14 @@ namespace simd = color::simd;
 
 std::size_t bytesPerPixel(Format format) {
     switch (format) {
-    case Format::Gray8: return 1;
-    case Format::RGBA16: return 8;
-    case Format::RGBAf: return 16;
-    default: return 4;
+    case Format::Gray8:
+        return 1;
+    case Format::RGBA16:
+        return 8;
+    case Format::RGBAf:
+        return 16;
+    default:
+        return 4;
     }
 }
 
@@ -39,7 +43,8 @@ Codec::Codec(const PixelLayout& layout, const RenderSettings& settings)
 
 namespace {
 
-template <class T> void spread(const T* from, int stride, float scale, float* out, int n) {
+template <class T>
+void spread(const T* from, int stride, float scale, float* out, int n) {
     simd::run([=]() SIMD_INLINE {
         SIMD_LOOP
         for (int i = 0; i < n; ++i) out[i] = static_cast<float>(from[i * stride]) * scale;
@@ -57,7 +62,8 @@ void spreadFinite(const float* from, int stride, float* out, int n) {
     });
 }
 
-template <class T> void gather(const float* from, float scale, T* out, int stride, int n) {
+template <class T>
+void gather(const float* from, float scale, T* out, int stride, int n) {
     simd::run([=]() SIMD_INLINE {
         SIMD_LOOP
         for (int i = 0; i < n; ++i)

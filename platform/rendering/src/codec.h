@@ -10,7 +10,7 @@ void checkLayout(const PixelLayout& layout);
 
 /// Conversion between one layout and the colours of one render.
 class Codec {
-public:
+  public:
     Codec(const PixelLayout& layout, const RenderSettings& settings);
 
     /// n pixels from `pixels` on; n is at most maxSpan.
@@ -18,10 +18,10 @@ public:
     /// The span is used up.
     void encode(const Span& span, int n, std::uint8_t* pixels) const;
 
-private:
+  private:
     PixelLayout layout_;
-    int samples_, alpha_; // offset of alpha in samples, -1 without
-    std::array<int, 3> colour_; // offsets of r, g, b
+    int samples_, alpha_;                  // offset of alpha in samples, -1 without
+    std::array<int, 3> colour_;            // offsets of r, g, b
     color::ColorSpacePtr space_, working_; // null: numbers as they are
 };
 

@@ -5,8 +5,9 @@ namespace engine {
 namespace {
 
 class CropNode : public Node {
-public:
-    CropNode(const Image& image, const Rect& area) : Node(image->extent().intersect(area), {image}), area_(area) {}
+  public:
+    CropNode(const Image& image, const Rect& area)
+        : Node(image->extent().intersect(area), {image}), area_(area) {}
 
     const Rect& area() const { return area_; }
     std::string name() const override { return "crop"; }
@@ -17,12 +18,12 @@ public:
         return clipped(context.prepare(inputs()[0], inside), inside);
     }
 
-private:
+  private:
     Rect area_;
 };
 
 class ClampEvaluator : public Evaluator {
-public:
+  public:
     ClampEvaluator(std::shared_ptr<Evaluator> input, const IntRect& inside)
         : input_(std::move(input)), inside_(inside) {}
 
@@ -39,13 +40,13 @@ public:
         }
     }
 
-private:
+  private:
     std::shared_ptr<Evaluator> input_;
     IntRect inside_;
 };
 
 class ClampNode : public Node {
-public:
+  public:
     explicit ClampNode(const Image& image) : Node(Rect::infinite(), {image}) {}
 
     std::string name() const override { return "clamp"; }

@@ -47,7 +47,8 @@ InputInfo imageInput(std::string key, std::string displayName) {
     return input(std::move(key), std::move(displayName), "CIImage", "Image");
 }
 
-InputInfo numberInput(std::string key, std::string displayName, std::string_view type, const NumberFacts& facts) {
+InputInfo numberInput(std::string key, std::string displayName, std::string_view type,
+                      const NumberFacts& facts) {
     InputInfo info = input(std::move(key), std::move(displayName), "NSNumber", type);
     if (facts.value) info.defaultValue = *facts.value;
     if (facts.identity) info.identity = *facts.identity;
@@ -95,7 +96,8 @@ std::vector<const FilterInfo*> allFilters() {
 
 Image apply(const FilterInfo& filter, const Values& values) { return filter.build(Inputs(filter, values)); }
 
-template <class T> const T* Inputs::find(std::string_view key) const {
+template <class T>
+const T* Inputs::find(std::string_view key) const {
     const InputInfo* info = filter_.findInput(key);
     const Value* value = info && info->defaultValue ? &*info->defaultValue : nullptr;
     if (auto given = values_.find(key); given != values_.end()) value = &given->second;

@@ -14,9 +14,7 @@ Rect Rect::ofSize(double x, double y, double width, double height) {
     return {edge(x), edge(y), width >= huge ? inf : edge(x + width), height >= huge ? inf : edge(y + height)};
 }
 
-bool Rect::isInfinite() const {
-    return std::isinf(x0) || std::isinf(y0) || std::isinf(x1) || std::isinf(y1);
-}
+bool Rect::isInfinite() const { return std::isinf(x0) || std::isinf(y0) || std::isinf(x1) || std::isinf(y1); }
 
 bool Rect::contains(const Rect& o) const {
     return o.isEmpty() || (x0 <= o.x0 && y0 <= o.y0 && x1 >= o.x1 && y1 >= o.y1);
@@ -75,8 +73,8 @@ Rect Affine::apply(const Rect& r) const {
 }
 
 bool Affine::isFinite() const {
-    return std::isfinite(a) && std::isfinite(b) && std::isfinite(c) && std::isfinite(d) && std::isfinite(tx) &&
-           std::isfinite(ty);
+    return std::isfinite(a) && std::isfinite(b) && std::isfinite(c) && std::isfinite(d) &&
+           std::isfinite(tx) && std::isfinite(ty);
 }
 
 static int toCoordinate(double v) {

@@ -39,7 +39,7 @@ Image boxBlur(const Image& image, double radius);
 
 /// Where a warp reads.
 class Warp {
-public:
+  public:
     virtual ~Warp() = default;
     virtual std::string name() const = 0;
     /// Where the pixels of a source of this extent go.

@@ -8,7 +8,7 @@ namespace engine {
 namespace {
 
 class StepEvaluator : public Evaluator {
-public:
+  public:
     StepEvaluator(std::shared_ptr<Evaluator> input, SpanFunction step)
         : input_(std::move(input)), step_(std::move(step)) {}
 
@@ -17,14 +17,14 @@ public:
         step_(out, x, y, n);
     }
 
-private:
+  private:
     std::shared_ptr<Evaluator> input_;
     SpanFunction step_;
 };
 
 /// A step on an image, or a generator where there is no image.
 class StepNode : public Node {
-public:
+  public:
     StepNode(const Rect& extent, std::vector<Image> inputs, std::string name, SpanMaker make)
         : Node(extent, std::move(inputs)), name_(std::move(name)), make_(std::move(make)) {}
 
@@ -34,7 +34,7 @@ public:
         return std::make_shared<StepEvaluator>(std::move(input), make_(context));
     }
 
-private:
+  private:
     std::string name_;
     SpanMaker make_;
 };
@@ -74,8 +74,9 @@ void applyMatrix(const std::array<float, 20>& matrix, bool straight, const Span&
 }
 
 class MatrixNode : public Node {
-public:
-    MatrixNode(const Image& image, const ColorMatrix& matrix) : Node(image->extent(), {image}), matrix_(matrix) {}
+  public:
+    MatrixNode(const Image& image, const ColorMatrix& matrix)
+        : Node(image->extent(), {image}), matrix_(matrix) {}
 
     const ColorMatrix& matrix() const { return matrix_; }
     std::string name() const override { return "color matrix"; }
@@ -88,7 +89,7 @@ public:
             [=](const Span& pixels, int, int, int n) { applyMatrix(m, straight, pixels, n); });
     }
 
-private:
+  private:
     ColorMatrix matrix_;
 };
 
@@ -127,7 +128,10 @@ Image colorMatrix(const Image& image, const ColorMatrix& matrix) {
 }
 
 ColorMatrix colorsOnly(const std::array<double, 9>& m, double bias) {
-    return {{{m[0], m[1], m[2], 0, bias}, {m[3], m[4], m[5], 0, bias}, {m[6], m[7], m[8], 0, bias}, {0, 0, 0, 1, 0}}};
+    return {{{m[0], m[1], m[2], 0, bias},
+             {m[3], m[4], m[5], 0, bias},
+             {m[6], m[7], m[8], 0, bias},
+             {0, 0, 0, 1, 0}}};
 }
 
 Image constant(const Color& color) {

@@ -43,7 +43,7 @@ struct Job {
 
 /// Threads that are started when first needed and stay.
 class Pool {
-public:
+  public:
     ~Pool() {
         {
             std::lock_guard lock(mutex_);
@@ -58,7 +58,8 @@ public:
             std::lock_guard lock(mutex_);
             // Whoever calls works too, so that no thread is no failure.
             try {
-                while (static_cast<int>(threads_.size()) < job.helpers) threads_.emplace_back([this] { serve(); });
+                while (static_cast<int>(threads_.size()) < job.helpers)
+                    threads_.emplace_back([this] { serve(); });
             } catch (const std::system_error&) {
             }
             jobs_.push_back(&job);
@@ -70,7 +71,7 @@ public:
         done_.wait(lock, [&] { return job.running == 0; });
     }
 
-private:
+  private:
     void serve() {
         std::unique_lock lock(mutex_);
         for (;;) {

@@ -18,7 +18,8 @@ struct NumberFacts {
 
 /// A type is given without "CIAttributeType"; it may be empty.
 InputInfo imageInput(std::string key = "inputImage", std::string displayName = "Image");
-InputInfo numberInput(std::string key, std::string displayName, std::string_view type, const NumberFacts& facts);
+InputInfo numberInput(std::string key, std::string displayName, std::string_view type,
+                      const NumberFacts& facts);
 InputInfo vectorInput(std::string key, std::string displayName, std::string_view type, Numbers value,
                       std::optional<Numbers> identity = {});
 InputInfo colorInput(std::string key, std::string displayName, std::string_view type, const Color& value);

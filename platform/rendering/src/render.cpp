@@ -24,7 +24,8 @@ void check(const Rect& source, const Target& target, const Rect& dest, const Opt
     if (!target.pixels) throw std::invalid_argument("a target needs pixels");
     if (target.rowBytes / bytesPerPixel(target.layout.format) < static_cast<std::size_t>(target.layout.width))
         throw std::invalid_argument("rows of a target are shorter than their pixels");
-    if (!isFinite(source) || !isFinite(dest)) throw std::invalid_argument("only a finite area can be rendered");
+    if (!isFinite(source) || !isFinite(dest))
+        throw std::invalid_argument("only a finite area can be rendered");
     if (options.working && options.working->model() != color::Model::rgb)
         throw std::invalid_argument("the working space needs red, green and blue");
 }
@@ -37,13 +38,14 @@ std::pair<int, int> tileSize(const IntRect& area, bool neighbours) {
     int height = neighbours ? 512 : std::clamp((1 << 18) / area.width(), 16, 1024);
     // Work for every thread.
     int tiles = threadCount() * 2;
-    while (height > 32 && (area.width() + width - 1) / width * ((area.height() + height - 1) / height) < tiles)
+    while (height > 32 &&
+           (area.width() + width - 1) / width * ((area.height() + height - 1) / height) < tiles)
         height = (height + 1) / 2;
     return {width, height};
 }
 
 class Renderer {
-public:
+  public:
     Renderer(const Image& image, const Target& target, const Options& options)
         : image_(image), target_(target), blend_(options.blend), settings_(settingsFor(image, options)),
           codec_(target.layout, settings_) {}
@@ -70,7 +72,7 @@ public:
         }
     }
 
-private:
+  private:
     static RenderSettings settingsFor(const Image& image, const Options& options) {
         RenderSettings settings{nullptr, options.colorManaged, {}};
         if (options.working && !options.working->sameAs(*color::ColorSpace::linearSRGB()))
@@ -99,7 +101,8 @@ bool setInstructionSet(InstructionSet set) {
     return color::simd::select(set == InstructionSet::avx2 ? color::simd::Set::avx2 : color::simd::Set::sse2);
 }
 
-void render(const Image& image, const Rect& source, const Target& target, const Rect& dest, const Options& options) {
+void render(const Image& image, const Rect& source, const Target& target, const Rect& dest,
+            const Options& options) {
     check(source, target, dest, options);
     if (source.isEmpty() || dest.isEmpty()) return;
     double sx = dest.width() / source.width(), sy = dest.height() / source.height();
@@ -117,8 +120,7 @@ void render(const Image& image, const Rect& source, const Target& target, const 
     // From the top downwards, as files are read.
     parallel(columns * rows, [&, width = width, height = height](int i) {
         int x0 = area.x0 + i % columns * width, y1 = area.y1 - i / columns * height;
-        renderer.tile(
-            {x0, std::max(area.y0, y1 - height), std::min(area.x1, x0 + width), y1});
+        renderer.tile({x0, std::max(area.y0, y1 - height), std::min(area.x1, x0 + width), y1});
     });
 }
 

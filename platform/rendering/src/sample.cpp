@@ -21,7 +21,8 @@ void sample(const Pixels& from, const float* u, const float* v, int n, const Spa
     // The last pixel is reached from the one before it, where there is one.
     int right = width > 1 ? 1 : 0, up = height > 1 ? step : 0;
     float lastU = static_cast<float>(width - 1), lastV = static_cast<float>(height - 1);
-    float mostX = static_cast<float>(std::max(width - 2, 0)), mostY = static_cast<float>(std::max(height - 2, 0));
+    float mostX = static_cast<float>(std::max(width - 2, 0)),
+          mostY = static_cast<float>(std::max(height - 2, 0));
     simd::run([=, fu = fu, fv = fv, index = index]() SIMD_INLINE {
         SIMD_LOOP
         for (int i = 0; i < n; ++i) {

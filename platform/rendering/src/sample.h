@@ -11,17 +11,17 @@ constexpr double mostSampled = 1 << 20;
 /// The two halves of a rectangle, across its longer side.
 std::pair<IntRect, IntRect> halves(const IntRect& r);
 
-/// Bilinear samples: u and v count pixels from the centre of the first pixel of `from`; what is outside is moved to
-/// the edge. n is at most maxSpan.
+/// Bilinear samples: u and v count pixels from the centre of the first pixel of `from`; what is outside is
+/// moved to the edge. n is at most maxSpan.
 void sample(const Pixels& from, const float* u, const float* v, int n, const Span& out);
 
 /// Rows that were computed beforehand.
 class Computed : public Evaluator {
-public:
+  public:
     explicit Computed(Pixels pixels) : pixels_(std::move(pixels)) {}
     void row(int x, int y, int n, const Span& out) override { out.copy(pixels_.at(x, y), n); }
 
-private:
+  private:
     Pixels pixels_;
 };
 

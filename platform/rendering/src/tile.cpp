@@ -25,8 +25,9 @@ class Nothing : public Evaluator {
 
 /// Transparent outside of `bounds`.
 class Clipped : public Evaluator {
-public:
-    Clipped(std::shared_ptr<Evaluator> inner, const IntRect& bounds) : inner_(std::move(inner)), bounds_(bounds) {}
+  public:
+    Clipped(std::shared_ptr<Evaluator> inner, const IntRect& bounds)
+        : inner_(std::move(inner)), bounds_(bounds) {}
 
     void row(int x, int y, int n, const Span& out) override {
         int begin = std::clamp(bounds_.x0 - x, 0, n), end = std::clamp(bounds_.x1 - x, begin, n);
@@ -36,14 +37,14 @@ public:
         out.at(end).clear(n - end);
     }
 
-private:
+  private:
     std::shared_ptr<Evaluator> inner_;
     IntRect bounds_;
 };
 
 /// Computed once, read by several.
 class Kept : public Evaluator {
-public:
+  public:
     Kept(std::shared_ptr<Evaluator> inner, const IntRect& area) : inner_(std::move(inner)), pixels_(area) {}
 
     void row(int x, int y, int n, const Span& out) override {
@@ -54,7 +55,7 @@ public:
         out.copy(pixels_.at(x, y), n);
     }
 
-private:
+  private:
     std::shared_ptr<Evaluator> inner_;
     Pixels pixels_;
 };
@@ -76,7 +77,8 @@ std::shared_ptr<Evaluator> RenderContext::prepare(const Image& image, const IntR
 std::shared_ptr<Evaluator> RenderContext::prepareShared(const Image& image, const IntRect& area) {
     // A graph whose steps read one image twice would otherwise take time exponential in its depth.
     constexpr double mostPixels = 1 << 21;
-    if (!settings.shared.contains(image.get()) || area.count() > mostPixels) return image->prepare(area, *this);
+    if (!settings.shared.contains(image.get()) || area.count() > mostPixels)
+        return image->prepare(area, *this);
     auto& kept = shared_[{image.get(), area}];
     if (!kept) kept = std::make_shared<Kept>(image->prepare(area, *this), area);
     return kept;
@@ -117,7 +119,8 @@ Rgba RenderContext::color(const Color& c) const {
         }
     }
     float a = static_cast<float>(std::clamp(c.a, 0.0, 1.0));
-    return {static_cast<float>(rgb[0]) * a, static_cast<float>(rgb[1]) * a, static_cast<float>(rgb[2]) * a, a};
+    return {static_cast<float>(rgb[0]) * a, static_cast<float>(rgb[1]) * a, static_cast<float>(rgb[2]) * a,
+            a};
 }
 
 void fill(Evaluator& from, const Pixels& to) {

@@ -78,7 +78,7 @@ struct Pixels {
 
 /// Computes rows of a node for one tile; used by one thread.
 class Evaluator {
-public:
+  public:
     virtual ~Evaluator() = default;
     /// Pixels x..x+n-1 of row y, which lie in the prepared area; n is at most maxSpan.
     virtual void row(int x, int y, int n, const Span& out) = 0;
@@ -103,7 +103,7 @@ struct RenderSettings {
 
 /// What holds for one tile.
 class RenderContext {
-public:
+  public:
     explicit RenderContext(const RenderSettings& settings) : settings(settings) {}
 
     /// The evaluator of an image, transparent outside of the image's extent.
@@ -111,12 +111,13 @@ public:
     /// A caller's colour as a pixel.
     Rgba color(const Color& color) const;
     /// Calls `work(y, row)` for every row of the area from the lowest upwards, where the image may be other
-    /// than transparent. The row has area.width() pixels and lies as in Pixels. Holds the evaluators of a strip at a time.
+    /// than transparent. The row has area.width() pixels and lies as in Pixels. Holds the evaluators of a
+    /// strip at a time.
     void stream(const Image& image, const IntRect& area, const std::function<void(int, const Span&)>& work);
 
     const RenderSettings& settings;
 
-private:
+  private:
     std::shared_ptr<Evaluator> prepareShared(const Image& image, const IntRect& area);
     std::map<std::pair<const Node*, IntRect>, std::shared_ptr<Evaluator>> shared_;
 };

@@ -10,12 +10,12 @@ namespace engine {
 namespace {
 
 class MovedEvaluator : public Evaluator {
-public:
+  public:
     MovedEvaluator(std::shared_ptr<Evaluator> input, int dx, int dy)
         : input_(std::move(input)), dx_(dx), dy_(dy) {}
     void row(int x, int y, int n, const Span& out) override { input_->row(x - dx_, y - dy_, n, out); }
 
-private:
+  private:
     std::shared_ptr<Evaluator> input_;
     int dx_, dy_;
 };
@@ -27,7 +27,7 @@ bool isWholeMove(const Affine& m) {
 
 /// An image made smaller by whole factors: each pixel the mean of a block.
 class Reduction {
-public:
+  public:
     Reduction(const Image& image, int fx, int fy)
         : image_(image), bounds_(toInt(image->extent())), fx_(fx), fy_(fy),
           // Blocks begin at the image's corner, so that its first pixels are whole blocks.
@@ -58,15 +58,15 @@ public:
             readParts(out, context);
     }
 
-private:
+  private:
     /// The pixels of the image under an area.
     IntRect block(const IntRect& a) const {
         auto edge = [](int index, int factor, int origin) {
             double v = static_cast<double>(index) * factor + origin;
             return static_cast<int>(std::clamp(v, -1.0 * (1 << 29), 1.0 * (1 << 29)));
         };
-        return bounds_.intersect({edge(a.x0, fx_, x0_), edge(a.y0, fy_, y0_), edge(a.x1, fx_, x0_),
-                                  edge(a.y1, fy_, y0_)});
+        return bounds_.intersect(
+            {edge(a.x0, fx_, x0_), edge(a.y0, fy_, y0_), edge(a.x1, fx_, x0_), edge(a.y1, fy_, y0_)});
     }
 
     void readAll(const Pixels& out, RenderContext& context) const {
@@ -110,11 +110,12 @@ private:
                 b.y0 += std::max(0, b.height() - side) / 2;
                 b.x1 = std::min(b.x1, b.x0 + side);
                 b.y1 = std::min(b.y1, b.y0 + side);
-                float weight = 1 / static_cast<float>(b.count());
+                std::array<double, 4> sums{};
                 context.stream(image_, b, [&](int, const Span& in) {
                     for (int c = 0; c < 4; ++c)
-                        for (int k = 0; k < b.width(); ++k) *to.plane[c] += in.plane[c][k] * weight;
+                        for (int k = 0; k < b.width(); ++k) sums[c] += static_cast<double>(in.plane[c][k]);
                 });
+                for (int c = 0; c < 4; ++c) *to.plane[c] = static_cast<float>(sums[c] / b.count());
             }
         }
     }
@@ -133,14 +134,15 @@ void coverAxis(double from, double step, double low, double high, double footpri
         SIMD_LOOP
         for (int i = 0; i < n; ++i) {
             float d = static_cast<float>(i) * move;
-            float a = color::simd::unit((toLow + d) * scale + 0.5f), b = color::simd::unit((toHigh - d) * scale + 0.5f);
+            float a = color::simd::unit((toLow + d) * scale + 0.5f),
+                  b = color::simd::unit((toHigh - d) * scale + 0.5f);
             coverage[i] *= color::simd::max(a + b - 1, 0);
         }
     });
 }
 
 class TransformNode : public Node {
-public:
+  public:
     TransformNode(const Image& image, const Affine& matrix, const Affine& inverse)
         : Node(matrix.apply(image->extent()), {image}), matrix_(matrix), inverse_(inverse) {}
 
@@ -156,7 +158,8 @@ public:
         if (isWholeMove(matrix_)) {
             int dx = static_cast<int>(matrix_.tx), dy = static_cast<int>(matrix_.ty);
             return std::make_shared<MovedEvaluator>(
-                context.prepare(inputs()[0], {area.x0 - dx, area.y0 - dy, area.x1 - dx, area.y1 - dy}), dx, dy);
+                context.prepare(inputs()[0], {area.x0 - dx, area.y0 - dy, area.x1 - dx, area.y1 - dy}), dx,
+                dy);
         }
         Reduction source(inputs()[0], factor(inverse_.a, inverse_.c), factor(inverse_.b, inverse_.d));
         Pixels out(area);
@@ -164,22 +167,23 @@ public:
         return std::make_shared<Computed>(std::move(out));
     }
 
-private:
+  private:
     /// By how much the source is made smaller beforehand: not at all down to one half.
     static int factor(double perX, double perY) {
         double footprint = std::hypot(perX, perY);
         return footprint < 2 ? 1 : static_cast<int>(std::min(footprint + 1e-6, 1.0 * (1 << 28)));
     }
 
-    void compute(const IntRect& area, const Pixels& out, const Reduction& source, RenderContext& context) const {
+    void compute(const IntRect& area, const Pixels& out, const Reduction& source,
+                 RenderContext& context) const {
         Point first = inverse_.apply(Point{area.x0 + 0.5, area.y0 + 0.5});
         // A single row or column of centres has no area, but a place.
         Point across{inverse_.a * (area.width() - 1), inverse_.b * (area.width() - 1)};
         Point along{inverse_.c * (area.height() - 1), inverse_.d * (area.height() - 1)};
         Rect region{first.x + std::min(across.x, 0.0) + std::min(along.x, 0.0),
-                  first.y + std::min(across.y, 0.0) + std::min(along.y, 0.0),
-                  first.x + std::max(across.x, 0.0) + std::max(along.x, 0.0),
-                  first.y + std::max(across.y, 0.0) + std::max(along.y, 0.0)};
+                    first.y + std::min(across.y, 0.0) + std::min(along.y, 0.0),
+                    first.x + std::max(across.x, 0.0) + std::max(along.x, 0.0),
+                    first.y + std::max(across.y, 0.0) + std::max(along.y, 0.0)};
         // The neighbours, and the edge of the image, which shows half a footprint outside of it.
         Rect near{source.toX(region.x0) - 2, source.toY(region.y0) - 2, source.toX(region.x1) + 2,
                   source.toY(region.y1) + 2};

@@ -8,13 +8,15 @@ namespace engine {
 namespace {
 
 class WarpNode : public Node {
-public:
+  public:
     WarpNode(const Image& image, std::shared_ptr<const Warp> warp)
         : Node(warp->extent(image->extent()), {image}), warp_(std::move(warp)) {}
 
     std::string name() const override { return warp_->name(); }
     bool materialises() const override { return true; }
-    Rect regionOfInterest(std::size_t, const Rect& area) const override { return warp_->region(area).grown(1, 1); }
+    Rect regionOfInterest(std::size_t, const Rect& area) const override {
+        return warp_->region(area).grown(1, 1);
+    }
 
     std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
         Pixels out(area);
@@ -22,7 +24,7 @@ public:
         return std::make_shared<Computed>(std::move(out));
     }
 
-private:
+  private:
     /// Finds what the area reads by computing all places first: exact for every warp, and what is kept of the
     /// input stays small where a warp gathers from far away.
     void compute(const IntRect& area, const Pixels& out, RenderContext& context) const {

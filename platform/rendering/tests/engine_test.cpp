@@ -1,0 +1,744 @@
+// Every filter against a reference in double precision that is written here anew, and what the engine
+// promises beside right pixels: laziness, fusion, independence of tiles and of the instruction set.
+#include <engine/engine.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cmath>
+#include <functional>
+#include <random>
+
+using namespace engine;
+
+namespace {
+
+using Pixel = std::array<double, 4>;
+
+/// Pixels of a rectangle, y upwards, premultiplied linear; transparent outside.
+struct Picture {
+    int x0, y0, width, height;
+    std::vector<Pixel> pixels;
+
+    Picture(int x, int y, int w, int h) : x0(x), y0(y), width(w), height(h), pixels(std::size_t(w) * h) {}
+    bool has(int x, int y) const { return x >= x0 && y >= y0 && x < x0 + width && y < y0 + height; }
+    Pixel& at(int x, int y) { return pixels[std::size_t(y - y0) * width + (x - x0)]; }
+    Pixel get(int x, int y) const {
+        return has(x, y) ? pixels[std::size_t(y - y0) * width + (x - x0)] : Pixel{};
+    }
+};
+
+Picture filled(int x0, int y0, int w, int h, const std::function<Pixel(int, int)>& of) {
+    Picture p(x0, y0, w, h);
+    for (int y = y0; y < y0 + h; ++y)
+        for (int x = x0; x < x0 + w; ++x) p.at(x, y) = of(x, y);
+    return p;
+}
+
+Picture noise(int w, int h, unsigned seed, bool opaque = false) {
+    std::mt19937 random(seed);
+    auto next = [&] { return (random() >> 8) / double(1 << 24); };
+    return filled(0, 0, w, h, [&](int, int) -> Pixel {
+        double a = opaque ? 1 : next() < 0.1 ? 0 : next();
+        double r = next(), g = next(), b = next();
+        return {r * a, g * a, b * a, a};
+    });
+}
+
+PixelLayout linearLayout(int w, int h) {
+    return {w, h, Format::RGBAf, Alpha::premultiplied, color::ColorSpace::linearSRGB()};
+}
+
+Image imageOf(const Picture& p) {
+    auto floats = std::make_shared<std::vector<float>>();
+    for (int row = 0; row < p.height; ++row)
+        for (int x = 0; x < p.width; ++x)
+            for (double v : p.get(p.x0 + x, p.y0 + p.height - 1 - row)) floats->push_back(float(v));
+    Image image = bitmap(linearLayout(p.width, p.height), floats->data(), 16 * p.width, floats);
+    return transform(image, Affine::translation(p.x0, p.y0));
+}
+
+Picture rendered(const Image& image, int x0, int y0, int w, int h) {
+    std::vector<float> out(4 * std::size_t(w) * h, -7.f);
+    render(image, Rect::ofSize(x0, y0, w, h), {linearLayout(w, h), out.data(), 16 * std::size_t(w)},
+           Rect::ofSize(0, 0, w, h));
+    return filled(x0, y0, w, h, [&](int x, int y) {
+        Pixel p;
+        for (int c = 0; c < 4; ++c) p[c] = out[4 * (std::size_t(h - 1 - (y - y0)) * w + (x - x0)) + c];
+        return p;
+    });
+}
+
+double difference(const Picture& a, const Picture& b) {
+    double worst = 0;
+    for (std::size_t i = 0; i < a.pixels.size(); ++i)
+        for (int c = 0; c < 4; ++c) {
+            double d = std::abs(a.pixels[i][c] - b.pixels[i][c]);
+            worst = std::isnan(d) ? 1e30 : std::max(worst, d);
+        }
+    return worst;
+}
+
+/// Renders the rectangle of the expected picture.
+double error(const Image& image, const Picture& expected) {
+    return difference(rendered(image, expected.x0, expected.y0, expected.width, expected.height), expected);
+}
+
+Image filter(const char* name, const Values& values) {
+    const FilterInfo* info = findFilter(name);
+    if (!info) throw std::runtime_error(std::string("no filter ") + name);
+    return engine::apply(*info, values);
+}
+
+/// A formula on straight colour.
+Picture mapped(const Picture& p, const std::function<Pixel(Pixel)>& of) {
+    return filled(p.x0, p.y0, p.width, p.height, [&](int x, int y) -> Pixel {
+        Pixel q = p.get(x, y);
+        for (int c = 0; c < 3; ++c) q[c] = q[3] > 0 ? q[c] / q[3] : 0;
+        q = of(q);
+        return {q[0] * q[3], q[1] * q[3], q[2] * q[3], q[3]};
+    });
+}
+
+constexpr double floatError = 2e-5; // some dozen roundings and polynomial approximations
+constexpr double halfStep = 0.5 / 255;
+
+double toLinear(double c) { return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); }
+
+Picture bothWays(const Picture& p, int reach, const std::function<double(int)>& weight) {
+    std::vector<double> weights;
+    for (int k = -reach; k <= reach; ++k) weights.push_back(weight(k));
+    auto pass = [&](const Picture& in, int dx, int dy) {
+        Picture out(in.x0 - reach * dx, in.y0 - reach * dy, in.width + 2 * reach * dx,
+                    in.height + 2 * reach * dy);
+        for (int y = in.y0; y < in.y0 + in.height; ++y)
+            for (int x = in.x0; x < in.x0 + in.width; ++x) {
+                Pixel from = in.get(x, y);
+                for (int k = -reach; k <= reach; ++k)
+                    for (int c = 0; c < 4; ++c)
+                        out.at(x + k * dx, y + k * dy)[c] += weights[k + reach] * from[c];
+            }
+        return out;
+    };
+    return pass(pass(p, 1, 0), 0, 1);
+}
+
+Picture part(const Picture& p, int x, int y, int w, int h) {
+    return filled(x, y, w, h, [&](int i, int j) { return p.get(i, j); });
+}
+
+Picture trueGaussian(const Picture& p, double sigma) {
+    int reach = int(std::ceil(5 * sigma));
+    double sum = 0;
+    for (int k = -reach; k <= reach; ++k) sum += std::exp(-0.5 * k * k / (sigma * sigma));
+    return bothWays(p, reach, [=](int k) { return std::exp(-0.5 * k * k / (sigma * sigma)) / sum; });
+}
+
+Pixel bilinear(const Picture& p, double x, double y) {
+    int i = int(std::floor(x - 0.5)), j = int(std::floor(y - 0.5));
+    double u = x - 0.5 - i, v = y - 0.5 - j;
+    Pixel out;
+    for (int c = 0; c < 4; ++c)
+        out[c] = (1 - v) * ((1 - u) * p.get(i, j)[c] + u * p.get(i + 1, j)[c]) +
+                 v * ((1 - u) * p.get(i, j + 1)[c] + u * p.get(i + 1, j + 1)[c]);
+    return out;
+}
+
+} // namespace
+
+// ------------------------------------------------------------------------------------ colour filters
+
+TEST(Filters, Exposure) {
+    Picture p = noise(37, 11, 1);
+    Picture expected = mapped(p, [](Pixel q) -> Pixel {
+        double f = std::pow(2, 0.7);
+        return {q[0] * f, q[1] * f, q[2] * f, q[3]};
+    });
+    EXPECT_LT(error(filter("CIExposureAdjust", {{"inputImage", imageOf(p)}, {"inputEV", 0.7}}), expected),
+              floatError);
+}
+
+TEST(Filters, Gamma) {
+    Picture p = noise(37, 11, 2);
+    Picture expected = mapped(p, [](Pixel q) -> Pixel {
+        return {std::pow(q[0], 0.75), std::pow(q[1], 0.75), std::pow(q[2], 0.75), q[3]};
+    });
+    EXPECT_LT(error(filter("CIGammaAdjust", {{"inputImage", imageOf(p)}, {"inputPower", 0.75}}), expected),
+              floatError);
+}
+
+TEST(Filters, Invert) {
+    Picture p = noise(37, 11, 3);
+    Picture expected = mapped(p, [](Pixel q) -> Pixel { return {1 - q[0], 1 - q[1], 1 - q[2], q[3]}; });
+    EXPECT_LT(error(filter("CIColorInvert", {{"inputImage", imageOf(p)}}), expected), floatError);
+}
+
+TEST(Filters, ColorControls) {
+    Picture p = noise(37, 11, 4);
+    Picture expected = mapped(p, [](Pixel q) {
+        double y = 0.2126 * q[0] + 0.7152 * q[1] + 0.0722 * q[2];
+        for (int c = 0; c < 3; ++c) q[c] = (y + 1.4 * (q[c] - y) + 0.1 - 0.5) * 1.3 + 0.5;
+        return q;
+    });
+    Values values{{"inputImage", imageOf(p)},
+                  {"inputSaturation", 1.4},
+                  {"inputBrightness", 0.1},
+                  {"inputContrast", 1.3}};
+    EXPECT_LT(error(filter("CIColorControls", values), expected), floatError);
+}
+
+TEST(Filters, Sepia) {
+    Picture p = noise(37, 11, 5);
+    Picture expected = mapped(p, [](Pixel q) -> Pixel {
+        double r = 0.393 * q[0] + 0.769 * q[1] + 0.189 * q[2], g = 0.349 * q[0] + 0.686 * q[1] + 0.168 * q[2];
+        double b = 0.272 * q[0] + 0.534 * q[1] + 0.131 * q[2];
+        return {q[0] + 0.6 * (r - q[0]), q[1] + 0.6 * (g - q[1]), q[2] + 0.6 * (b - q[2]), q[3]};
+    });
+    EXPECT_LT(error(filter("CISepiaTone", {{"inputImage", imageOf(p)}, {"inputIntensity", 0.6}}), expected),
+              floatError);
+}
+
+TEST(Filters, HueTurnsThereAndBackAndKeepsGray) {
+    Picture p = noise(37, 11, 6);
+    auto turned = [](const Image& image, double angle) {
+        return filter("CIHueAdjust", {{"inputImage", image}, {"inputAngle", angle}});
+    };
+    EXPECT_LT(error(turned(turned(imageOf(p), 1.1), -1.1), p), floatError);
+    Picture gray = mapped(p, [](Pixel q) -> Pixel { return {q[0], q[0], q[0], q[3]}; });
+    EXPECT_LT(error(turned(imageOf(gray), 2), gray), floatError);
+    // Half a turn mirrors the chroma at the gray of the same Y.
+    Picture expected = mapped(p, [](Pixel q) {
+        double y = 0.299 * q[0] + 0.587 * q[1] + 0.114 * q[2];
+        return Pixel{2 * y - q[0], 2 * y - q[1], 2 * y - q[2], q[3]};
+    });
+    EXPECT_LT(error(turned(imageOf(p), M_PI), expected), floatError);
+}
+
+TEST(Filters, ColorMatrix) {
+    Picture p = noise(37, 11, 7);
+    double m[4][4] = {{0.5, 0.2, 0.1, 0.1}, {-0.3, 1.1, 0, 0}, {0, 0.4, 0.6, -0.2}, {0.1, 0, 0.2, 0.6}};
+    double bias[4] = {0.05, -0.1, 0.2, 0.1};
+    Picture expected = mapped(p, [&](Pixel q) {
+        Pixel out;
+        for (int i = 0; i < 4; ++i) {
+            out[i] = bias[i];
+            for (int k = 0; k < 4; ++k) out[i] += m[i][k] * q[k];
+        }
+        return out;
+    });
+    auto row = [&](int i) { return Numbers(m[i], m[i] + 4); };
+    Image image = filter("CIColorMatrix", {{"inputImage", imageOf(p)},
+                                           {"inputRVector", row(0)},
+                                           {"inputGVector", row(1)},
+                                           {"inputBVector", row(2)},
+                                           {"inputAVector", row(3)},
+                                           {"inputBiasVector", Numbers(bias, bias + 4)}});
+    EXPECT_LT(error(image, expected), floatError);
+    // Alpha's bias does not make the world outside of the image opaque.
+    EXPECT_EQ(rendered(image, -3, -3, 3, 3).get(-1, -1), Pixel{});
+}
+
+TEST(Filters, Vignette) {
+    Picture p = noise(40, 30, 8);
+    Picture expected = filled(0, 0, 40, 30, [&](int x, int y) {
+        Pixel q = p.get(x, y);
+        double d = std::hypot(x + 0.5 - 20, y + 0.5 - 15) / 25 * 1.5,
+               f = 1 + 0.8 * (std::pow(std::cos(std::atan(d)), 4) - 1);
+        return Pixel{q[0] * f, q[1] * f, q[2] * f, q[3]};
+    });
+    Values values{{"inputImage", imageOf(p)}, {"inputIntensity", 0.8}, {"inputRadius", 1.5}};
+    EXPECT_LT(error(filter("CIVignette", values), expected), floatError);
+}
+
+// --------------------------------------------------------------------------------------------- blurs
+
+class Gaussian : public testing::TestWithParam<double> {};
+
+TEST_P(Gaussian, IsATrueGaussian) {
+    double sigma = GetParam();
+    // Edges are hardest: a block next to nothing, with stripes in it.
+    Picture p = filled(3, -2, 90, 70, [](int x, int y) {
+        return x % 7 < 4 ? Pixel{1, 0, 1, 1} : Pixel{0, y / 70., 0, 1};
+    });
+    Image image = filter("CIGaussianBlur", {{"inputImage", imageOf(p)}, {"inputRadius", sigma}});
+    Rect e = image->extent();
+    EXPECT_EQ(e, Rect({3, -2, 93, 68}).grown(std::ceil(3 * sigma), std::ceil(3 * sigma)));
+    Picture truth = trueGaussian(p, sigma);
+    EXPECT_LT(error(image, part(truth, int(e.x0), int(e.y0), int(e.width()), int(e.height()))), halfStep);
+}
+INSTANTIATE_TEST_SUITE_P(Radii, Gaussian, testing::Values(0.5, 1.0, 2.7, 7.9, 8.0, 12.3, 20.0, 33.0, 60.0));
+
+TEST(Filters, BoxBlur) {
+    Picture p = noise(50, 41, 9);
+    for (double radius : {1.0, 3.0, 7.25}) {
+        auto weight = [=](int k) {
+            return std::clamp(radius + 1 - std::abs(k), 0.0, 1.0) / (2 * radius + 1);
+        };
+        Picture truth = bothWays(p, 9, weight);
+        EXPECT_LT(error(filter("CIBoxBlur", {{"inputImage", imageOf(p)}, {"inputRadius", radius}}), truth),
+                  floatError)
+            << radius;
+    }
+}
+
+// ------------------------------------------------------------------------------------------ geometry
+
+TEST(Geometry, MovesByWholePixelsExactly) {
+    Picture p = noise(20, 20, 10);
+    Picture moved = p;
+    moved.x0 += 1000000, moved.y0 -= 777777;
+    Affine m = Affine::translation(1000000, -777777);
+    EXPECT_LT(error(filter("CIAffineTransform", {{"inputImage", imageOf(p)}, {"inputTransform", m}}), moved),
+              1e-7);
+}
+
+TEST(Geometry, TurnsBilinearly) {
+    Picture p = noise(60, 60, 11);
+    Affine m = Affine::rotation(0.4).then(Affine::translation(5, 3));
+    Affine back = *m.inverse();
+    Image image = transform(imageOf(p), m);
+    Picture got = rendered(image, -30, 0, 100, 90);
+    int inside = 0;
+    for (int y = 0; y < 90; ++y)
+        for (int x = -30; x < 70; ++x) {
+            Point s = back.apply(Point{x + 0.5, y + 0.5});
+            if (s.x < 1 || s.y < 1 || s.x > 59 || s.y > 59) continue;
+            ++inside;
+            Pixel want = bilinear(p, s.x, s.y);
+            for (int c = 0; c < 4; ++c) ASSERT_NEAR(got.get(x, y)[c], want[c], floatError) << x << ' ' << y;
+        }
+    EXPECT_GT(inside, 3000);
+}
+
+TEST(Geometry, ScaledPictureStaysOpaqueUpToItsEdge) {
+    Picture p = filled(0, 0, 10, 10, [](int, int) { return Pixel{0.5, 0.5, 0.5, 1}; });
+    for (double f : {0.1, 0.3, 0.5, 2.5, 7.0}) {
+        Image image = transform(imageOf(p), Affine::scale(f, f));
+        int n = int(10 * f);
+        Picture got = rendered(image, -2, -2, n + 6, n + 6);
+        for (int y = 0; y < n; ++y)
+            for (int x = 0; x < n; ++x) ASSERT_NEAR(got.get(x, y)[3], 1, 1e-5) << f << ' ' << x << ' ' << y;
+        EXPECT_EQ(got.get(-1, 0), Pixel{}) << f;
+        EXPECT_EQ(got.get(n + 1, 0), Pixel{}) << f;
+    }
+    // Half a pixel of it is half of a pixel.
+    EXPECT_NEAR(rendered(transform(imageOf(p), Affine::translation(0.5, 0)), 0, 0, 1, 1).get(0, 0)[3], 0.5,
+                1e-6);
+}
+
+TEST(Geometry, MadeSmallerByMeans) {
+    Picture p = noise(64, 48, 12);
+    Picture expected = filled(0, 0, 16, 12, [&](int x, int y) {
+        Pixel sum{};
+        for (int k = 0; k < 16; ++k)
+            for (int c = 0; c < 4; ++c) sum[c] += p.get(4 * x + k % 4, 4 * y + k / 4)[c] / 16;
+        return sum;
+    });
+    EXPECT_LT(error(transform(imageOf(p), Affine::scale(0.25, 0.25)), expected), floatError);
+    // The same when the target is smaller than the source.
+    std::vector<float> out(4 * 16 * 12);
+    render(imageOf(p), {0, 0, 64, 48}, {linearLayout(16, 12), out.data(), 16 * 16}, {0, 0, 16, 12});
+    EXPECT_NEAR(out[4 * (11 * 16 + 3)], expected.get(3, 0)[0], floatError);
+}
+
+TEST(Geometry, CropAndClamp) {
+    Picture p = noise(30, 30, 13);
+    Image cropped =
+        filter("CICrop", {{"inputImage", imageOf(p)}, {"inputRectangle", Numbers{4.4, 5, 10, 12.6}}});
+    EXPECT_EQ(cropped->extent(), (Rect{4.4, 5, 14.4, 17.6}));
+    Picture expected = filled(0, 0, 30, 30, [&](int x, int y) {
+        return x >= 4 && x < 14 && y >= 5 && y < 18 ? p.get(x, y) : Pixel{};
+    });
+    EXPECT_LT(error(cropped, expected), 1e-6);
+    EXPECT_EQ(filter("CICrop", {{"inputImage", cropped}})->extent(), cropped->extent());
+    Picture clamped = filled(-700, -9, 1500, 50,
+                             [&](int x, int y) { return p.get(std::clamp(x, 0, 29), std::clamp(y, 0, 29)); });
+    EXPECT_LT(error(clampToEdge(imageOf(p)), clamped), 1e-6);
+}
+
+TEST(Geometry, Twirl) {
+    Picture p = noise(60, 60, 14);
+    Picture expected = filled(-5, -5, 70, 70, [&](int x, int y) {
+        double dx = x + 0.5 - 30, dy = y + 0.5 - 28, d = std::hypot(dx, dy), t = std::max(0.0, 1 - d / 25);
+        double turn = -2 * t * t;
+        return bilinear(p, 30 + dx * std::cos(turn) - dy * std::sin(turn),
+                        28 + dx * std::sin(turn) + dy * std::cos(turn));
+    });
+    Image image = filter("CITwirlDistortion", {{"inputImage", imageOf(p)},
+                                               {"inputCenter", Numbers{30, 28}},
+                                               {"inputRadius", 25.0},
+                                               {"inputAngle", 2.0}});
+    EXPECT_LT(error(image, expected), 1e-4); // a turn's float error times the steepest edge
+}
+
+// ---------------------------------------------------------------------------------------- generators
+
+TEST(Generators, GradientsAndConstants) {
+    Color from{1, 0.5, 0, 1}, to{0, 0.2, 0.8, 0.5};
+    auto mixed = [&](double t) {
+        t = std::clamp(t, 0.0, 1.0);
+        double a[4] = {toLinear(from.r), toLinear(from.g), toLinear(from.b), 1};
+        double b[4] = {toLinear(to.r) * to.a, toLinear(to.g) * to.a, toLinear(to.b) * to.a, to.a};
+        Pixel p;
+        for (int c = 0; c < 4; ++c) p[c] = a[c] + t * (b[c] - a[c]);
+        return p;
+    };
+    Values colors{{"inputColor0", from}, {"inputColor1", to}};
+    Values linear = colors, radial = colors;
+    linear["inputPoint0"] = Numbers{10, 5}, linear["inputPoint1"] = Numbers{60, 45};
+    radial["inputCenter"] = Numbers{20, 30}, radial["inputRadius0"] = 5.0, radial["inputRadius1"] = 35.0;
+    Picture expected = filled(-20, -10, 120, 80, [&](int x, int y) {
+        return mixed(((x + 0.5 - 10) * 50 + (y + 0.5 - 5) * 40) / (50 * 50 + 40 * 40));
+    });
+    EXPECT_LT(error(filter("CILinearGradient", linear), expected), floatError);
+    expected = filled(-20, -10, 120, 80,
+                      [&](int x, int y) { return mixed((std::hypot(x + 0.5 - 20, y + 0.5 - 30) - 5) / 30); });
+    EXPECT_LT(error(filter("CIRadialGradient", radial), expected), floatError);
+    EXPECT_LT(error(filter("CIConstantColorGenerator", {{"inputColor", to}}),
+                    filled(-1000000, 5, 3, 3, [&](int, int) { return mixed(1); })),
+              floatError);
+}
+
+TEST(Generators, CheckerboardIsPlainAwayFromItsEdges) {
+    Image image = filter("CICheckerboardGenerator", {{"inputCenter", Numbers{7, 3}}, {"inputWidth", 10.0}});
+    EXPECT_TRUE(image->extent().isInfinite());
+    Picture got = rendered(image, -600, -40, 1200, 80);
+    int tested = 0;
+    for (int y = -40; y < 40; ++y)
+        for (int x = -600; x < 600; ++x) {
+            int fx = ((x - 7) % 10 + 10) % 10, fy = ((y - 3) % 10 + 10) % 10;
+            if (fx == 0 || fx == 9 || fy == 0 || fy == 9) continue;
+            int squares = (x - 7 - fx) / 10 + (y - 3 - fy) / 10;
+            ASSERT_NEAR(got.get(x, y)[0], squares % 2 == 0 ? 1 : 0, 1e-3) << x << ' ' << y;
+            ++tested;
+        }
+    EXPECT_GT(tested, 50000);
+}
+
+// --------------------------------------------------------------------------------------- compositing
+
+TEST(Compositing, EveryModeAgainstItsFormula) {
+    Picture s = noise(41, 23, 15), d = noise(41, 23, 16);
+    using Formula = std::function<double(double s, double d, double sa, double da)>;
+    auto mode = [](std::function<double(double, double)> f) -> Formula {
+        return [=](double s, double d, double sa, double da) {
+            double cs = sa > 0 ? s / sa : 0, cd = da > 0 ? d / da : 0;
+            return s * (1 - da) + d * (1 - sa) + sa * da * f(cs, cd);
+        };
+    };
+    auto hard = [](double s, double d) { return s <= 0.5 ? 2 * s * d : 1 - 2 * (1 - s) * (1 - d); };
+    struct Case {
+        const char* name;
+        Formula colour, alpha;
+    };
+    auto same = [](const char* name, Formula f) { return Case{name, f, f}; };
+    Formula over = [](double s, double d, double sa, double) { return s + d * (1 - sa); };
+    auto blendCase = [&](const char* name, std::function<double(double, double)> f) {
+        return Case{name, mode(f), over};
+    };
+    std::vector<Case> cases{
+        same("CISourceOverCompositing", over),
+        same("CISourceAtopCompositing",
+             [](double s, double d, double sa, double da) { return s * da + d * (1 - sa); }),
+        same("CISourceInCompositing", [](double s, double, double, double da) { return s * da; }),
+        same("CISourceOutCompositing", [](double s, double, double, double da) { return s * (1 - da); }),
+        {"CIAdditionCompositing", [](double s, double d, double, double) { return s + d; },
+         [](double s, double d, double, double) { return std::min(1.0, s + d); }},
+        same("CIMaximumCompositing", [](double s, double d, double, double) { return std::max(s, d); }),
+        same("CIMinimumCompositing", [](double s, double d, double, double) { return std::min(s, d); }),
+        same("CIMultiplyCompositing", [](double s, double d, double, double) { return s * d; }),
+        blendCase("CIMultiplyBlendMode", [](double s, double d) { return s * d; }),
+        blendCase("CIScreenBlendMode", [](double s, double d) { return 1 - (1 - s) * (1 - d); }),
+        blendCase("CIHardLightBlendMode", hard),
+        blendCase("CIOverlayBlendMode", [=](double s, double d) { return hard(d, s); }),
+        blendCase("CISoftLightBlendMode",
+                  [](double s, double d) {
+                      double bright = d <= 0.25 ? ((16 * d - 12) * d + 4) * d : std::sqrt(d);
+                      return s <= 0.5 ? d - (1 - 2 * s) * d * (1 - d) : d + (2 * s - 1) * (bright - d);
+                  }),
+        blendCase("CIDarkenBlendMode", [](double s, double d) { return std::min(s, d); }),
+        blendCase("CILightenBlendMode", [](double s, double d) { return std::max(s, d); }),
+        blendCase("CIDifferenceBlendMode", [](double s, double d) { return std::abs(s - d); }),
+        blendCase("CIExclusionBlendMode", [](double s, double d) { return s + d - 2 * s * d; }),
+        blendCase("CIColorDodgeBlendMode",
+                  [](double s, double d) { return d == 0   ? 0
+                                                  : s >= 1 ? 1
+                                                           : std::min(1.0, d / (1 - s)); }),
+        blendCase("CIColorBurnBlendMode",
+                  [](double s, double d) {
+                      return d >= 1 ? 1 : s <= 0 ? 0 : 1 - std::min(1.0, (1 - d) / s);
+                  }),
+    };
+    std::size_t registered = 0;
+    for (const FilterInfo* info : allFilters())
+        registered += info->name.ends_with("Compositing") || info->name.ends_with("BlendMode");
+    EXPECT_EQ(registered, cases.size()) << "every mode has its case";
+    for (const Case& c : cases) {
+        Picture expected = filled(0, 0, 41, 23, [&](int x, int y) {
+            Pixel p = s.get(x, y), q = d.get(x, y), out;
+            for (int k = 0; k < 4; ++k) out[k] = (k < 3 ? c.colour : c.alpha)(p[k], q[k], p[3], q[3]);
+            return out;
+        });
+        EXPECT_LT(error(filter(c.name, {{"inputImage", imageOf(s)}, {"inputBackgroundImage", imageOf(d)}}),
+                        expected),
+                  floatError)
+            << c.name;
+    }
+}
+
+// ------------------------------------------------------------------------------------- what is promised
+
+namespace {
+
+Values with(const Image& image, const char* key, double value) {
+    return {{"inputImage", image}, {key, value}};
+}
+
+Image chainOfEight(Image image) {
+    image = filter("CIExposureAdjust", with(image, "inputEV", 0.3));
+    image = filter("CIGammaAdjust", with(image, "inputPower", 0.8));
+    image = filter("CISepiaTone", with(image, "inputIntensity", 0.4));
+    image = filter("CIVignette", with(image, "inputIntensity", 0.7));
+    image = filter("CIHueAdjust", with(image, "inputAngle", 0.5));
+    image = filter("CIColorControls", with(image, "inputSaturation", 1.2));
+    image = filter("CIColorInvert", {{"inputImage", image}});
+    return filter("CIGammaAdjust", with(image, "inputPower", 1.1));
+}
+
+/// Something of everything.
+Image complicated(const Picture& p) {
+    Image image = imageOf(p);
+    Image turned = transform(chainOfEight(image), Affine::rotation(0.3).then(Affine::scale(1.3, 0.8)));
+    Image blurred = filter("CIGaussianBlur", with(turned, "inputRadius", 9.5));
+    Image twirled = filter(
+        "CITwirlDistortion",
+        {{"inputImage", composite(image, blurred)}, {"inputCenter", Numbers{60, 60}}, {"inputRadius", 70.0}});
+    Image boxed = filter("CIBoxBlur", with(twirled, "inputRadius", 4.5));
+    return composite(transform(boxed, Affine::scale(0.4, 0.4)),
+                     composite(filter("CIGaussianBlur", with(boxed, "inputRadius", 2)), boxed));
+}
+
+class CountedRows : public RowSource {
+  public:
+    CountedRows(int w, int h) : layout_{w, h, Format::RGBA8, Alpha::opaque, color::ColorSpace::sRGB()} {}
+    const PixelLayout& layout() const override { return layout_; }
+    void readRows(int first, int count, std::uint8_t* out) override {
+        if (inside_.exchange(true)) overlapped = true;
+        for (int r = 0; r < count; ++r, out += 4 * layout_.width) {
+            if (first + r == failAt) throw std::runtime_error("row cannot be read");
+            std::fill_n(out, 4 * layout_.width, static_cast<std::uint8_t>(first + r));
+            ++rows;
+        }
+        inside_ = false;
+    }
+    std::atomic<int> rows{0};
+    std::atomic<bool> overlapped{false};
+    int failAt = -1;
+
+  private:
+    PixelLayout layout_;
+    std::atomic<bool> inside_{false};
+};
+
+} // namespace
+
+TEST(Engine, TilesDoNotShow) {
+    Image image = complicated(noise(130, 110, 17));
+    setTileSize(4096);
+    Picture whole = rendered(image, -40, -40, 200, 200);
+    setTileSize(33);
+    Picture tiled = rendered(image, -40, -40, 200, 200);
+    setTileSize(0);
+    // Places are counted in float from another corner, so that they round differently.
+    EXPECT_LT(difference(whole, tiled), 1e-3);
+    EXPECT_GT(whole.get(50, 50)[3], 0.1);
+}
+
+TEST(Engine, BothInstructionSetsAgree) {
+    InstructionSet best = instructionSet();
+    Image image = complicated(noise(130, 110, 18));
+    ASSERT_TRUE(setInstructionSet(InstructionSet::sse2));
+    EXPECT_EQ(instructionSet(), InstructionSet::sse2);
+    Picture plain = rendered(image, -40, -40, 200, 200);
+    setInstructionSet(best);
+    EXPECT_LT(difference(plain, rendered(image, -40, -40, 200, 200)), 1e-3);
+}
+
+TEST(Engine, ThreadsDoNotShow) {
+    Image image = complicated(noise(130, 110, 19));
+    setTileSize(32);
+    setThreadCount(1);
+    Picture one = rendered(image, -40, -40, 200, 200);
+    setThreadCount(5);
+    Picture five = rendered(image, -40, -40, 200, 200);
+    setThreadCount(0);
+    setTileSize(0);
+    EXPECT_EQ(difference(one, five), 0);
+}
+
+TEST(Engine, ReadsOnlyTheRowsItNeeds) {
+    auto rows = std::make_shared<CountedRows>(500, 6400);
+    Image image = chainOfEight(bitmap(rows));
+    Image blurred = filter("CIGaussianBlur", with(image, "inputRadius", 5));
+    EXPECT_EQ(rows->rows, 0);
+    Picture got = rendered(bitmap(rows), 100, 6399 - 70, 10, 10);
+    EXPECT_NEAR(got.get(100, 6399 - 70)[0], toLinear(70 / 255.), 1e-5);
+    rows->rows = 0;
+    rendered(image, 100, 3000, 10, 10);
+    EXPECT_GT(rows->rows, 0);
+    EXPECT_LE(rows->rows, 128);
+    rows->rows = 0;
+    rendered(crop(blurred, {0, 1000, 400, 1010}), 0, 0, 500, 6000);
+    EXPECT_GT(rows->rows, 0);
+    EXPECT_LE(rows->rows, 192);
+    rows->rows = 0;
+    rendered(bitmap(rows), 0, 0, 500, 6400);
+    EXPECT_EQ(rows->rows, 6400) << "each row once";
+    EXPECT_FALSE(rows->overlapped);
+}
+
+TEST(Engine, FailuresOfARowSourceReachTheCaller) {
+    auto rows = std::make_shared<CountedRows>(100, 3000);
+    rows->failAt = 2000;
+    EXPECT_THROW(rendered(bitmap(rows), 0, 0, 100, 3000), std::runtime_error);
+}
+
+TEST(Engine, ChainsAreOnePass) {
+    Image image = imageOf(noise(8, 8, 20));
+    EXPECT_EQ(planSummary(chainOfEight(image)).passes, 1);
+    EXPECT_EQ(planSummary(filter("CIGaussianBlur", with(chainOfEight(image), "inputRadius", 3))).passes, 2);
+    Image inverted = image;
+    for (int i = 0; i < 40; ++i) inverted = filter("CIColorInvert", {{"inputImage", inverted}});
+    EXPECT_EQ(planSummary(inverted).steps, 2) << "matrices are one";
+    Image turned = image;
+    for (int i = 0; i < 40; ++i) turned = transform(turned, Affine::rotation(0.1));
+    EXPECT_EQ(planSummary(turned).steps, 2) << "transforms are one";
+    Image cropped = image;
+    for (int i = 1; i < 4; ++i) cropped = crop(cropped, Rect{0, 0, 8, 8}.grown(-i, -i));
+    EXPECT_EQ(planSummary(cropped).steps, 2) << "crops are one";
+    EXPECT_NE(planSummary(cropped).text.find("crop"), std::string::npos);
+}
+
+TEST(Engine, ImagesReadTwiceAreComputedOnce) {
+    // 2^40 evaluations if each reader computed its own.
+    Image image = imageOf(noise(16, 16, 21, true));
+    for (int i = 0; i < 40; ++i)
+        image = filter("CIScreenBlendMode", {{"inputImage", image}, {"inputBackgroundImage", image}});
+    EXPECT_NEAR(rendered(image, 0, 0, 16, 16).get(5, 5)[0], 1, 1e-4);
+}
+
+TEST(Engine, BlendsOverTheTargetAndLeavesTheRest) {
+    std::vector<std::uint8_t> out(4 * 8 * 8, 100);
+    PixelLayout layout{8, 8, Format::RGBA8, Alpha::opaque, nullptr};
+    Options options{.blend = true, .working = nullptr, .colorManaged = false, .software = true};
+    render(constant({1, 0, 0, 0.5}), {0, 0, 4, 4}, {layout, out.data(), 32}, {2, 1, 6, 5}, options);
+    auto at = [&](int x, int y, int c) { return int(out[4 * ((7 - y) * 8 + x) + c]); };
+    EXPECT_EQ(at(1, 1, 0), 100);
+    EXPECT_EQ(at(2, 5, 0), 100);
+    EXPECT_NEAR(at(2, 1, 0), 178, 1); // (255 + 100) / 2
+    EXPECT_NEAR(at(5, 4, 1), 50, 1);
+    EXPECT_EQ(at(6, 4, 1), 100);
+}
+
+TEST(Engine, FormatsComeBackAsTheyWere) {
+    for (Format format :
+         {Format::ARGB8, Format::RGBA8, Format::BGRA8, Format::RGBA16, Format::RGBAf, Format::Gray8})
+        for (Alpha alpha : {Alpha::premultiplied, Alpha::straight, Alpha::opaque}) {
+            PixelLayout layout{67, 5, format, alpha,
+                               format == Format::Gray8 ? color::ColorSpace::deviceGray()
+                                                       : color::ColorSpace::sRGB()};
+            std::size_t row = 67 * bytesPerPixel(format);
+            std::vector<std::uint8_t> in(row * 5), out(row * 5);
+            bool first = format == Format::ARGB8;
+            for (std::size_t i = 0; i < 67 * 5; ++i)
+                for (int c = 0; c < (format == Format::Gray8 ? 1 : 4); ++c) {
+                    bool isAlpha = c == (first ? 0 : 3);
+                    int v = isAlpha && alpha == Alpha::opaque ? 255
+                            : isAlpha                         ? 200 + int(i % 56)
+                                                              : int((i * 37 + c * 11) % 200);
+                    if (format == Format::RGBAf)
+                        reinterpret_cast<float*>(in.data())[4 * i + c] = v / 255.f;
+                    else if (format == Format::RGBA16)
+                        reinterpret_cast<std::uint16_t*>(in.data())[4 * i + c] = std::uint16_t(v * 257);
+                    else
+                        in[bytesPerPixel(format) * i + c] = std::uint8_t(v);
+                }
+            render(bitmap(layout, in.data(), row, nullptr), {0, 0, 67, 5}, {layout, out.data(), row},
+                   {0, 0, 67, 5});
+            for (std::size_t i = 0; i < 67 * 5 * bytesPerPixel(format); ++i) {
+                if (format == Format::RGBAf && i % 4 == 0)
+                    ASSERT_NEAR(reinterpret_cast<float*>(in.data())[i / 4],
+                                reinterpret_cast<float*>(out.data())[i / 4], 1e-5);
+                else if (format == Format::RGBA16 && i % 2 == 0)
+                    ASSERT_NEAR(reinterpret_cast<std::uint16_t*>(in.data())[i / 2],
+                                reinterpret_cast<std::uint16_t*>(out.data())[i / 2], 2);
+                else if (bytesPerPixel(format) <= 4)
+                    ASSERT_NEAR(int(in[i]), int(out[i]), 1) << int(format) << int(alpha) << ' ' << i;
+            }
+        }
+}
+
+TEST(Engine, RefusesWhatCannotBe) {
+    std::uint8_t pixels[64] = {};
+    PixelLayout layout{4, 4};
+    EXPECT_THROW(bitmap(layout, nullptr, 16, nullptr), std::invalid_argument);
+    EXPECT_THROW(bitmap(layout, pixels, 15, nullptr), std::invalid_argument);
+    EXPECT_THROW(bitmap({0, 4}, pixels, 16, nullptr), std::invalid_argument);
+    EXPECT_THROW(bitmap({4, 4, Format::Gray8}, pixels, 16, nullptr), std::invalid_argument);
+    EXPECT_THROW(bitmap(nullptr), std::invalid_argument);
+    Image image = bitmap(layout, pixels, 16, nullptr);
+    EXPECT_THROW(transform(image, Affine::scale(NAN, 1)), std::invalid_argument);
+    EXPECT_TRUE(transform(image, Affine::scale(0, 1))->extent().isEmpty());
+    EXPECT_THROW(render(image, Rect::infinite(), {layout, pixels, 16}, {0, 0, 4, 4}), std::invalid_argument);
+    EXPECT_THROW(render(image, {0, 0, 4, 4}, {layout, nullptr, 16}, {0, 0, 4, 4}), std::invalid_argument);
+    EXPECT_THROW(filter("CIGammaAdjust", {{"inputImage", image}, {"inputPower", std::string("x")}}),
+                 std::invalid_argument);
+    EXPECT_EQ(transform(nullptr, {}), nullptr);
+    EXPECT_EQ(filter("CISepiaTone", {}), nullptr);
+}
+
+TEST(Engine, HostileNumbersEndInPixels) {
+    Image image = imageOf(noise(24, 24, 22));
+    for (const FilterInfo* info : allFilters())
+        for (double bad :
+             {double(NAN), double(INFINITY), -double(INFINITY), -1e9, 1e9, 1e300, -1e-300, 0.0}) {
+            Values values;
+            for (const InputInfo& input : info->inputs) {
+                if (input.className == "CIImage") values[input.key] = image;
+                if (input.className == "NSNumber") values[input.key] = bad;
+                if (input.className == "CIVector") values[input.key] = Numbers{bad, bad, bad, bad};
+                if (input.className == "CIColor") values[input.key] = Color{bad, bad, bad, bad};
+                if (input.className == "NSAffineTransform") values[input.key] = Affine{bad, 0, 0, 1, bad, 0};
+            }
+            Image result = engine::apply(*info, values);
+            ASSERT_NE(result, nullptr) << info->name;
+            std::vector<std::uint8_t> out(4 * 16 * 16, 77);
+            PixelLayout layout{16, 16};
+            ASSERT_NO_THROW(render(result, {0, 0, 16, 16}, {layout, out.data(), 64}, {0, 0, 16, 16}))
+                << info->name << ' ' << bad;
+            // Premultiplied bytes never exceed their alpha.
+            for (std::size_t i = 0; i < out.size(); ++i)
+                ASSERT_LE(out[i], out[i | 3]) << info->name << ' ' << bad;
+        }
+}
+
+TEST(Engine, EndlessImagesMadeTinyStillRender) {
+    Image board = filter("CICheckerboardGenerator", {});
+    Picture got = rendered(transform(board, Affine::scale(1e-7, 1e-7)), -8, -8, 16, 16);
+    EXPECT_NEAR(got.get(3, 3)[3], 1, 1e-4);
+}
+
+TEST(Engine, FiltersDescribeThemselves) {
+    EXPECT_EQ(findFilter("CINoSuchFilter"), nullptr);
+    std::string last;
+    for (const FilterInfo* info : allFilters()) {
+        EXPECT_LT(last, info->name);
+        last = info->name;
+        EXPECT_FALSE(info->description.empty()) << info->name;
+        EXPECT_FALSE(info->categories.empty()) << info->name;
+        for (const InputInfo& input : info->inputs) {
+            EXPECT_FALSE(input.displayName.empty());
+            if (input.className != "CIImage") EXPECT_TRUE(input.defaultValue) << info->name << input.key;
+        }
+    }
+}
