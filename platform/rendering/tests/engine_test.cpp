@@ -187,12 +187,24 @@ TEST(Filters, ColorControls) {
     EXPECT_LT(error(filter("CIColorControls", values), expected), floatError);
 }
 
-TEST(Filters, Sepia) {
+// The transfer function of IEC 61966-2-1 and its inverse, odd below 0.
+double coded(double x) {
+    double m = std::abs(x);
+    return std::copysign(m <= 0.0031308 ? 12.92 * m : 1.055 * std::pow(m, 1 / 2.4) - 0.055, x);
+}
+double linear(double c) {
+    double m = std::abs(c);
+    return std::copysign(m <= 0.04045 ? m / 12.92 : std::pow((m + 0.055) / 1.055, 2.4), c);
+}
+
+TEST(Filters, SepiaTintsCodedColour) {
     Picture p = noise(37, 11, 5);
     Picture expected = mapped(p, [](Pixel q) -> Pixel {
-        double r = 0.393 * q[0] + 0.769 * q[1] + 0.189 * q[2], g = 0.349 * q[0] + 0.686 * q[1] + 0.168 * q[2];
-        double b = 0.272 * q[0] + 0.534 * q[1] + 0.131 * q[2];
-        return {q[0] + 0.6 * (r - q[0]), q[1] + 0.6 * (g - q[1]), q[2] + 0.6 * (b - q[2]), q[3]};
+        double red = coded(q[0]), green = coded(q[1]), blue = coded(q[2]);
+        double r = 0.393 * red + 0.769 * green + 0.189 * blue, g = 0.349 * red + 0.686 * green + 0.168 * blue;
+        double b = 0.272 * red + 0.534 * green + 0.131 * blue;
+        return {linear(red + 0.6 * (r - red)), linear(green + 0.6 * (g - green)),
+                linear(blue + 0.6 * (b - blue)), q[3]};
     });
     EXPECT_LT(error(filter("CISepiaTone", {{"inputImage", imageOf(p)}, {"inputIntensity", 0.6}}), expected),
               floatError);
