@@ -42,9 +42,13 @@ struct Benchmark {
 };
 
 // The benchmarks of each file.
+extern const Benchmark arrays;
 extern const Benchmark calls;
 extern const Benchmark colorChain;
+extern const Benchmark dictionaries;
 extern const Benchmark gaussianBlur;
+extern const Benchmark pictures;
 extern const Benchmark pluginMain;
+extern const Benchmark strings;
 
 } // namespace bench

@@ -64,8 +64,9 @@ constexpr NumberRule kNumberRules[] = {
 };
 
 REALobject numberOf(NSNumber* number) {
+    const char* type = [number objCType];
     for (const NumberRule& rule : kNumberRules)
-        if (std::strcmp([number objCType], rule.type) == 0) return rule.convert(number);
+        if (std::strcmp(type, rule.type) == 0) return rule.convert(number);
     return REALNewVariantDouble([number doubleValue]);
 }
 
@@ -85,6 +86,11 @@ REALobject dateOf(NSDate* date) {
     set("Minute", [calendar minuteOfHour]);
     set("Second", [calendar secondOfMinute]);
     return result;
+}
+
+REALobject fileOrTextOf(NSURL* url) {
+    if (REALfolderItem item = NSURLRBFile(url)) return reinterpret_cast<REALobject>(item);
+    return variantOfString([url absoluteString]);
 }
 
 template <class Fields>
@@ -125,8 +131,9 @@ constexpr ValueRule kValueRules[] = {
 };
 
 REALobject valueOf(NSValue* value) {
+    const char* type = [value objCType];
     for (const ValueRule& rule : kValueRules)
-        if (std::strcmp([value objCType], rule.type) == 0) return rule.convert(value);
+        if (std::strcmp(type, rule.type) == 0) return rule.convert(value);
     return nullptr;
 }
 
@@ -150,18 +157,26 @@ REALobject wrappedByClassName(id object) {
 } // namespace
 
 REALobject NewVariantFromNSObject(id object) {
-    if (!object || object == [NSNull null]) return nullptr;
-    if ([object isKindOfClass:[NSArray class]]) return arrayOf(object);
-    if ([object isKindOfClass:[NSString class]]) return variantOfString(object);
-    if ([object isKindOfClass:[NSData class]]) return reinterpret_cast<REALobject>(NSDataRB(object));
-    if ([object isKindOfClass:[NSNumber class]]) return numberOf(object);
-    if ([object isKindOfClass:[NSDate class]]) return dateOf(object);
-    if ([object isKindOfClass:[NSDictionary class]]) return NSDictionaryRB(object);
-    if ([object isKindOfClass:[NSURL class]]) {
-        if (REALfolderItem item = NSURLRBFile(object)) return reinterpret_cast<REALobject>(item);
-        return variantOfString([object absoluteString]);
-    }
-    if ([object isKindOfClass:[NSValue class]]) return valueOf(object);
+    // A class is looked up by its name wherever it is named, so each is named once.
+    struct ObjectRule {
+        Class kind;
+        REALobject (*convert)(id object);
+    };
+    static const ObjectRule rules[] = {
+        {[NSArray class], [](id o) { return arrayOf(o); }},
+        {[NSString class], [](id o) { return variantOfString(o); }},
+        {[NSData class], [](id o) { return reinterpret_cast<REALobject>(NSDataRB(o)); }},
+        {[NSNumber class], [](id o) { return numberOf(o); }},
+        {[NSDate class], [](id o) { return dateOf(o); }},
+        {[NSDictionary class], [](id o) { return NSDictionaryRB(o); }},
+        {[NSURL class], [](id o) { return fileOrTextOf(o); }},
+        {[NSValue class], [](id o) { return valueOf(o); }},
+    };
+    static const id null = [NSNull null];
+
+    if (!object || object == null) return nullptr;
+    for (const ObjectRule& rule : rules)
+        if ([object isKindOfClass:rule.kind]) return rule.convert(object);
     Class wrapper = static_cast<Class>(objc_getClass("KazREALobjectWrapper"));
     if (wrapper && [object isKindOfClass:wrapper]) return [object unwrap];
     return wrappedByClassName(object);

@@ -22,6 +22,23 @@
 
 namespace {
 
+// An element or a value that came locked; given back at the end of a scope, also when a conversion raises.
+// Numbers are left alone.
+template <class T>
+struct Received {
+    T value;
+    explicit Received(T value) : value(value) {}
+    ~Received() {
+        if constexpr (std::is_same_v<T, REALstring>) {
+            if (value) REALUnlockString(value);
+        } else if constexpr (std::is_same_v<T, REALobject>) {
+            if (value) REALUnlockObject(value);
+        }
+    }
+    Received(const Received&) = delete;
+    Received& operator=(const Received&) = delete;
+};
+
 // --- scalars ----------------------------------------------------------------------------------------------
 
 std::int32_t typeCode(REALobject variant) {
@@ -49,19 +66,14 @@ std::int32_t int32Of(REALobject variant) {
 }
 
 NSString* stringOf(REALobject variant) {
-    REALstring string = scalar(REALVariantToString, REALGetPropValueString, "StringValue", variant);
-    if (!string) return @"";
-    NSString* text = (NSString*)bridge::temporaryString(string);
-    REALUnlockString(string);
-    return text;
+    Received string(scalar(REALVariantToString, REALGetPropValueString, "StringValue", variant));
+    return string.value ? (NSString*)bridge::temporaryString(string.value) : @"";
 }
 
 NSDate* dateOf(REALobject variant) {
     REALobject date = nullptr;
-    if (!REALGetPropValueObject(variant, "DateValue", &date) || !date) return nil;
-    NSDate* result = NewNSDate(date);
-    REALUnlockObject(date);
-    return result;
+    if (!REALGetPropValueObject(variant, "DateValue", &date)) return nil;
+    return NewNSDate(Received(date).value);
 }
 
 // --- arrays -----------------------------------------------------------------------------------------------
@@ -73,17 +85,7 @@ NSMutableArray* arrayOf(REALobject variant, Convert&& convert) {
     NSMutableArray* result = [NSMutableArray array];
     std::int32_t upperBound = REALGetArrayUBound(array);
     for (std::int32_t i = 0; i <= upperBound; ++i) {
-        // Gives the element's lock back also when its conversion raises.
-        struct Reference {
-            Element value;
-            ~Reference() {
-                if constexpr (std::is_same_v<Element, REALstring>) {
-                    if (value) REALUnlockString(value);
-                } else if constexpr (std::is_same_v<Element, REALobject>) {
-                    if (value) REALUnlockObject(value);
-                }
-            }
-        } element = {host::arrayValue<Element>(array, i)};
+        Received element(host::arrayValue<Element>(array, i));
         [result addObject:convert(element.value)];
     }
     return result;
@@ -91,67 +93,76 @@ NSMutableArray* arrayOf(REALobject variant, Convert&& convert) {
 
 // --- objects ----------------------------------------------------------------------------------------------
 
-bool isMember(REALobject object, const char* className) {
-    REALclassRef classRef = REALGetClassRef(className);
-    return classRef && REALObjectIsA(object, classRef);
-}
+// A host class by name; it may come to be known later than the bridge first asks.
+struct HostClass {
+    const char* name;
+    REALclassRef found = nullptr;
+
+    bool hasMember(REALobject object) {
+        if (!found) found = REALGetClassRef(name);
+        return found && REALObjectIsA(object, found);
+    }
+};
+
+constinit HostClass memoryBlockClass = {"MemoryBlock"};
+constinit HostClass dictionaryClass = {"Dictionary"};
 
 // Siblings whose wrappers give up their handle, tested before the structures. One name stands three times:
 // the order is as the family's parts were added, and kept.
-constexpr const char* kWrapperClasses[] = {
-    "QuartzFilterKaz",
-    "NSImageKaz",
-    "NSImageRepKaz",
-    "NSFontKaz",
-    "NSResponderKaz",
-    "NSAttributedStringKaz",
-    "NSIndexSetKaz",
-    "NSColorKaz",
-    "NSAttributedStringKaz",
-    "NSToolbarItemKaz",
-    "NSToolbarKaz",
-    "NSURLRequestKaz",
-    "NSCharacterSetKaz",
-    "NSAttributedStringKaz",
-    "NSParagraphStyleKaz",
-    "NSTextContainerKaz",
-    "WebUIDelegateKaz",
-    "WebResourceLoadDelegateKaz",
-    "WebFrameLoadDelegateKaz",
-    "WebDownloadDelegateKaz",
-    "DRBurnKaz",
-    "PDFAnnotationKaz",
-    "PDFActionKaz",
+constinit HostClass wrapperClasses[] = {
+    {"QuartzFilterKaz"},
+    {"NSImageKaz"},
+    {"NSImageRepKaz"},
+    {"NSFontKaz"},
+    {"NSResponderKaz"},
+    {"NSAttributedStringKaz"},
+    {"NSIndexSetKaz"},
+    {"NSColorKaz"},
+    {"NSAttributedStringKaz"},
+    {"NSToolbarItemKaz"},
+    {"NSToolbarKaz"},
+    {"NSURLRequestKaz"},
+    {"NSCharacterSetKaz"},
+    {"NSAttributedStringKaz"},
+    {"NSParagraphStyleKaz"},
+    {"NSTextContainerKaz"},
+    {"WebUIDelegateKaz"},
+    {"WebResourceLoadDelegateKaz"},
+    {"WebFrameLoadDelegateKaz"},
+    {"WebDownloadDelegateKaz"},
+    {"DRBurnKaz"},
+    {"PDFAnnotationKaz"},
+    {"PDFActionKaz"},
 };
 
 // And those tested after them.
-constexpr const char* kLaterWrapperClasses[] = {
-    "WebPolicyDelegateKaz", "CFStringKaz",     "CFNumberKaz", "CFBinaryDataKaz", "CFURLKaz",
-    "CFArrayKaz",           "CFDictionaryKaz", "CFDateKaz",
+constinit HostClass laterWrapperClasses[] = {
+    {"WebPolicyDelegateKaz"}, {"CFStringKaz"},     {"CFNumberKaz"}, {"CFBinaryDataKaz"}, {"CFURLKaz"},
+    {"CFArrayKaz"},           {"CFDictionaryKaz"}, {"CFDateKaz"},
 };
 
 struct StructureClass {
-    const char* name;
+    HostClass hostClass;
     NSValue* (*convert)(REALobject object);
 };
 
-constexpr StructureClass kStructureClasses[] = {
-    {"NSSizeKaz", [](REALobject o) { return [NSValue valueWithSize:bridge::instanceData<NSSize>(o)]; }},
-    {"NSRectKaz", [](REALobject o) { return [NSValue valueWithRect:bridge::instanceData<NSRect>(o)]; }},
-    {"NSRangeKaz", [](REALobject o) { return [NSValue valueWithRange:bridge::instanceData<NSRange>(o)]; }},
-    {"NSPointKaz", [](REALobject o) { return [NSValue valueWithPoint:bridge::instanceData<NSPoint>(o)]; }},
-    {"QTKitTimeKaz", [](REALobject o) { return [NSValue valueWithQTTimeKaz:o]; }},
-    {"QTKitTimeRangeKaz", [](REALobject o) { return [NSValue valueWithQTTimeRangeKaz:o]; }},
-    {"CMTimeMappingKaz", [](REALobject o) { return [NSValue valueWithCMTimeMappingKaz:o]; }},
-    {"CMTimeRangeKaz", [](REALobject o) { return [NSValue valueWithCMTimeRangeKaz:o]; }},
-    {"CMTimeKaz", [](REALobject o) { return [NSValue valueWithCMTimeKaz:o]; }},
+constinit StructureClass structureClasses[] = {
+    {{"NSSizeKaz"}, [](REALobject o) { return [NSValue valueWithSize:bridge::instanceData<NSSize>(o)]; }},
+    {{"NSRectKaz"}, [](REALobject o) { return [NSValue valueWithRect:bridge::instanceData<NSRect>(o)]; }},
+    {{"NSRangeKaz"}, [](REALobject o) { return [NSValue valueWithRange:bridge::instanceData<NSRange>(o)]; }},
+    {{"NSPointKaz"}, [](REALobject o) { return [NSValue valueWithPoint:bridge::instanceData<NSPoint>(o)]; }},
+    {{"QTKitTimeKaz"}, [](REALobject o) { return [NSValue valueWithQTTimeKaz:o]; }},
+    {{"QTKitTimeRangeKaz"}, [](REALobject o) { return [NSValue valueWithQTTimeRangeKaz:o]; }},
+    {{"CMTimeMappingKaz"}, [](REALobject o) { return [NSValue valueWithCMTimeMappingKaz:o]; }},
+    {{"CMTimeRangeKaz"}, [](REALobject o) { return [NSValue valueWithCMTimeRangeKaz:o]; }},
+    {{"CMTimeKaz"}, [](REALobject o) { return [NSValue valueWithCMTimeKaz:o]; }},
 };
 
 // The instance data of a sibling's wrapper, when the object is a member of one of the classes.
 template <std::size_t N>
-bool takeHandle(REALobject object, const char* const (&classes)[N], id& handle) {
-    for (const char* name : classes) {
-        if (!isMember(object, name)) continue;
+bool takeHandle(REALobject object, HostClass (&classes)[N], id& handle) {
+    for (HostClass& hostClass : classes) {
+        if (!hostClass.hasMember(object)) continue;
         handle = bridge::nativeHandle(object);
         return true;
     }
@@ -159,19 +170,19 @@ bool takeHandle(REALobject object, const char* const (&classes)[N], id& handle) 
 }
 
 id objectOf(REALobject object) {
-    if (isMember(object, "MemoryBlock")) {
+    if (memoryBlockClass.hasMember(object)) {
         rbData bytes(reinterpret_cast<REALmemoryBlock>(object));
         return [NSData dataWithBytes:bytes.data() length:bytes.length()];
     }
     if (REALLoadObjectMethod(object, "TrueItem(Index as integer) as Folderitem"))
         return NewNSURLfile(reinterpret_cast<REALfolderItem>(object));
-    if (isMember(object, "Dictionary")) return NewNSDictionary(object);
+    if (dictionaryClass.hasMember(object)) return NewNSDictionary(object);
 
     id handle = nil;
-    if (takeHandle(object, kWrapperClasses, handle)) return handle;
-    for (const StructureClass& structure : kStructureClasses)
-        if (isMember(object, structure.name)) return structure.convert(object);
-    if (takeHandle(object, kLaterWrapperClasses, handle)) return handle;
+    if (takeHandle(object, wrapperClasses, handle)) return handle;
+    for (StructureClass& structure : structureClasses)
+        if (structure.hostClass.hasMember(object)) return structure.convert(object);
+    if (takeHandle(object, laterWrapperClasses, handle)) return handle;
 
     Class wrapper = static_cast<Class>(objc_getClass("KazREALobjectWrapper"));
     return [wrapper wrap:object];
@@ -243,17 +254,13 @@ NSDictionary* NewNSDictionary(REALobject dictionary) {
     for (std::int32_t i = 0; result && i < count; ++i) {
         // Refreshed each time: converting an entry may have converted another dictionary.
         bridge::refreshDictionaryMethods(dictionary);
-        REALobject key = LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, i) : nullptr;
+        Received key(LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, i) : nullptr);
         bridge::refreshDictionaryMethods(dictionary);
-        REALobject value = LastDictionaryGetter ? LastDictionaryGetter(dictionary, key) : nullptr;
-        if (key) {
-            id cocoaKey = GetVariantAsNSObject(key);
-            id cocoaValue = GetVariantAsNSObject(value);
-            [result setObject:cocoaValue ? cocoaValue : [NSNull null]
-                       forKey:cocoaKey ? cocoaKey : [NSNull null]];
-            REALUnlockObject(key);
-        }
-        if (value) REALUnlockObject(value);
+        Received value(LastDictionaryGetter ? LastDictionaryGetter(dictionary, key.value) : nullptr);
+        if (!key.value) continue;
+        id cocoaKey = GetVariantAsNSObject(key.value);
+        id cocoaValue = GetVariantAsNSObject(value.value);
+        [result setObject:cocoaValue ? cocoaValue : [NSNull null] forKey:cocoaKey ? cocoaKey : [NSNull null]];
     }
     return result;
 }

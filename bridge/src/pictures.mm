@@ -131,9 +131,9 @@ bool copyable(const REALpixelBuffer* source, const REALpixelBuffer* destination)
 }
 
 void copyRows(REALpicture destination, REALpicture source) {
-    Description from(source, kREALPicturePixelBuffer);
-    if (!from) return;
     {
+        Description from(source, kREALPicturePixelBuffer);
+        if (!from) return;
         Description to(destination, kREALPicturePixelBuffer);
         if (to && copyable(from.pixels(), to.pixels()))
             for (std::int32_t y = 0; y < from.pixels()->height; ++y)
@@ -142,6 +142,50 @@ void copyRows(REALpicture destination, REALpicture source) {
     }
     REALPictureClearCache(destination);
 }
+
+// --- QuickDraw, looked up at run time because not every system has it --------------------------------------
+
+CFBundleRef frameworkBundle() {
+    static CFBundleRef bundle = nullptr; // kept for good once it is loaded
+    if (!bundle) bundle = LoadFrameworkBundle();
+    return bundle;
+}
+
+template <class Function>
+class FrameworkFunction;
+
+// A function of the bundle, looked up on first use. While it cannot be found a call answers 0 or null, and
+// the next call looks again.
+template <class Result, class... Arguments>
+class FrameworkFunction<Result(Arguments...)> {
+  public:
+    explicit constexpr FrameworkFunction(const char* name) : name(name) {}
+
+    Result operator()(Arguments... arguments) {
+        if (Function function = resolve()) return function(arguments...);
+        return Result();
+    }
+
+  private:
+    using Function = Result (*)(Arguments...);
+
+    Function resolve() {
+        if (cached || !frameworkBundle()) return cached;
+        Owned<CFStringRef> key(CFStringCreateWithCString(nullptr, name, kCFStringEncodingASCII));
+        cached = reinterpret_cast<Function>(CFBundleGetFunctionPointerForName(frameworkBundle(), key.get()));
+        return cached;
+    }
+
+    const char* name;
+    Function cached = nullptr;
+};
+
+constinit FrameworkFunction<PixMap**(void* world)> getGWorldPixMap{"GetGWorldPixMap"};
+constinit FrameworkFunction<SInt16(PixMap**)> getPixDepth{"GetPixDepth"};
+constinit FrameworkFunction<Boolean(PixMap**)> lockPixels{"LockPixels"};
+constinit FrameworkFunction<char*(PixMap**)> getPixBaseAddr{"GetPixBaseAddr"};
+constinit FrameworkFunction<SInt32(PixMap**)> getPixRowBytes{"GetPixRowBytes"};
+constinit FrameworkFunction<void(PixMap**)> unlockPixels{"UnlockPixels"};
 
 } // namespace
 
@@ -193,6 +237,18 @@ CGImageRef bridge::copyCGImage(REALpicture picture) {
     if (copyMask) drawWhole(copyMask.picture, mask.picture, size);
     if (CGImageRef image = static_cast<CGImageRef>(REALCopyPictureCGImage(copy.picture))) return image;
     return CreateCGImageInternal(copy.picture, copyMask.picture);
+}
+
+bridge::WorldPixels::WorldPixels(void* world) : map(getGWorldPixMap(world)) {
+    if (!map || getPixDepth(map) != 32) return;
+    locked = lockPixels(map);
+    if (!locked) return;
+    address = getPixBaseAddr(map);
+    bytesPerRow = static_cast<std::size_t>(getPixRowBytes(map));
+}
+
+bridge::WorldPixels::~WorldPixels() {
+    if (locked) unlockPixels(map);
 }
 
 CFBundleRef LoadFrameworkBundle() {

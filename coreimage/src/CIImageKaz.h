@@ -15,6 +15,7 @@ std::int32_t height(REALobject self);
 std::int32_t width(REALobject self);
 REALstring url(REALobject self);
 REALobject colorSpace(REALobject self);
+REALobject properties(REALobject self);
 REALobject extent(REALobject self);
 REALobject definition(REALobject self);
 

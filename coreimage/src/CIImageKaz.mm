@@ -4,6 +4,7 @@
 
 #include <bridge/containers.h>
 #include <bridge/pictures.h>
+#include <bridge/threads.h>
 
 #import <AppKit/AppKit.h>
 
@@ -127,6 +128,18 @@ void initWithBitmapMemory(REALobject self, REALmemoryBlock data, std::int32_t le
 
 // --- shared methods ---------------------------------------------------------------------------------------
 
+REALstring autoAdjustEnhance() {
+    return stringResult([] { return kCIImageAutoAdjustEnhance; });
+}
+
+REALstring autoAdjustRedEye() {
+    return stringResult([] { return kCIImageAutoAdjustRedEye; });
+}
+
+REALstring autoAdjustFeatures() {
+    return stringResult([] { return kCIImageAutoAdjustFeatures; });
+}
+
 REALobject emptyImage() {
     return wrappedResult(kImage, [] { return [CIImage emptyImage]; });
 }
@@ -150,6 +163,41 @@ REALobject imageWithContentsOfPath(REALstring path, REALobject colorSpace) {
         if (!text) return nil;
         return [CIImage imageWithContentsOfURL:[NSURL fileURLWithPath:text isDirectory:NO]
                                        options:optionsWithColorSpace(colorSpace)];
+    });
+}
+
+// The frame of the loaders that leave decoding to a worker. `make` returns a request whose objects it does
+// not own; they are kept through the call, because the host may run code that drains a pool.
+template <class Make>
+REALobject loadOnWorker(Make&& make) {
+    bridge::ensureFamily();
+    return guardedInPool([&] {
+        ImageLoadRequest request = make();
+        [request.data retain];
+        [request.url retain];
+        [request.options retain];
+        RunThreaded(&request, DoWork, nullptr);
+        REALobject image = wrapped(kImage, request.result);
+        [request.result release];
+        [request.data release];
+        [request.url release];
+        [request.options release];
+        return image;
+    });
+}
+
+REALobject imageWithDataMT(REALmemoryBlock data) {
+    if (!data) return nullptr;
+    return loadOnWorker([&] { return ImageLoadRequest{.data = dataOfBlock(data)}; });
+}
+
+REALobject imageWithContentsOfFileMT(REALfolderItem file) {
+    return loadOnWorker([&] { return ImageLoadRequest{.url = NewNSURLfile(file)}; });
+}
+
+REALobject imageWithContentsOfFileAndColorSpaceMT(REALfolderItem file, REALobject colorSpace) {
+    return loadOnWorker([&] {
+        return ImageLoadRequest{.url = NewNSURLfile(file), .options = optionsWithColorSpace(colorSpace)};
     });
 }
 
@@ -191,6 +239,7 @@ REALmethodDefinition methods[] = {
     method("Width as Integer", rendering::width),
     method("url as string", rendering::url),
     method("colorSpace as CGColorSpaceKaz", rendering::colorSpace),
+    method("properties as Dictionary", rendering::properties),
     method("RenderNSImage(UseSoftwareRenderer as boolean = false) as variant", rendering::renderNSImage),
     method("RenderPicture(Width as integer = 0, Height as integer = 0, UseSoftwareRenderer as boolean = "
            "false) as "
@@ -204,6 +253,9 @@ REALmethodDefinition methods[] = {
 };
 
 REALmethodDefinition sharedMethods[] = {
+    method("kCIImageAutoAdjustEnhance as string", autoAdjustEnhance),
+    method("kCIImageAutoAdjustRedEye as string", autoAdjustRedEye),
+    method("kCIImageAutoAdjustFeatures as string", autoAdjustFeatures),
     method("emptyImage as CIImageKaz", emptyImage),
     method("imageWithColor(color as CIColorKaz) as CIImageKaz", imageWithColor),
     method("imageWithPicture(Pic as Picture) as CIImageKaz", imageWithPicture, host::kConsoleSafe),
@@ -214,9 +266,13 @@ REALmethodDefinition sharedMethods[] = {
     method("imageWithContentsOfURL(URL as string, colorspace as CGColorSpaceKaz) as CIImageKaz",
            imageWithContentsOfURLAndColorSpace),
     method("imageWithData(data as memoryblock) as CIImageKaz", imageWithData),
+    method("imageWithDataMT(data as memoryblock) as CIImageKaz", imageWithDataMT),
     method("imageWithContentsOfFile(file as folderitem) as CIImageKaz", imageWithContentsOfFile),
     method("imageWithContentsOfFile(file as folderitem, colorspace as CGColorSpaceKaz) as CIImageKaz",
            imageWithContentsOfFileAndColorSpace),
+    method("imageWithContentsOfFileMT(file as folderitem) as CIImageKaz", imageWithContentsOfFileMT),
+    method("imageWithContentsOfFileMT(file as folderitem, colorspace as CGColorSpaceKaz) as CIImageKaz",
+           imageWithContentsOfFileAndColorSpaceMT),
     method("imageWithContentsOfPath(Path as string, colorspace as CGColorSpaceKaz) as CIImageKaz",
            imageWithContentsOfPath),
 };

@@ -3,6 +3,8 @@
 
 #include <bridge/containers.h>
 #include <bridge/owned.h>
+#include <bridge/pictures.h>
+#include <bridge/variants.h>
 
 #import <AppKit/AppKit.h>
 
@@ -37,6 +39,15 @@ bool drawIntoPicture(CIImage* image, const REALpictureDescription& description, 
     if (description.kind == kREALPictureCGContext && description.handle)
         return drawFilling(image, static_cast<CGContextRef>(description.handle), extent, width, height,
                            outputSpace, useSoftwareRenderer);
+    if (description.kind == kREALPictureGWorld && description.handle) {
+        bridge::WorldPixels pixels(description.handle);
+        if (!pixels) return false;
+        Owned<CGContextRef> bitmap(CGBitmapContextCreate(pixels.base(), static_cast<size_t>(width),
+                                                         static_cast<size_t>(height), 8, pixels.rowBytes(),
+                                                         outputSpace, kCGImageAlphaPremultipliedFirst));
+        return bitmap &&
+               drawFilling(image, bitmap.get(), extent, width, height, outputSpace, useSoftwareRenderer);
+    }
     return false;
 }
 
@@ -168,6 +179,10 @@ REALstring url(REALobject self) {
 
 REALobject colorSpace(REALobject self) {
     return guardedInPool([&] { return newColorSpace([image(self) colorSpace]); });
+}
+
+REALobject properties(REALobject self) {
+    return guardedInPool([&] { return NSDictionaryRB([image(self) properties]); });
 }
 
 REALobject extent(REALobject self) {

@@ -15,6 +15,17 @@ extern REALclassDefinition CGImageKazClass;
 extern REALclassDefinition CGContextKazClass;
 extern REALclassDefinition NSAffineTransformKazClass;
 extern REALclassDefinition NSImageKazClass;
+extern REALclassDefinition NSPointKazClass;
+extern REALclassDefinition NSSizeKazClass;
+extern REALclassDefinition NSRectKazClass;
+extern REALclassDefinition NSRangeKazClass;
+extern REALclassDefinition NSColorKazClass;
+extern REALclassDefinition CFStringKazClass;
+extern REALclassDefinition CMTimeKazClass;
+extern REALclassDefinition CMTimeRangeKazClass;
+extern REALclassDefinition CMTimeMappingKazClass;
+extern REALclassDefinition QTKitTimeKazClass;
+extern REALclassDefinition QTKitTimeRangeKazClass;
 
 } // namespace family
 
@@ -29,6 +40,17 @@ extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALResolv
              &family::CGContextKazClass,
              &family::NSAffineTransformKazClass,
              &family::NSImageKazClass,
+             &family::NSPointKazClass,
+             &family::NSSizeKazClass,
+             &family::NSRectKazClass,
+             &family::NSRangeKazClass,
+             &family::NSColorKazClass,
+             &family::CFStringKazClass,
+             &family::CMTimeKazClass,
+             &family::CMTimeRangeKazClass,
+             &family::CMTimeMappingKazClass,
+             &family::QTKitTimeKazClass,
+             &family::QTKitTimeRangeKazClass,
          })
         MyREALRegisterClass(definition);
 }

@@ -9,6 +9,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
 #include <ImageIO/ImageIO.h>
+#include <QD/QDOffscreen.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -66,6 +67,17 @@ CGContextRef contextOf(Picture& picture) {
                                   std::size_t(p.width) * 4, space.ref, kCGImageAlphaPremultipliedFirst);
     }
     return static_cast<CGContextRef>(picture.context);
+}
+
+// Null when the picture is larger than QuickDraw's coordinates reach.
+GWorldPtr worldOf(Picture& picture) {
+    Pixels& p = picture.pixels;
+    if (!picture.world && p.width <= INT16_MAX && p.height <= INT16_MAX) {
+        Rect bounds = {0, 0, SInt16(p.height), SInt16(p.width)};
+        NewGWorldFromPtr(&picture.world, k32ARGBPixelFormat, &bounds, nullptr, nullptr, 0,
+                         reinterpret_cast<Ptr>(p.bytes.data()), p.width * 4);
+    }
+    return picture.world;
 }
 
 REALpixelBuffer* bufferOf(Picture& picture) {
@@ -157,11 +169,16 @@ REALobject pictureMask(REALobject self, bool create) {
     return Heap::retain(picture.mask);
 }
 
+std::int32_t preferredDescription() {
+    return runtime().version() < 2010.0 ? kREALPictureGWorld : kREALPictureCGContext;
+}
+
 bool describePicture(REALobject self, REALpictureDescription* out, std::int32_t kind) {
     if (!out) return false;
     Picture& picture = pictureOf(self);
     *out = {};
     out->kind = kind;
+    if (picture.pixels.width > 0 && kind == kREALPictureGWorld) out->handle = worldOf(picture);
     if (picture.pixels.width > 0 && kind == kREALPictureCGContext) out->handle = contextOf(picture);
     if (picture.pixels.width > 0 && kind == kREALPicturePixelBuffer) out->handle = bufferOf(picture);
     if (!out->handle) {
@@ -216,6 +233,7 @@ FrameworkClass pictureClass() {
             heap().violation("a Picture is gone with its description locked " +
                              std::to_string(picture.descriptions) + " times");
         if (picture.context) CGContextRelease(static_cast<CGContextRef>(picture.context));
+        DisposeGWorld(picture.world);
         heap().release(picture.mask);
         picture.~Picture();
     };

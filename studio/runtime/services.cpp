@@ -427,7 +427,7 @@ bool REALLockPictureDescription(REALpicture picture, REALpictureDescription* out
            describePicture(objectOf(picture), out, kind);
 }
 bool lockPictureDescription(REALpicture picture, REALpictureDescription* out) {
-    return REALLockPictureDescription(picture, out, kREALPictureCGContext);
+    return REALLockPictureDescription(picture, out, preferredDescription());
 }
 void unlockPictureDescription(REALpicture picture) {
     if (checkPicture(picture, "unlockPictureDescription")) undescribePicture(objectOf(picture));

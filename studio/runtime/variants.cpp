@@ -54,10 +54,15 @@ std::int32_t typeCode(const Type* type) {
     }
 }
 
-// Arrays whose elements are narrower than a word have codes that nobody takes for 32-bit integers.
+// A code promises the size of the elements, so arrays of integers of other sizes have one that nobody takes
+// for 32-bit or 64-bit integers.
 std::int32_t elementCode(const Type* element) {
-    constexpr std::int32_t kByte = 17;
-    return elementSize(element) < 4 && element->kind != Kind::Boolean ? kByte : typeCode(element);
+    constexpr std::int32_t kOtherInteger = 17;
+    std::int32_t code = typeCode(element);
+    int size = elementSize(element);
+    if ((code == kREALVariantInt32 && size != 4) || (code == kREALVariantInt64 && size != 8))
+        return kOtherInteger;
+    return code;
 }
 
 double asDouble(const Type* type, Bits bits) {

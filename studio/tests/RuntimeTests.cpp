@@ -1,6 +1,7 @@
 // Services, strings, arrays, variants and calls between host and plugin.
 #include "TestPlugin.h"
 
+#include <QD/QDOffscreen.h>
 #include <studio/host.h>
 
 #include <gtest/gtest.h>
@@ -209,4 +210,46 @@ TEST(Pictures, HaveDescriptionsThatMustBeUnlocked) {
         unlock(handle);
         EXPECT_EQ(host.report().violations.empty(), version < 2012.0) << host.report().text();
     }
+}
+
+TEST(Pictures, AreQuickDrawWorldsUnlessTheHostIsNewer) {
+    namespace service = host::service;
+    for (double version : {2009.05, 2009.99, 2010.0, 2014.01}) {
+        Host host({.version = version});
+        auto lock =
+            reinterpret_cast<service::lockPictureDescription>(host.resolver()("lockPictureDescription"));
+        auto unlock =
+            reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
+        Value picture = host.create("Picture", {3, 2, 32});
+        auto* handle = reinterpret_cast<REALpicture>(picture.object());
+        REALpictureDescription description;
+        ASSERT_TRUE(lock(handle, &description));
+        EXPECT_EQ(description.kind, version < 2010.0 ? kREALPictureGWorld : kREALPictureCGContext) << version;
+        EXPECT_NE(description.handle, nullptr);
+        unlock(handle);
+        EXPECT_TRUE(host.report().violations.empty()) << host.report().text();
+    }
+}
+
+TEST(Pictures, AreWorldsUponTheirOwnPixels) {
+    namespace service = host::service;
+    Host host;
+    auto lock =
+        reinterpret_cast<service::REALLockPictureDescription>(host.resolver()("REALLockPictureDescription"));
+    auto unlock =
+        reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
+    Value picture = host.create("Picture", {3, 2, 32});
+    auto* handle = reinterpret_cast<REALpicture>(picture.object());
+    REALpictureDescription description;
+    ASSERT_TRUE(lock(handle, &description, kREALPictureGWorld));
+    PixMapHandle map = GetGWorldPixMap(static_cast<GWorldPtr>(description.handle));
+    EXPECT_EQ(GetPixDepth(map), 32);
+    ASSERT_TRUE(LockPixels(map));
+    const unsigned char green[4] = {255, 0, 255, 0};
+    std::memcpy(GetPixBaseAddr(map) + GetPixRowBytes(map) + 4, green, 4);
+    UnlockPixels(map);
+    unlock(handle);
+    Value surface = host.get(picture, "RGBSurface");
+    EXPECT_EQ(host.call(surface, "Pixel", {1, 1}).text(), "&c00FF00");
+    EXPECT_NE(host.call(surface, "Pixel", {1, 0}).text(), "&c00FF00");
 }

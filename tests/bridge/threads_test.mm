@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -112,6 +113,8 @@ namespace {
 class Threads : public BridgeTest {
   public:
     Threads() {
+        std::destroy_at(&watch);
+        std::construct_at(&watch);
         host.onYield([this] {
             EXPECT_TRUE(isMainThread());
             if (++yields == 1 && untilFinished)
@@ -379,31 +382,36 @@ TEST_F(Loading, TheNamingFunctionIsLookedForOnce) {
 
 } // namespace
 
-// Data that cannot be read, and says so in the way it is told.
-@interface UnreadableData : NSData {
+// Options that cannot be read, and say so in the way they are told.
+@interface UnreadableOptions : NSObject {
   @public
     id thrown;
 }
 @end
 
-@implementation UnreadableData
-- (NSUInteger)length {
-    return 100;
-}
-- (const void*)bytes {
+@implementation UnreadableOptions
+- (id)objectForKey:(id)key {
     @throw thrown;
 }
 @end
 
 namespace {
 
-TEST_F(Loading, ACocoaExceptionIsLoggedOnceAndGivesNil) {
+class FailingLoad : public Loading {
+  public:
+    void fail(id thrown) {
+        UnreadableOptions* options = [[[UnreadableOptions alloc] init] autorelease];
+        options->thrown = thrown;
+        request.url = photo();
+        request.options = (NSDictionary*)options;
+    }
+};
+
+TEST_F(FailingLoad, ACocoaExceptionIsLoggedOnceAndGivesNil) {
     NSException* exception = [NSException exceptionWithName:@"Unreadable"
                                                      reason:@"the disk is gone"
                                                    userInfo:nil];
-    UnreadableData* data = [[[UnreadableData alloc] init] autorelease];
-    data->thrown = exception;
-    request.data = data;
+    fail(exception);
     std::string log = load();
     EXPECT_EQ(request.result, nil);
     EXPECT_TRUE(host.takePendingException().isNil());
@@ -416,10 +424,8 @@ TEST_F(Loading, ACocoaExceptionIsLoggedOnceAndGivesNil) {
     expectClean();
 }
 
-TEST_F(Loading, AnythingElseThatIsThrownPasses) {
-    UnreadableData* data = [[[UnreadableData alloc] init] autorelease];
-    data->thrown = @"not an exception";
-    request.data = data;
+TEST_F(FailingLoad, AnythingElseThatIsThrownPasses) {
+    fail(@"not an exception");
     testing::internal::CaptureStderr();
     bool passed = false;
     @try {

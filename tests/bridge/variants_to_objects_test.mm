@@ -45,7 +45,7 @@ TEST_P(Scalars, AnInt64BecomesALongLong) {
 }
 
 TEST_P(Scalars, ASingleBecomesAFloat) {
-    for (float value : {0.0f, 0.1f, -3.5e38f, INFINITY}) expectNumber(value, "f", value);
+    for (float value : {0.0f, 0.1f, -3e38f, INFINITY}) expectNumber(value, "f", value);
     EXPECT_TRUE(std::isnan([cocoa(NAN) floatValue]));
 }
 
@@ -297,9 +297,9 @@ class Arrays : public OnEveryHost {
     }
 
     // The array as Cocoa's; and the elements were read as this host wants it.
-    NSArray* convert(const char* elementType, std::vector<Value> elements) {
+    NSArray* convert(const char* elementType, std::vector<Value> elements, int nestedElements = 0) {
         getterAsked = 0;
-        int count = static_cast<int>(elements.size());
+        int count = static_cast<int>(elements.size()) + nestedElements;
         Value array = host.array(elementType, std::move(elements));
         id result = cocoa(array);
         EXPECT_TRUE([result isKindOfClass:[NSMutableArray class]]);
@@ -341,8 +341,10 @@ TEST_P(Arrays, OfDatesBecomeDates) {
 }
 
 TEST_P(Arrays, OfVariantsBecomeWhatEachElementIs) {
-    NSArray* result = convert("Variant", {1, 2.5, "text", true, host.memoryBlock("bytes"),
-                                          host.array("Integer", {7, 8}), host.dictionary({{"k", 1}})});
+    NSArray* result = convert("Variant",
+                              {1, 2.5, "text", true, host.memoryBlock("bytes"), host.array("Integer", {7, 8}),
+                               host.dictionary({{"k", 1}})},
+                              2);
     ASSERT_EQ([result count], 7u);
     EXPECT_STREQ([[result objectAtIndex:0] objCType], "l");
     EXPECT_STREQ([[result objectAtIndex:1] objCType], "d");
@@ -651,14 +653,16 @@ TEST_F(Rules, AreTestedInOrder) {
 }
 
 TEST_F(Rules, EndAtTheFirstThatMatches) {
+    auto named = [](std::size_t i) { return std::find(kOrder.begin(), kOrder.end(), kOrder[i]); };
     for (std::size_t i = kFirstWrapper; i < kOrder.size(); ++i) {
-        // A member of this class and of all that come later.
-        id result = convert({kOrder.begin() + static_cast<std::ptrdiff_t>(i), kOrder.end()});
+        auto first = kOrder.begin() + static_cast<std::ptrdiff_t>(i);
+        if (named(i) != first) continue; // a repetition, which an object never gets to
         SCOPED_TRACE(kOrder[i]);
-        EXPECT_EQ(sequence.back(), kOrder[i]);
-        EXPECT_EQ(sequence.size(), static_cast<std::size_t>(
-                                       std::find(kOrder.begin(), kOrder.end(), kOrder[i]) - kOrder.begin()) +
-                                       1);
+        // A member of this class and of all that are named later only.
+        std::set<std::string> classes(first, kOrder.end());
+        for (std::size_t earlier = 0; earlier < i; ++earlier) classes.erase(kOrder[earlier]);
+        id result = convert(classes);
+        EXPECT_EQ(sequence, std::vector<std::string>(kOrder.begin(), first + 1));
         if (i >= kFirstStructure && i < kFirstLaterWrapper)
             EXPECT_STREQ([result objCType], kEncodings[i - kFirstStructure]);
         else

@@ -5,6 +5,8 @@
 #include <bridge/owned.h>
 #include <host/services.h>
 
+struct PixMap; // QuickDraw's
+
 // A new image of a picture with its mask applied, owned by the caller; null when the host shows no pixels.
 // The mask may be null.
 CGImageRef CreateCGImageInternal(REALpicture picture, REALpicture mask);
@@ -22,5 +24,25 @@ namespace bridge {
 // The picture's image by every way there is: the host's own copy, the picture's description, and a copy of
 // the picture. Owned by the caller; null when all fail.
 CGImageRef copyCGImage(REALpicture picture);
+
+// The pixels of a QuickDraw off-screen world, 4 bytes each, locked for a scope. False when the world has
+// another depth or does not show its pixels, and on a system without QuickDraw.
+class WorldPixels {
+  public:
+    explicit WorldPixels(void* world);
+    ~WorldPixels();
+    WorldPixels(const WorldPixels&) = delete;
+    WorldPixels& operator=(const WorldPixels&) = delete;
+
+    explicit operator bool() const { return address != nullptr; }
+    void* base() const { return address; }
+    std::size_t rowBytes() const { return bytesPerRow; }
+
+  private:
+    PixMap** map;
+    bool locked = false;
+    void* address = nullptr;
+    std::size_t bytesPerRow = 0;
+};
 
 } // namespace bridge

@@ -24,6 +24,9 @@ KEY(kCGImagePropertyColorModelLab, "Lab");
 KEY(kCGImagePropertyTIFFDictionary, "{TIFF}");
 KEY(kCGImagePropertyExifDictionary, "{Exif}");
 KEY(kCGImagePropertyGPSDictionary, "{GPS}");
+KEY(kCGImagePropertyPNGDictionary, "{PNG}");
+KEY(kCGImagePropertyGIFDictionary, "{GIF}");
+KEY(kCGImagePropertyJFIFDictionary, "{JFIF}");
 KEY(kCGImageDestinationLossyCompressionQuality, "kCGImageDestinationLossyCompressionQuality");
 
 namespace imageio {
@@ -42,6 +45,29 @@ static CFStringRef modelName(color::Model model) {
     return kCGImagePropertyColorModelRGB;
 }
 
+static NSString* stringOf(const std::string& text) {
+    // What is not UTF-8 is taken for Latin-1, in which every byte is a character.
+    NSString* string = [[NSString alloc] initWithBytes:text.data()
+                                                length:text.size()
+                                              encoding:NSUTF8StringEncoding];
+    if (!string)
+        string = [[NSString alloc] initWithBytes:text.data()
+                                          length:text.size()
+                                        encoding:NSISOLatin1StringEncoding];
+    return [string autorelease];
+}
+
+static id objectOf(bool value) { return [NSNumber numberWithBool:value]; }
+static id objectOf(long value) { return [NSNumber numberWithInt:static_cast<int>(value)]; }
+static id objectOf(double value) { return [NSNumber numberWithDouble:value]; }
+static id objectOf(const std::string& value) { return stringOf(value); }
+template <class T>
+static id objectOf(const std::vector<T>& values) {
+    NSMutableArray* array = [NSMutableArray array];
+    for (T value : values) [array addObject:objectOf(value)];
+    return array;
+}
+
 CFDictionaryRef makeProperties(const Info& info) {
     NSMutableDictionary* properties = [[NSMutableDictionary alloc] init];
     auto set = [&](CFStringRef key, id value) { [properties setObject:value forKey:(NSString*)key]; };
@@ -54,7 +80,7 @@ CFDictionaryRef makeProperties(const Info& info) {
         if (info.isFloat) set(kCGImagePropertyIsFloat, [NSNumber numberWithBool:YES]);
         if (info.isIndexed) set(kCGImagePropertyIsIndexed, [NSNumber numberWithBool:YES]);
         if (!info.profileName.empty()) {
-            NSString* name = [NSString stringWithUTF8String:info.profileName.c_str()];
+            NSString* name = stringOf(info.profileName);
             if (name) set(kCGImagePropertyProfileName, name);
         }
         if (info.dpiX > 0 && info.dpiY > 0) {
@@ -62,6 +88,13 @@ CFDictionaryRef makeProperties(const Info& info) {
             set(kCGImagePropertyDPIHeight, [NSNumber numberWithDouble:info.dpiY]);
         }
         if (info.orientation) set(kCGImagePropertyOrientation, [NSNumber numberWithInt:info.orientation]);
+        for (const MetadataEntry& entry : info.metadata) {
+            NSString* name = [NSString stringWithUTF8String:entry.dictionary];
+            NSMutableDictionary* dictionary = [properties objectForKey:name];
+            if (!dictionary) [properties setObject:dictionary = [NSMutableDictionary dictionary] forKey:name];
+            id value = std::visit([](const auto& v) { return objectOf(v); }, entry.value);
+            if (value) [dictionary setObject:value forKey:[NSString stringWithUTF8String:entry.key]];
+        }
     }
     return (CFDictionaryRef)properties;
 }

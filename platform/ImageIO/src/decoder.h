@@ -1,6 +1,8 @@
 // Reading image files, in plain C++: bytes in, pixels out.
 #pragma once
 
+#include "metadata.h"
+
 #include <color/color.h>
 
 #include <cstddef>
@@ -38,8 +40,8 @@ struct Info {
     double dpiX = 0, dpiY = 0;
     /// As in EXIF, 1 to 8; 0 when the file does not tell.
     int orientation = 0;
-    /// The EXIF block, from its byte-order mark on; empty without.
-    std::vector<std::uint8_t> exif;
+    /// Only when the pixels were not asked for.
+    Metadata metadata;
 };
 
 /// Pixels as in the file, interleaved, tightly packed, the top row first, components in the machine's byte
@@ -54,7 +56,8 @@ struct Pixels {
     std::size_t size = 0;
     std::shared_ptr<std::uint8_t[]> bytes;
 
-    /// Memory for an image; throws Damaged when the size is absurd, std::bad_alloc when there is no room.
+    /// Cleared memory for an image; throws Damaged when the size is absurd, std::bad_alloc when there is no
+    /// room.
     void allocate(std::size_t width, std::size_t height);
     std::uint8_t* row(std::size_t y) const { return bytes.get() + y * rowBytes; }
 };
@@ -81,12 +84,15 @@ const Format* formatOf(Bytes file);
 
 // Shared by the decoders.
 
-/// Throws Damaged for a size of zero, or more than 2^28 pixels.
-void checkSize(std::uint64_t width, std::uint64_t height);
+/// What one picture may need, as pixels and on the way to them: a process has 3 GB of addresses, and a file
+/// of a few bytes can claim any size.
+constexpr std::uint64_t memoryLimit = 512u << 20;
+/// Throws Damaged for a size of zero, or one that with `bytesPerPixel` is above the limit.
+void checkSize(std::uint64_t width, std::uint64_t height, unsigned bytesPerPixel = 1);
 /// The embedded profile as the space of `info`, if it is one for `components`; otherwise `missing`. An
 /// unusable profile counts as none.
 void setProfile(Info& info, Bytes icc, int components, color::ColorSpacePtr missing);
-/// Keeps the block and reads the orientation from it.
+/// Reads the metadata, and the orientation and resolution from them.
 void setExif(Info& info, Bytes exif);
 /// For formats that hold one image.
 std::size_t one(Bytes file);

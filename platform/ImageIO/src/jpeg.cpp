@@ -26,6 +26,11 @@ struct Reader {
             if (level < 0 && !isHarmless(c->err->msg_code)) c->err->error_exit(c);
         };
         errors.output_message = [](j_common_ptr) {};
+        // A few bytes can be a scan over the whole picture; no encoder makes hundreds.
+        progress.progress_monitor = [](j_common_ptr c) {
+            auto* jpeg = reinterpret_cast<j_decompress_ptr>(c);
+            if (jpeg->input_scan_number > 200) c->err->error_exit(c);
+        };
     }
     ~Reader() {
         if (created) jpeg_destroy_decompress(&info);
@@ -43,6 +48,7 @@ struct Reader {
     Bytes file;
     jpeg_decompress_struct info = {};
     jpeg_error_mgr errors = {};
+    jpeg_progress_mgr progress = {};
     std::jmp_buf escape;
     bool created = false;
     JOCTET* icc = nullptr;
@@ -54,6 +60,9 @@ bool Reader::readHeader() {
     if (setjmp(escape)) return false;
     jpeg_create_decompress(&info);
     created = true;
+    info.progress = &progress;
+    // Progressive pictures are kept whole as coefficients, besides the pixels.
+    info.mem->max_memory_to_use = static_cast<long>(memoryLimit / 2);
     jpeg_mem_src(&info, file.data(), file.size());
     jpeg_save_markers(&info, JPEG_APP0 + 1, 0xFFFF);
     jpeg_save_markers(&info, JPEG_APP0 + 2, 0xFFFF);
@@ -86,6 +95,25 @@ bool Reader::readRows() {
     return true;
 }
 
+void readMetadata(const jpeg_decompress_struct& jpeg, Info& info) {
+    if (jpeg.saw_JFIF_marker) {
+        info.metadata.add("{JFIF}", "JFIFVersion",
+                          std::vector<long>{jpeg.JFIF_major_version, jpeg.JFIF_minor_version / 16,
+                                            jpeg.JFIF_minor_version % 16});
+        info.metadata.add("{JFIF}", "DensityUnit", long(jpeg.density_unit));
+        info.metadata.add("{JFIF}", "XDensity", long(jpeg.X_density));
+        info.metadata.add("{JFIF}", "YDensity", long(jpeg.Y_density));
+        info.metadata.add("{JFIF}", "IsProgressive", bool(jpeg.progressive_mode));
+    }
+    // Other kinds of metadata use the same marker.
+    for (jpeg_saved_marker_ptr marker = jpeg.marker_list; marker; marker = marker->next) {
+        Bytes data(marker->data, marker->data_length);
+        if (marker->marker == JPEG_APP0 + 1 && data.size() > 6 &&
+            std::equal(data.begin(), data.begin() + 4, "Exif"))
+            return setExif(info, data);
+    }
+}
+
 Decoded decode(Bytes file, std::size_t, bool wantsPixels) {
     Reader reader(file);
     if (!reader.readHeader()) throw Damaged("JPEG header");
@@ -101,22 +129,17 @@ Decoded decode(Bytes file, std::size_t, bool wantsPixels) {
         info.dpiX = jpeg.X_density * inch;
         info.dpiY = jpeg.Y_density * inch;
     }
-    for (jpeg_saved_marker_ptr marker = jpeg.marker_list; marker; marker = marker->next) {
-        Bytes data(marker->data, marker->data_length);
-        if (marker->marker == JPEG_APP0 + 1 && data.size() > 6 &&
-            std::equal(data.begin(), data.begin() + 4, "Exif")) {
-            setExif(info, data);
-            break;
-        }
-    }
     int components = jpeg.num_components;
     setProfile(info, {reader.icc, reader.iccSize}, components,
                components == 1   ? cg::deviceGray()
                : components == 3 ? color::ColorSpace::sRGB()
                                  : color::ColorSpace::deviceCMYK());
+    if (!wantsPixels) {
+        readMetadata(jpeg, info);
+        return result;
+    }
 
     reader.pixels.samples = components == 1 ? 1 : 4;
-    if (!wantsPixels) return result;
     reader.pixels.allocate(info.width, info.height);
     if (!reader.readRows()) throw Damaged("JPEG data");
     // Files with Adobe's marker hold CMYK upside down: 255 is no ink.

@@ -132,6 +132,37 @@ bool readFields(Reader& reader, Info& info, Pixels& pixels, int& passes) {
     return true;
 }
 
+void readMetadata(Reader& reader, Info& info) {
+    Metadata& metadata = info.metadata;
+    auto add = [&](const char* key, MetadataValue value) { metadata.add("{PNG}", key, std::move(value)); };
+    add("InterlaceType", long(png_get_interlace_type(reader.png, reader.info)));
+    int intent = 0, unit = 0;
+    if (png_get_sRGB(reader.png, reader.info, &intent)) add("sRGBIntent", long(intent));
+    double gamma = 0;
+    if (png_get_gAMA(reader.png, reader.info, &gamma)) add("Gamma", gamma);
+    png_uint_32 x = 0, y = 0;
+    if (png_get_pHYs(reader.png, reader.info, &x, &y, &unit) && unit == PNG_RESOLUTION_METER) {
+        add("XPixelsPerMeter", static_cast<long>(x));
+        add("YPixelsPerMeter", static_cast<long>(y));
+    }
+    static constexpr std::pair<const char*, const char*> keywords[] = {
+        {"Title", "Title"},         {"Author", "Author"},     {"Description", "Description"},
+        {"Copyright", "Copyright"}, {"Software", "Software"}, {"Creation Time", "CreationTime"},
+        {"Comment", "Comment"}};
+    png_textp texts = nullptr;
+    int count = 0;
+    png_get_text(reader.png, reader.info, &texts, &count);
+    for (int i = 0; i < count; ++i)
+        for (auto [keyword, key] : keywords)
+            // The text may be in a language; the first of a keyword counts.
+            if (std::strcmp(texts[i].key, keyword) == 0 && texts[i].text && !metadata.find("{PNG}", key))
+                add(key, std::string(texts[i].text));
+
+    png_bytep exif = nullptr;
+    png_uint_32 size = 0;
+    if (png_get_eXIf_1(reader.png, reader.info, &size, &exif)) setExif(info, {exif, size});
+}
+
 Decoded decode(Bytes file, std::size_t, bool wantsPixels) {
     Reader reader(file);
     if (!reader.readHeader()) throw Damaged("PNG header");
@@ -140,10 +171,10 @@ Decoded decode(Bytes file, std::size_t, bool wantsPixels) {
     if (!readFields(reader, result.info, result.pixels, passes)) throw Damaged("PNG header");
     checkSize(result.info.width, result.info.height);
     readColors(reader, result.info, result.pixels.samples < 3);
-    png_bytep exif = nullptr;
-    png_uint_32 exifSize = 0;
-    if (png_get_eXIf_1(reader.png, reader.info, &exifSize, &exif)) setExif(result.info, {exif, exifSize});
-    if (!wantsPixels) return result;
+    if (!wantsPixels) {
+        readMetadata(reader, result.info);
+        return result;
+    }
     result.pixels.allocate(result.info.width, result.info.height);
     if (!reader.readRows(result.pixels, passes)) throw Damaged("PNG data");
     return result;

@@ -83,39 +83,50 @@ void place(const Tags& tags, const Pixels& out, const std::uint8_t* chunk, std::
     }
 }
 
-void readPlain(const Tags& tags, Pixels& out) {
+/// Tiles, whose last ones reach beyond the picture.
+void readTiles(const Tags& tags, Pixels& out, int planes) {
     TIFF* tiff = tags.tiff;
-    bool tiled = TIFFIsTiled(tiff);
-    tmsize_t chunkSize = tiled ? TIFFTileSize(tiff) : TIFFStripSize(tiff);
-    std::uint32_t chunkWidth = tags.width, chunkHeight = tags.height;
-    if (tiled) {
-        TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &chunkWidth);
-        TIFFGetField(tiff, TIFFTAG_TILELENGTH, &chunkHeight);
-    } else {
-        TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &chunkHeight);
-        chunkHeight = std::min(chunkHeight, tags.height);
-    }
-    tmsize_t rowBytes = tiled ? TIFFTileRowSize(tiff) : TIFFScanlineSize(tiff);
-    if (chunkSize <= 0 || rowBytes <= 0 || !chunkWidth || !chunkHeight || chunkSize > (1 << 30))
+    std::uint32_t tileWidth = 0, tileHeight = 0;
+    TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &tileWidth);
+    TIFFGetField(tiff, TIFFTAG_TILELENGTH, &tileHeight);
+    tmsize_t size = TIFFTileSize(tiff), rowBytes = TIFFTileRowSize(tiff);
+    // A tile is a small part of a picture that is worth tiling.
+    if (size <= 0 || rowBytes <= 0 || !tileWidth || !tileHeight || size > (64 << 20))
         throw Damaged("TIFF layout");
-    std::unique_ptr<std::uint8_t[]> chunk(new std::uint8_t[static_cast<std::size_t>(chunkSize)]);
+    std::vector<std::uint8_t> tile(static_cast<std::size_t>(size));
+    for (int plane = 0; plane < planes; ++plane)
+        for (std::uint32_t y = 0; y < tags.height; y += tileHeight)
+            for (std::uint32_t x = 0; x < tags.width; x += tileWidth) {
+                if (TIFFReadTile(tiff, tile.data(), x, y, 0, static_cast<std::uint16_t>(plane)) < size)
+                    throw Damaged("TIFF data");
+                place(tags, out, tile.data(), static_cast<std::size_t>(rowBytes), x, y,
+                      std::min(tileWidth, tags.width - x), std::min(tileHeight, tags.height - y), plane);
+            }
+}
+
+/// Strips, row by row: a strip may be as large as the picture.
+void readStrips(const Tags& tags, Pixels& out, int planes) {
+    tmsize_t rowBytes = TIFFScanlineSize(tags.tiff);
+    if (rowBytes <= 0 || rowBytes > (64 << 20)) throw Damaged("TIFF layout");
+    std::vector<std::uint8_t> row(static_cast<std::size_t>(rowBytes));
+    for (int plane = 0; plane < planes; ++plane)
+        for (std::uint32_t y = 0; y < tags.height; ++y) {
+            if (TIFFReadScanline(tags.tiff, row.data(), y, static_cast<std::uint16_t>(plane)) < 0)
+                throw Damaged("TIFF data");
+            place(tags, out, row.data(), row.size(), 0, y, tags.width, 1, plane);
+        }
+}
+
+void readPlain(const Tags& tags, Pixels& out) {
     // Where there is no alpha, the fourth sample is a filler.
     if (tags.alpha == Alpha::none && out.samples == 4) std::memset(out.bytes.get(), 0xFF, out.size);
-    int planes = tags.planar == PLANARCONFIG_SEPARATE ? tags.samples : 1;
-    for (int plane = 0; plane < planes; ++plane)
-        for (std::uint32_t y = 0; y < tags.height; y += chunkHeight)
-            for (std::uint32_t x = 0; x < tags.width; x += chunkWidth) {
-                std::uint32_t width = std::min(chunkWidth, tags.width - x),
-                              height = std::min(chunkHeight, tags.height - y);
-                auto sample = static_cast<std::uint16_t>(plane);
-                // The last strip is as long as the rows that are left; tiles are always whole.
-                tmsize_t needed = tiled ? chunkSize : rowBytes * static_cast<tmsize_t>(height);
-                tmsize_t got = tiled ? TIFFReadTile(tiff, chunk.get(), x, y, 0, sample)
-                                     : TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, sample),
-                                                            chunk.get(), needed);
-                if (got < needed) throw Damaged("TIFF data");
-                place(tags, out, chunk.get(), static_cast<std::size_t>(rowBytes), x, y, width, height, plane);
-            }
+    int planes = 1;
+    // Further planes than those of colours and alpha are not looked at.
+    if (tags.planar == PLANARCONFIG_SEPARATE) planes = tags.colors() + (tags.alpha != Alpha::none);
+    if (TIFFIsTiled(tags.tiff))
+        readTiles(tags, out, planes);
+    else
+        readStrips(tags, out, planes);
     if (tags.photometric == PHOTOMETRIC_MINISWHITE && out.bits < 32)
         for (std::uint32_t y = 0; y < tags.height; ++y)
             for (std::size_t i = 0; i < out.rowBytes; ++i)
@@ -128,6 +139,62 @@ void readThroughRGBA(const Tags& tags, Pixels& out) {
     auto* words = reinterpret_cast<std::uint32_t*>(out.bytes.get());
     if (!TIFFReadRGBAImageOriented(tags.tiff, tags.width, tags.height, words, ORIENTATION_TOPLEFT, 1))
         throw Damaged("TIFF data");
+}
+
+/// A field of the current directory, of whichever type the library keeps it in.
+std::optional<TagField> fieldOf(TIFF* tiff, std::uint16_t tag) {
+    const TIFFField* kind = TIFFFieldWithTag(tiff, tag);
+    if (!kind) return std::nullopt;
+    TagField result;
+    TIFFDataType type = TIFFFieldDataType(kind);
+    int size = TIFFFieldSetGetSize(kind), count = TIFFFieldReadCount(kind);
+    const void* data = nullptr;
+    std::uint32_t n = count > 0 ? static_cast<std::uint32_t>(count) : 0;
+    std::uint64_t scalar = 0;
+    if (TIFFFieldPassCount(kind)) {
+        std::uint16_t shortCount = 0;
+        bool isShort = TIFFFieldSetGetCountSize(kind) == 2;
+        if (!(isShort ? TIFFGetField(tiff, tag, &shortCount, &data) : TIFFGetField(tiff, tag, &n, &data)))
+            return std::nullopt;
+        if (isShort) n = shortCount;
+    } else if (type == TIFF_ASCII || count != 1) {
+        if (!TIFFGetField(tiff, tag, &data)) return std::nullopt;
+        if (data && type == TIFF_ASCII)
+            n = static_cast<std::uint32_t>(std::strlen(static_cast<const char*>(data)));
+    } else {
+        if (!TIFFGetField(tiff, tag, &scalar)) return std::nullopt;
+        data = &scalar;
+    }
+    if (!data) return std::nullopt;
+    const auto* bytes = static_cast<const char*>(data);
+    if (size <= 1 || type == TIFF_ASCII) result.bytes.assign(bytes, n);
+    if (type == TIFF_ASCII) return result;
+    for (std::uint32_t i = 0; i < n; ++i) {
+        auto as = [&]<class T>(T value) {
+            std::memcpy(&value, bytes + i * sizeof value, sizeof value);
+            return static_cast<double>(value);
+        };
+        bool isReal =
+            type == TIFF_RATIONAL || type == TIFF_SRATIONAL || type == TIFF_FLOAT || type == TIFF_DOUBLE;
+        bool isSigned = type == TIFF_SBYTE || type == TIFF_SSHORT || type == TIFF_SLONG;
+        result.numbers.push_back(isReal      ? size == 8 ? as(double()) : as(float())
+                                      : size == 1 ? isSigned ? as(std::int8_t()) : as(std::uint8_t())
+                                      : size == 2 ? isSigned ? as(std::int16_t()) : as(std::uint16_t())
+                                      : size == 4 ? isSigned ? as(std::int32_t()) : as(std::uint32_t())
+                                                  : as(std::uint64_t()));
+    }
+    return result;
+}
+
+/// Leaves the current directory.
+void readMetadata(TIFF* tiff, Metadata& metadata) {
+    auto fields = [&](std::uint16_t tag) { return fieldOf(tiff, tag); };
+    toff_t exif = 0, gps = 0;
+    bool hasExif = TIFFGetField(tiff, TIFFTAG_EXIFIFD, &exif),
+         hasGPS = TIFFGetField(tiff, TIFFTAG_GPSIFD, &gps);
+    addTags(metadata, TagDirectory::image, fields);
+    if (hasExif && TIFFReadEXIFDirectory(tiff, exif)) addTags(metadata, TagDirectory::exif, fields);
+    if (hasGPS && TIFFReadGPSDirectory(tiff, gps)) addTags(metadata, TagDirectory::gps, fields);
 }
 
 Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
@@ -164,7 +231,10 @@ Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
     }
     if (TIFFGetField(tiff.get(), TIFFTAG_ORIENTATION, &orientation) && orientation >= 1 && orientation <= 8)
         info.orientation = orientation;
-    if (!wantsPixels) return result;
+    if (!wantsPixels) {
+        readMetadata(tiff.get(), info.metadata);
+        return result;
+    }
 
     Pixels& pixels = result.pixels;
     if (plain) {

@@ -52,6 +52,8 @@ TIFF* openTiff(MemoryFile& file, const char* mode) {
     std::unique_ptr<TIFFOpenOptions, void (*)(TIFFOpenOptions*)> options(TIFFOpenOptionsAlloc(),
                                                                          TIFFOpenOptionsFree);
     if (!options) return nullptr;
+    // No strip of an image that fits into memory is larger.
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), memoryLimit);
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), quiet, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), quiet, nullptr);
     return TIFFClientOpenExt("memory", mode, &file, read, write, seek, close, size, nullptr, nullptr,

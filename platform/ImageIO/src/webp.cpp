@@ -57,8 +57,12 @@ Decoded decode(Bytes file, std::size_t index, bool wantsPixels) {
     info.hasAlpha = features.has_alpha;
     info.space = color::ColorSpace::sRGB();
     withChunk(demuxer, "ICCP", [&](Bytes icc) { setProfile(info, icc, 3, info.space); });
-    withChunk(demuxer, "EXIF", [&](Bytes exif) { setExif(info, exif); });
-    if (!wantsPixels) return result;
+    if (!wantsPixels) {
+        withChunk(demuxer, "EXIF", [&](Bytes exif) { setExif(info, exif); });
+        return result;
+    }
+    // The library needs a second copy of a still picture on the way, and three of an animation.
+    checkSize(info.width, info.height, features.has_animation ? 16 : 8);
     result.pixels.alpha = info.hasAlpha ? Alpha::straight : Alpha::none;
     result.pixels.allocate(info.width, info.height);
     if (features.has_animation)

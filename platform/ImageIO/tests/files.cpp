@@ -63,6 +63,8 @@ Bytes pngFile(int width, int height, int colorType, const PngOptions& options) {
                  colorType, options.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     if (options.gamma > 0) png_set_gAMA(png, info, options.gamma);
+    Bytes exif = options.exif;
+    if (!exif.empty()) png_set_eXIf_1(png, info, static_cast<png_uint_32>(exif.size()), exif.data());
     const png_color palette[] = {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}, {255, 255, 255}};
     if (colorType == PNG_COLOR_TYPE_PALETTE) png_set_PLTE(png, info, palette, 4);
     png_write_info(png, info);

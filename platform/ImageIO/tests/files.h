@@ -21,6 +21,7 @@ struct PngOptions {
     int bits = 8;
     bool interlaced = false;
     double gamma = 0;
+    Bytes exif = {};
 };
 /// Color types as in libpng; the pixels of testPixels().
 Bytes pngFile(int width, int height, int colorType, const PngOptions& options = {});

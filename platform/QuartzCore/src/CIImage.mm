@@ -126,12 +126,13 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
 }
 
 - (id)initWithSource:(CGImageSourceRef)source url:(NSURL*)url options:(NSDictionary*)options {
+    // Before the pixels, so that no format needs memory for both at once.
+    auto properties =
+        cg::Retained<CFDictionaryRef>::adopt(CGImageSourceCopyPropertiesAtIndex(source, 0, nullptr));
     // Decoded at once, so that a damaged file is not taken for an image.
     auto image = cg::Retained<CGImageRef>::adopt(CGImageSourceCreateImageAtIndex(source, 0, nullptr));
     if (!(self = [self initWithCGImage:image.get() options:options])) return nil;
-    if (!_state->properties)
-        _state->properties =
-            cg::Retained<CFDictionaryRef>::adopt(CGImageSourceCopyPropertiesAtIndex(source, 0, nullptr));
+    if (!_state->properties) _state->properties = properties;
     _state->url = [url retain];
     return self;
 }

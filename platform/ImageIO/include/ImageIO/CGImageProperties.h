@@ -26,7 +26,13 @@ IMAGEIO_EXTERN const CFStringRef kCGImagePropertyColorModelGray;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyColorModelCMYK;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyColorModelLab;
 
-/** The keys of the metadata dictionaries. */
+/** The keys of the metadata dictionaries, each there when the file has such metadata. Inside, numbers,
+ * strings and arrays of numbers stand under the names of the fields without their prefixes: "ExposureTime"
+ * and "ISOSpeedRatings" in Exif, "Make" in TIFF, "Latitude" (degrees, north or south as "LatitudeRef" says)
+ * in GPS. */
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyTIFFDictionary;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyExifDictionary;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyGPSDictionary;
+IMAGEIO_EXTERN const CFStringRef kCGImagePropertyPNGDictionary;
+IMAGEIO_EXTERN const CFStringRef kCGImagePropertyGIFDictionary;
+IMAGEIO_EXTERN const CFStringRef kCGImagePropertyJFIFDictionary;

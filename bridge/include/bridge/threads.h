@@ -1,0 +1,40 @@
+// Long Cocoa work on another thread, while the host's own threads, timers and windows go on.
+#pragma once
+
+#include <cstddef>
+#include <pthread.h>
+
+@class CIImage, NSData, NSDictionary, NSURL;
+
+// What the calling thread and the worker share.
+struct ThreadedCall {
+    pthread_t thread = {};            // null while dispatched, and after the join
+    pthread_mutex_t* mutex = nullptr; // guards `done`; null when there was no memory for it
+    bool running = false;             // a worker exists
+    bool done = false;                // the worker has finished
+    bool dispatched = false;          // the worker is the system's, not a thread of our own
+    void* data = nullptr;
+    void (*work)(void* data) = nullptr; // may be null
+    void (*idle)(void* data) = nullptr; // may be null
+};
+static_assert(sizeof(ThreadedCall) == 6 * 4 && offsetof(ThreadedCall, data) == 3 * 4);
+
+// Runs work(data) on another thread and returns when it has finished. Meanwhile the calling thread, which
+// must be the host's, yields to the host about once in a millisecond and then calls idle(data). `work` must
+// not call the host, and neither function may throw. When no thread can be started, `work` does not run.
+void RunThreaded(void* data, void (*work)(void* data), void (*idle)(void* data));
+
+// The worker's body; takes the ThreadedCall, answers null.
+void* threadfunction(void* call);
+
+// An image to load from data or from a URL.
+struct ImageLoadRequest {
+    NSData* data = nullptr;
+    NSURL* url = nullptr;
+    CIImage* result = nullptr;       // retained; nil when nothing could be loaded
+    NSDictionary* options = nullptr; // for the URL
+};
+static_assert(sizeof(ImageLoadRequest) == 4 * 4);
+
+// The work of loading: takes the ImageLoadRequest and fills in its result. A Cocoa exception ends in the log.
+void DoWork(void* request);

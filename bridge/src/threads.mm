@@ -1,0 +1,175 @@
+#include <bridge/guard.h>
+#include <bridge/threads.h>
+
+#include <Carbon/Carbon.h>
+#include <dispatch/dispatch.h>
+
+#import <QuartzCore/QuartzCore.h>
+
+#include <cstdlib>
+#include <dlfcn.h>
+#include <memory>
+
+// Not linked: on a system without a dispatch library these are null.
+extern "C" {
+decltype(dispatch_async_f) dispatch_async_f __attribute__((weak_import));
+decltype(dispatch_get_global_queue) dispatch_get_global_queue __attribute__((weak_import));
+}
+
+namespace {
+
+using Function = void (*)(void* data);
+
+// --- the guarded flag -------------------------------------------------------------------------------------
+
+pthread_mutex_t* newMutex() {
+    auto* mutex = static_cast<pthread_mutex_t*>(std::calloc(1, sizeof(pthread_mutex_t)));
+    if (mutex) pthread_mutex_init(mutex, nullptr);
+    return mutex;
+}
+
+void deleteMutex(ThreadedCall& call) {
+    if (call.mutex) pthread_mutex_destroy(call.mutex);
+    std::free(call.mutex);
+    call.mutex = nullptr;
+}
+
+// Holds a mutex for a scope; none is none.
+class Lock {
+  public:
+    explicit Lock(pthread_mutex_t* mutex) : mutex(mutex) {
+        if (mutex) pthread_mutex_lock(mutex);
+    }
+    ~Lock() {
+        if (mutex) pthread_mutex_unlock(mutex);
+    }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+  private:
+    pthread_mutex_t* mutex; // a copy: the call may be gone once its caller sees that it is done
+};
+
+bool isDone(const ThreadedCall& call) {
+    Lock lock(call.mutex);
+    return call.done;
+}
+
+// --- the calling thread -----------------------------------------------------------------------------------
+
+void pauseForAMillisecond() {
+    AbsoluteTime until = AddDurationToAbsolute(durationMillisecond, UpTime());
+    MPDelayUntil(&until);
+}
+
+// Polls rather than waits, to give time to the host; yields before the first look and after the last.
+void waitUntilDone(const ThreadedCall& call, Function idle) {
+    REALYieldToRB();
+    while (!isDone(call)) {
+        REALYieldToRB();
+        pauseForAMillisecond();
+        if (idle) idle(call.data);
+    }
+    REALYieldToRB();
+    if (idle) idle(call.data);
+}
+
+// --- the two ways to get a worker -------------------------------------------------------------------------
+
+// The task's reference keeps the call alive, whichever side finishes last.
+void runTask(void* context) {
+    std::unique_ptr<std::shared_ptr<ThreadedCall>> call(static_cast<std::shared_ptr<ThreadedCall>*>(context));
+    threadfunction(call->get());
+}
+
+void runDispatched(void* data, Function work, Function idle) {
+    auto call = std::make_shared<ThreadedCall>(
+        ThreadedCall{.mutex = newMutex(), .running = true, .dispatched = true, .data = data, .work = work});
+    dispatch_async_f(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0),
+                     new std::shared_ptr<ThreadedCall>(call), runTask);
+    waitUntilDone(*call, idle);
+    deleteMutex(*call);
+}
+
+// True when the thread was started.
+bool start(ThreadedCall& call, pthread_t* thread) {
+    constexpr std::size_t kStackSize = 0x200000;
+    pthread_attr_t attributes;
+    if (pthread_attr_init(&attributes) != 0) return false;
+    pthread_attr_setstacksize(&attributes, kStackSize);
+    bool started = pthread_create(thread, &attributes, threadfunction, &call) == 0;
+    pthread_attr_destroy(&attributes);
+    return started;
+}
+
+void runOnThread(void* data, Function work, Function idle) {
+    ThreadedCall call = {.mutex = newMutex(), .data = data, .work = work, .idle = idle};
+    pthread_t thread = {};
+    if (!start(call, &thread)) {
+        deleteMutex(call);
+        return;
+    }
+    call.thread = thread;
+    call.running = true;
+    waitUntilDone(call, idle);
+    deleteMutex(call);
+    pthread_join(thread, nullptr);
+    pthread_detach(thread); // on purpose, although it was joined; the answer does not matter
+    call.thread = {};
+    call.running = false;
+}
+
+// --- the worker's name ------------------------------------------------------------------------------------
+
+// As a Mac has it: names the calling thread.
+using SetName = int (*)(const char* name);
+
+// Where the function belongs to the process itself it takes the thread first.
+using SetNameOfThread = int (*)(pthread_t thread, const char* name);
+SetNameOfThread setNameOfThread = nullptr;
+
+SetName findSetName() {
+    constexpr char kFunction[] = "pthread_setname_np";
+    if (void* library = dlopen("/usr/lib/libpthread.dylib", RTLD_NOW))
+        return reinterpret_cast<SetName>(dlsym(library, kFunction));
+    setNameOfThread = reinterpret_cast<SetNameOfThread>(dlsym(RTLD_DEFAULT, kFunction));
+    if (!setNameOfThread) return nullptr;
+    return [](const char* name) { return setNameOfThread(pthread_self(), name); };
+}
+
+void nameCurrentThread(const char* name) {
+    static const SetName setName = findSetName(); // looked for once; systems before 10.6 have none
+    if (setName) setName(name);
+}
+
+} // namespace
+
+void RunThreaded(void* data, void (*work)(void*), void (*idle)(void*)) {
+    if (dispatch_async_f)
+        runDispatched(data, work, idle);
+    else
+        runOnThread(data, work, idle);
+}
+
+void* threadfunction(void* argument) {
+    auto& call = *static_cast<ThreadedCall*>(argument);
+    if (call.work) call.work(call.data);
+    Lock lock(call.mutex);
+    call.done = true;
+    return nullptr;
+}
+
+void DoWork(void* argument) {
+    auto& request = *static_cast<ImageLoadRequest*>(argument);
+    nameCurrentThread("CIImageLoad");
+    bridge::AutoreleasePool pool;
+    @try {
+        if (request.data) request.result = [[CIImage imageWithData:request.data] retain];
+        if (request.url)
+            request.result = [(request.options ? [CIImage imageWithContentsOfURL:request.url
+                                                                         options:request.options]
+                                               : [CIImage imageWithContentsOfURL:request.url]) retain];
+    } @catch (NSException* exception) {
+        NSLog(@"%@\n", exception);
+    }
+}

@@ -1,0 +1,10 @@
+#import <Foundation/Foundation.h>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    @autoreleasepool {
+        return RUN_ALL_TESTS();
+    }
+}

@@ -1,0 +1,58 @@
+// What a file tells beyond its pixels, in plain C++: the fields of EXIF and of the formats under their keys.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace imageio {
+
+/// A boolean, a number, a text in UTF-8 (or else Latin-1), or an array of numbers.
+using MetadataValue = std::variant<bool, long, double, std::string, std::vector<long>, std::vector<double>>;
+
+struct MetadataEntry {
+    /// Of the dictionary, such as "{Exif}", and of the value in it.
+    const char *dictionary, *key;
+    MetadataValue value;
+};
+
+class Metadata {
+  public:
+    void add(const char* dictionary, const char* key, MetadataValue value) {
+        entries_.push_back({dictionary, key, std::move(value)});
+    }
+    const MetadataValue* find(std::string_view dictionary, std::string_view key) const;
+    /// The same as a number; 0 without.
+    double number(std::string_view dictionary, std::string_view key) const;
+
+    auto begin() const { return entries_.begin(); }
+    auto end() const { return entries_.end(); }
+
+  private:
+    std::vector<MetadataEntry> entries_;
+};
+
+/// The directories of EXIF and TIFF that hold tags.
+enum class TagDirectory { image, exif, gps };
+
+/// A field as a library gives it: its numbers, or the bytes of a text.
+struct TagField {
+    std::vector<double> numbers;
+    std::string bytes;
+    std::endian order = std::endian::little;
+};
+
+/// Asks for each known tag of a directory and adds those that make sense.
+using FieldOfTag = std::function<std::optional<TagField>(std::uint16_t tag)>;
+void addTags(Metadata& metadata, TagDirectory directory, const FieldOfTag& fieldOf);
+
+/// Adds the tags of an EXIF block, with or without its mark; from a damaged one those that can be read.
+void addExif(Metadata& metadata, std::span<const std::uint8_t> block);
+
+} // namespace imageio

@@ -1,0 +1,280 @@
+// RenderPicture into each kind of description that a host may deliver, QuickDraw worlds above all. The test
+// stands between the plugin and three things: the host's "lockPictureDescription", the system's frameworks
+// folder and the functions of the bundle.
+#include <host/abi.h>
+#include <studio/host.h>
+
+#include <Carbon/Carbon.h>
+#include <QD/QDOffscreen.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using studio::Value;
+
+REALResolver hostResolver = nullptr;
+
+struct Interference {
+    std::int32_t kind = kREALPictureGWorld; // to ask the host for
+    std::function<void(REALpictureDescription&)> change;
+
+    std::string framework;             // the frameworks folder to name; empty: the system's
+    bool folderMissing = false;        // name none
+    std::vector<std::string> folders;  // that were asked for: domain, type, create
+    std::string withheld;              // a function that the bundle does not have
+    std::vector<std::string> lookedUp; // functions, in order
+    bool lockFails = false;
+    int locks = 0, unlocks = 0;
+};
+Interference test;
+
+template <class Function>
+Function hostService(const char* name) {
+    return reinterpret_cast<Function>(hostResolver(name));
+}
+
+bool lockDescription(REALpicture picture, REALpictureDescription* description) {
+    using Lock = host::service::REALLockPictureDescription;
+    if (!hostService<Lock>("REALLockPictureDescription")(picture, description, test.kind)) return false;
+    if (test.change) test.change(*description);
+    return true;
+}
+
+void* resolve(const char* name) {
+    if (std::strcmp(name, "lockPictureDescription") == 0) return reinterpret_cast<void*>(&lockDescription);
+    return hostResolver(name);
+}
+
+template <class Function>
+Function next(Function, const char* name) {
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+Boolean countedLock(PixMapHandle map) {
+    if (test.lockFails) return false;
+    ++test.locks;
+    return LockPixels(map);
+}
+
+void countedUnlock(PixMapHandle map) {
+    ++test.unlocks;
+    UnlockPixels(map);
+}
+
+} // namespace
+
+// These stand before the platform's own in every library of the process.
+
+OSErr FSFindFolder(SInt16 domain, OSType type, Boolean create, FSRef* ref) {
+    test.folders.push_back(std::to_string(domain) + " " + std::to_string(type) + " " +
+                           std::to_string(create));
+    if (test.folderMissing) return -43;
+    if (test.framework.empty()) return next(&FSFindFolder, "FSFindFolder")(domain, type, create, ref);
+    return static_cast<OSErr>(
+        FSPathMakeRef(reinterpret_cast<const UInt8*>(test.framework.c_str()), ref, nullptr));
+}
+
+void* CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef name) {
+    char text[64] = "";
+    CFStringGetCString(name, text, sizeof text, kCFStringEncodingASCII);
+    test.lookedUp.push_back(text);
+    if (test.withheld == text) return nullptr;
+    void* function =
+        next(&CFBundleGetFunctionPointerForName, "CFBundleGetFunctionPointerForName")(bundle, name);
+    if (!function) return nullptr;
+    if (std::strcmp(text, "LockPixels") == 0) return reinterpret_cast<void*>(&countedLock);
+    if (std::strcmp(text, "UnlockPixels") == 0) return reinterpret_cast<void*>(&countedUnlock);
+    return function;
+}
+
+namespace {
+
+class Worlds : public testing::Test {
+  protected:
+    Worlds() {
+        host.loadPlugin(KAZ_FAMILY);
+        host.loadPlugin([](REALResolver resolver) {
+            hostResolver = resolver;
+            void* plugin = dlopen(KAZ_PLUGIN, RTLD_NOW);
+            reinterpret_cast<studio::PluginEntry>(dlsym(plugin, "REALPluginMain"))(&resolve);
+        });
+    }
+
+    Value photo() {
+        const char* folder = std::getenv("KAZ_PHOTOS");
+        return host.function(
+            "NewCIImagewithFileKaz",
+            {host.function("GetFolderItem", {std::string(folder ? folder : ".") + "/astronaut.png"})});
+    }
+
+    Value render(const Value& image, int width, int height, bool software = false) {
+        return host.call(image, "RenderPicture", {width, height, software});
+    }
+
+    Value render() { return render(photo(), 40, 30); }
+
+    // The picture's bytes.
+    static std::vector<std::uint8_t> bytes(const Value& picture) {
+        namespace service = host::service;
+        auto* handle = reinterpret_cast<REALpicture>(picture.object());
+        REALpictureDescription description = {};
+        std::vector<std::uint8_t> result;
+        if (!hostService<service::REALLockPictureDescription>("REALLockPictureDescription")(
+                handle, &description, kREALPicturePixelBuffer))
+            return result;
+        auto* buffer = static_cast<REALpixelBuffer*>(description.handle);
+        for (int y = 0; y < buffer->height; ++y) {
+            auto* row = static_cast<std::uint8_t*>(buffer->rows[y]);
+            result.insert(result.end(), row, row + buffer->width * 4);
+        }
+        hostService<service::unlockPictureDescription>("unlockPictureDescription")(handle);
+        return result;
+    }
+
+    // A world and a bitmap of the same size get the same bytes, and not only one colour.
+    void expectSame(const Value& image, int width, int height, bool software = false) {
+        test.kind = kREALPictureGWorld;
+        Value world = render(image, width, height, software);
+        test.kind = kREALPictureCGContext;
+        Value bitmap = render(image, width, height, software);
+        test.kind = kREALPictureGWorld;
+        ASSERT_FALSE(world.isNil());
+        ASSERT_FALSE(bitmap.isNil());
+        std::vector<std::uint8_t> drawn = bytes(world);
+        EXPECT_EQ(drawn.size(), std::size_t(width) * std::size_t(height) * 4);
+        EXPECT_TRUE(drawn == bytes(bitmap));
+        EXPECT_NE(std::memcmp(drawn.data(), drawn.data() + drawn.size() / 2, 64), 0) << "nothing was drawn";
+    }
+
+    void expectClean() {
+        studio::Report report = host.report();
+        EXPECT_TRUE(report.clean()) << report.text();
+        for (const auto& [name, count] : report.platformObjects) EXPECT_EQ(count, 0) << "living " << name;
+        EXPECT_EQ(test.locks, test.unlocks);
+    }
+
+    studio::Host host;
+};
+
+TEST_F(Worlds, GetThePixelsThatBitmapsGet) {
+    expectSame(photo(), 512, 512);
+    EXPECT_EQ(test.locks, 1);
+    expectClean();
+}
+
+TEST_F(Worlds, AreFilledWhateverTheirShape) {
+    expectSame(photo(), 101, 33);
+    expectSame(photo(), 33, 101, true);
+    expectClean();
+}
+
+TEST_F(Worlds, TakeTheExtentsSizeByDefault) {
+    Value picture = render(photo(), 0, 100);
+    EXPECT_EQ(host.get(picture, "Width").integer(), 512);
+    EXPECT_EQ(host.get(picture, "Height").integer(), 100);
+    picture = {};
+    expectClean();
+}
+
+TEST_F(Worlds, TheFunctionsAreLookedUpOnce) {
+    render();
+    EXPECT_EQ(test.lookedUp, (std::vector<std::string>{"GetGWorldPixMap", "GetPixDepth", "LockPixels",
+                                                       "GetPixBaseAddr", "GetPixRowBytes", "UnlockPixels"}));
+    render();
+    EXPECT_EQ(test.lookedUp.size(), 6u);
+    // The folder of frameworks ('fram') on the system disk, to be made if it is missing.
+    EXPECT_EQ(test.folders, (std::vector<std::string>{"-32767 1718772077 1"}));
+    expectClean();
+}
+
+TEST_F(Worlds, AMissingFunctionGivesNilAndIsLookedForAgain) {
+    for (const char* name : {"GetGWorldPixMap", "GetPixDepth", "LockPixels", "GetPixBaseAddr"}) {
+        test.withheld = name;
+        EXPECT_TRUE(render().isNil()) << name;
+    }
+    test.withheld.clear();
+    EXPECT_FALSE(render().isNil());
+    expectClean();
+}
+
+TEST_F(Worlds, AMissingFolderGivesNilAndIsLookedForAgain) {
+    test.folderMissing = true;
+    EXPECT_TRUE(render().isNil());
+    EXPECT_TRUE(test.lookedUp.empty());
+    test.folderMissing = false;
+    EXPECT_FALSE(render().isNil());
+    expectClean();
+}
+
+TEST_F(Worlds, ABundleThatCannotBeLoadedGivesNil) {
+    namespace fs = std::filesystem;
+    fs::path folder = fs::temp_directory_path() / ("kaz-frameworks-" + std::to_string(getpid()));
+    fs::create_directories(folder);
+    test.framework = folder.string();
+    EXPECT_TRUE(render().isNil()) << "without a bundle";
+    fs::create_directories(folder / "ApplicationServices.framework");
+    EXPECT_TRUE(render().isNil()) << "with an empty bundle";
+    EXPECT_TRUE(test.lookedUp.empty());
+    fs::remove_all(folder);
+    test.framework.clear();
+    EXPECT_FALSE(render().isNil());
+    expectClean();
+}
+
+TEST_F(Worlds, OfAnotherDepthGiveNil) {
+    static char pixels[40 * 30 * 2];
+    Rect bounds = {0, 0, 30, 40};
+    GWorldPtr thousands = nullptr;
+    ASSERT_EQ(NewGWorldFromPtr(&thousands, k16BE555PixelFormat, &bounds, nullptr, nullptr, 0, pixels, 80), 0);
+    test.change = [&](REALpictureDescription& description) { description.handle = thousands; };
+    EXPECT_TRUE(render().isNil());
+    EXPECT_EQ(test.locks, 0);
+    DisposeGWorld(thousands);
+    expectClean();
+}
+
+TEST_F(Worlds, WhosePixelsCannotBeLockedGiveNil) {
+    test.lockFails = true;
+    EXPECT_TRUE(render().isNil());
+    EXPECT_EQ(test.unlocks, 0);
+    expectClean();
+}
+
+TEST_F(Worlds, ThatAreNullGiveNil) {
+    test.change = [](REALpictureDescription& description) { description.handle = nullptr; };
+    EXPECT_TRUE(render().isNil());
+    test.kind = kREALPictureCGContext;
+    EXPECT_TRUE(render().isNil());
+    expectClean();
+}
+
+TEST_F(Worlds, OtherKindsGiveNil) {
+    test.kind = kREALPicturePixelBuffer;
+    EXPECT_TRUE(render().isNil());
+    test.change = [](REALpictureDescription& description) { description.kind = 3; };
+    EXPECT_TRUE(render().isNil());
+    expectClean();
+}
+
+TEST_F(Worlds, ThatHaveRowsTooShortForTheBitmapGiveNilAndAreUnlocked) {
+    static char pixels[20 * 30 * 4];
+    Rect bounds = {0, 0, 30, 20};
+    GWorldPtr narrow = nullptr;
+    ASSERT_EQ(NewGWorldFromPtr(&narrow, k32ARGBPixelFormat, &bounds, nullptr, nullptr, 0, pixels, 80), 0);
+    test.change = [&](REALpictureDescription& description) { description.handle = narrow; };
+    EXPECT_TRUE(render().isNil());
+    EXPECT_EQ(test.locks, 1);
+    DisposeGWorld(narrow);
+    expectClean();
+}
+
+} // namespace
