@@ -22,6 +22,8 @@ inline constexpr WrapperType kSampler = {"CISamplerKaz", "CISampler"};
 inline constexpr WrapperType kVector = {"CIVectorKaz", "CIVector"};
 
 // A new wrapper of a shape that it retains, not looked up in the registry; null for nil.
-inline REALobject newFilterShape(CIFilterShape* shape) { return newUnregistered(kFilterShape.hostClass, shape); }
+inline REALobject newFilterShape(CIFilterShape* shape) {
+    return newUnregistered(kFilterShape.hostClass, shape);
+}
 
 } // namespace coreimage

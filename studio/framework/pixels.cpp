@@ -171,6 +171,7 @@ void Pixels::applyMask(const Pixels& mask) {
         for (int x = 0; x < std::min(width, mask.width); ++x) {
             const std::uint8_t* m = mask.at(x, y);
             unsigned gray = (m[1] * 77u + m[2] * 151u + m[3] * 28u) >> 8;
+            if (gray == 0) continue;
             std::uint8_t* p = at(x, y);
             for (int i = 0; i < 4; ++i) p[i] = times(p[i], 255 - gray);
         }

@@ -117,6 +117,10 @@ TEST(Variants, HaveTheTypeCodesOfTheInterface) {
     EXPECT_EQ(code(host.array("Variant")), 0x1009);
     EXPECT_EQ(code(host.array("Date")), 0x1007);
     EXPECT_EQ(code(host.array("Boolean")), 0x100B);
+    // A code promises the size of the elements.
+    for (const char* type : {"Int8", "UInt8", "Int16", "UInt16", "UInt32"})
+        EXPECT_EQ(code(host.array(type)), 0x1011) << type;
+    EXPECT_EQ(code(host.array("UInt64")), 0x1003);
 }
 
 TEST(HostMethods, AreFoundByTheirDeclaration) {

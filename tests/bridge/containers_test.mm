@@ -14,7 +14,7 @@
 #include <unistd.h>
 
 // Some platform calls of the bridge are led here, to let them fail.
-static bool namesAreUnknown = false, specsAreUnknown = false, copiesFail = false;
+static bool namesAreUnknown = false, specsAreUnknown = false, volumesHaveAParent = false, copiesFail = false;
 
 extern "C" {
 OSErr __real_FSGetCatalogInfo(const FSRef*, FSCatalogInfoBitmap, FSCatalogInfo*, HFSUniStr255*, FSSpec*,
@@ -22,7 +22,10 @@ OSErr __real_FSGetCatalogInfo(const FSRef*, FSCatalogInfoBitmap, FSCatalogInfo*,
 OSErr __wrap_FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, FSCatalogInfo* info,
                               HFSUniStr255* name, FSSpec* spec, FSRef* parent) {
     if ((name && namesAreUnknown) || (spec && specsAreUnknown)) return paramErr;
-    return __real_FSGetCatalogInfo(ref, which, info, name, spec, parent);
+    OSErr result = __real_FSGetCatalogInfo(ref, which, info, name, spec, parent);
+    if (parent && info && info->nodeID == 2 && volumesHaveAParent)
+        FSPathMakeRef(reinterpret_cast<const UInt8*>("/tmp"), parent, nullptr);
+    return result;
 }
 CFMutableStringRef __real_CFStringCreateMutableCopy(CFAllocatorRef, CFIndex, CFStringRef);
 CFMutableStringRef __wrap_CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex length,
@@ -161,8 +164,8 @@ TEST_F(WithoutMemoryBlocks, DataRaises) {
 class Files : public OnEveryHost {
   protected:
     void SetUp() override {
-        char folder[] = "/tmp/kaz-files-XXXXXX";
-        path = mkdtemp(folder);
+        std::string folder = testing::TempDir() + "kaz-files-XXXXXX";
+        path = mkdtemp(folder.data());
     }
     void TearDown() override {
         fs::remove_all(path);

@@ -13,7 +13,8 @@ namespace {
 constexpr std::size_t chunk = 256;
 
 /// Calls work(begin, count) for pieces of at most `chunk` pixels.
-template <class F> void inChunks(std::size_t n, F work) {
+template <class F>
+void inChunks(std::size_t n, F work) {
     for (std::size_t begin = 0; begin < n; begin += chunk) work(begin, std::min(chunk, n - begin));
 }
 
@@ -26,7 +27,8 @@ float lookUp(const std::vector<float>& table, float x) {
 }
 
 /// Applies a matrix to three planes; output may be input.
-void multiply(const std::array<float, 9>& matrix, const float* const in[3], float* const out[3], std::size_t n) {
+void multiply(const std::array<float, 9>& matrix, const float* const in[3], float* const out[3],
+              std::size_t n) {
     const float *r = in[0], *g = in[1], *b = in[2];
     float *x = out[0], *y = out[1], *z = out[2];
     simd::run([=, m = matrix]() SIMD_INLINE {
@@ -47,7 +49,8 @@ std::array<float, 9> toFloat(const Matrix& matrix) {
 }
 
 /// out[i] = function(in[i])
-template <class F> void map(const float* in, float* out, std::size_t n, F function) {
+template <class F>
+void map(const float* in, float* out, std::size_t n, F function) {
     simd::run([=]() SIMD_INLINE {
         SIMD_LOOP
         for (std::size_t i = 0; i < n; ++i) out[i] = function(in[i]);
@@ -70,7 +73,8 @@ Curve Curve::of(const cmsToneCurve* tone) {
     if (matches([](float y) { return y; })) return {};
     if (matches([](float y) { return simd::linearToSrgb(y); })) return {Kind::srgb, 1, {}, {}};
     float gamma = std::log(eval(0.5f)) / std::log(0.5f);
-    if (gamma > 0 && matches([=](float y) { return simd::pow(y, 1 / gamma); })) return {Kind::gamma, gamma, {}, {}};
+    if (gamma > 0 && matches([=](float y) { return simd::pow(y, 1 / gamma); }))
+        return {Kind::gamma, gamma, {}, {}};
 
     Curve curve{Kind::table, 1, std::vector<float>(tableSteps + 1), std::vector<float>(tableSteps + 1)};
     for (int i = 0; i <= tableSteps; ++i) curve.forward[i] = eval(static_cast<float>(i) / tableSteps);
@@ -88,10 +92,15 @@ Curve Curve::of(const cmsToneCurve* tone) {
 
 void Curve::decode(const float* in, float* out, std::size_t n) const {
     switch (kind) {
-    case Kind::linear: std::copy_n(in, in == out ? 0 : n, out); break;
-    case Kind::srgb: map(in, out, n, [](float x) SIMD_INLINE { return simd::srgbToLinear(x); }); break;
+    case Kind::linear:
+        std::copy_n(in, in == out ? 0 : n, out);
+        break;
+    case Kind::srgb:
+        map(in, out, n, [](float x) SIMD_INLINE { return simd::srgbToLinear(x); });
+        break;
     case Kind::gamma:
-        map(in, out, n, [p = gamma](float x) SIMD_INLINE { return simd::copySign(simd::pow(simd::abs(x), p), x); });
+        map(in, out, n,
+            [p = gamma](float x) SIMD_INLINE { return simd::copySign(simd::pow(simd::abs(x), p), x); });
         break;
     case Kind::table:
         for (std::size_t i = 0; i < n; ++i) out[i] = lookUp(forward, in[i]);
@@ -101,8 +110,12 @@ void Curve::decode(const float* in, float* out, std::size_t n) const {
 
 void Curve::encode(const float* in, float* out, std::size_t n) const {
     switch (kind) {
-    case Kind::linear: std::copy_n(in, in == out ? 0 : n, out); break;
-    case Kind::srgb: map(in, out, n, [](float x) SIMD_INLINE { return simd::linearToSrgb(x); }); break;
+    case Kind::linear:
+        std::copy_n(in, in == out ? 0 : n, out);
+        break;
+    case Kind::srgb:
+        map(in, out, n, [](float x) SIMD_INLINE { return simd::linearToSrgb(x); });
+        break;
     case Kind::gamma:
         map(in, out, n,
             [p = 1 / gamma](float x) SIMD_INLINE { return simd::copySign(simd::pow(simd::abs(x), p), x); });
@@ -156,7 +169,8 @@ Table tableOf(const Curve& curve) {
 
 class MatrixConverter final : public Converter {
   public:
-    MatrixConverter(std::array<Curve, 3> curves, const Matrix& toLinear) : Converter(3), curves_(std::move(curves)) {
+    MatrixConverter(std::array<Curve, 3> curves, const Matrix& toLinear)
+        : Converter(3), curves_(std::move(curves)) {
         auto back = inverse(toLinear);
         if (!back) throw std::invalid_argument("the primaries of a colour space are not independent");
         plain_ = nearlyEqual(toLinear, identityMatrix, 1e-3);
@@ -305,8 +319,8 @@ class ProfileConverter final : public Converter {
     }
 
   private:
-    static void run(cmsHTRANSFORM transform, const float* const* in, int inputs, float inScale, float* const* out,
-                    int outputs, float outScale, std::size_t n) {
+    static void run(cmsHTRANSFORM transform, const float* const* in, int inputs, float inScale,
+                    float* const* out, int outputs, float outScale, std::size_t n) {
         inChunks(n, [&](std::size_t begin, std::size_t count) {
             float from[4 * chunk], to[4 * chunk];
             for (int c = 0; c < inputs; ++c)
@@ -338,27 +352,35 @@ ConverterPtr makeDeviceCMYKConverter() { return std::make_shared<DeviceCMYKConve
 ConverterPtr makeProfileConverter(cmsHPROFILE profile, Model model) {
     cmsUInt32Number type = 0;
     switch (model) {
-    case Model::gray: type = TYPE_GRAY_FLT; break;
-    case Model::rgb: type = TYPE_RGB_FLT; break;
-    case Model::cmyk: type = TYPE_CMYK_FLT; break;
-    case Model::lab: type = TYPE_Lab_FLT; break;
+    case Model::gray:
+        type = TYPE_GRAY_FLT;
+        break;
+    case Model::rgb:
+        type = TYPE_RGB_FLT;
+        break;
+    case Model::cmyk:
+        type = TYPE_CMYK_FLT;
+        break;
+    case Model::lab:
+        type = TYPE_Lab_FLT;
+        break;
     }
     auto hub = ColorSpace::linearSRGB();
     const auto& bytes = hub->iccData();
     cmsHPROFILE linear = cmsOpenProfileFromMem(bytes.data(), static_cast<cmsUInt32Number>(bytes.size()));
     if (!linear) throw std::bad_alloc();
     auto make = [](cmsHPROFILE from, cmsUInt32Number fromType, cmsHPROFILE to, cmsUInt32Number toType) {
-        return ProfileConverter::Transform(cmsCreateTransform(from, fromType, to, toType,
-                                                              INTENT_RELATIVE_COLORIMETRIC,
-                                                              cmsFLAGS_NOCACHE | cmsFLAGS_BLACKPOINTCOMPENSATION));
+        return ProfileConverter::Transform(
+            cmsCreateTransform(from, fromType, to, toType, INTENT_RELATIVE_COLORIMETRIC,
+                               cmsFLAGS_NOCACHE | cmsFLAGS_BLACKPOINTCOMPENSATION));
     };
     auto decode = make(profile, type, linear, TYPE_RGB_FLT);
     auto encode = make(linear, TYPE_RGB_FLT, profile, type);
     cmsCloseProfile(linear);
     if (!decode || !encode) return nullptr;
     int components = model == Model::gray ? 1 : model == Model::cmyk ? 4 : 3;
-    return std::make_shared<ProfileConverter>(components, model == Model::cmyk ? 100.f : 1.f, std::move(decode),
-                                              std::move(encode));
+    return std::make_shared<ProfileConverter>(components, model == Model::cmyk ? 100.f : 1.f,
+                                              std::move(decode), std::move(encode));
 }
 
 } // namespace color

@@ -13,8 +13,8 @@ struct Curve {
     enum class Kind { linear, srgb, gamma, table };
     Kind kind = Kind::linear;
     float gamma = 1;
-    /// For `table`: linear light at evenly spaced coded values, and coded values at evenly spaced square roots of
-    /// linear light (the root spreads out the steep part near black).
+    /// For `table`: linear light at evenly spaced coded values, and coded values at evenly spaced square
+    /// roots of linear light (the root spreads out the steep part near black).
     std::vector<float> forward, backward;
 
     /// The simplest kind that stays within 1/1024 of `tone`, measured in coded values.
@@ -26,8 +26,8 @@ struct Curve {
     bool operator==(const Curve&) const = default;
 };
 
-/// RGB given by three curves and `toLinear`, the matrix from the space's own linear light to the hub's. Throws
-/// std::invalid_argument when the matrix cannot be inverted.
+/// RGB given by three curves and `toLinear`, the matrix from the space's own linear light to the hub's.
+/// Throws std::invalid_argument when the matrix cannot be inverted.
 ConverterPtr makeMatrixConverter(std::array<Curve, 3> curves, const Matrix& toLinear);
 ConverterPtr makeGrayConverter(Curve curve);
 ConverterPtr makeDeviceCMYKConverter();

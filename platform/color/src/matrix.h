@@ -23,9 +23,9 @@ inline std::optional<Matrix> inverse(const Matrix& m) {
     auto cofactor = [&](int r0, int c0, int r1, int c1) {
         return m[r0 * 3 + c0] * m[r1 * 3 + c1] - m[r0 * 3 + c1] * m[r1 * 3 + c0];
     };
-    Matrix adjugate = {cofactor(1, 1, 2, 2), -cofactor(0, 1, 2, 2), cofactor(0, 1, 1, 2),
-                       -cofactor(1, 0, 2, 2), cofactor(0, 0, 2, 2), -cofactor(0, 0, 1, 2),
-                       cofactor(1, 0, 2, 1), -cofactor(0, 0, 2, 1), cofactor(0, 0, 1, 1)};
+    Matrix adjugate = {cofactor(1, 1, 2, 2),  -cofactor(0, 1, 2, 2), cofactor(0, 1, 1, 2),
+                       -cofactor(1, 0, 2, 2), cofactor(0, 0, 2, 2),  -cofactor(0, 0, 1, 2),
+                       cofactor(1, 0, 2, 1),  -cofactor(0, 0, 2, 1), cofactor(0, 0, 1, 1)};
     double determinant = m[0] * adjugate[0] + m[1] * adjugate[3] + m[2] * adjugate[6];
     if (!(std::abs(determinant) > 1e-12) || !std::isfinite(determinant)) return {};
     for (double& value : adjugate) value /= determinant;

@@ -40,7 +40,8 @@ constexpr cmsCIExyY d65 = {0.3127, 0.3290, 1};
 constexpr cmsCIExyYTRIPLE srgbPrimaries = {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
 constexpr cmsCIExyYTRIPLE adobePrimaries = {{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
 
-Profile rgbProfile(const cmsCIExyY& white, const cmsCIExyYTRIPLE& primaries, const std::array<Tone, 3>& tones) {
+Profile rgbProfile(const cmsCIExyY& white, const cmsCIExyYTRIPLE& primaries,
+                   const std::array<Tone, 3>& tones) {
     cmsToneCurve* curves[] = {tones[0].get(), tones[1].get(), tones[2].get()};
     return Profile(cmsCreateRGBProfile(&white, &primaries, curves));
 }
@@ -101,12 +102,14 @@ ConverterPtr converterFor(cmsHPROFILE profile, Model model) {
         auto red = readCurve(profile, cmsSigRedTRCTag), green = readCurve(profile, cmsSigGreenTRCTag),
              blue = readCurve(profile, cmsSigBlueTRCTag);
         if (!columns || !red || !green || !blue || !inverse(*columns)) return nullptr;
-        return makeMatrixConverter({std::move(*red), std::move(*green), std::move(*blue)}, hubFromXYZ() * *columns);
+        return makeMatrixConverter({std::move(*red), std::move(*green), std::move(*blue)},
+                                   hubFromXYZ() * *columns);
     }
     return makeProfileConverter(profile, model);
 }
 
-ColorSpacePtr fromProfile(cmsHPROFILE profile, Model model, std::vector<std::uint8_t> bytes, std::string name) {
+ColorSpacePtr fromProfile(cmsHPROFILE profile, Model model, std::vector<std::uint8_t> bytes,
+                          std::string name) {
     auto converter = converterFor(profile, model);
     if (!converter) return nullptr;
     return std::make_shared<ColorSpace>(
@@ -130,8 +133,10 @@ Profile grayProfile(const cmsCIExyY& white, double gamma) {
 }
 
 void requireWhite(const ColorSpace::Triple& white) {
-    bool finite = std::all_of(white.begin(), white.end(), [](double v) { return std::isfinite(v) && v >= 0; });
-    if (!finite || !(white[1] > 0)) throw std::invalid_argument("a white point needs finite values and Y above 0");
+    bool finite =
+        std::all_of(white.begin(), white.end(), [](double v) { return std::isfinite(v) && v >= 0; });
+    if (!finite || !(white[1] > 0))
+        throw std::invalid_argument("a white point needs finite values and Y above 0");
 }
 
 void requireGamma(double gamma) {
@@ -152,24 +157,27 @@ ColorSpacePtr ColorSpace::sRGB() {
 }
 
 ColorSpacePtr ColorSpace::linearSRGB() {
-    static const auto space = rgbSpace(srgbPrimaries, [] { return gammaTone(1); }, "Linear sRGB");
+    static const auto space = rgbSpace(
+        srgbPrimaries, [] { return gammaTone(1); }, "Linear sRGB");
     return space;
 }
 
 ColorSpacePtr ColorSpace::deviceRGB() {
-    static const auto space = std::make_shared<ColorSpace>(
-        Parts{Model::rgb, "Device RGB", sRGB()->icc_, sRGB()->converter_});
+    static const auto space =
+        std::make_shared<ColorSpace>(Parts{Model::rgb, "Device RGB", sRGB()->icc_, sRGB()->converter_});
     return space;
 }
 
 ColorSpacePtr ColorSpace::adobeRGB() {
     // The published exponent is 2 + 51/256.
-    static const auto space = rgbSpace(adobePrimaries, [] { return gammaTone(2.19921875); }, "Adobe RGB (1998)");
+    static const auto space = rgbSpace(
+        adobePrimaries, [] { return gammaTone(2.19921875); }, "Adobe RGB (1998)");
     return space;
 }
 
 ColorSpacePtr ColorSpace::deviceGray() {
-    static const auto space = fromOwnProfile(grayProfile(*cmsD50_xyY(), 2.2), Model::gray, "Generic Gray Gamma 2.2");
+    static const auto space =
+        fromOwnProfile(grayProfile(*cmsD50_xyY(), 2.2), Model::gray, "Generic Gray Gamma 2.2");
     return space;
 }
 
@@ -188,9 +196,11 @@ ColorSpacePtr ColorSpace::calibratedRGB(const Triple& white, const Triple&, cons
                                         const std::array<double, 9>& matrix) {
     requireWhite(white);
     for (double g : gamma) requireGamma(g);
-    if (!std::all_of(matrix.begin(), matrix.end(), [](double v) { return std::isfinite(v); }) || !inverse(matrix))
+    if (!std::all_of(matrix.begin(), matrix.end(), [](double v) { return std::isfinite(v); }) ||
+        !inverse(matrix))
         throw std::invalid_argument("the matrix of a colour space has to be finite and invertible");
-    cmsCIExyYTRIPLE primaries = {toxyY(matrix[0], matrix[1], matrix[2]), toxyY(matrix[3], matrix[4], matrix[5]),
+    cmsCIExyYTRIPLE primaries = {toxyY(matrix[0], matrix[1], matrix[2]),
+                                 toxyY(matrix[3], matrix[4], matrix[5]),
                                  toxyY(matrix[6], matrix[7], matrix[8])};
     std::array<Tone, 3> tones = {gammaTone(gamma[0]), gammaTone(gamma[1]), gammaTone(gamma[2])};
     auto profile = rgbProfile(toxyY(white[0], white[1], white[2]), primaries, tones);
@@ -201,7 +211,8 @@ ColorSpacePtr ColorSpace::calibratedRGB(const Triple& white, const Triple&, cons
 ColorSpacePtr ColorSpace::calibratedGray(const Triple& white, const Triple&, double gamma) {
     requireWhite(white);
     requireGamma(gamma);
-    return fromOwnProfile(grayProfile(toxyY(white[0], white[1], white[2]), gamma), Model::gray, "Calibrated Gray");
+    return fromOwnProfile(grayProfile(toxyY(white[0], white[1], white[2]), gamma), Model::gray,
+                          "Calibrated Gray");
 }
 
 ColorSpacePtr ColorSpace::lab(const Triple& white, const Triple&, const std::array<double, 4>& range) {
@@ -222,11 +233,20 @@ ColorSpacePtr ColorSpace::fromICC(std::span<const std::uint8_t> bytes) {
     if (!profile) return nullptr;
     Model model;
     switch (cmsGetColorSpace(profile.get())) {
-    case cmsSigGrayData: model = Model::gray; break;
-    case cmsSigRgbData: model = Model::rgb; break;
-    case cmsSigCmykData: model = Model::cmyk; break;
-    case cmsSigLabData: model = Model::lab; break;
-    default: return nullptr;
+    case cmsSigGrayData:
+        model = Model::gray;
+        break;
+    case cmsSigRgbData:
+        model = Model::rgb;
+        break;
+    case cmsSigCmykData:
+        model = Model::cmyk;
+        break;
+    case cmsSigLabData:
+        model = Model::lab;
+        break;
+    default:
+        return nullptr;
     }
     return fromProfile(profile.get(), model, {bytes.begin(), bytes.end()}, describe(profile.get()));
 }
@@ -279,12 +299,15 @@ Scale scaleFor(const ColorSpace& space, Sample sample, int component) {
     return sample == Sample::u8 ? Scale{1, -128} : Scale{1 / 256.f, -32768};
 }
 
-template <class T> void load(const T* pixels, const Layout& layout, int c, Scale scale, float* out, std::size_t n) {
+template <class T>
+void load(const T* pixels, const Layout& layout, int c, Scale scale, float* out, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i)
-        out[i] = (static_cast<float>(pixels[i * layout.stride + layout.offsets[c]]) + scale.bias) * scale.factor;
+        out[i] =
+            (static_cast<float>(pixels[i * layout.stride + layout.offsets[c]]) + scale.bias) * scale.factor;
 }
 
-template <class T> void store(const float* in, Scale scale, T* pixels, const Layout& layout, int c, std::size_t n) {
+template <class T>
+void store(const float* in, Scale scale, T* pixels, const Layout& layout, int c, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) {
         float value = in[i] / scale.factor - scale.bias;
         T& sample = pixels[i * layout.stride + layout.offsets[c]];
@@ -314,9 +337,15 @@ void convert(const void* from, const Layout& fromLayout, const ColorSpace& fromS
         for (int c = 0; c < fromSpace.components(); ++c) {
             Scale scale = scaleFor(fromSpace, fromLayout.sample, c);
             switch (fromLayout.sample) {
-            case Sample::u8: load(static_cast<const std::uint8_t*>(in), fromLayout, c, scale, planes[c], count); break;
-            case Sample::u16: load(static_cast<const std::uint16_t*>(in), fromLayout, c, scale, planes[c], count); break;
-            case Sample::f32: load(static_cast<const float*>(in), fromLayout, c, scale, planes[c], count); break;
+            case Sample::u8:
+                load(static_cast<const std::uint8_t*>(in), fromLayout, c, scale, planes[c], count);
+                break;
+            case Sample::u16:
+                load(static_cast<const std::uint16_t*>(in), fromLayout, c, scale, planes[c], count);
+                break;
+            case Sample::f32:
+                load(static_cast<const float*>(in), fromLayout, c, scale, planes[c], count);
+                break;
             }
         }
         fromSpace.converter().decode(planes, planes, count);
@@ -328,9 +357,15 @@ void convert(const void* from, const Layout& fromLayout, const ColorSpace& fromS
         for (int c = 0; c < toSpace.components(); ++c) {
             Scale scale = scaleFor(toSpace, toLayout.sample, c);
             switch (toLayout.sample) {
-            case Sample::u8: store(planes[c], scale, static_cast<std::uint8_t*>(out), toLayout, c, count); break;
-            case Sample::u16: store(planes[c], scale, static_cast<std::uint16_t*>(out), toLayout, c, count); break;
-            case Sample::f32: store(planes[c], scale, static_cast<float*>(out), toLayout, c, count); break;
+            case Sample::u8:
+                store(planes[c], scale, static_cast<std::uint8_t*>(out), toLayout, c, count);
+                break;
+            case Sample::u16:
+                store(planes[c], scale, static_cast<std::uint16_t*>(out), toLayout, c, count);
+                break;
+            case Sample::f32:
+                store(planes[c], scale, static_cast<float*>(out), toLayout, c, count);
+                break;
             }
         }
     }

@@ -97,10 +97,14 @@ TEST_P(ColorTest, EverySpaceRoundTrips) {
     std::mt19937 random(7);
     std::uniform_real_distribution<double> unit(0.02, 0.98);
     ColorSpacePtr spaces[] = {
-        ColorSpace::sRGB(), ColorSpace::linearSRGB(), ColorSpace::deviceRGB(), ColorSpace::adobeRGB(),
+        ColorSpace::sRGB(),
+        ColorSpace::linearSRGB(),
+        ColorSpace::deviceRGB(),
+        ColorSpace::adobeRGB(),
         ColorSpace::calibratedRGB({0.9505, 1, 1.089}, {0, 0, 0}, {1.8, 2.0, 2.2},
                                   {0.4497, 0.2446, 0.0252, 0.3163, 0.6720, 0.1412, 0.1845, 0.0833, 0.9227}),
-        ColorSpace::lab({0.9642, 1, 0.8249}, {0, 0, 0}, {-128, 127, -128, 127}), ColorSpace::deviceCMYK()};
+        ColorSpace::lab({0.9642, 1, 0.8249}, {0, 0, 0}, {-128, 127, -128, 127}),
+        ColorSpace::deviceCMYK()};
     for (auto& space : spaces)
         for (int i = 0; i < 50; ++i) {
             ColorSpace::Triple color = {unit(random), unit(random), unit(random)};
@@ -141,7 +145,8 @@ TEST(ColorSpace, DamagedProfilesGiveNull) {
     EXPECT_FALSE(ColorSpace::fromICC({}));
     EXPECT_FALSE(ColorSpace::fromICC(std::span(bytes).first(64)));
     // Every cut and many flipped bytes: a space or null, but nothing worse.
-    for (std::size_t size = 0; size < bytes.size(); size += 7) ColorSpace::fromICC(std::span(bytes).first(size));
+    for (std::size_t size = 0; size < bytes.size(); size += 7)
+        ColorSpace::fromICC(std::span(bytes).first(size));
     std::mt19937 random(3);
     for (int i = 0; i < 300; ++i) {
         auto damaged = bytes;

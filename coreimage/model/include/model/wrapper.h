@@ -8,7 +8,6 @@
 #include <bridge/wrapping.h>
 #include <host/records.h>
 
-
 namespace model {
 
 using bridge::guarded;

@@ -6,7 +6,8 @@
 //
 // Numbers of a component, "coded" values:
 //   gray, rgb, cmyk    0..1 in float; 0..255 and 0..65535 in the integer types
-//   lab                L 0..100, a and b in -128..127 in float; as in ICC version 2 files in the integer types
+//   lab                L 0..100, a and b in -128..127 in float; as in ICC version 2 files in the integer
+//   types
 #pragma once
 
 #include <array>
@@ -30,7 +31,7 @@ using ConverterPtr = std::shared_ptr<const Converter>;
 
 /// An immutable colour space. Shared, thread-safe; the well-known ones are one object each.
 class COLOR_API ColorSpace {
-public:
+  public:
     using Triple = std::array<double, 3>;
 
     /// IEC 61966-2-1.
@@ -50,8 +51,8 @@ public:
 
     /// RGB by tristimulus values. `matrix` holds XYZ of red, then green, then blue (as in PDF's CalRGB),
     /// relative to `white`. Throws std::invalid_argument when a value is not finite, white's Y is not
-    /// positive, a gamma is not positive or the matrix cannot be inverted. `black` is accepted and unused, as in
-    /// PDF viewers generally.
+    /// positive, a gamma is not positive or the matrix cannot be inverted. `black` is accepted and unused, as
+    /// in PDF viewers generally.
     static ColorSpacePtr calibratedRGB(const Triple& white, const Triple& black, const Triple& gamma,
                                        const std::array<double, 9>& matrix);
     /// Gray by white point and gamma (PDF's CalGray). Throws std::invalid_argument as above.
@@ -83,7 +84,7 @@ public:
     struct Parts;
     explicit ColorSpace(Parts parts);
 
-private:
+  private:
     Model model_;
     std::string name_;
     std::vector<std::uint8_t> icc_;
@@ -94,7 +95,7 @@ private:
 /// Conversion of spans of pixels between one space's coded values and linear light. Immutable and
 /// thread-safe. Planes are arrays of n floats, one per component; output planes may be the input planes.
 class COLOR_API Converter {
-public:
+  public:
     virtual ~Converter() = default;
 
     /// Coded planes (`components()` of them) to linear light.
@@ -113,10 +114,10 @@ public:
 
     int components() const { return components_; }
 
-protected:
+  protected:
     explicit Converter(int components) : components_(components) {}
 
-private:
+  private:
     int components_;
 };
 
@@ -129,9 +130,9 @@ struct Layout {
     std::array<int, 4> offsets = {0, 1, 2, 3};
 };
 
-/// Interleaved pixels of any space to interleaved pixels of any other, n of them, through linear light. Samples
-/// that are no colour component (alpha, padding) are left as they are in `to`. Integer results are rounded
-/// and clipped. Source and target may be the same memory when their layouts are equal.
+/// Interleaved pixels of any space to interleaved pixels of any other, n of them, through linear light.
+/// Samples that are no colour component (alpha, padding) are left as they are in `to`. Integer results are
+/// rounded and clipped. Source and target may be the same memory when their layouts are equal.
 COLOR_API void convert(const void* from, const Layout& fromLayout, const ColorSpace& fromSpace, void* to,
                        const Layout& toLayout, const ColorSpace& toSpace, std::size_t n);
 

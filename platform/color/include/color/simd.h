@@ -6,8 +6,9 @@
 //         for (int i = 0; i < n; ++i) out[i] = 2 * in[i];
 //     });
 //
-// Capture by value, so that the loop's invariants stay in registers. Functions called in a loop have to be SIMD_INLINE
-// too: what is not inlined keeps the baseline's instructions and stops the loop from being vectorised.
+// Capture by value, so that the loop's invariants stay in registers. Functions called in a loop have to be
+// SIMD_INLINE too: what is not inlined keeps the baseline's instructions and stops the loop from being
+// vectorised.
 #pragma once
 
 #define SIMD_INLINE __attribute__((always_inline))
@@ -23,10 +24,17 @@ __attribute__((visibility("default"))) Set current();
 /// False, and nothing changes, when the processor does not have it.
 __attribute__((visibility("default"))) bool select(Set set);
 
-template <class F> __attribute__((target("avx2,fma"), flatten, noinline)) void runAvx2(F kernel) { kernel(); }
-template <class F> __attribute__((flatten, noinline)) void runSse2(F kernel) { kernel(); }
+template <class F>
+__attribute__((target("avx2,fma"), flatten, noinline)) void runAvx2(F kernel) {
+    kernel();
+}
+template <class F>
+__attribute__((flatten, noinline)) void runSse2(F kernel) {
+    kernel();
+}
 
-template <class F> inline void run(F kernel) {
+template <class F>
+inline void run(F kernel) {
     if (current() == Set::avx2)
         runAvx2(kernel);
     else

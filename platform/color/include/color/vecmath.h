@@ -16,7 +16,9 @@ SIMD_INLINE inline float min(float x, float y) { return x < y ? x : y; }
 SIMD_INLINE inline float clamp(float x, float low, float high) { return min(max(x, low), high); }
 SIMD_INLINE inline float unit(float x) { return clamp(x, 0, 1); }
 SIMD_INLINE inline float mix(float x, float y, float t) { return x + t * (y - x); }
-SIMD_INLINE inline float abs(float x) { return std::bit_cast<float>(std::bit_cast<std::uint32_t>(x) & 0x7fffffffu); }
+SIMD_INLINE inline float abs(float x) {
+    return std::bit_cast<float>(std::bit_cast<std::uint32_t>(x) & 0x7fffffffu);
+}
 SIMD_INLINE inline float copySign(float x, float sign) {
     return std::bit_cast<float>((std::bit_cast<std::uint32_t>(x) & 0x7fffffffu) |
                                 (std::bit_cast<std::uint32_t>(sign) & 0x80000000u));
@@ -48,8 +50,8 @@ SIMD_INLINE inline float exp2(float x) {
     x = clamp(x, -126.f, 126.f);
     int whole = floorInt(x + 0.5f);
     float f = (x - static_cast<float>(whole)) * 0.69314718f;
-    float p = 1 + f * (1 + f * (0.5f + f * (0.16666667f + f * (0.041666667f + f * (0.0083333333f +
-                                                                                f * 0.0013888889f)))));
+    float p = 1 + f * (1 + f * (0.5f + f * (0.16666667f +
+                                            f * (0.041666667f + f * (0.0083333333f + f * 0.0013888889f)))));
     return p * std::bit_cast<float>(static_cast<std::uint32_t>(whole + 127) << 23);
 }
 SIMD_INLINE inline float exp(float x) { return exp2(x * 1.44269504f); }
@@ -60,15 +62,17 @@ SIMD_INLINE inline float pow(float x, float p) {
     return x > 0 ? y : 0;
 }
 
-/// The sine by a polynomial of degree 11 after reduction to a quarter turn; absolute error below 1e-6 for |x| < 1000.
+/// The sine by a polynomial of degree 11 after reduction to a quarter turn; absolute error below 1e-6 for |x|
+/// < 1000.
 SIMD_INLINE inline float sin(float x) {
     int half = floorInt(x * 0.31830989f + 0.5f);
     float n = static_cast<float>(half);
     // pi in two parts, so that the difference keeps its digits.
     float r = (x - n * 3.140625f) - n * 9.67653589793e-4f;
     float q = r * r;
-    float s = r + r * q * (-0.16666667f + q * (0.0083333310f + q * (-1.9840874e-4f + q * (2.7525562e-6f -
-                                                                                     q * 2.3889859e-8f))));
+    float s = r + r * q *
+                      (-0.16666667f +
+                       q * (0.0083333310f + q * (-1.9840874e-4f + q * (2.7525562e-6f - q * 2.3889859e-8f))));
     return half & 1 ? -s : s;
 }
 SIMD_INLINE inline float cos(float x) { return sin(x + 1.57079633f); }
@@ -84,13 +88,14 @@ SIMD_INLINE inline float linearToSrgb(float x) {
     float curve = 1.055f * pow(m, 1 / 2.4f) - 0.055f;
     return copySign(m <= 0.0031308f ? m * 12.92f : curve, x);
 }
-/// The same for 0..1 with two square roots instead of a power; x is clipped. With t = x^(1/4), x^(1/2.4) is t^(5/3),
-/// here as the polynomial with the least maximal error for t in [0.2365, 1], which is 7e-6.
+/// The same for 0..1 with two square roots instead of a power; x is clipped. With t = x^(1/4), x^(1/2.4) is
+/// t^(5/3), here as the polynomial with the least maximal error for t in [0.2365, 1], which is 7e-6.
 SIMD_INLINE inline float linearToSrgbUnit(float x) {
     x = unit(x);
     float t = __builtin_sqrtf(__builtin_sqrtf(x));
-    float curve = -0.0613381369f + t * (0.162006789f + t * (1.25547332f + t * (-0.577598488f +
-                                                                t * (0.289625925f - t * 0.0681759849f))));
+    float curve =
+        -0.0613381369f +
+        t * (0.162006789f + t * (1.25547332f + t * (-0.577598488f + t * (0.289625925f - t * 0.0681759849f))));
     return x <= 0.0031308f ? x * 12.92f : curve;
 }
 

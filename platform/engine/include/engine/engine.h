@@ -6,8 +6,8 @@
 //
 // Pixels inside the engine are float, premultiplied, linear light with sRGB's primaries, unbounded.
 //
-// Building a graph never computes a pixel. Invalid arguments throw std::invalid_argument when the graph is built;
-// rendering throws std::bad_alloc when memory is short, and what a row source throws.
+// Building a graph never computes a pixel. Invalid arguments throw std::invalid_argument when the graph is
+// built; rendering throws std::bad_alloc when memory is short, and what a row source throws.
 #pragma once
 
 #include <color/color.h>
@@ -99,15 +99,15 @@ struct IntRect;
 
 /// One step of a recipe.
 class ENGINE_API Node : public std::enable_shared_from_this<Node> {
-public:
+  public:
     virtual ~Node() = default;
 
     /// Where the image can be other than transparent. May be infinite or empty.
     const Rect& extent() const { return extent_; }
     /// What this step reads, in order.
     const std::vector<Image>& inputs() const { return inputs_; }
-    /// The part of input `index` that the pixels of `area` of this image depend on. (The bounding box; an exact
-    /// shape as a list of rectangles would be a second function beside this one.)
+    /// The part of input `index` that the pixels of `area` of this image depend on. (The bounding box; an
+    /// exact shape as a list of rectangles would be a second function beside this one.)
     virtual Rect regionOfInterest(std::size_t index, const Rect& area) const;
     /// A short name for plans and messages.
     virtual std::string name() const = 0;
@@ -116,21 +116,21 @@ public:
     /// Makes what computes rows inside `area`. Called once per tile, on the tile's thread.
     virtual std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const = 0;
 
-protected:
+  protected:
     Node(const Rect& extent, std::vector<Image> inputs);
 
-private:
+  private:
     Rect extent_;
     std::vector<Image> inputs_;
 };
 
 enum class Format {
-    ARGB8, ///< bytes A R G B
-    RGBA8, ///< bytes R G B A
-    BGRA8, ///< bytes B G R A
+    ARGB8,  ///< bytes A R G B
+    RGBA8,  ///< bytes R G B A
+    BGRA8,  ///< bytes B G R A
     RGBA16, ///< 16-bit words R G B A in the machine's byte order
-    RGBAf, ///< floats R G B A
-    Gray8, ///< one byte, no alpha
+    RGBAf,  ///< floats R G B A
+    Gray8,  ///< one byte, no alpha
 };
 
 /// Meaning of the alpha sample. With `opaque` the sample is ignored when read and written as full.
@@ -152,7 +152,7 @@ struct PixelLayout {
 /// something computed. The engine keeps a few strips and never asks for a row twice in a row; it calls
 /// from its own threads, but never two at once for one source.
 class ENGINE_API RowSource {
-public:
+  public:
     virtual ~RowSource() = default;
     virtual const PixelLayout& layout() const = 0;
     /// Writes rows first..first+count-1, counted from the top, tightly packed (width * bytesPerPixel each).
@@ -162,9 +162,9 @@ public:
     virtual int stripRows() const { return 64; }
 };
 
-/// An image of pixels in memory. `owner` keeps them alive (and unchanged) as long as the image lives; row r begins
-/// at pixels + r * rowBytes. Throws std::invalid_argument for null pixels, sizes that are not positive, rows
-/// shorter than their pixels, or a colour space whose model does not suit the format.
+/// An image of pixels in memory. `owner` keeps them alive (and unchanged) as long as the image lives; row r
+/// begins at pixels + r * rowBytes. Throws std::invalid_argument for null pixels, sizes that are not
+/// positive, rows shorter than their pixels, or a colour space whose model does not suit the format.
 ENGINE_API Image bitmap(const PixelLayout& layout, const void* pixels, std::size_t rowBytes,
                         std::shared_ptr<const void> owner);
 /// The same for pixels produced on demand. Throws as bitmap() does.
@@ -178,8 +178,8 @@ ENGINE_API Image empty();
 
 /// Moved, scaled, turned. Sampled bilinearly; averaged over areas first when made smaller than half. Edges
 /// of the image are antialiased by their coverage, so a scaled opaque picture stays opaque up to its edge.
-/// A chain of transforms is one transform. A singular matrix gives the empty image; one that is not finite throws
-/// std::invalid_argument.
+/// A chain of transforms is one transform. A singular matrix gives the empty image; one that is not finite
+/// throws std::invalid_argument.
 ENGINE_API Image transform(const Image& image, const Affine& matrix);
 /// Transparent outside of `area`. A pixel stays when its centre is inside.
 ENGINE_API Image crop(const Image& image, const Rect& area);
@@ -208,11 +208,12 @@ struct Options {
     bool software = true;
 };
 
-/// Computes the part `source` of the image and writes it to the rectangle `dest` of the target, scaled when their
-/// sizes differ. `dest` is in the target's coordinates: y upwards, (0, 0) is its lower left corner. Pixels of the
-/// target outside `dest` stay untouched; inside, what is outside of the image becomes transparent (or
-/// stays, when blending). Throws std::invalid_argument for a target that cannot be (null pixels, rows shorter than
-/// their pixels, wrong model of space) or an infinite or non-finite `source` or `dest`. A null image is empty.
+/// Computes the part `source` of the image and writes it to the rectangle `dest` of the target, scaled when
+/// their sizes differ. `dest` is in the target's coordinates: y upwards, (0, 0) is its lower left corner.
+/// Pixels of the target outside `dest` stay untouched; inside, what is outside of the image becomes
+/// transparent (or stays, when blending). Throws std::invalid_argument for a target that cannot be (null
+/// pixels, rows shorter than their pixels, wrong model of space) or an infinite or non-finite `source` or
+/// `dest`. A null image is empty.
 ENGINE_API void render(const Image& image, const Rect& source, const Target& target, const Rect& dest,
                        const Options& options = {});
 
@@ -240,7 +241,7 @@ struct FilterInfo;
 /// The values of a filter's inputs, each falling back to the filter's default.
 /// The getters throw std::invalid_argument when a value is of another kind than asked for.
 class ENGINE_API Inputs {
-public:
+  public:
     Inputs(const FilterInfo& filter, const Values& values) : filter_(filter), values_(values) {}
 
     /// Null when not set.
@@ -259,8 +260,9 @@ public:
     std::string string(std::string_view key) const;
     Bytes data(std::string_view key) const;
 
-private:
-    template <class T> const T* find(std::string_view key) const;
+  private:
+    template <class T>
+    const T* find(std::string_view key) const;
     const FilterInfo& filter_;
     const Values& values_;
 };
