@@ -14,15 +14,16 @@
 #include <unistd.h>
 
 // Some platform calls of the bridge are led here, to let them fail.
-static bool namesAreUnknown = false, specsAreUnknown = false, volumesHaveAParent = false, copiesFail = false;
+static bool namesAreUnknown = false, recordsAreUnknown = false, volumesHaveAParent = false,
+            copiesFail = false;
 
 extern "C" {
 OSErr __real_FSGetCatalogInfo(const FSRef*, FSCatalogInfoBitmap, FSCatalogInfo*, HFSUniStr255*, FSSpec*,
                               FSRef*);
 OSErr __wrap_FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, FSCatalogInfo* info,
-                              HFSUniStr255* name, FSSpec* spec, FSRef* parent) {
-    if ((name && namesAreUnknown) || (spec && specsAreUnknown)) return paramErr;
-    OSErr result = __real_FSGetCatalogInfo(ref, which, info, name, spec, parent);
+                              HFSUniStr255* name, FSSpec* old, FSRef* parent) {
+    if ((name && namesAreUnknown) || (old && recordsAreUnknown)) return paramErr;
+    OSErr result = __real_FSGetCatalogInfo(ref, which, info, name, old, parent);
     if (parent && info && info->nodeID == 2 && volumesHaveAParent)
         FSPathMakeRef(reinterpret_cast<const UInt8*>("/tmp"), parent, nullptr);
     return result;
@@ -300,6 +301,7 @@ TEST_P(Files, AVolumeIsAnItemBelowAParentOfZeroes) {
     static bool zeroes;
     static std::string name;
     zeroes = false;
+    volumesHaveAParent = true; // a file system may have one, which is not the host's
     replace(
         "REALFolderItemFromParentFSRef", +[](const FSRef* parent, const HFSUniStr255* leaf) {
             const FSRef none = {};
@@ -320,9 +322,9 @@ TEST_P(Files, TheOlderRecordIsTheLastWayToAnItem) {
     makeFile("old.txt");
     namesAreUnknown = true;
     EXPECT_EQ(itemOf(url("old.txt")), "old.txt");
-    specsAreUnknown = true;
+    recordsAreUnknown = true;
     EXPECT_EQ(itemOf(url("old.txt")), "(nil)");
-    namesAreUnknown = specsAreUnknown = false;
+    namesAreUnknown = recordsAreUnknown = false;
 }
 
 TEST_P(Files, WithoutTheServicesThereIsNoItem) {
