@@ -79,8 +79,7 @@ REALstring buildUTF8(const char* text) {
 } // namespace
 
 void bridge::disposeStringData(REALstringData& data) {
-    // What the host did not make is not the host's to free.
-    if (PluginGetStringData.resolve() && REALDisposeStringData.resolve())
+    if (REALDisposeStringData.resolve())
         REALDisposeStringData(&data);
     else
         std::free(data.data);

@@ -79,7 +79,9 @@ bool PluginGetStringData(REALstring string, std::uint32_t encoding, REALstringDa
 
 void PluginDisposeStringData(REALstringData* data) {
     if (!data || !data->data) return;
-    if (!heap().takeBack(data->data)) {
+    // On a host without PluginGetStringData the plugin makes the bytes itself, a block of the C heap like the
+    // host's own.
+    if (findService("PluginGetStringData") && !heap().takeBack(data->data)) {
         heap().violation("PluginDisposeStringData: these bytes do not come from PluginGetStringData");
         return;
     }

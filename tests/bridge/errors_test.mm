@@ -4,7 +4,26 @@
 #include <bridge/guard.h>
 #include <bridge/registry.h>
 
+#include <objc/runtime.h>
+
+#include <cstdlib>
 #include <cstring>
+
+// The heap refuses blocks of this size while it is not 0.
+static std::size_t refusedSize = 0;
+// And counts those of six bytes for each of so many units.
+std::size_t bufferUnits = 0;
+int buffers = 0;
+
+extern "C" {
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+    if (bufferUnits && count == bufferUnits && size == 6) ++buffers;
+    if (refusedSize && count * size == refusedSize) return nullptr;
+    return __real_calloc(count, size);
+}
+}
 
 namespace {
 
@@ -102,6 +121,36 @@ TEST_F(Errors, MissingNamesBecomeQuestionMarks) {
     expectClean();
 }
 
+TEST_F(Errors, WithoutMemoryForTheMessageItIsTheShortOne) {
+    refusedSize = std::strlen("index") + std::strlen("Component") + 200;
+    Raised shortened = outOfBounds(7, 4);
+    refusedSize = 0;
+    EXPECT_RAISED(shortened, "OutOfBoundsException", "Out of Bounds");
+    expectClean();
+}
+
+// What was written to the property "Message" last.
+int messagesSet = 0;
+REALstring lastMessage = nullptr;
+
+TEST_F(Errors, AnEmptyMessageIsSetAllTheSame) {
+    static auto original =
+        reinterpret_cast<host::service::REALSetPropValueString>(gResolver("REALSetPropValueString"));
+    gResolver = [](const char* name) -> void* {
+        if (std::strcmp(name, "REALSetPropValueString") != 0) return studio::Host::current().resolver()(name);
+        return reinterpret_cast<void*>(+[](REALobject object, const char* property, REALstring value) {
+            if (std::strcmp(property, "Message") == 0) ++messagesSet, lastMessage = value;
+            return original(object, property, value);
+        });
+    };
+    lastMessage = reinterpret_cast<REALstring>(1);
+    RaiseException("RuntimeException", "");
+    EXPECT_EQ(messagesSet, 1);
+    EXPECT_EQ(lastMessage, nullptr);
+    host.takePendingException();
+    expectClean();
+}
+
 class ErrorsWithoutInstances : public Errors {
   protected:
     ErrorsWithoutInstances() : Errors({"PluginNewInstance"}) {}
@@ -168,6 +217,12 @@ TEST_F(Errors, AResultPassesThroughUntouched) {
 // Counts its deallocations, to see that pools are drained.
 } // namespace
 
+@interface NSException (FamilyOfTheTest)
++ (CFMutableDictionaryRef)GetInstancesDictionaryKaz;
++ (void)PrepareNSExceptionKaz;
++ (REALobject)NewNSExceptionKaz:(NSException*)exception;
+@end
+
 @interface DrainWitness : NSObject
 @end
 static int drained = 0;
@@ -211,6 +266,84 @@ TEST_F(Errors, WithoutTheFamilyThereIsNoRegistry) {
     bridge::registerWrapper(this, reinterpret_cast<REALobject>(this));
     EXPECT_EQ(bridge::lockRegisteredWrapper(this), nullptr);
     bridge::unregisterWrapper(this);
+}
+
+// --- what the family publishes ----------------------------------------------------------------------------
+
+int registriesAsked = 0, preparations = 0;
+CFMutableDictionaryRef registry(id, SEL) {
+    static CFMutableDictionaryRef dictionary = CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr);
+    ++registriesAsked;
+    return dictionary;
+}
+void prepare(id, SEL) { ++preparations; }
+
+template <class Function>
+void publish(SEL selector, Function* function) {
+    class_addMethod(object_getClass([NSException class]), selector, reinterpret_cast<IMP>(function),
+                    "@8@0:4");
+}
+
+TEST_F(Errors, TheFamilyIsAskedOnceAndWheneverItComes) {
+    bridge::ensureFamily();
+    publish(@selector(GetInstancesDictionaryKaz), registry);
+    publish(@selector(PrepareNSExceptionKaz), prepare);
+    bridge::ensureFamily();
+    bridge::ensureFamily();
+    EXPECT_EQ(registriesAsked, 1);
+    EXPECT_EQ(preparations, 1);
+
+    Value object = host.create("Dictionary");
+    bridge::registerWrapper(this, object.object());
+    REALobject locked = bridge::lockRegisteredWrapper(this);
+    EXPECT_EQ(locked, object.object());
+    bridge::unregisterWrapper(this);
+    EXPECT_EQ(bridge::lockRegisteredWrapper(this), nullptr);
+    REALUnlockObject(locked);
+    object = {};
+    expectClean();
+}
+
+TEST_F(Errors, TheHostGetsTheExceptionThatTheFamilyMakes) {
+    publish(
+        @selector(NewNSExceptionKaz:),
+        +[](id, SEL, NSException*) { return REALnewInstance("OutOfBoundsException"); });
+    testing::internal::CaptureStderr();
+    bridge::guarded([] { failingBody(); });
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(host.takePendingException().className(), "OutOfBoundsException");
+    expectClean();
+}
+
+TEST_F(Errors, WhatTheFamilyMakesNothingOfIsLoggedAndNotRaised) {
+    publish(
+        @selector(NewNSExceptionKaz:), +[](id, SEL, NSException*) -> REALobject { return nullptr; });
+    testing::internal::CaptureStderr();
+    bridge::guarded([] { failingBody(); });
+    std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_NE(log.find("A NSInvalidArgumentException: the reason, Info: "), std::string::npos) << log;
+    EXPECT_TRUE(host.takePendingException().isNil());
+    expectClean();
+}
+
+TEST_F(Errors, WhenHandlingThrowsThatPassesAndThePoolIsDrained) {
+    publish(
+        @selector(NewNSExceptionKaz:),
+        +[](id, SEL, NSException*) -> REALobject { @throw @"handling failed"; });
+    drained = 0;
+    NSString* passed = nil;
+    testing::internal::CaptureStderr();
+    @try {
+        bridge::guardedInPool([] {
+            [[[DrainWitness alloc] init] autorelease];
+            failingBody();
+        });
+    } @catch (NSString* thrown) {
+        passed = thrown;
+    }
+    testing::internal::GetCapturedStderr();
+    EXPECT_STREQ([passed UTF8String], "handling failed");
+    EXPECT_EQ(drained, 1);
 }
 
 } // namespace

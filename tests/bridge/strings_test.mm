@@ -3,7 +3,12 @@
 #include <bridge/guard.h>
 #include <bridge/strings.h>
 
+#include <cstdlib>
 #include <cstring>
+
+// Zeroed blocks of six bytes for each of `bufferUnits` units that were asked for.
+extern std::size_t bufferUnits;
+extern int buffers;
 
 namespace {
 
@@ -274,6 +279,39 @@ TEST_F(PlatformStrings, NoNormalisationIsApplied) {
     EXPECT_EQ(cross([NSString stringWithUTF8String:"u\u0308"]), "u\u0308");
     EXPECT_EQ(cross([NSString stringWithUTF8String:"\u00fc"]), "\u00fc");
     expectClean();
+}
+
+} // namespace
+
+@interface FarTooLongString : NSString
+@end
+@implementation FarTooLongString
+- (NSUInteger)length {
+    return 0x7FFFFFFF / 6 + 1;
+}
+- (unichar)characterAtIndex:(NSUInteger)index {
+    [NSException raise:NSInternalInconsistencyException format:@"was read"];
+    return 0;
+}
+@end
+
+namespace {
+
+TEST_F(PlatformStrings, ATextTooLongForASignedSizeGivesNullUnread) {
+    EXPECT_EQ(CFString2RBString((CFStringRef)[[[FarTooLongString alloc] init] autorelease]), nullptr);
+    expectClean();
+}
+
+TEST_F(PlatformStrings, OnlyTextOfAHundredUnitsAndMoreTakesAHeapBuffer) {
+    auto buffersFor = [&](NSUInteger length) {
+        bufferUnits = length;
+        buffers = 0;
+        cross([@"" stringByPaddingToLength:length withString:@"x" startingAtIndex:0]);
+        return buffers;
+    };
+    EXPECT_EQ(buffersFor(99), 0);
+    EXPECT_EQ(buffersFor(100), 1);
+    bufferUnits = 0;
 }
 
 class PlatformStringsWithoutBuild : public PlatformStrings {

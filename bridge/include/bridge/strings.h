@@ -18,7 +18,8 @@ bool REALGetStringData(REALstring string, std::uint32_t encoding, REALstringData
 
 namespace bridge {
 
-// Gives back what REALGetStringData filled: to the host where the host made it, else to the heap.
+// Gives back what REALGetStringData filled: to the host or, where that has no such service, to the heap.
+// Either way the bytes are a block of the C heap.
 void disposeStringData(REALstringData& data);
 
 // Like RBString2CFString, but the caller does not own the result: it lives as long as the autorelease pool.
