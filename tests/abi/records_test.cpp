@@ -238,4 +238,91 @@ TEST_F(Records, TheTwoPlatformStringWrappersKeepTheirOwnCaches) {
     EXPECT_EQ(asked["REALGetStringCFString"], 2);
 }
 
+struct WrapperCase {
+    const char* entry;
+    void* (*resolve)();
+};
+
+// Each wrapper asks for its own entry, and for no other.
+const WrapperCase wrapperCases[] = {
+    {"PluginDisposeStringData", [] { return reinterpret_cast<void*>(REALDisposeStringData.resolve()); }},
+    {"REALGetStringCFString", [] { return reinterpret_cast<void*>(REALCopyStringCFString.resolve()); }},
+    {"REALGetStringCFString", [] { return reinterpret_cast<void*>(REALGetStringCFString.resolve()); }},
+    {"RuntimeObjectIsa", [] { return reinterpret_cast<void*>(REALObjectIsA.resolve()); }},
+    {"pluginObjectType", [] { return reinterpret_cast<void*>(REALGetClassRef.resolve()); }},
+    {"PluginRegisterClass", [] { return reinterpret_cast<void*>(REALRegisterClass.resolve()); }},
+    {"PluginRegisterMethod", [] { return reinterpret_cast<void*>(REALRegisterMethod.resolve()); }},
+    {"REALBuildString", [] { return reinterpret_cast<void*>(REALBuildString.resolve()); }},
+    {"REALLockObject", [] { return reinterpret_cast<void*>(REALLockObject.resolve()); }},
+    {"REALUnlockObject", [] { return reinterpret_cast<void*>(REALUnlockObject.resolve()); }},
+    {"REALLockString", [] { return reinterpret_cast<void*>(REALLockString.resolve()); }},
+    {"REALUnlockString", [] { return reinterpret_cast<void*>(REALUnlockString.resolve()); }},
+    {"REALGetStringEncoding", [] { return reinterpret_cast<void*>(REALGetStringEncoding.resolve()); }},
+    {"REALConvertString", [] { return reinterpret_cast<void*>(REALConvertString.resolve()); }},
+    {"REALSetStringEncoding", [] { return reinterpret_cast<void*>(REALSetStringEncoding.resolve()); }},
+    {"PluginNewInstance", [] { return reinterpret_cast<void*>(REALnewInstance.resolve()); }},
+    {"RuntimeRaiseException", [] { return reinterpret_cast<void*>(REALRaiseException.resolve()); }},
+    {"REALGetPropValueInt", [] { return reinterpret_cast<void*>(REALGetPropValueInt32.resolve()); }},
+    {"REALGetPropValueString", [] { return reinterpret_cast<void*>(REALGetPropValueString.resolve()); }},
+    {"REALGetPropValueDouble", [] { return reinterpret_cast<void*>(REALGetPropValueDouble.resolve()); }},
+    {"REALGetPropValueObject", [] { return reinterpret_cast<void*>(REALGetPropValueObject.resolve()); }},
+    {"REALGetPropValueInt64", [] { return reinterpret_cast<void*>(REALGetPropValueInt64.resolve()); }},
+    {"REALGetPropValueSingle", [] { return reinterpret_cast<void*>(REALGetPropValueSingle.resolve()); }},
+    {"REALSetPropValueInt", [] { return reinterpret_cast<void*>(REALSetPropValueInt32.resolve()); }},
+    {"REALSetPropValueString", [] { return reinterpret_cast<void*>(REALSetPropValueString.resolve()); }},
+    {"StringToVariant", [] { return reinterpret_cast<void*>(REALNewVariantString.resolve()); }},
+    {"Int32ToVariant", [] { return reinterpret_cast<void*>(REALNewVariantInteger.resolve()); }},
+    {"DoubleToVariant", [] { return reinterpret_cast<void*>(REALNewVariantDouble.resolve()); }},
+    {"BooleanToVariant", [] { return reinterpret_cast<void*>(REALNewVariantBoolean.resolve()); }},
+    {"UInt32ToVariant", [] { return reinterpret_cast<void*>(REALNewVariantUInt32.resolve()); }},
+    {"Int64ToVariant", [] { return reinterpret_cast<void*>(REALNewVariantInt64.resolve()); }},
+    {"UInt64ToVariant", [] { return reinterpret_cast<void*>(REALNewVariantUInt64.resolve()); }},
+    {"SingleToVariant", [] { return reinterpret_cast<void*>(REALNewVariantSingle.resolve()); }},
+    {"REALLoadObjectMethod", [] { return reinterpret_cast<void*>(REALLoadObjectMethod.resolve()); }},
+    {"RuntimeArrayCreateSingleDimBoundedArray",
+     [] { return reinterpret_cast<void*>(REALCreateArray.resolve()); }},
+    {"RuntimeUBound", [] { return reinterpret_cast<void*>(REALGetArrayUBound.resolve()); }},
+    {"RuntimeDirectReadStringArray", [] { return reinterpret_cast<void*>(REALGetArrayString.resolve()); }},
+    {"REALYieldToRB", [] { return reinterpret_cast<void*>(REALYieldToRB.resolve()); }},
+    {"newMemoryBlock", [] { return reinterpret_cast<void*>(REALNewMemoryBlock.resolve()); }},
+    {"memoryBlockGetPtr", [] { return reinterpret_cast<void*>(REALMemoryBlockGetPtr.resolve()); }},
+    {"memoryBlockGetSize", [] { return reinterpret_cast<void*>(REALMemoryBlockGetSize.resolve()); }},
+    {"newPicture", [] { return reinterpret_cast<void*>(REALNewPicture.resolve()); }},
+    {"pluginPictureGraphicsGetter", [] { return reinterpret_cast<void*>(REALGetPictureGraphics.resolve()); }},
+    {"REALPictureClearCache", [] { return reinterpret_cast<void*>(REALPictureClearCache.resolve()); }},
+    {"REALGetPictureMask", [] { return reinterpret_cast<void*>(REALGetPictureMask.resolve()); }},
+    {"REALCopyPictureCGImage", [] { return reinterpret_cast<void*>(REALCopyPictureCGImage.resolve()); }},
+    {"FolderItemFromFSSpec", [] { return reinterpret_cast<void*>(REALFolderItemFromFSSpec.resolve()); }},
+    {"REALFSSpecFromFolderItem", [] { return reinterpret_cast<void*>(REALFSSpecFromFolderItem.resolve()); }},
+    {"REALFSRefFromFolderItem", [] { return reinterpret_cast<void*>(REALFSRefFromFolderItem.resolve()); }},
+    {"REALFolderItemFromParentFSRef",
+     [] { return reinterpret_cast<void*>(REALFolderItemFromParentFSRef.resolve()); }},
+    {"unlockPictureDescription",
+     [] { return reinterpret_cast<void*>(REALUnlockPictureDescription.resolve()); }},
+    {"lockPictureDescription",
+     [] { return reinterpret_cast<void*>(REALLockPictureDescription.preferred.resolve()); }},
+    {"REALLockPictureDescription",
+     [] { return reinterpret_cast<void*>(REALLockPictureDescription.ofKind.resolve()); }},
+    {"REALLoadGlobalMethod", [] { return REALLoadFrameworkMethod("F()"); }},
+    {"RuntimeArrayDirectGetInsertProc",
+     [] {
+         REALInsertArrayValueString(nullptr, 0, nullptr);
+         return static_cast<void*>(nullptr);
+     }},
+    {"RuntimeArrayDirectGetGetProc",
+     [] {
+         REALGetArrayValueDouble(nullptr, 0);
+         return static_cast<void*>(nullptr);
+     }},
+};
+
+TEST_F(Records, EveryWrapperAsksForItsEntry) {
+    offered.clear();
+    for (const WrapperCase& wrapper : wrapperCases) {
+        asked.clear();
+        EXPECT_EQ(wrapper.resolve(), nullptr);
+        EXPECT_EQ(asked, (std::map<std::string, int>{{wrapper.entry, 1}}));
+    }
+}
+
 } // namespace
