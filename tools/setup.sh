@@ -8,7 +8,7 @@ kaz="$root/.kaz"
 sysroot="$kaz/sysroot"
 photos="$kaz/photos"
 packages="$root/tools/sysroot-packages.txt"
-host_tools=(clang lld cmake ninja-build libclang-rt-14-dev)
+host_tools=(clang lld cmake ninja-build libclang-rt-14-dev valgrind)
 
 say() { printf 'kaz: %s\n' "$*" >&2; }
 die() { say "$1"; shift; for line in "$@"; do printf '     %s\n' "$line" >&2; done; exit 1; }
@@ -62,6 +62,10 @@ for deb in "$apt"/cache/archives/*.deb; do dpkg -x "$deb" "$sysroot.new"; done
 find "$sysroot.new" -type l -lname '/*' -print0 | while IFS= read -r -d '' link; do
     ln -sfnr "$sysroot.new$(readlink "$link")" "$link"
 done
+# Valgrind needs the loader's symbols, and looks beside the loader.
+mkdir -p "$sysroot.new/lib/i386-linux-gnu/.debug"
+find "$sysroot.new/usr/lib/debug/.build-id" -name '*.debug' -exec mv -t "$sysroot.new/lib/i386-linux-gnu/.debug" {} +
+rm -rf "$sysroot.new/usr/lib/debug"
 rm -rf "$sysroot" && mv "$sysroot.new" "$sysroot"
 
 # --- photographs that anyone may use --------------------------------------------------------------

@@ -48,8 +48,8 @@ class Pool {
         {
             std::lock_guard lock(mutex_);
             ending_ = true;
+            wake_.notify_all();
         }
-        wake_.notify_all();
         for (auto& t : threads_) t.join();
     }
 

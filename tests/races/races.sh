@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Runs each test of a test program under helgrind, one process per test, and fails when it reports anything that
+# helgrind.supp does not explain.
+#
+#   races.sh PROGRAM [GTEST_FILTER]
+#
+# Lock orders are not tracked: GNUstep leaves a lock of its start-up held for the life of the process, against which
+# every later lock would count as taken in the wrong order.
+set -euo pipefail
+
+here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+program="$1"
+filter="${2:-*}"
+valgrind=(valgrind --tool=helgrind --track-lockorders=no --error-exitcode=99 --quiet
+    "--suppressions=$here/helgrind.supp")
+log="$(mktemp)"
+trap 'rm -f "$log"' EXIT
+
+mapfile -t tests < <("$program" --gtest_list_tests "--gtest_filter=$filter" |
+    awk '/^[^ ]+\.$/ {suite = $1} /^  / {print suite $1}')
+((${#tests[@]})) || {
+    echo "races: $program has no test that matches $filter" >&2
+    exit 2
+}
+
+failed=0
+for test in "${tests[@]}"; do
+    if "${valgrind[@]}" "$program" "--gtest_filter=$test" >"$log" 2>&1; then
+        echo "no race: $test"
+    else
+        echo "FAILED (exit code $?, 99 means a race): $test"
+        cat "$log"
+        failed=$((failed + 1))
+    fi
+done
+echo "$((${#tests[@]} - failed)) passed, $failed failed"
+((failed == 0))
