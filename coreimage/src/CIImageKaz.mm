@@ -65,7 +65,11 @@ CIImage* newBitmapImage(NSData* data, const BitmapLayout& layout) {
 }
 
 CIImage* bitmapImage(NSData* data, const BitmapLayout& layout) {
-    return [newBitmapImage(data, layout) autorelease];
+    return [CIImage imageWithBitmapData:data
+                            bytesPerRow:static_cast<size_t>(layout.bytesPerRow)
+                                   size:layout.size()
+                                 format:layout.format
+                             colorSpace:layout.space()];
 }
 
 // --- constructors -----------------------------------------------------------------------------------------

@@ -230,8 +230,8 @@ FrameworkClass pictureClass() {
     table.destructor = +[](REALobject self) {
         Picture& picture = pictureOf(self);
         if (picture.descriptions > 0)
-            heap().violation("a Picture is gone with its description locked " +
-                             std::to_string(picture.descriptions) + " times");
+            heap().remark("a Picture is gone with its description locked " +
+                          std::to_string(picture.descriptions) + " times");
         if (picture.context) CGContextRelease(static_cast<CGContextRef>(picture.context));
         DisposeGWorld(picture.world);
         heap().release(picture.mask);

@@ -85,8 +85,8 @@ int runProgram(const std::string& fileName, std::string_view source,
     std::fflush(stdout);
     std::fputs(unhandled.c_str(), stderr);
     Report report = Host::current().report();
-    if (report.clean()) return code;
-    std::fputs(report.text().c_str(), stderr);
+    if (report.sound()) return code;
+    std::fputs(report.faults().c_str(), stderr);
     return code == kFine ? kLeaked : code;
 }
 
@@ -104,8 +104,8 @@ int runTests(const std::string& fileName, std::string_view source, const std::st
         });
         program->end();
         Report after = Host::current().report();
-        std::string report = after.text() + nativeGrowth(before, after);
-        Host::current().clearViolations();
+        std::string report = after.faults() + nativeGrowth(before, after);
+        Host::current().clearRecords();
         std::fflush(stdout);
         if (!outcome.failure.empty()) {
             std::string place = outcome.places.empty() ? fileName : outcome.places.front();

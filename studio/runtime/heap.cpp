@@ -131,6 +131,11 @@ void Heap::violation(std::string message) {
     violations_.push_back(std::move(message));
 }
 
+void Heap::remark(std::string message) {
+    if (!calls_.empty()) message += " (in " + std::string(calls_.back()) + ")";
+    remarks_.push_back(std::move(message));
+}
+
 bool Heap::check(REALobject object, std::string_view service) {
     if (!object) return true;
     auto found = alive_.find(object);
@@ -267,6 +272,7 @@ Report Heap::report() const {
     Report result;
     for (auto& [name, leak] : leaks) result.leaks.push_back(leak);
     result.violations = violations_;
+    result.remarks = remarks_;
     result.platformObjects = platformObjects();
     return result;
 }
@@ -277,8 +283,7 @@ int Report::alive(std::string_view className) const {
     return 0;
 }
 
-std::string Report::text() const {
-    if (clean()) return {};
+std::string Report::faults() const {
     std::string result;
     for (const std::string& violation : violations) result += "misuse: " + violation + "\n";
     for (const Leak& leak : leaks) {
@@ -286,6 +291,12 @@ std::string Report::text() const {
                   " (references: " + std::to_string(leak.hostReferences) + " host, " +
                   std::to_string(leak.pluginReferences) + " plugin)\n";
     }
+    return result;
+}
+
+std::string Report::text() const {
+    std::string result = faults();
+    for (const std::string& remark : remarks) result += "remark: " + remark + "\n";
     return result;
 }
 

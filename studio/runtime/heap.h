@@ -109,8 +109,12 @@ class Heap {
 
     // ---- reports ----------------------------------------------------------------------------------------
     void violation(std::string message);
+    void remark(std::string message);
     Report report() const;
-    void clearViolations() { violations_.clear(); }
+    void clearRecords() {
+        violations_.clear();
+        remarks_.clear();
+    }
 
     std::size_t callDepth() const { return calls_.size(); }
 
@@ -144,7 +148,7 @@ class Heap {
     std::deque<std::pair<const void*, Freed>> graveyard_;
     std::size_t graveyardBytes_ = 0;
     std::set<void*> lent_;
-    std::vector<std::string> violations_;
+    std::vector<std::string> violations_, remarks_;
     std::vector<std::string_view> calls_;
 };
 

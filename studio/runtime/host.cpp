@@ -323,6 +323,6 @@ void Host::stopFailing() { impl_->faults = {}; }
 // ---- reports ---------------------------------------------------------------------------------------------
 
 Report Host::report() const { return impl_->heap.report(); }
-void Host::clearViolations() { impl_->heap.clearViolations(); }
+void Host::clearRecords() { impl_->heap.clearRecords(); }
 
 } // namespace studio

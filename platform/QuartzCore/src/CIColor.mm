@@ -44,7 +44,7 @@ static cg::LiveCount live("CIColor");
 }
 
 - (void)dealloc {
-    live.gone();
+    if (_color) live.gone();
     CGColorRelease(_color);
     [super dealloc];
 }

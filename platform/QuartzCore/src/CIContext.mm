@@ -45,7 +45,7 @@ struct CIContextState {
 }
 
 - (void)dealloc {
-    live.gone();
+    if (_state) live.gone();
     delete _state;
     [super dealloc];
 }

@@ -31,7 +31,7 @@ struct CIRegion {
 }
 
 - (void)dealloc {
-    live.gone();
+    if (_region) live.gone();
     delete _region;
     [super dealloc];
 }

@@ -167,9 +167,11 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
 }
 
 - (void)dealloc {
-    live.gone();
-    [_state->url release];
-    delete _state;
+    if (_state) {
+        live.gone();
+        [_state->url release];
+        delete _state;
+    }
     [super dealloc];
 }
 

@@ -50,11 +50,9 @@ static cg::LiveCount live("CIVector");
 - (id)initWithValues:(const CGFloat*)values count:(size_t)count {
     if (!(self = [super init])) return nil;
     live.born();
-    if (values && count) {
-        _count = count;
-        _values = new CGFloat[count];
-        std::copy_n(values, count, _values);
-    }
+    _count = values ? count : 0;
+    _values = new CGFloat[_count];
+    std::copy_n(values, _count, _values);
     return self;
 }
 
@@ -105,7 +103,7 @@ static cg::LiveCount live("CIVector");
 }
 
 - (void)dealloc {
-    live.gone();
+    if (_values) live.gone();
     delete[] _values;
     [super dealloc];
 }

@@ -25,6 +25,14 @@ TEST(LiveObjects, EveryClassIsCounted) {
     EXPECT_EQ(PlatformLiveObjects(nullptr, nullptr, 0), 0);
 }
 
+TEST(LiveObjects, WhatWasNeverInitialisedCanBeReleased) {
+    auto before = live();
+    for (Class c : {[CIImage class], [CIFilter class], [CIColor class], [CIVector class], [CIContext class],
+                    [CIFilterShape class]})
+        [[c alloc] release];
+    EXPECT_EQ(live(), before);
+}
+
 TEST(LiveObjects, AWholeDayLeavesNothingBehind) {
     auto before = live();
     @autoreleasepool {

@@ -54,12 +54,15 @@ struct Leak {
 struct Report {
     std::vector<Leak> leaks;             // what is still alive, by class
     std::vector<std::string> violations; // misuse of services, in the order it happened
+    std::vector<std::string> remarks;    // what harms nothing, but may not have been meant
     std::vector<std::pair<std::string, int>>
         platformObjects; // native objects alive, where the platform counts
 
-    bool clean() const { return leaks.empty() && violations.empty(); }
+    bool sound() const { return leaks.empty() && violations.empty(); }
+    bool clean() const { return sound() && remarks.empty(); }
     int alive(std::string_view className) const;
-    std::string text() const; // for people; empty when clean
+    std::string faults() const; // for people; empty when sound
+    std::string text() const;   // with the remarks; empty when clean
 };
 
 class Host {
@@ -118,7 +121,7 @@ class Host {
     void stopFailing();
 
     Report report() const;
-    void clearViolations();
+    void clearRecords(); // of violations and remarks
 
     struct Impl;
     Impl& impl() { return *impl_; }
