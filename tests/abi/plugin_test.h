@@ -1,18 +1,45 @@
 // The plugin loaded into a host of the test's choice, with its family or without.
 #pragma once
 
+#include <host/abi.h>
 #include <studio/host.h>
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <map>
+#include <string>
+#include <utility>
 
 class PluginTest : public testing::Test {
   protected:
     enum Family { WithFamily, WithoutFamily };
 
-    explicit PluginTest(studio::HostOptions options = {}, Family family = WithFamily)
+    // Services by name that the plugin gets from the test, which stands between it and the host.
+    using Services = std::map<std::string, void*>;
+
+    explicit PluginTest(studio::HostOptions options = {}, Family family = WithFamily, Services services = {})
         : host(std::move(options)) {
         if (family == WithFamily) host.loadPlugin(KAZ_FAMILY);
-        host.loadPlugin(KAZ_PLUGIN);
+        if (services.empty()) {
+            host.loadPlugin(KAZ_PLUGIN);
+            return;
+        }
+        replaced() = std::move(services);
+        host.loadPlugin([](REALResolver resolver) {
+            hostResolver() = resolver;
+            void* plugin = dlopen(KAZ_PLUGIN, RTLD_NOW);
+            ASSERT_NE(plugin, nullptr) << dlerror();
+            reinterpret_cast<studio::PluginEntry>(dlsym(plugin, "REALPluginMain"))([](const char* name) {
+                auto found = replaced().find(name);
+                return found == replaced().end() ? hostResolver()(name) : found->second;
+            });
+        });
+    }
+
+    // The host's own service, for those that stand before it.
+    template <class Function>
+    static Function hostService(const char* name) {
+        return reinterpret_cast<Function>(hostResolver()(name));
     }
 
     void expectClean() const {
@@ -33,4 +60,14 @@ class PluginTest : public testing::Test {
     }
 
     studio::Host host;
+
+  private:
+    static Services& replaced() {
+        static Services services;
+        return services;
+    }
+    static REALResolver& hostResolver() {
+        static REALResolver resolver = nullptr;
+        return resolver;
+    }
 };

@@ -1,10 +1,10 @@
 // RenderPicture into each kind of description that a host may deliver, QuickDraw worlds above all. The test
 // stands between the plugin and three things: the host's "lockPictureDescription", the system's frameworks
 // folder and the functions of the bundle.
-#include <host/abi.h>
-#include <studio/host.h>
+#include "plugin_test.h"
 
 #include <Carbon/Carbon.h>
+#include <CoreGraphics/CoreGraphics.h>
 #include <QD/QDOffscreen.h>
 
 #include <cstdlib>
@@ -21,8 +21,6 @@ namespace {
 
 using studio::Value;
 
-REALResolver hostResolver = nullptr;
-
 struct Interference {
     std::int32_t kind = kREALPictureGWorld; // to ask the host for
     std::function<void(REALpictureDescription&)> change;
@@ -32,27 +30,11 @@ struct Interference {
     std::vector<std::string> folders;  // that were asked for: domain, type, create
     std::string withheld;              // a function that the bundle does not have
     std::vector<std::string> lookedUp; // functions, in order
+    bool noDeviceSpace = false;        // the system makes no device RGB space
     bool lockFails = false;
     int locks = 0, unlocks = 0;
 };
 Interference test;
-
-template <class Function>
-Function hostService(const char* name) {
-    return reinterpret_cast<Function>(hostResolver(name));
-}
-
-bool lockDescription(REALpicture picture, REALpictureDescription* description) {
-    using Lock = host::service::REALLockPictureDescription;
-    if (!hostService<Lock>("REALLockPictureDescription")(picture, description, test.kind)) return false;
-    if (test.change) test.change(*description);
-    return true;
-}
-
-void* resolve(const char* name) {
-    if (std::strcmp(name, "lockPictureDescription") == 0) return reinterpret_cast<void*>(&lockDescription);
-    return hostResolver(name);
-}
 
 template <class Function>
 Function next(Function, const char* name) {
@@ -83,6 +65,10 @@ OSErr FSFindFolder(SInt16 domain, OSType type, Boolean create, FSRef* ref) {
         FSPathMakeRef(reinterpret_cast<const UInt8*>(test.framework.c_str()), ref, nullptr));
 }
 
+CGColorSpaceRef CGColorSpaceCreateDeviceRGB() {
+    return test.noDeviceSpace ? nullptr : next(&CGColorSpaceCreateDeviceRGB, "CGColorSpaceCreateDeviceRGB")();
+}
+
 void* CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef name) {
     char text[64] = "";
     CFStringGetCString(name, text, sizeof text, kCFStringEncodingASCII);
@@ -98,15 +84,17 @@ void* CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef name) {
 
 namespace {
 
-class Worlds : public testing::Test {
+class Worlds : public PluginTest {
   protected:
-    Worlds() {
-        host.loadPlugin(KAZ_FAMILY);
-        host.loadPlugin([](REALResolver resolver) {
-            hostResolver = resolver;
-            void* plugin = dlopen(KAZ_PLUGIN, RTLD_NOW);
-            reinterpret_cast<studio::PluginEntry>(dlsym(plugin, "REALPluginMain"))(&resolve);
-        });
+    Worlds()
+        : PluginTest({}, WithFamily,
+                     {{"lockPictureDescription", reinterpret_cast<void*>(&lockDescription)}}) {}
+
+    static bool lockDescription(REALpicture picture, REALpictureDescription* description) {
+        using Lock = host::service::REALLockPictureDescription;
+        if (!hostService<Lock>("REALLockPictureDescription")(picture, description, test.kind)) return false;
+        if (test.change) test.change(*description);
+        return true;
     }
 
     Value photo() {
@@ -156,13 +144,9 @@ class Worlds : public testing::Test {
     }
 
     void expectClean() {
-        studio::Report report = host.report();
-        EXPECT_TRUE(report.clean()) << report.text();
-        for (const auto& [name, count] : report.platformObjects) EXPECT_EQ(count, 0) << "living " << name;
+        PluginTest::expectClean();
         EXPECT_EQ(test.locks, test.unlocks);
     }
-
-    studio::Host host;
 };
 
 TEST_F(Worlds, GetThePixelsThatBitmapsGet) {
@@ -274,6 +258,28 @@ TEST_F(Worlds, ThatHaveRowsTooShortForTheBitmapGiveNilAndAreUnlocked) {
     EXPECT_TRUE(render().isNil());
     EXPECT_EQ(test.locks, 1);
     DisposeGWorld(narrow);
+    expectClean();
+}
+
+TEST_F(Worlds, AreNotMadeWithoutADeviceSpace) {
+    Value image = photo();
+    test.noDeviceSpace = true;
+    EXPECT_TRUE(render(image, 40, 30).isNil());
+    EXPECT_TRUE(host.call(image, "CreateCGImage").isNil());
+    EXPECT_TRUE(host.call(image, "CreateCGImage", {Value(), Value()}).isNil());
+    test.noDeviceSpace = false;
+    EXPECT_FALSE(host.call(image, "CreateCGImage").isNil());
+    image = {};
+    expectClean();
+}
+
+TEST_F(Worlds, WithoutANewPictureOrItsDescriptionGiveNilAndLeaveNothing) {
+    host.failService("newPicture");
+    EXPECT_TRUE(render().isNil());
+    host.failService("REALLockPictureDescription");
+    EXPECT_TRUE(render().isNil());
+    EXPECT_EQ(host.report().alive("Picture"), 0);
+    EXPECT_FALSE(render().isNil());
     expectClean();
 }
 
