@@ -74,8 +74,8 @@ double ramp(double x, double low, double high) { return std::clamp((x - low) / (
 
 /// The circle of a pupil that a flash has lit: x, y and radius.
 std::optional<std::array<double, 3>> redPupil(const Image& image, const Face& face, Point eye) {
-    double reach = std::max(3.0, 0.12 * face.bounds.width());
-    Samples around = look(image, Rect{eye.x, eye.y, eye.x, eye.y}.grown(reach, reach), 64);
+    double reach = std::max(3.0, 0.12 * face.bounds.intersect(image->extent()).width());
+    Samples around = look(image, {eye.x - reach, eye.y - reach, eye.x + reach, eye.y + reach}, 64);
     // In coded colour, what is over three times as red in linear light is this much redder.
     auto isRed = [](const Sample& s) { return s.r > 0.25 && s.r > 1.7 * std::max(s.g, s.b); };
     auto red = static_cast<double>(std::count_if(around.begin(), around.end(), isRed));
