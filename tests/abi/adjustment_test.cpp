@@ -110,6 +110,16 @@ TEST_F(Adjustment, OptionsReachCoreImage) {
     expectClean();
 }
 
+TEST_F(Adjustment, ExceptionsOfCocoaReachTheHost) {
+    // Cocoa has no arrays with nil in them.
+    Value bad =
+        options("kCIImageAutoAdjustFeatures", host.array("Variant", {host.memoryBlock("kept"), nullptr}));
+    Value image = square();
+    EXPECT_NE(raisedBy([&] { host.call(image, withOptions, {bad}); }), "(none)");
+    bad = image = {};
+    expectClean();
+}
+
 TEST_F(Adjustment, SurvivesEveryAllocationThatFails) {
     Value image = square();
     testing::internal::CaptureStderr();
