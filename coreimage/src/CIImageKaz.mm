@@ -133,7 +133,7 @@ void initWithBitmapMemory(REALobject self, REALmemoryBlock data, std::int32_t le
 template <class Find>
 REALarray adjustmentsWith(REALobject self, Find&& find) {
     return wrappersResult([&] { return find(nativeHandle<CIImage*>(self)); },
-                       [](id filter) { return wrapped(kFilter, filter); });
+                          [](id filter) { return wrapped(kFilter, filter); });
 }
 
 REALarray autoAdjustmentFilters(REALobject self) {

@@ -68,8 +68,8 @@ REALobject wrappedResult(const WrapperType& type, Make&& make) {
     return guardedInPool([&] { return wrapped(type, make()); });
 }
 
-// The frame of a function that returns an object array: always an array, with the wrappers that `wrap` finds for
-// the objects in the NSArray that `list` returns.
+// The frame of a function that returns an object array: always an array, with the wrappers that `wrap` finds
+// for the objects in the NSArray that `list` returns.
 template <class List>
 REALarray wrappersResult(List&& list, REALobject (*wrap)(id native)) {
     bridge::ensureFamily();
