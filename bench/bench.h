@@ -43,6 +43,7 @@ struct Benchmark {
 
 // The benchmarks of each file.
 extern const Benchmark arrays;
+extern const Benchmark autoAdjustment;
 extern const Benchmark calls;
 extern const Benchmark colorChain;
 extern const Benchmark dictionaries;

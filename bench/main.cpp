@@ -16,9 +16,9 @@ void bench::report(const std::string& name, double value, const char* unit) {
 }
 
 int main(int argc, char** argv) {
-    const bench::Benchmark benchmarks[] = {bench::pluginMain, bench::calls,       bench::dictionaries,
-                                           bench::arrays,     bench::strings,     bench::pictures,
-                                           bench::colorChain, bench::gaussianBlur};
+    const bench::Benchmark benchmarks[] = {bench::pluginMain, bench::calls,        bench::dictionaries,
+                                           bench::arrays,     bench::strings,      bench::pictures,
+                                           bench::colorChain, bench::gaussianBlur, bench::autoAdjustment};
     bool failed = false, ran = false;
     for (const bench::Benchmark& benchmark : benchmarks) {
         if (argc > 1 && !std::strstr(benchmark.name, argv[1])) continue;

@@ -97,7 +97,41 @@ void measureGaussianBlur() {
             [](CIImage* image) { return filtered(@"CIGaussianBlur", image, value(@"inputRadius", 20)); });
 }
 
+// Finding the filters, without faces, and then applying them, against rendering the photograph as it is.
+void measureAutoAdjustment() {
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    double copy = copySeconds();
+    CGImageRef photograph = newPhotograph();
+    CGContextRef bitmap = newBitmap();
+    CIImage* image =
+        filtered(@"CIExposureAdjust", [CIImage imageWithCGImage:photograph], value(@"inputEV", -2));
+    CIContext* context = [CIContext contextWithCGContext:bitmap options:nil];
+    CGRect whole = CGRectMake(0, 0, kWidth, kHeight);
+    auto renderSeconds = [&](CIImage* picture) {
+        return bench::bestOf(5, [&] { [context drawImage:picture inRect:whole fromRect:whole]; });
+    };
+    double plain = renderSeconds(image);
+    NSDictionary* noFaces = [NSDictionary dictionaryWithObject:[NSArray array]
+                                                        forKey:kCIImageAutoAdjustFeatures];
+    NSArray* filters = nil;
+    double analysis = bench::bestOf(5, [&] { filters = [image autoAdjustmentFiltersWithOptions:noFaces]; });
+    CIImage* adjusted = image;
+    for (CIFilter* filter in filters) {
+        [filter setValue:adjusted forKey:@"inputImage"];
+        adjusted = [filter valueForKey:@"outputImage"];
+    }
+    bench::report("copying the picture once", copy * 1e3, "ms");
+    bench::report("rendering it as it is", plain * 1e3, "ms", plain / copy, "the copy");
+    bench::report("finding the filters", analysis * 1e3, "ms", analysis / plain, "the rendering");
+    double applied = renderSeconds(adjusted);
+    bench::report("rendering it adjusted", applied * 1e3, "ms", applied / plain, "the rendering");
+    CGContextRelease(bitmap);
+    CGImageRelease(photograph);
+    [pool release];
+}
+
 } // namespace
 
 const bench::Benchmark bench::colorChain = {"render: 8 colour filters, 4000 x 3000", measureColorChain};
 const bench::Benchmark bench::gaussianBlur = {"render: CIGaussianBlur, 4000 x 3000", measureGaussianBlur};
+const bench::Benchmark bench::autoAdjustment = {"automatic adjustment, 4000 x 3000", measureAutoAdjustment};

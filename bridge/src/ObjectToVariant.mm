@@ -33,13 +33,7 @@ REALobject variantOfString(NSString* text) {
 REALobject arrayOf(NSArray* elements) {
     REALarray array = REALCreateArray(kREALArrayObject, -1);
     if (!array) return nullptr;
-    std::int32_t index = 0;
-    NSEnumerator* enumerator = [elements objectEnumerator];
-    while (id element = [enumerator nextObject]) {
-        REALobject value = NewVariantFromNSObject(element);
-        REALInsertArrayValueObject(array, index++, value);
-        if (value) REALUnlockObject(value);
-    }
+    FillObjectArray(array, elements, NewVariantFromNSObject);
     return &array->object;
 }
 

@@ -113,6 +113,17 @@ void FillStringArray(REALstringArray array, NSArray* strings) {
     }
 }
 
+void FillObjectArray(REALarray array, NSArray* elements, REALobject (*convert)(id element)) {
+    if (!array) return;
+    std::int32_t index = 0;
+    NSEnumerator* enumerator = [elements objectEnumerator];
+    while (id element = [enumerator nextObject]) {
+        REALobject object = convert(element);
+        REALInsertArrayValueObject(array, index++, object);
+        if (object) REALUnlockObject(object);
+    }
+}
+
 REALmemoryBlock NSDataRB(NSData* data) {
     const void* bytes = [data bytes];
     NSUInteger length = [data length];

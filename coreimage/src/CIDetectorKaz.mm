@@ -31,24 +31,12 @@ void initWithType(REALobject self, REALstring type, REALobject context, REALobje
 // `find` returns the features in the image.
 template <class Find>
 REALarray featuresWith(REALobject image, Find&& find) {
-    bridge::ensureFamily();
-    REALarray array = REALCreateArray(kREALArrayObject, -1);
     CIImage* native = nativeHandle<CIImage*>(image);
     if (!native) {
         RaiseException(bridge::kNilObject, "image is nil");
-        if (array) REALUnlockObject(&array->object);
         return nullptr;
     }
-    guardedInPool([&] {
-        std::int32_t index = 0;
-        NSEnumerator* features = [find(native) objectEnumerator];
-        while (id feature = [features nextObject]) {
-            REALobject wrapper = NewCIFeatureKaz(feature);
-            REALInsertArrayValueObject(array, index++, wrapper);
-            if (wrapper) REALUnlockObject(wrapper);
-        }
-    });
-    return array;
+    return wrappersResult([&] { return find(native); }, NewCIFeatureKaz);
 }
 
 REALarray featuresInImage(REALobject self, REALobject image) {

@@ -5,6 +5,7 @@
 #include <bridge/containers.h>
 #include <bridge/pictures.h>
 #include <bridge/threads.h>
+#include <bridge/variants.h>
 
 #import <AppKit/AppKit.h>
 
@@ -130,6 +131,25 @@ void initWithBitmapMemory(REALobject self, REALmemoryBlock data, std::int32_t le
     });
 }
 
+// --- automatic adjustment ---------------------------------------------------------------------------------
+
+// `find` returns the filters for the image, which may be nil.
+template <class Find>
+REALarray adjustmentsWith(REALobject self, Find&& find) {
+    return wrappersResult([&] { return find(nativeHandle<CIImage*>(self)); },
+                          [](id filter) { return wrapped(kFilter, filter); });
+}
+
+REALarray autoAdjustmentFilters(REALobject self) {
+    return adjustmentsWith(self, [](CIImage* image) { return [image autoAdjustmentFilters]; });
+}
+
+REALarray autoAdjustmentFiltersWithOptions(REALobject self, REALobject options) {
+    return adjustmentsWith(self, [&](CIImage* image) {
+        return [image autoAdjustmentFiltersWithOptions:NewNSDictionary(options)];
+    });
+}
+
 // --- shared methods ---------------------------------------------------------------------------------------
 
 REALstring autoAdjustEnhance() {
@@ -235,6 +255,9 @@ REALmethodDefinition methods[] = {
            "height "
            "as integer, format as integer, cgcolorspace as CGColorSpaceKaz)",
            initWithBitmapMemory),
+    method("autoAdjustmentFilters as CIFilterKaz()", autoAdjustmentFilters),
+    method("autoAdjustmentFiltersWithOptions(options as dictionary) as CIFilterKaz()",
+           autoAdjustmentFiltersWithOptions),
     method("CreateCGImage(r as CGRectKaz = nil) as CGImageKaz", rendering::createCGImage),
     method("CreateCGImage(r as CGRectKaz, ColorSpace as CGColorSpaceKaz) as CGImageKaz",
            rendering::createCGImageInColorSpace),

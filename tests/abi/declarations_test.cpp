@@ -34,6 +34,8 @@ const Declarations expected[] = {
       "as integer, cgcolorspace as CGColorSpaceKaz)",
       "Constructor(data as Memoryblock, Length as Integer, BytesPerRow as integer, width as integer, height "
       "as integer, format as integer, cgcolorspace as CGColorSpaceKaz)",
+      "autoAdjustmentFilters as CIFilterKaz()",
+      "autoAdjustmentFiltersWithOptions(options as dictionary) as CIFilterKaz()",
       "CreateCGImage(r as CGRectKaz = nil) as CGImageKaz",
       "CreateCGImage(r as CGRectKaz, ColorSpace as CGColorSpaceKaz) as CGImageKaz",
       "AsNSImageKaz as variant",

@@ -8,6 +8,10 @@
 // Fills a host string array from element 0 on. The array is neither cleared nor resized first.
 void FillStringArray(REALstringArray array, NSArray* strings);
 
+// Likewise an object array, with what `convert` makes of each element: a host object with a reference for us,
+// which is given back once the array has its own, or null.
+void FillObjectArray(REALarray array, NSArray* elements, REALobject (*convert)(id element));
+
 // A new memory block with a copy of the bytes; null for no bytes. Raises "OutOfMemoryException" when the host
 // cannot make a block of that size.
 REALmemoryBlock NSDataRB(NSData* data);

@@ -1,5 +1,6 @@
 #include "Shim.h"
 
+#include "Attempt.h"
 #include "Formats.h"
 
 #include <cg/color.h>
@@ -12,20 +13,6 @@
 namespace ci {
 
 namespace {
-
-/// Runs `body`; what it throws is told in `failure`, and its result is then empty.
-template <class Body>
-auto attempt(Failure& failure, Body body) noexcept -> decltype(body()) {
-    using Result = decltype(body());
-    try {
-        return body();
-    } catch (const std::bad_alloc&) {
-        failure = {true, "out of memory"};
-    } catch (const std::exception& e) {
-        failure = {false, e.what()};
-    }
-    return Result();
-}
 
 constexpr double largest = std::numeric_limits<CGFloat>::max();
 
@@ -117,7 +104,8 @@ bool clip(CGContextRef context, CGRect& dest, CGRect& source) {
     source = CGRectStandardize(source);
     if (CGRectIsNull(bounds) || CGRectIsEmpty(dest) || CGRectIsEmpty(source)) return false;
     if (CGRectIsInfinite(source) || CGRectIsInfinite(dest)) {
-        // An infinite picture has no scale to an area, so it is drawn as it is; nothing fills an infinite area else.
+        // An infinite picture has no scale to an area, so it is drawn as it is; nothing fills an infinite
+        // area else.
         if (!CGRectIsInfinite(source)) return false;
         dest = source = CGRectIntersection(dest, bounds);
         return !CGRectIsEmpty(dest);

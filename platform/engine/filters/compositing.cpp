@@ -80,6 +80,57 @@ struct SoftLight {
     }
 };
 
+struct Rgb {
+    float r, g, b;
+    SIMD_INLINE float luminosity() const { return 0.3f * r + 0.59f * g + 0.11f * b; }
+    SIMD_INLINE float low() const { return simd::min(r, simd::min(g, b)); }
+    SIMD_INLINE float high() const { return simd::max(r, simd::max(g, b)); }
+    SIMD_INLINE float saturation() const { return high() - low(); }
+    /// Its distance from the gray y, times f.
+    SIMD_INLINE Rgb from(float y, float f) const {
+        return {y + (r - y) * f, y + (g - y) * f, y + (b - y) * f};
+    }
+    SIMD_INLINE Rgb withSaturation(float s) const {
+        float bottom = low(), range = high() - bottom, f = range > 0 ? s / range : 0;
+        return {(r - bottom) * f, (g - bottom) * f, (b - bottom) * f};
+    }
+    /// Towards gray as far as it takes to stay within 0 and 1.
+    SIMD_INLINE Rgb withLuminosity(float y) const {
+        float d = y - luminosity();
+        Rgb c{r + d, g + d, b + d};
+        float bottom = c.low(), top = c.high();
+        c = c.from(y, bottom < 0 && y > bottom ? y / (y - bottom) : 1);
+        return c.from(y, top > 1 && top > y ? (1 - y) / (top - y) : 1);
+    }
+};
+
+/// The formula of PDF's blend modes whose components depend on each other.
+template <class F>
+void nonSeparable(const Span& above, const Span& below, int n) {
+    simd::run([=, sr = above.plane[0], sg = above.plane[1], sb = above.plane[2], sa = above.plane[3],
+               dr = below.plane[0], dg = below.plane[1], db = below.plane[2],
+               da = below.plane[3]]() SIMD_INLINE {
+        SIMD_LOOP
+        for (int i = 0; i < n; ++i) {
+            float a = sa[i], b = da[i], fs = a > 0 ? 1 / a : 0, fd = b > 0 ? 1 / b : 0;
+            Rgb mixed =
+                F::of(Rgb{sr[i] * fs, sg[i] * fs, sb[i] * fs}, Rgb{dr[i] * fd, dg[i] * fd, db[i] * fd});
+            dr[i] = sr[i] * (1 - b) + dr[i] * (1 - a) + a * b * mixed.r;
+            dg[i] = sg[i] * (1 - b) + dg[i] * (1 - a) + a * b * mixed.g;
+            db[i] = sb[i] * (1 - b) + db[i] * (1 - a) + a * b * mixed.b;
+            da[i] = a + b - a * b;
+        }
+    });
+}
+
+// clang-format off
+#define FORMULA3(name, result) struct name { SIMD_INLINE static Rgb of(const Rgb& s, const Rgb& d) { return result; } }
+FORMULA3(Hue, s.withSaturation(d.saturation()).withLuminosity(d.luminosity()));
+FORMULA3(Saturation, d.withSaturation(s.saturation()).withLuminosity(d.luminosity()));
+FORMULA3(ColorOf, s.withLuminosity(d.luminosity()));
+FORMULA3(Luminosity, d.withLuminosity(s.luminosity()));
+// clang-format on
+
 /// Colours and alpha add up, but nothing is more than opaque.
 void addition(const Span& above, const Span& below, int n) {
     eachComponent<Add>(above, below, n);
@@ -162,6 +213,22 @@ constexpr Mode modes[] = {
      "Color Burn Blend Mode",
      "Darkens the background to reflect the picture on top.",
      {"color burn", separable<ColorBurn>}},
+    {"CIHueBlendMode",
+     "Hue Blend Mode",
+     "Gives the background the hue of the picture on top.",
+     {"hue", nonSeparable<Hue>}},
+    {"CISaturationBlendMode",
+     "Saturation Blend Mode",
+     "Gives the background the saturation of the picture on top.",
+     {"saturation", nonSeparable<Saturation>}},
+    {"CIColorBlendMode",
+     "Color Blend Mode",
+     "Gives the background the hue and saturation of the picture on top.",
+     {"color", nonSeparable<ColorOf>}},
+    {"CILuminosityBlendMode",
+     "Luminosity Blend Mode",
+     "Gives the background the luminosity of the picture on top.",
+     {"luminosity", nonSeparable<Luminosity>}},
 };
 
 template <std::size_t i>

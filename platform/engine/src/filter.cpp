@@ -65,9 +65,11 @@ InputInfo vectorInput(std::string key, std::string displayName, std::string_view
     return info;
 }
 
-InputInfo colorInput(std::string key, std::string displayName, std::string_view type, const Color& value) {
+InputInfo colorInput(std::string key, std::string displayName, std::string_view type, const Color& value,
+                     std::optional<Color> identity) {
     InputInfo info = input(std::move(key), std::move(displayName), "CIColor", type);
     info.defaultValue = value;
+    if (identity) info.identity = *identity;
     return info;
 }
 
@@ -123,11 +125,16 @@ double Inputs::number(std::string_view key, double low, double high) const {
     return std::clamp(number(key), low, high);
 }
 
-Numbers Inputs::vector(std::string_view key, std::size_t count) const {
+Numbers Inputs::vector(std::string_view key) const {
     auto v = find<Numbers>(key);
     Numbers out = v ? *v : Numbers{};
-    out.resize(count);
     for (double& x : out) x = finite(x);
+    return out;
+}
+
+Numbers Inputs::vector(std::string_view key, std::size_t count) const {
+    Numbers out = vector(key);
+    out.resize(count);
     return out;
 }
 

@@ -32,6 +32,13 @@ void sourceOver(const Span& above, const Span& below, int n);
 /// With one image missing the result is the other where that can show without it, and null otherwise.
 Image blend(const BlendMode& mode, const Image& above, const Image& below);
 
+/// Makes a pixel from the pixels of several images at its place: `pixels` are theirs in order, and the result
+/// goes to the first.
+using CombineFunction = std::function<void(const Span* pixels, int n)>;
+/// At most maxCombined images; a null one is clear. The result is transparent outside of `extent`.
+constexpr std::size_t maxCombined = 4;
+Image combine(std::string name, const Rect& extent, std::vector<Image> images, CombineFunction step);
+
 /// Convolution with a Gaussian of standard deviation `sigma`.
 Image gaussian(const Image& image, double sigma);
 /// The mean of the square that reaches `radius` pixels to each side of a pixel.

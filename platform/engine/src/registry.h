@@ -22,7 +22,8 @@ InputInfo numberInput(std::string key, std::string displayName, std::string_view
                       const NumberFacts& facts);
 InputInfo vectorInput(std::string key, std::string displayName, std::string_view type, Numbers value,
                       std::optional<Numbers> identity = {});
-InputInfo colorInput(std::string key, std::string displayName, std::string_view type, const Color& value);
+InputInfo colorInput(std::string key, std::string displayName, std::string_view type, const Color& value,
+                     std::optional<Color> identity = {});
 InputInfo transformInput(std::string key, std::string displayName);
 
 } // namespace engine

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <CoreGraphics/CoreGraphics.h>
+#include <bridge/containers.h>
 #include <bridge/guard.h>
 #include <bridge/strings.h>
 #include <bridge/wrapping.h>
@@ -65,6 +66,16 @@ template <class Make>
 REALobject wrappedResult(const WrapperType& type, Make&& make) {
     bridge::ensureFamily();
     return guardedInPool([&] { return wrapped(type, make()); });
+}
+
+// The frame of a function that returns an object array: always an array, with the wrappers that `wrap` finds
+// for the objects in the NSArray that `list` returns.
+template <class List>
+REALarray wrappersResult(List&& list, REALobject (*wrap)(id native)) {
+    bridge::ensureFamily();
+    REALarray array = REALCreateArray(kREALArrayObject, -1);
+    guardedInPool([&] { FillObjectArray(array, list(), wrap); });
+    return array;
 }
 
 // The "description" property of every class.

@@ -18,7 +18,8 @@ CORE_IMAGE_EXTERN NSString* const kCIImageColorSpace;
 /** Option: the dictionary that `properties` answers. */
 CORE_IMAGE_EXTERN NSString* const kCIImageProperties;
 
-/** Options of the automatic adjustment. */
+/** Options of the automatic adjustment: NSNumbers, NO to leave out what enhances or the correction of red
+ * eyes; and an NSArray of features to use instead of detecting faces. */
 CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustEnhance;
 CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustRedEye;
 CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustFeatures;
@@ -80,4 +81,19 @@ CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustFeatures;
 /** The space of the pixels that the image was made of; null for anything computed. Borrowed. */
 - (CGColorSpaceRef)colorSpace;
 
+@end
+
+@interface CIImage (AutoAdjustment)
+/**
+ * The filters that would improve the picture, as CIFilters with every input set but the image; each is meant
+ * to get the output of the one before. In order: CIRedEyeCorrections and CIFaceBalance, where a face asks for
+ * them, then CIVibrance, CIToneCurve and CIHighlightShadowAdjust. Empty when the extent is empty or infinite.
+ * Analyses the picture at once.
+ */
+- (NSArray*)autoAdjustmentFilters;
+/**
+ * The same with the kCIImageAutoAdjust options, and under kCGImagePropertyOrientation how the picture is
+ * turned, for the detection of faces; without it the picture's own properties tell. The options may be nil.
+ */
+- (NSArray*)autoAdjustmentFiltersWithOptions:(NSDictionary*)options;
 @end

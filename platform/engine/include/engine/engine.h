@@ -250,7 +250,9 @@ class ENGINE_API Inputs {
     double number(std::string_view key) const;
     /// `number` limited to low..high.
     double number(std::string_view key, double low, double high) const;
-    /// Padded with 0 or cut to `count`; not finite elements become 0.
+    /// As many as there are; not finite elements become 0.
+    Numbers vector(std::string_view key) const;
+    /// Padded with 0 or cut to `count`.
     Numbers vector(std::string_view key, std::size_t count) const;
     Point point(std::string_view key) const;
     /// From x, y, width, height.
