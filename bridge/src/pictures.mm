@@ -29,7 +29,7 @@ class Description {
   public:
     Description(REALpicture picture, std::int32_t kind) : picture(picture) {
         locked = REALLockPictureDescription(picture, &record, kind);
-        if (!locked && rbversion_rbversion < kFailedLocksNeedNoUnlock) REALUnlockPictureDescription(picture);
+        if (!locked) bridge::undoFailedLock(picture);
     }
     ~Description() {
         if (locked) REALUnlockPictureDescription(picture);
@@ -220,6 +220,10 @@ void GraphicsDrawPicture(REALpicture destination, REALpicture source, int, int, 
         if (rbversion_rbversion < kFailedLocksNeedNoUnlock) gResolver("RuntimeGraphicsDrawPicture");
     }
     if (source && destination && w == sw && h == sh) copyRows(destination, source);
+}
+
+void bridge::undoFailedLock(REALpicture picture) {
+    if (rbversion_rbversion < kFailedLocksNeedNoUnlock) REALUnlockPictureDescription(picture);
 }
 
 CGImageRef bridge::copyCGImage(REALpicture picture) {

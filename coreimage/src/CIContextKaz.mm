@@ -1,10 +1,10 @@
 // CIContextKaz: draws images into a CGContext or a picture, or renders them into CGImages.
 #include "wrapper.h"
 
+#include <bridge/pictures.h>
+
 namespace coreimage {
 namespace {
-
-constexpr double kKeepsFailedLocksUnlocked = 2012.0; // earlier hosts want an unlock even after a failed lock
 
 struct ContextData {
     CIContext* context;
@@ -68,7 +68,7 @@ void initWithPicture(REALobject self, REALpicture picture) {
     guardedInPool([&] {
         REALpictureDescription description = {};
         bool locked = REALLockPictureDescription(picture, &description, kREALPictureCGContext);
-        if (!locked && rbversion_rbversion < kKeepsFailedLocksUnlocked) REALUnlockPictureDescription(picture);
+        if (!locked) bridge::undoFailedLock(picture);
         if (!locked || description.kind != kREALPictureCGContext || !description.handle) {
             RaiseException(bridge::kUnsupportedOperation, "Only supported on Mac OS X in Cocoa target.");
             return;

@@ -182,9 +182,8 @@ REALobject imageWithPicture(REALpicture picture) {
 }
 
 REALobject imageWithContentsOfPath(REALstring path, REALobject colorSpace) {
-    return wrappedResult(kImage, [&]() -> CIImage* {
+    return wrappedResult(kImage, [&] {
         NSString* text = (NSString*)bridge::temporaryString(path);
-        if (!text) return nil;
         return [CIImage imageWithContentsOfURL:[NSURL fileURLWithPath:text isDirectory:NO]
                                        options:optionsWithColorSpace(colorSpace)];
     });

@@ -8,12 +8,21 @@
 
 #import <AppKit/AppKit.h>
 
+#include <algorithm>
+#include <limits>
+
 namespace coreimage::rendering {
 namespace {
 
 using bridge::Owned;
 
 CIImage* image(REALobject self) { return nativeHandle<CIImage*>(self); }
+
+// Truncated towards zero, and limited for endless images.
+std::int32_t wholePixels(CGFloat size) {
+    constexpr double kMost = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::clamp(static_cast<double>(size), -kMost, kMost));
+}
 
 NSSize sizeOf(CGRect extent) { return NSMakeSize(extent.size.width, extent.size.height); }
 
@@ -56,8 +65,8 @@ bool drawIntoPicture(CIImage* image, const REALpictureDescription& description, 
 template <class Render>
 REALobject createCGImageWith(REALobject self, REALobject rect, CGColorSpaceRef bitmapSpace, Render&& render) {
     CGRect source = sourceRectangle(rect, [image(self) extent]);
-    size_t width = static_cast<size_t>(static_cast<std::int32_t>(source.size.width));
-    size_t height = static_cast<size_t>(static_cast<std::int32_t>(source.size.height));
+    size_t width = static_cast<size_t>(wholePixels(source.size.width));
+    size_t height = static_cast<size_t>(wholePixels(source.size.height));
     Owned<CGContextRef> bitmap(CGBitmapContextCreate(nullptr, width, height, 8, width * 4, bitmapSpace,
                                                      kCGImageAlphaPremultipliedLast));
     if (!bitmap) return nullptr;
@@ -135,8 +144,8 @@ REALpicture renderPicture(REALobject self, std::int32_t width, std::int32_t heig
     return guardedInPool([&]() -> REALpicture {
         if (!image(self)) return nullptr;
         CGRect extent = [image(self) extent];
-        if (width < 1) width = static_cast<std::int32_t>(extent.size.width);
-        if (height < 1) height = static_cast<std::int32_t>(extent.size.height);
+        if (width < 1) width = wholePixels(extent.size.width);
+        if (height < 1) height = wholePixels(extent.size.height);
         if (width < 1 || height < 1) return nullptr;
 
         Owned<CGColorSpaceRef> deviceRGB(CGColorSpaceCreateDeviceRGB());
@@ -155,6 +164,8 @@ REALpicture renderPicture(REALobject self, std::int32_t width, std::int32_t heig
                 RaiseNSExceptionKaz(exception);
             }
             REALUnlockPictureDescription(picture);
+        } else {
+            bridge::undoFailedLock(picture);
         }
         if (drawn) {
             REALPictureClearCache(picture);
@@ -166,11 +177,11 @@ REALpicture renderPicture(REALobject self, std::int32_t width, std::int32_t heig
 }
 
 std::int32_t height(REALobject self) {
-    return guarded([&] { return static_cast<std::int32_t>([image(self) extent].size.height); });
+    return guardedInPool([&] { return wholePixels([image(self) extent].size.height); });
 }
 
 std::int32_t width(REALobject self) {
-    return guarded([&] { return static_cast<std::int32_t>([image(self) extent].size.width); });
+    return guardedInPool([&] { return wholePixels([image(self) extent].size.width); });
 }
 
 REALstring url(REALobject self) {
@@ -186,7 +197,7 @@ REALobject properties(REALobject self) {
 }
 
 REALobject extent(REALobject self) {
-    return guarded([&]() -> REALobject {
+    return guardedInPool([&]() -> REALobject {
         if (!image(self)) return nullptr;
         return newRectangle([image(self) extent]);
     });

@@ -1,18 +1,23 @@
-// Watches what the plugin sends to Core Image.
+// Watches what the plugin sends to Core Image, and makes Core Image answer otherwise.
 #pragma once
 
 #include <string>
 #include <vector>
 
-// Each call as its selector and its arguments, in order, e.g. "contextWithCGContext:options:
-// {software_renderer=0}".
+// Each message of the plugin as its selector and its arguments, in order, such as
+// "contextWithCGContext:options: {software_renderer=0}". What Core Image sends itself is not among them.
 extern std::vector<std::string> nativeCalls;
 
-// From here on calls are noted. Bitmaps are not made, since their length may be a lie; everything else is.
+// The bytes of the data that came with the last bitmap.
+extern const void* lastBitmapBytes;
+
+// From here on messages are noted. Bitmaps are not made, since their length may be a lie.
 void watchNativeCalls();
 
-// Makes `unionWith:` answer the shape that it was given.
+// Answers of the class or the object instead of its own.
 void answerUnionsWithTheOther();
-
-// Where a memory block's data would begin, as noted for the last bitmap.
-extern const void* lastBitmapBytes;
+void answerDefinitionsWith(int shape);
+void answerContextsWith(int context); // 0 for nil
+void answerGraphicsPortsWithNull();
+void raiseWhenDrawing(const char* reason);
+void raiseWhenInsetting(const char* reason);

@@ -1,5 +1,6 @@
 #include "native_calls.h"
 
+#import <AppKit/AppKit.h>
 #import <QuartzCore/QuartzCore.h>
 
 #include <objc/runtime.h>
@@ -8,6 +9,8 @@ std::vector<std::string> nativeCalls;
 const void* lastBitmapBytes = nullptr;
 
 namespace {
+
+// --- arguments as text ------------------------------------------------------------------------------------
 
 std::string text(NSDictionary* options) {
     if (!options) return "nil";
@@ -23,16 +26,32 @@ std::string text(NSDictionary* options) {
     return result + "}";
 }
 
-std::string number(CGFloat value) { return [[NSString stringWithFormat:@"%g", double(value)] UTF8String]; }
+std::string number(CGFloat value) {
+    return [[NSString stringWithFormat:@"%.9g", static_cast<double>(value)] UTF8String];
+}
 
 std::string text(CGRect r) {
     return "[" + number(r.origin.x) + " " + number(r.origin.y) + " " + number(r.size.width) + " " +
            number(r.size.height) + "]";
 }
 
+// --- watching ---------------------------------------------------------------------------------------------
+
+int depth = 0; // of watched methods that are running
+
 void note(SEL selector, const std::string& arguments) {
-    nativeCalls.push_back(std::string(sel_getName(selector)) + (arguments.empty() ? "" : " " + arguments));
+    if (depth == 0)
+        nativeCalls.push_back(std::string(sel_getName(selector)) +
+                              (arguments.empty() ? "" : " " + arguments));
 }
+
+Method instanceMethod(Class cls, SEL selector) { return class_getInstanceMethod(cls, selector); }
+Class metaclass(Class cls) { return object_getClass(cls); }
+
+struct Running {
+    Running() { ++depth; }
+    ~Running() { --depth; }
+};
 
 // A watched method: notes what `describe` says of its arguments, and passes the call on. The number tells
 // methods apart that are described alike.
@@ -45,16 +64,19 @@ struct Watched<Result, describe, n> {
 
     static Result call(id self, SEL selector, Arguments... arguments) {
         note(selector, describe(arguments...));
+        Running running;
         return original(self, selector, arguments...);
     }
 
     static void in(Class cls, SEL selector) {
         original = reinterpret_cast<decltype(original)>(
-            method_setImplementation(class_getInstanceMethod(cls, selector), reinterpret_cast<IMP>(&call)));
+            method_setImplementation(instanceMethod(cls, selector), reinterpret_cast<IMP>(&call)));
     }
 };
 
-std::string options(id, NSDictionary* options) { return text(options); }
+std::string object(id) { return {}; }
+std::string objectAndOptions(id, NSDictionary* options) { return text(options); }
+std::string pathAndFlag(NSString*, BOOL isDirectory) { return isDirectory ? "directory" : "file"; }
 std::string pointAndRect(CIImage*, CGPoint point, CGRect source) {
     return number(point.x) + "," + number(point.y) + " " + text(source);
 }
@@ -81,34 +103,86 @@ id noBitmap(id self, SEL selector, NSData* data, size_t bytesPerRow, CGSize size
     return nil;
 }
 
-id theOther(id, SEL, id other) { return other; }
+// --- other answers ----------------------------------------------------------------------------------------
 
-Class metaclass(Class cls) { return object_getClass(cls); }
+id givenShape = nil, givenContext = nil;
+const char* givenReason = nullptr;
+
+id theOther(id, SEL, id other) { return other; }
+id definition(id, SEL) { return givenShape; }
+id context(id, SEL, CGContextRef, NSDictionary*) { return givenContext; }
+void* noPort(id, SEL) { return nullptr; }
+
+void raise() { [NSException raise:NSInternalInconsistencyException format:@"%s", givenReason]; }
+void drawRaising(id, SEL, CIImage*, CGRect, CGRect) { raise(); }
+id insetRaising(id, SEL, int, int) {
+    raise();
+    return nil;
+}
+
+template <class Function>
+void replace(Class cls, SEL selector, Function function) {
+    method_setImplementation(instanceMethod(cls, selector), reinterpret_cast<IMP>(function));
+}
 
 } // namespace
 
 void watchNativeCalls() {
     Class image = [CIImage class], context = [CIContext class], shape = [CIFilterShape class];
-    Watched<id, options, 0>::in(metaclass(image), @selector(imageWithCGImage:options:));
-    Watched<id, options, 1>::in(metaclass(image), @selector(imageWithContentsOfURL:options:));
-    Watched<id, options, 2>::in(metaclass(image), @selector(imageWithData:options:));
-    method_setImplementation(
-        class_getClassMethod(image, @selector(imageWithBitmapData:bytesPerRow:size:format:colorSpace:)),
-        reinterpret_cast<IMP>(&noBitmap));
-    method_setImplementation(
-        class_getInstanceMethod(image, @selector(initWithBitmapData:bytesPerRow:size:format:colorSpace:)),
-        reinterpret_cast<IMP>(&noBitmap));
-    Watched<id, options, 3>::in(metaclass(context), @selector(contextWithCGContext:options:));
+    Watched<id, object, 0>::in(metaclass(image), @selector(imageWithCGImage:));
+    Watched<id, object, 1>::in(metaclass(image), @selector(imageWithContentsOfURL:));
+    Watched<id, object, 2>::in(metaclass(image), @selector(imageWithData:));
+    Watched<id, object, 3>::in(metaclass(image), @selector(imageWithColor:));
+    Watched<id, nothing, 0>::in(metaclass(image), @selector(emptyImage));
+    Watched<id, object, 4>::in(image, @selector(initWithCGImage:));
+    Watched<id, object, 5>::in(image, @selector(initWithContentsOfURL:));
+    Watched<id, object, 6>::in(image, @selector(initWithData:));
+    Watched<id, objectAndOptions, 0>::in(metaclass(image), @selector(imageWithCGImage:options:));
+    Watched<id, objectAndOptions, 1>::in(metaclass(image), @selector(imageWithContentsOfURL:options:));
+    Watched<id, objectAndOptions, 2>::in(metaclass(image), @selector(imageWithData:options:));
+    Watched<id, objectAndOptions, 3>::in(image, @selector(initWithCGImage:options:));
+    Watched<id, objectAndOptions, 4>::in(image, @selector(initWithContentsOfURL:options:));
+    Watched<id, objectAndOptions, 5>::in(image, @selector(initWithData:options:));
+    replace(metaclass(image), @selector(imageWithBitmapData:bytesPerRow:size:format:colorSpace:), noBitmap);
+    replace(image, @selector(initWithBitmapData:bytesPerRow:size:format:colorSpace:), noBitmap);
+    Watched<id, pathAndFlag>::in(metaclass([NSURL class]), @selector(fileURLWithPath:isDirectory:));
+    Watched<id, objectAndOptions, 6>::in(metaclass(context), @selector(contextWithCGContext:options:));
     Watched<void, pointAndRect>::in(context, @selector(drawImage:atPoint:fromRect:));
     Watched<void, twoRects>::in(context, @selector(drawImage:inRect:fromRect:));
     Watched<CGImageRef, rect>::in(context, @selector(createCGImage:fromRect:));
     Watched<CGImageRef, rectAndFormat>::in(context, @selector(createCGImage:fromRect:format:colorSpace:));
-    Watched<void, nothing, 0>::in(context, @selector(clearCaches));
-    Watched<void, nothing, 1>::in(context, @selector(reclaimResources));
+    Watched<void, nothing, 1>::in(context, @selector(clearCaches));
+    Watched<void, nothing, 2>::in(context, @selector(reclaimResources));
     Watched<id, transform>::in(shape, @selector(transformBy:interior:));
 }
 
-void answerUnionsWithTheOther() {
-    method_setImplementation(class_getInstanceMethod([CIFilterShape class], @selector(unionWith:)),
-                             reinterpret_cast<IMP>(&theOther));
+void answerUnionsWithTheOther() { replace([CIFilterShape class], @selector(unionWith:), theOther); }
+
+void answerDefinitionsWith(int shape) {
+    givenShape = reinterpret_cast<id>(shape);
+    replace([CIImage class], @selector(definition), definition);
+}
+
+void answerContextsWith(int native) {
+    givenContext = reinterpret_cast<id>(native);
+    replace(metaclass([CIContext class]), @selector(contextWithCGContext:options:), context);
+}
+
+void answerGraphicsPortsWithNull() {
+    @autoreleasepool {
+        NSImage* image = [[[NSImage alloc] initWithSize:NSMakeSize(1, 1)] autorelease];
+        [image lockFocus];
+        replace(object_getClass([NSGraphicsContext currentContext]), @selector(graphicsPort), noPort);
+        [image unlockFocus];
+    }
+}
+
+void raiseWhenDrawing(const char* reason) {
+    givenReason = reason;
+    replace([CIContext class], @selector(drawImage:inRect:fromRect:), drawRaising);
+}
+
+void raiseWhenInsetting(const char* reason) {
+    givenReason = reason;
+    replace([CIFilterShape class], @selector(insetByX:Y:), insetRaising);
 }

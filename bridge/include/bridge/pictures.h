@@ -25,6 +25,9 @@ namespace bridge {
 // the picture. Owned by the caller; null when all fail.
 CGImageRef copyCGImage(REALpicture picture);
 
+// After a lock of a picture's description that failed: hosts before 2012.0 want it undone all the same.
+void undoFailedLock(REALpicture picture);
+
 // The pixels of a QuickDraw off-screen world, 4 bytes each, locked for a scope. False when the world has
 // another depth or does not show its pixels, and on a system without QuickDraw.
 class WorldPixels {

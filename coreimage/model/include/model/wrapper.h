@@ -84,6 +84,7 @@ REALstring description(REALobject wrapper, std::uint32_t parameter);
 // A string result: `make` returns an NSString that it does not own, or nil.
 template <class Make>
 REALstring stringResult(Make&& make) {
+    bridge::ensureFamily();
     return guardedInPool([&] { return CFString2RBString((CFStringRef)make()); });
 }
 

@@ -1,6 +1,11 @@
-// What a CIContextKaz keeps alive and gives back. The test stands between the plugin and the services for
-// pictures.
+// What a CIContextKaz keeps alive and gives back, and what RenderPicture asks of the host. The test stands
+// between the plugin and the services for pictures, and before some functions of Core Graphics.
 #include "plugin_test.h"
+
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <dlfcn.h>
+#include <vector>
 
 namespace {
 
@@ -12,14 +17,49 @@ struct PictureServices {
     bool nullContext = false;
     int locks = 0, unlocks = 0, clearedCaches = 0;
     std::int32_t askedKind = 0;
+    std::vector<std::string> newPictures; // width, height and depth of each
+    std::vector<CGContextRef> flushed;
+    std::vector<std::string> order;   // of flushing contexts and clearing caches
+    std::vector<std::string> bitmaps; // data, size, bits, bytes per row, components and info of each
+    bool bitmapsFail = false;
 };
 PictureServices services;
+
+template <class Function>
+Function next(Function, const char* name) {
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+// These stand before the platform's own in every library of the process.
+
+void CGContextFlush(CGContextRef context) {
+    services.flushed.push_back(context);
+    services.order.push_back("flush");
+    next(&CGContextFlush, "CGContextFlush")(context);
+}
+
+CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size_t bits, size_t bytesPerRow,
+                                   CGColorSpaceRef space, CGBitmapInfo info) {
+    services.bitmaps.push_back(
+        (data ? "data " : "null ") + std::to_string(width) + "x" + std::to_string(height) + " " +
+        std::to_string(bits) + " " + std::to_string(bytesPerRow) + " " +
+        std::to_string(CGColorSpaceGetNumberOfComponents(space)) + " " + std::to_string(info));
+    if (services.bitmapsFail) return nullptr;
+    return next(&CGBitmapContextCreate, "CGBitmapContextCreate")(data, width, height, bits, bytesPerRow,
+                                                                 space, info);
+}
+
+namespace {
 
 class Contexts : public PluginTest {
   protected:
     explicit Contexts(studio::HostOptions options = {}, Family family = WithFamily)
         : PluginTest(std::move(options), family,
                      {{"REALLockPictureDescription", reinterpret_cast<void*>(&lock)},
+                      {"lockPictureDescription", reinterpret_cast<void*>(&lockPreferred)},
+                      {"newPicture", reinterpret_cast<void*>(&newPicture)},
                       {"unlockPictureDescription", reinterpret_cast<void*>(&unlock)},
                       {"REALPictureClearCache", reinterpret_cast<void*>(&clearCache)}}) {
         services = {};
@@ -35,6 +75,18 @@ class Contexts : public PluginTest {
         if (services.nullContext) description->handle = nullptr;
         return locked;
     }
+    static bool lockPreferred(REALpicture picture, REALpictureDescription* description) {
+        if (services.lockFails) return false;
+        using Lock = host::service::lockPictureDescription;
+        bool locked = hostService<Lock>("lockPictureDescription")(picture, description);
+        services.locks += locked;
+        return locked;
+    }
+    static REALpicture newPicture(std::int32_t width, std::int32_t height, std::int32_t depth) {
+        services.newPictures.push_back(std::to_string(width) + " " + std::to_string(height) + " " +
+                                       std::to_string(depth));
+        return hostService<host::service::newPicture>("newPicture")(width, height, depth);
+    }
     static void unlock(REALpicture picture) {
         ++services.unlocks;
         if (services.lockFails) return; // the host never saw the lock
@@ -42,10 +94,16 @@ class Contexts : public PluginTest {
     }
     static void clearCache(REALpicture picture) {
         ++services.clearedCaches;
+        services.order.push_back("clear");
         hostService<host::service::REALPictureClearCache>("REALPictureClearCache")(picture);
     }
 
     Value picture() { return host.create("Picture", {8, 8, 32}); }
+    Value image() {
+        Value endless =
+            host.shared("CIImageKaz", "imageWithColor", {host.function("NewCIColorKaz", {1.0, 0.0, 0.0})});
+        return host.call(endless, "imageByCroppingToRect", {host.create("CGRectKaz", {1.0, 2.0, 8.5, 4.5})});
+    }
     Value canvas() { return host.create("CGContextKaz", {8, 8}); }
     static int count(const studio::Report& report, const char* nativeClass) {
         for (const auto& [name, count] : report.platformObjects)
@@ -77,12 +135,21 @@ TEST_F(Contexts, OnAPictureLeaveItsDescriptionLocked) {
 TEST_F(Contexts, FlushedClearThePicturesCache) {
     Value context = host.create("CIContextKaz", {picture()});
     EXPECT_EQ(services.clearedCaches, 0);
+    services.order.clear();
     host.call(context, "Flush");
-    EXPECT_EQ(services.clearedCaches, 1);
+    EXPECT_EQ(services.order,
+              (std::vector<std::string>{"flush", "clear", "flush"})); // the host's own comes last
     // One without a picture has no cache to clear.
-    host.call(host.create("CIContextKaz", {canvas()}), "Flush");
+    services.flushed.clear();
+    Value bitmap = canvas();
+    host.call(host.create("CIContextKaz", {bitmap}), "Flush");
     EXPECT_EQ(services.clearedCaches, 1);
-    context = {};
+    EXPECT_EQ(services.flushed, std::vector<CGContextRef>{reinterpret_cast<CGContextRef>(bitmap.word())});
+    // One that a function made keeps no context to flush.
+    services.flushed.clear();
+    host.call(host.function("NewCIContextKaz", {bitmap}), "Flush");
+    EXPECT_TRUE(services.flushed.empty());
+    context = bitmap = {};
     expectCleanButForOneLock();
 }
 
@@ -139,6 +206,39 @@ TEST_P(EarlierHost, WantsAnUnlockAfterALockThatFailed) {
     expectClean();
 }
 
+TEST_P(EarlierHost, WantsItAfterRenderPictureToo) {
+    Value it = image();
+    services.lockFails = true;
+    EXPECT_TRUE(host.call(it, "RenderPicture").isNil());
+    EXPECT_EQ(services.unlocks, GetParam() < 2012.0 ? 1 : 0);
+    EXPECT_EQ(services.clearedCaches, 0);
+    EXPECT_EQ(host.report().alive("Picture"), 0);
+    it = {};
+    expectClean();
+}
+
+TEST_P(EarlierHost, GetsAPictureOfDepth32WhoseCacheIsCleared) {
+    Value it = image();
+    EXPECT_FALSE(host.call(it, "RenderPicture", {0, 7}).isNil());
+    EXPECT_EQ(services.newPictures, std::vector<std::string>{"8 7 32"});
+    EXPECT_EQ(services.locks, 1);
+    EXPECT_EQ(services.unlocks, 1);
+    EXPECT_EQ(services.clearedCaches, 1);
+    it = {};
+    expectClean();
+}
+
+TEST_P(EarlierHost, GetsNoPictureWithoutPixels) {
+    Value endless =
+        host.shared("CIImageKaz", "imageWithColor", {host.function("NewCIColorKaz", {1.0, 0.0, 0.0})});
+    Value thin =
+        host.call(endless, "imageByCroppingToRect", {host.create("CGRectKaz", {0.0, 0.0, 8.0, 0.9})});
+    EXPECT_TRUE(host.call(thin, "RenderPicture", {5, 0}).isNil());
+    EXPECT_TRUE(services.newPictures.empty());
+    endless = thin = {};
+    expectClean();
+}
+
 INSTANTIATE_TEST_SUITE_P(Hosts, EarlierHost, testing::Values(2009.05, 2011.99, 2012.0, 2014.01));
 
 TEST_F(Contexts, OnASecondPictureReplaceTheFirstUntested) {
@@ -176,6 +276,31 @@ TEST_F(Contexts, HavePropertiesThatStorePlainly) {
     expectClean();
 }
 
+// --- scratch bitmaps
+// ----------------------------------------------------------------------------------------
+
+TEST_F(Contexts, OfCreateCGImageDrawIntoABitmapOfTheSourcesSize) {
+    Value it = image();
+    host.call(it, "CreateCGImage");
+    EXPECT_EQ(services.bitmaps, std::vector<std::string>{"null 8x4 8 32 3 1"});
+    services.bitmaps.clear();
+    Value gray = host.shared("CGColorSpaceKaz", "DeviceGray");
+    host.call(it, "CreateCGImage", {host.create("CGRectKaz", {0.0, 0.0, 3.9, 2.0}), gray});
+    EXPECT_EQ(services.bitmaps, std::vector<std::string>{"null 3x2 8 12 1 1"});
+    it = gray = {};
+    expectClean();
+}
+
+TEST_F(Contexts, ThatHaveNoBitmapMakeNoCGImage) {
+    Value it = image();
+    services.bitmapsFail = true;
+    EXPECT_TRUE(host.call(it, "CreateCGImage").isNil());
+    EXPECT_TRUE(host.call(it, "CreateCGImage", {Value(), Value()}).isNil());
+    services.bitmapsFail = false;
+    it = {};
+    expectClean();
+}
+
 class ContextsAlone : public Contexts {
   protected:
     ContextsAlone() : Contexts({}, WithoutFamily) {}
@@ -188,6 +313,17 @@ TEST_F(ContextsAlone, OnAPictureHaveNoCGContextToShow) {
         EXPECT_EQ(context.word(3), 0u); // the field of the sibling's object
         host.call(context, "Flush");
         EXPECT_EQ(services.clearedCaches, 1);
+    }
+    expectCleanButForOneLock();
+}
+
+TEST_F(ContextsAlone, MakeNoCGImageThatNobodyCouldHold) {
+    {
+        Value context = host.create("CIContextKaz", {picture()});
+        Value shown = host.shared("CIImageKaz", "imageWithPicture", {picture()});
+        EXPECT_EQ(host.call(shown, "Width").integer(), 8);
+        EXPECT_TRUE(host.call(context, "CreateCGImage", {shown}).isNil());
+        EXPECT_TRUE(host.call(shown, "CreateCGImage").isNil());
     }
     expectCleanButForOneLock();
 }
