@@ -117,7 +117,8 @@ bool clip(CGContextRef context, CGRect& dest, CGRect& source) {
     source = CGRectStandardize(source);
     if (CGRectIsNull(bounds) || CGRectIsEmpty(dest) || CGRectIsEmpty(source)) return false;
     if (CGRectIsInfinite(source) || CGRectIsInfinite(dest)) {
-        // An infinite picture has no scale to an area, so it is drawn as it is; nothing fills an infinite area else.
+        // An infinite picture has no scale to an area, so it is drawn as it is; nothing fills an infinite
+        // area else.
         if (!CGRectIsInfinite(source)) return false;
         dest = source = CGRectIntersection(dest, bounds);
         return !CGRectIsEmpty(dest);

@@ -184,12 +184,26 @@ TEST(CIFilter, TextsForPeople) {
 
 TEST(CIFilter, EveryCategoryAndEveryFilterHasItsTexts) {
     for (NSString* category in @[
-             kCICategoryDistortionEffect, kCICategoryGeometryAdjustment, kCICategoryCompositeOperation,
-             kCICategoryHalftoneEffect, kCICategoryColorAdjustment, kCICategoryColorEffect,
-             kCICategoryTransition, kCICategoryTileEffect, kCICategoryGenerator, kCICategoryGradient,
-             kCICategoryStylize, kCICategorySharpen, kCICategoryBlur, kCICategoryVideo,
-             kCICategoryStillImage, kCICategoryInterlaced, kCICategoryNonSquarePixels,
-             kCICategoryHighDynamicRange, kCICategoryBuiltIn, kCICategoryReduction
+             kCICategoryDistortionEffect,
+             kCICategoryGeometryAdjustment,
+             kCICategoryCompositeOperation,
+             kCICategoryHalftoneEffect,
+             kCICategoryColorAdjustment,
+             kCICategoryColorEffect,
+             kCICategoryTransition,
+             kCICategoryTileEffect,
+             kCICategoryGenerator,
+             kCICategoryGradient,
+             kCICategoryStylize,
+             kCICategorySharpen,
+             kCICategoryBlur,
+             kCICategoryVideo,
+             kCICategoryStillImage,
+             kCICategoryInterlaced,
+             kCICategoryNonSquarePixels,
+             kCICategoryHighDynamicRange,
+             kCICategoryBuiltIn,
+             kCICategoryReduction
          ]) {
         NSString* name = [CIFilter localizedNameForCategory:category];
         ASSERT_TRUE(name != nil) << str(category);

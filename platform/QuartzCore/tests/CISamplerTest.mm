@@ -50,9 +50,9 @@ TEST(CISampler, TheExtentIsTheTransformedImageWhateverTheWrapMode) {
     CIImage* image = [CIImage imageWithCGImage:makePicture(4, 3).get()];
     expectRect([[CISampler samplerWithImage:image] extent], CGRectMake(0, 0, 4, 3));
     for (NSString* mode in @[ kCISamplerWrapBlack, kCISamplerWrapClamp ]) {
-        CISampler* sampler = [CISampler
-            samplerWithImage:image
-               keysAndValues:kCISamplerAffineMatrix, scaled(2), kCISamplerWrapMode, mode, nil];
+        CISampler* sampler =
+            [CISampler samplerWithImage:image
+                          keysAndValues:kCISamplerAffineMatrix, scaled(2), kCISamplerWrapMode, mode, nil];
         expectRect([sampler extent], CGRectMake(0, 0, 8, 6));
     }
     EXPECT_EQ([CISampler samplerWithImage:nil], nil);
@@ -102,13 +102,13 @@ TEST(CISampler, ModesThatAreUnknownOrMissingAreBlackAndLinear) {
         Canvas expected = drawn(stripes(@"black", @"linear"), 40, 7);
         for (size_t x = 0; x < 40; ++x) EXPECT_EQ(canvas.at(x, 3), expected.at(x, 3)) << str(odd) << x;
     }
-    EXPECT_EQ(drawn(stripes(nil, nil), 40, 7).at(7, 3),
-              drawn(stripes(@"black", @"linear"), 40, 7).at(7, 3));
+    EXPECT_EQ(drawn(stripes(nil, nil), 40, 7).at(7, 3), drawn(stripes(@"black", @"linear"), 40, 7).at(7, 3));
 }
 
 TEST(CISampler, AMatrixThatIsNotFiniteRaises) {
     CIImage* image = [CIImage imageWithCGImage:makePicture(4, 3).get()];
-    CISampler* sampler = [CISampler samplerWithImage:image keysAndValues:kCISamplerAffineMatrix, scaled(NAN), nil];
+    CISampler* sampler = [CISampler samplerWithImage:image
+                                       keysAndValues:kCISamplerAffineMatrix, scaled(NAN), nil];
     EXPECT_EQ(str([raised([&] { [sampler definition]; }) name]), str(NSInvalidArgumentException));
     CIFilter* filter = [CIFilter filterWithName:@"CIExposureAdjust"];
     [filter setValue:sampler forKey:@"inputImage"];

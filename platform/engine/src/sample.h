@@ -13,12 +13,12 @@ std::pair<IntRect, IntRect> halves(const IntRect& r);
 
 /// Whether a transform only moves, by whole pixels.
 bool isWholeMove(const Affine& matrix);
-/// The box around where a transform puts the centres of an area's pixels. (A single row or column of centres has
-/// no area, but a place.)
+/// The box around where a transform puts the centres of an area's pixels. (A single row or column of centres
+/// has no area, but a place.)
 Rect centresOf(const IntRect& area, const Affine& matrix);
 
-/// Computes the pixels of an area from what `needed(part)` says its parts read: `work(part, read)` for each part,
-/// which is small enough that what it reads can be kept. What reads nothing is cleared.
+/// Computes the pixels of an area from what `needed(part)` says its parts read: `work(part, read)` for each
+/// part, which is small enough that what it reads can be kept. What reads nothing is cleared.
 template <class Needed, class Work>
 void computeInParts(const IntRect& area, const Pixels& out, Needed needed, Work work) {
     IntRect read = needed(area);

@@ -368,7 +368,8 @@ TEST(Geometry, CropAndClamp) {
     EXPECT_LT(error(clampToEdge(imageOf(p)), clamped), 1e-6);
 }
 
-// What a sampler reads at a place: of the pixel it lies in, or of the four around, with nothing or the edge beyond.
+// What a sampler reads at a place: of the pixel it lies in, or of the four around, with nothing or the edge
+// beyond.
 Pixel read(const Picture& p, double x, double y, Wrap wrap, Interpolation interpolation) {
     auto pixel = [&](int i, int j) {
         if (wrap == Wrap::black) return p.get(i, j);
@@ -393,7 +394,8 @@ class Sampler : public testing::TestWithParam<std::tuple<Wrap, Interpolation>> {
 TEST_P(Sampler, ReadsTurnedAndScaledPlaces) {
     for (double factor : {2.6, 0.3}) { // larger, and smaller without any means
         Picture p = noise(24, 18, 15);
-        Affine m = Affine::rotation(0.4).then(Affine::scale(factor, factor * 0.9)).then(Affine::translation(7, -3));
+        Affine m =
+            Affine::rotation(0.4).then(Affine::scale(factor, factor * 0.9)).then(Affine::translation(7, -3));
         Affine back = *m.inverse();
         Picture expected = filled(-40, -20, 150, 110, [&](int x, int y) {
             Point s = back.apply(Point{x + 0.5, y + 0.5});
@@ -417,14 +419,14 @@ TEST_P(Sampler, ReadsTheSameInPartsAndFarAway) {
     Picture few = filled(0, 0, 13, 7, [&](int x, int y) {
         return read(large, (x + 0.5) * 200, (y + 0.5) * 200, wrap, interpolation);
     });
-    EXPECT_LT(error(sampled(imageOf(large), Affine::scale(0.005, 0.005), wrap, interpolation), few), floatError);
+    EXPECT_LT(error(sampled(imageOf(large), Affine::scale(0.005, 0.005), wrap, interpolation), few),
+              floatError);
 }
 
 TEST_P(Sampler, ByWholePixelsIsTheImage) {
     Picture p = noise(24, 18, 18);
-    Picture moved = filled(0, 0, 40, 30, [&](int x, int y) {
-        return read(p, x - 4.5, y - 2.5, wrap, Interpolation::nearest);
-    });
+    Picture moved = filled(
+        0, 0, 40, 30, [&](int x, int y) { return read(p, x - 4.5, y - 2.5, wrap, Interpolation::nearest); });
     Image image = sampled(imageOf(p), Affine::translation(5, 3), wrap, interpolation);
     EXPECT_LT(error(image, moved), 1e-7);
     EXPECT_EQ(image->extent(), wrap == Wrap::clamp ? Rect::infinite() : (Rect{5, 3, 29, 21}));

@@ -19,9 +19,9 @@ CORE_IMAGE_EXTERN NSString* const kCISamplerFilterLinear;
 /**
  * An image with the transform and the modes by which it is read. Immutable.
  *
- * Beyond the image's edge "black" (the default) reads nothing and "clamp" the nearest pixel of the edge. Between
- * the centres of pixels "linear" (the default) mixes the four around and "nearest" takes the one of them. A
- * filter takes a sampler where it takes an image, and works on what the sampler reads.
+ * Beyond the image's edge "black" (the default) reads nothing and "clamp" the nearest pixel of the edge.
+ * Between the centres of pixels "linear" (the default) mixes the four around and "nearest" takes the one of
+ * them. A filter takes a sampler where it takes an image, and works on what the sampler reads.
  */
 @interface CISampler : NSObject <NSCopying> {
   @private
@@ -40,8 +40,9 @@ CORE_IMAGE_EXTERN NSString* const kCISamplerFilterLinear;
 - (id)initWithImage:(CIImage*)image options:(NSDictionary*)options;
 
 /**
- * Every place where something other than nothing can be read: infinite for "clamp", and half a pixel of the image
- * more on each side where "linear" fades out. Raises NSInvalidArgumentException for a matrix that is not finite.
+ * Every place where something other than nothing can be read: infinite for "clamp", and half a pixel of the
+ * image more on each side where "linear" fades out. Raises NSInvalidArgumentException for a matrix that is
+ * not finite.
  */
 - (CIFilterShape*)definition;
 /** Where the transformed image is; the wrap mode counts outside of it. */
