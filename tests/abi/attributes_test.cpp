@@ -102,6 +102,17 @@ TEST_F(Attributes, ItemsAreNotInTheRegistry) {
     expectClean();
 }
 
+TEST_F(Attributes, RetainTheirDictionaryAndTheirName) {
+    Value filter = crafted();
+    CraftedReferences before = referencesTo("inputNumbers");
+    int index = 0;
+    while (host.call(filter, "AttributesName", {index}).text() != "inputNumbers") ++index;
+    Value attribute = host.call(filter, "AttributesItem", {index});
+    EXPECT_EQ(referencesTo("inputNumbers"), (CraftedReferences{before.key + 1, before.dictionary + 1}));
+    attribute = {};
+    EXPECT_EQ(referencesTo("inputNumbers"), before);
+}
+
 TEST_F(Attributes, OutliveTheirFilter) {
     Value attribute = host.call(sepia(), "AttributesItem", {"inputIntensity"});
     EXPECT_EQ(living("CIFilter"), 0);

@@ -9,3 +9,10 @@
 //     "inputNothing"   an empty dictionary
 //     "inputText", "inputList"   no dictionaries
 int craftedFilter();
+
+// How many references there are to the key of its entry with that name, and to the entry's dictionary.
+struct CraftedReferences {
+    int key, dictionary;
+    bool operator==(const CraftedReferences&) const = default;
+};
+CraftedReferences referencesTo(const char* key);

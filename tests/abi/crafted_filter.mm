@@ -3,6 +3,7 @@
 #import <QuartzCore/QuartzCore.h>
 
 #include <cstdint>
+#include <cstring>
 
 @interface CraftedFilter : CIFilter
 @end
@@ -19,7 +20,7 @@
     return entry;
 }
 
-- (NSDictionary*)attributes {
++ (NSDictionary*)makeAttributes {
     NSMutableDictionary* numbers =
         [NSMutableDictionary dictionaryWithDictionary:[CraftedFilter entryWith:@7]];
     [numbers setObject:@0 forKey:kCIAttributeMin];
@@ -28,7 +29,8 @@
         [NSMutableDictionary dictionaryWithDictionary:[CraftedFilter entryWith:@"7"]];
     [texts setObject:[NSNumber numberWithInt:12] forKey:kCIAttributeClass];
     return @{
-        @"inputNumbers" : numbers,
+        // A key that counts its references, which the text of a program does not.
+        [NSString stringWithFormat:@"input%@", @"Numbers"] : numbers,
         @"inputVectors" : [CraftedFilter entryWith:[CIVector vectorWithX:1 Y:2]],
         @"inputTexts" : texts,
         @"inputNothing" : [NSDictionary dictionary],
@@ -37,9 +39,26 @@
     };
 }
 
+- (NSDictionary*)attributes {
+    static NSDictionary* attributes = [[CraftedFilter makeAttributes] retain];
+    return attributes;
+}
+
 @end
 
 int craftedFilter() {
     static CIFilter* filter = static_cast<CIFilter*>(class_createInstance([CraftedFilter class], 0));
     return static_cast<int>(reinterpret_cast<std::intptr_t>(filter));
+}
+
+CraftedReferences referencesTo(const char* key) {
+    @autoreleasepool {
+        CIFilter* filter = reinterpret_cast<CIFilter*>(craftedFilter());
+        NSDictionary* attributes = [filter attributes];
+        for (NSString* name in attributes)
+            if (std::strcmp([name UTF8String], key) == 0)
+                return {static_cast<int>([name retainCount]),
+                        static_cast<int>([[attributes objectForKey:name] retainCount])};
+    }
+    return {};
 }

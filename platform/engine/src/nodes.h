@@ -51,4 +51,22 @@ class Warp {
 };
 Image warp(const Image& image, std::shared_ptr<const Warp> warp);
 
+/// A warp inside a circle; outside, pixels stay as they are.
+class DiscWarp : public Warp {
+  public:
+    DiscWarp(Point centre, double radius) : centre_(centre), radius_(radius) {}
+    Rect extent(const Rect& source) const override { return touched(source); }
+    Rect region(const Rect& area) const override { return touched(area); }
+
+  protected:
+    Point centre_;
+    double radius_;
+
+  private:
+    Rect touched(const Rect& r) const {
+        Rect disc{centre_.x - radius_, centre_.y - radius_, centre_.x + radius_, centre_.y + radius_};
+        return r.intersect(disc).isEmpty() ? r : r.unite(disc);
+    }
+};
+
 } // namespace engine

@@ -23,6 +23,6 @@ InputInfo numberInput(std::string key, std::string displayName, std::string_view
 InputInfo vectorInput(std::string key, std::string displayName, std::string_view type, Numbers value,
                       std::optional<Numbers> identity = {});
 InputInfo colorInput(std::string key, std::string displayName, std::string_view type, const Color& value);
-InputInfo transformInput(std::string key, std::string displayName);
+InputInfo transformInput(std::string key, std::string displayName, std::string_view type = "Transform");
 
 } // namespace engine
