@@ -40,7 +40,11 @@
 }
 
 - (NSDictionary*)attributes {
-    static NSDictionary* attributes = [[CraftedFilter makeAttributes] retain];
+    static NSDictionary* attributes = nil;
+    // Nothing but the dictionary holds what is in it.
+    @autoreleasepool {
+        if (!attributes) attributes = [[CraftedFilter makeAttributes] retain];
+    }
     return attributes;
 }
 

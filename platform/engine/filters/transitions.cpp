@@ -11,39 +11,11 @@ namespace {
 
 namespace simd = color::simd;
 
-void sum(const Span& above, const Span& below, int n) {
-    for (int c = 0; c < 4; ++c)
-        simd::run([=, s = above.plane[c], d = below.plane[c]]() SIMD_INLINE {
-            SIMD_LOOP
-            for (int i = 0; i < n; ++i) d[i] += s[i];
-        });
-}
-constexpr BlendMode plus{"plus", sum};
-
-void scale(const Span& pixels, int n, const float* weights) {
-    for (float* p : pixels.plane)
-        simd::run([=]() SIMD_INLINE {
-            SIMD_LOOP
-            for (int i = 0; i < n; ++i) p[i] *= weights[i];
-        });
-}
-
-Image faded(const Image& image, double weight) {
-    float w = static_cast<float>(weight);
-    return pointStep(image, "fade", [w](const RenderContext&) -> SpanFunction {
-        return [w](const Span& pixels, int, int, int n) {
-            float weights[maxSpan];
-            std::fill_n(weights, n, w);
-            scale(pixels, n, weights);
-        };
-    });
-}
-
 /// (1 - time) of the one and time of the other, as light.
 Image dissolve(const Inputs& in) {
     Image image = in.image("inputImage");
     double time = in.number("inputTime", 0, 1);
-    return image ? blend(plus, faded(image, 1 - time), faded(in.image("inputTargetImage"), time)) : nullptr;
+    return image ? sum(weighted(image, 1 - time), weighted(in.image("inputTargetImage"), time)) : nullptr;
 }
 
 /// A bar, `width` wide, that moves over the extent in a direction, from just before it to just behind. Across
@@ -78,33 +50,27 @@ struct Bar {
 
 /// One of the two pictures, as much as shows of it.
 Image swept(const Image& image, const Bar& bar, bool isTarget) {
-    return pointStep(image, "swipe", [=](const RenderContext&) -> SpanFunction {
-        return [=](const Span& pixels, int x, int y, int n) {
-            float target[maxSpan], color[maxSpan];
-            bar.amounts(x, y, n, target, color);
-            for (int i = 0; i < n; ++i) target[i] = (isTarget ? target[i] : 1 - target[i]) * (1 - color[i]);
-            scale(pixels, n, target);
-        };
+    return weighted(image, "swipe", [=](int x, int y, int n, float* weights) {
+        float color[maxSpan];
+        bar.amounts(x, y, n, weights, color);
+        for (int i = 0; i < n; ++i) weights[i] = (isTarget ? weights[i] : 1 - weights[i]) * (1 - color[i]);
     });
 }
 
+/// The colour over both.
 Image colored(const Color& color, const Rect& extent, const Bar& bar) {
-    return generator("swipe", extent, [=](const RenderContext& context) -> SpanFunction {
-        return [=, pixel = context.color(color)](const Span& pixels, int x, int y, int n) {
-            float target[maxSpan], amount[maxSpan];
-            bar.amounts(x, y, n, target, amount);
-            for (int c = 0; c < 4; ++c) std::fill_n(pixels.plane[c], n, pixel[c]);
-            scale(pixels, n, amount);
-        };
+    return weighted(crop(constant(color), extent), "swipe", [=](int x, int y, int n, float* weights) {
+        float target[maxSpan];
+        bar.amounts(x, y, n, target, weights);
     });
 }
 
 Image swipe(const Inputs& in) {
-    Image image = in.image("inputImage"), target = in.image("inputTargetImage");
+    Image image = in.image("inputImage");
     if (!image) return nullptr;
     Bar bar(in);
-    Image both = blend(plus, swept(image, bar, false), swept(target, bar, true));
-    return bar.opacity > 0 ? blend(plus, colored(in.color("inputColor"), both->extent(), bar), both) : both;
+    Image both = sum(swept(image, bar, false), swept(in.image("inputTargetImage"), bar, true));
+    return bar.opacity > 0 ? sum(colored(in.color("inputColor"), both->extent(), bar), both) : both;
 }
 
 InputInfo timeInput() {

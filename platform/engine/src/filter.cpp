@@ -77,6 +77,13 @@ InputInfo transformInput(std::string key, std::string displayName, std::string_v
     return info;
 }
 
+InputInfo dataInput(std::string key, std::string displayName, Bytes value, Bytes identity) {
+    InputInfo info = input(std::move(key), std::move(displayName), "NSData", "");
+    info.defaultValue = std::move(value);
+    info.identity = std::move(identity);
+    return info;
+}
+
 const InputInfo* FilterInfo::findInput(std::string_view key) const {
     for (const InputInfo& input : inputs)
         if (input.key == key) return &input;

@@ -20,6 +20,11 @@ Image colorMatrix(const Image& image, const ColorMatrix& matrix);
 /// A matrix of the colours that leaves alpha as it is.
 ColorMatrix colorsOnly(const std::array<double, 9>& rgb, double bias = 0);
 
+/// The components of each pixel times a number that depends on its place, or always the same one.
+using Weights = std::function<void(int x, int y, int n, float* weights)>;
+Image weighted(const Image& image, std::string name, Weights weights);
+Image weighted(const Image& image, double weight);
+
 /// A combination of two images, pixel by pixel, on premultiplied colours.
 struct BlendMode {
     const char* name;
@@ -31,6 +36,8 @@ struct BlendMode {
 void sourceOver(const Span& above, const Span& below, int n);
 /// With one image missing the result is the other where that can show without it, and null otherwise.
 Image blend(const BlendMode& mode, const Image& above, const Image& below);
+/// The sum of all components; a missing image adds nothing.
+Image sum(const Image& a, const Image& b);
 
 /// Convolution with a Gaussian of standard deviation `sigma`.
 Image gaussian(const Image& image, double sigma);

@@ -25,4 +25,6 @@ InputInfo vectorInput(std::string key, std::string displayName, std::string_view
 InputInfo colorInput(std::string key, std::string displayName, std::string_view type, const Color& value);
 InputInfo transformInput(std::string key, std::string displayName, std::string_view type = "Transform");
 
+InputInfo dataInput(std::string key, std::string displayName, Bytes value, Bytes identity);
+
 } // namespace engine

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <cstring>
 #include <functional>
 #include <random>
 
@@ -358,6 +359,107 @@ TEST(Filters, FalseColorMixesTwoColoursByBrightness) {
         return out;
     });
     EXPECT_LT(error(filter("CIFalseColor", values), expected), floatError);
+}
+
+TEST(Filters, ColorCubeMixesTheEntriesAround) {
+    Picture p = noise(37, 11, 35);
+    const int side = 3;
+    std::mt19937 random(36);
+    std::vector<float> entries(4 * side * side * side);
+    for (float& v : entries) v = float(random() >> 8) / float(1 << 24);
+    auto entry = [&](int r, int g, int b, int c) {
+        return double(entries[4 * (r + side * (g + side * b)) + c]);
+    };
+    // Along red, then green, then blue.
+    Picture expected = filled(0, 0, 37, 11, [&](int x, int y) {
+        Pixel q = p.get(x, y), out;
+        int low[3];
+        double t[3];
+        for (int c = 0; c < 3; ++c) {
+            double place = 2 * (q[3] > 0 ? q[c] / q[3] : 0);
+            low[c] = place >= 1 ? 1 : 0;
+            t[c] = place - low[c];
+        }
+        for (int c = 0; c < 4; ++c) {
+            auto red = [&](int g, int b) {
+                return (1 - t[0]) * entry(low[0], g, b, c) + t[0] * entry(low[0] + 1, g, b, c);
+            };
+            auto green = [&](int b) { return (1 - t[1]) * red(low[1], b) + t[1] * red(low[1] + 1, b); };
+            out[c] = q[3] * ((1 - t[2]) * green(low[2]) + t[2] * green(low[2] + 1));
+        }
+        return out;
+    });
+    Bytes bytes(entries.size() * sizeof(float));
+    std::memcpy(bytes.data(), entries.data(), bytes.size());
+    Values values{{"inputImage", imageOf(p)}, {"inputCubeDimension", 3.0}, {"inputCubeData", bytes}};
+    EXPECT_LT(error(filter("CIColorCube", values), expected), floatError);
+    EXPECT_LT(error(filter("CIColorCube", {{"inputImage", imageOf(p)}}), p), floatError);
+    bytes.pop_back();
+    values["inputCubeData"] = bytes;
+    EXPECT_TRUE(filter("CIColorCube", values)->extent().isEmpty());
+}
+
+TEST(Filters, UnsharpMaskAddsTheDifferenceFromABlur) {
+    Picture p = noise(40, 30, 37);
+    double sigma = 2, k = 0.8;
+    Picture around = filled(-10, -10, 60, 50,
+                            [&](int x, int y) { return p.get(std::clamp(x, 0, 39), std::clamp(y, 0, 29)); });
+    Picture blurred = trueGaussian(around, sigma);
+    Picture expected = filled(0, 0, 40, 30, [&](int x, int y) {
+        Pixel out;
+        for (int c = 0; c < 4; ++c) out[c] = p.get(x, y)[c] + k * (p.get(x, y)[c] - blurred.get(x, y)[c]);
+        return out;
+    });
+    Values values{{"inputImage", imageOf(p)}, {"inputRadius", sigma}, {"inputIntensity", k}};
+    EXPECT_LT(error(filter("CIUnsharpMask", values), expected), halfStep);
+    Picture plain = filled(0, 0, 20, 20, [](int, int) { return Pixel{0.5, 0.25, 0, 1}; });
+    EXPECT_LT(error(filter("CIUnsharpMask", {{"inputImage", imageOf(plain)}}), plain), floatError);
+}
+
+TEST(Filters, AnAreaInOnePixel) {
+    Picture p = noise(50, 30, 38);
+    // Part of it lies beside the picture, above it too.
+    const Numbers extent{10.4, 5, 60, 33.3};
+    Pixel sum{}, most, least, opaque, clear;
+    bool first = true;
+    for (int y = 5; y < 38; ++y)
+        for (int x = 10; x < 70; ++x) {
+            Pixel q = p.get(x, y);
+            for (int c = 0; c < 4; ++c) {
+                sum[c] += q[c] / (60 * 33);
+                most[c] = first ? q[c] : std::max(most[c], q[c]);
+                least[c] = first ? q[c] : std::min(least[c], q[c]);
+            }
+            if (first || q[3] > opaque[3]) opaque = q;
+            if (first || q[3] < clear[3]) clear = q;
+            first = false;
+        }
+    const std::pair<const char*, Pixel> expected[] = {{"CIAreaAverage", sum},
+                                                      {"CIAreaMaximum", most},
+                                                      {"CIAreaMinimum", least},
+                                                      {"CIAreaMaximumAlpha", opaque},
+                                                      {"CIAreaMinimumAlpha", clear}};
+    for (const auto& [name, pixel] : expected) {
+        Image image = filter(name, {{"inputImage", imageOf(p)}, {"inputExtent", extent}});
+        EXPECT_EQ(image->extent(), (Rect{0, 0, 1, 1})) << name;
+        Pixel got = rendered(image, 0, 0, 1, 1).get(0, 0);
+        for (int c = 0; c < 4; ++c) EXPECT_NEAR(got[c], pixel[c], 1e-6) << name << c;
+    }
+    // Inside the picture, where a transparent pixel does not count.
+    Picture bright = filled(0, 0, 9, 9, [](int x, int y) {
+        return Pixel{0.5 + 0.01 * x, 0.5 + 0.01 * y, 0.5, 1};
+    });
+    Pixel got = rendered(filter("CIAreaMinimum",
+                                {{"inputImage", imageOf(bright)}, {"inputExtent", Numbers{2, 3, 4, 4}}}),
+                         0, 0, 1, 1)
+                    .get(0, 0);
+    EXPECT_NEAR(got[0], 0.52, 1e-6);
+    EXPECT_NEAR(got[1], 0.53, 1e-6);
+    // An endless area is the picture.
+    Values values{{"inputImage", imageOf(bright)}, {"inputExtent", Numbers{0, 0, 1e38, 1e38}}};
+    EXPECT_NEAR(rendered(filter("CIAreaAverage", values), 0, 0, 1, 1).get(0, 0)[0], 0.54, 1e-6);
+    values["inputExtent"] = Numbers{0, 0, 0, 5};
+    EXPECT_TRUE(filter("CIAreaAverage", values)->extent().isEmpty());
 }
 
 class Gaussian : public testing::TestWithParam<double> {};
