@@ -36,7 +36,7 @@ REALobject definition(REALobject self) {
 }
 
 REALobject extent(REALobject self) {
-    return guarded([&]() -> REALobject {
+    return guardedInPool([&]() -> REALobject {
         if (!sampler(self)) return nullptr;
         return newRectangle([sampler(self) extent]);
     });
@@ -54,8 +54,7 @@ REALmethodDefinition methods[] = {
     method("Constructor", initEmpty),
     method("Constructor(ciImage as CIImageKaz)", initWithImage),
     method("Constructor(ciImage as CIImageKaz, matrix as NSAffineTransformKaz, WrapMode as String, "
-           "FilterMode as "
-           "string)",
+           "FilterMode as string)",
            initWithImageAndOptions),
 };
 

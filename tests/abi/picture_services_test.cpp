@@ -105,11 +105,6 @@ class Contexts : public PluginTest {
         return host.call(endless, "imageByCroppingToRect", {host.create("CGRectKaz", {1.0, 2.0, 8.5, 4.5})});
     }
     Value canvas() { return host.create("CGContextKaz", {8, 8}); }
-    static int count(const studio::Report& report, const char* nativeClass) {
-        for (const auto& [name, count] : report.platformObjects)
-            if (name == nativeClass) return count;
-        return 0;
-    }
 
     // Nothing but the description of a picture that a context drew into may be left over.
     void expectCleanButForOneLock() {
@@ -156,10 +151,10 @@ TEST_F(Contexts, FlushedClearThePicturesCache) {
 TEST_F(Contexts, HoldTheirContextUntilTheyGo) {
     Value context = host.create("CIContextKaz", {canvas()});
     EXPECT_EQ(host.report().alive("CGContextKaz"), 1);
-    EXPECT_EQ(count(host.report(), "CIContext"), 1);
-    EXPECT_EQ(count(host.report(), "CGContext"), 1);
+    EXPECT_EQ(living("CIContext"), 1);
+    EXPECT_EQ(living("CGContext"), 1);
     context = {};
-    EXPECT_EQ(count(host.report(), "CGContext"), 0);
+    EXPECT_EQ(living("CGContext"), 0);
     expectClean();
 }
 
@@ -252,7 +247,7 @@ TEST_F(Contexts, OnASecondPictureReplaceTheFirstUntested) {
     // What the first call stored is nobody's any more.
     EXPECT_EQ(host.report().alive("Picture"), 1);
     EXPECT_EQ(host.report().alive("CGContextKaz"), 1);
-    EXPECT_EQ(count(host.report(), "CIContext"), 1);
+    EXPECT_EQ(living("CIContext"), 1);
 }
 
 TEST_F(Contexts, HavePropertiesThatStorePlainly) {

@@ -48,6 +48,13 @@ class PluginTest : public testing::Test {
         for (const auto& [name, count] : report.platformObjects) EXPECT_EQ(count, 0) << "living " << name;
     }
 
+    // How many native objects of the class are alive.
+    int living(std::string_view className) const {
+        for (const auto& [name, count] : host.report().platformObjects)
+            if (name == className) return count;
+        return 0; // those without any are not listed
+    }
+
     // The exception that `call` raised, as "Class: message"; "(none)" for none.
     template <class Call>
     static std::string raisedBy(Call&& call) {

@@ -68,6 +68,13 @@ NSDictionary* describe(const engine::InputInfo& input) {
     return attributes;
 }
 
+NSURL* documentationOf(const engine::FilterInfo& filter) {
+    std::string url = "http://developer.apple.com/cgi-bin/apple_ref.cgi?apple_ref="
+                      "//apple_ref/doc/filter/ci/" +
+                      filter.name;
+    return [NSURL URLWithString:text(url)];
+}
+
 /// "CICategoryTileEffect" for people.
 NSString* categoryName(NSString* category) {
     static NSDictionary* names = [[NSDictionary alloc]
@@ -112,7 +119,7 @@ NSString* categoryName(NSString* category) {
 + (NSArray*)filterNamesInCategories:(NSArray*)categories {
     NSMutableArray* names = [NSMutableArray array];
     for (const engine::FilterInfo* filter : engine::allFilters()) {
-        bool inAll = true;
+        bool inAll = !filter->categories.empty(); // those of automatic adjustment are in none
         for (NSString* category in categories) inAll = inAll && isIn(*filter, category);
         if (inAll) [names addObject:text(filter->name)];
     }
@@ -134,12 +141,8 @@ NSString* categoryName(NSString* category) {
 }
 
 + (NSURL*)localizedReferenceDocumentationForFilterName:(NSString*)filterName {
-    if (!filterNamed(filterName)) return nil;
-    return [NSURL
-        URLWithString:[NSString
-                          stringWithFormat:@"http://developer.apple.com/cgi-bin/apple_ref.cgi?apple_ref="
-                                           @"//apple_ref/doc/filter/ci/%@",
-                                           filterName]];
+    const engine::FilterInfo* info = filterNamed(filterName);
+    return info ? documentationOf(*info) : nil;
 }
 
 /// Values come and go through the keys of the inputs only.
@@ -201,7 +204,11 @@ NSString* categoryName(NSString* category) {
     NSMutableDictionary* attributes = [NSMutableDictionary
         dictionaryWithObjectsAndKeys:text(info.name), kCIAttributeFilterName, text(info.displayName),
                                      kCIAttributeFilterDisplayName, categories, kCIAttributeFilterCategories,
-                                     nil];
+                                     text(info.description), kCIAttributeDescription, documentationOf(info),
+                                     kCIAttributeReferenceDocumentation, text(info.since),
+                                     kCIAttributeFilterAvailable_Mac, nil];
+    [attributes setObject:[NSDictionary dictionaryWithObject:@"CIImage" forKey:kCIAttributeClass]
+                   forKey:kCIOutputImageKey];
     for (const engine::InputInfo& input : info.inputs)
         [attributes setObject:describe(input) forKey:text(input.key)];
     return attributes;

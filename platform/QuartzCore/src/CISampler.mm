@@ -1,6 +1,7 @@
 #import <QuartzCore/CISampler.h>
 
 #include "Internal.h"
+#include "Raise.h"
 
 #include <cstdarg>
 
@@ -72,16 +73,34 @@ static NSDictionary* pairs(id first, va_list rest) {
     return [self retain];
 }
 
-- (CIFilterShape*)definition {
+- (CGAffineTransform)matrix {
     id matrix = [_options objectForKey:kCISamplerAffineMatrix];
-    CIFilterShape* shape = [_image definition];
-    if (![matrix isKindOfClass:[NSAffineTransform class]]) return shape;
+    if (![matrix isKindOfClass:[NSAffineTransform class]]) return CGAffineTransformIdentity;
     NSAffineTransformStruct m = [matrix transformStruct];
-    return [shape transformBy:CGAffineTransformMake(m.m11, m.m12, m.m21, m.m22, m.tX, m.tY) interior:NO];
+    return CGAffineTransformMake(m.m11, m.m12, m.m21, m.m22, m.tX, m.tY);
+}
+
+- (BOOL)hasMode:(NSString*)mode forKey:(NSString*)key {
+    return [[_options objectForKey:key] isEqual:mode];
+}
+
+- (engine::Image)recipe {
+    bool clamps = [self hasMode:kCISamplerWrapClamp forKey:kCISamplerWrapMode];
+    bool nearest = [self hasMode:kCISamplerFilterNearest forKey:kCISamplerFilterMode];
+    ci::Failure failure;
+    engine::Image image =
+        ci::sampled([_image recipe], [self matrix], clamps ? engine::Wrap::clamp : engine::Wrap::black,
+                    nearest ? engine::Interpolation::nearest : engine::Interpolation::linear, failure);
+    ci::raise(failure, @"CISampler");
+    return image;
+}
+
+- (CIFilterShape*)definition {
+    return [CIFilterShape shapeWithRect:ci::toCG([self recipe]->extent())];
 }
 
 - (CGRect)extent {
-    return [[self definition] extent];
+    return ci::toCG(ci::fromCG([self matrix]).apply([_image recipe]->extent()));
 }
 
 - (NSString*)description {

@@ -8,6 +8,9 @@
 NAME(CIAttributeFilterName);
 NAME(CIAttributeFilterDisplayName);
 NAME(CIAttributeFilterCategories);
+NAME(CIAttributeFilterAvailable_Mac);
+NAME(CIAttributeReferenceDocumentation);
+NAME(CIAttributeDescription);
 NAME(CIAttributeClass);
 NAME(CIAttributeType);
 NAME(CIAttributeMin);

@@ -45,6 +45,7 @@ std::optional<engine::Value> valueOf(id object, const std::string& className) {
     auto is = [object](Class c) { return [object isKindOfClass:c]; };
     if (className == "CIImage") {
         if (is([CIImage class])) return [(CIImage*)object recipe];
+        if (is([CISampler class])) return [(CISampler*)object recipe];
     } else if (className == "NSNumber") {
         // Text counts as the number that it says, as everywhere in Cocoa.
         if (is([NSNumber class]) || is([NSString class])) return [object doubleValue];

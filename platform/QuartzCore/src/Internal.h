@@ -15,3 +15,8 @@
 + (CIImage*)imageWithRecipe:(const engine::Image&)recipe;
 - (const engine::Image&)recipe;
 @end
+
+@interface CISampler (Internal)
+/// What the sampler reads. Raises for a matrix that is not finite.
+- (engine::Image)recipe;
+@end

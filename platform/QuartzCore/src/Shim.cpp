@@ -221,6 +221,11 @@ engine::Image crop(const engine::Image& image, CGRect area, Failure& failure) {
     return attempt(failure, [&] { return engine::crop(image, fromCG(area)); });
 }
 
+engine::Image sampled(const engine::Image& image, const CGAffineTransform& matrix, engine::Wrap wrap,
+                      engine::Interpolation interpolation, Failure& failure) {
+    return attempt(failure, [&] { return engine::sampled(image, fromCG(matrix), wrap, interpolation); });
+}
+
 engine::Image apply(const engine::FilterInfo& filter, const engine::Values& values, Failure& failure) {
     return attempt(failure, [&] { return engine::apply(filter, values); });
 }

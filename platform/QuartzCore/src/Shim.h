@@ -42,6 +42,8 @@ engine::Image constant(const engine::Color& color);
 engine::Image empty();
 engine::Image transform(const engine::Image& image, const CGAffineTransform& matrix, Failure& failure);
 engine::Image crop(const engine::Image& image, CGRect area, Failure& failure);
+engine::Image sampled(const engine::Image& image, const CGAffineTransform& matrix, engine::Wrap wrap,
+                      engine::Interpolation interpolation, Failure& failure);
 engine::Image apply(const engine::FilterInfo& filter, const engine::Values& values, Failure& failure);
 
 /// The pixels of a whole-numbered rectangle as a new image; null for a rectangle, format or space that cannot

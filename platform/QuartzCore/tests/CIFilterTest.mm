@@ -113,6 +113,29 @@ TEST(CIFilter, AttributesHaveCoreImagesTypes) {
     EXPECT_EQ(m.m12, 0);
 }
 
+TEST(CIFilter, TheFilterTellsOfItself) {
+    NSDictionary* attributes = [[CIFilter filterWithName:@"CIBoxBlur"] attributes];
+    EXPECT_EQ(str([attributes objectForKey:@"CIAttributeFilterAvailable_Mac"]), "10.5");
+    EXPECT_EQ(str([attributes objectForKey:@"CIAttributeDescription"]),
+              str([CIFilter localizedDescriptionForFilterName:@"CIBoxBlur"]));
+    NSURL* url = [attributes objectForKey:@"CIAttributeReferenceDocumentation"];
+    EXPECT_TRUE([url isKindOfClass:[NSURL class]]);
+    EXPECT_TRUE([[url absoluteString] hasSuffix:@"/CIBoxBlur"]);
+}
+
+TEST(CIFilter, OfTheOutputOnlyTheClassIsTold) {
+    NSDictionary* output = [[[CIFilter filterWithName:@"CIBoxBlur"] attributes] objectForKey:@"outputImage"];
+    EXPECT_EQ([output count], 1u);
+    EXPECT_EQ(str([output objectForKey:@"CIAttributeClass"]), "CIImage");
+}
+
+TEST(CIFilter, InputKeysAreInTheOrderOfTheFilter) {
+    CIFilter* filter = [CIFilter filterWithName:@"CIColorControls"];
+    EXPECT_EQ(str([[filter inputKeys] componentsJoinedByString:@" "]),
+              "inputImage inputSaturation inputBrightness inputContrast");
+    EXPECT_EQ(str([[filter outputKeys] componentsJoinedByString:@" "]), "outputImage");
+}
+
 TEST(CIFilter, NamesByCategory) {
     NSArray* all = [CIFilter filterNamesInCategory:nil];
     NSArray* effects = [CIFilter filterNamesInCategory:kCICategoryColorEffect];
@@ -122,8 +145,24 @@ TEST(CIFilter, NamesByCategory) {
     NSArray* both = [CIFilter filterNamesInCategories:@[ kCICategoryColorEffect, kCICategoryBuiltIn ]];
     EXPECT_EQ([both count], [effects count]);
     EXPECT_EQ([[CIFilter filterNamesInCategory:@"CICategoryNonsense"] count], 0u);
+    // Only what is in both.
+    NSArray* blurs = @[ kCICategoryColorEffect, kCICategoryBlur ];
+    EXPECT_EQ([[CIFilter filterNamesInCategories:blurs] count], 0u);
+    // No category to be in: all.
+    EXPECT_TRUE([[CIFilter filterNamesInCategories:nil] isEqual:all]);
+    EXPECT_TRUE([[CIFilter filterNamesInCategories:@[]] isEqual:all]);
     NSArray* sorted = [all sortedArrayUsingSelector:@selector(compare:)];
     EXPECT_TRUE([all isEqual:sorted]);
+}
+
+TEST(CIFilter, FiltersOfNoCategoryAreFoundByNameOnly) {
+    for (NSString* name in @[ @"CIFaceBalance", @"CIRedEyeCorrections" ]) {
+        CIFilter* filter = [CIFilter filterWithName:name];
+        ASSERT_TRUE(filter != nil) << str(name);
+        EXPECT_EQ([[[filter attributes] objectForKey:kCIAttributeFilterCategories] count], 0u);
+        EXPECT_FALSE([[CIFilter filterNamesInCategory:nil] containsObject:name]);
+        EXPECT_FALSE([[CIFilter filterNamesInCategory:kCICategoryBuiltIn] containsObject:name]);
+    }
 }
 
 TEST(CIFilter, EveryFilterCanBeMadeAndDescribed) {
@@ -132,7 +171,8 @@ TEST(CIFilter, EveryFilterCanBeMadeAndDescribed) {
         EXPECT_EQ(str([filter name]), str(name));
         [filter setDefaults];
         NSDictionary* attributes = [filter attributes];
-        EXPECT_EQ([attributes count], [[filter inputKeys] count] + 3) << str(name);
+        // Six entries of the filter, and one of its output.
+        EXPECT_EQ([attributes count], [[filter inputKeys] count] + 7) << str(name);
         for (NSString* key in [filter inputKeys])
             EXPECT_TRUE([[attributes objectForKey:key] objectForKey:kCIAttributeClass] != nil)
                 << str(name) << str(key);
@@ -150,6 +190,75 @@ TEST(CIFilter, TextsForPeople) {
     NSURL* url = [CIFilter localizedReferenceDocumentationForFilterName:@"CISepiaTone"];
     EXPECT_TRUE([[url absoluteString] hasSuffix:@"/CISepiaTone"]);
     EXPECT_EQ([CIFilter localizedReferenceDocumentationForFilterName:@"CINoSuchFilter"], nil);
+}
+
+TEST(CIFilter, EveryCategoryAndEveryFilterHasItsTexts) {
+    for (NSString* category in @[
+             kCICategoryDistortionEffect,
+             kCICategoryGeometryAdjustment,
+             kCICategoryCompositeOperation,
+             kCICategoryHalftoneEffect,
+             kCICategoryColorAdjustment,
+             kCICategoryColorEffect,
+             kCICategoryTransition,
+             kCICategoryTileEffect,
+             kCICategoryGenerator,
+             kCICategoryGradient,
+             kCICategoryStylize,
+             kCICategorySharpen,
+             kCICategoryBlur,
+             kCICategoryVideo,
+             kCICategoryStillImage,
+             kCICategoryInterlaced,
+             kCICategoryNonSquarePixels,
+             kCICategoryHighDynamicRange,
+             kCICategoryBuiltIn,
+             kCICategoryReduction
+         ]) {
+        NSString* name = [CIFilter localizedNameForCategory:category];
+        ASSERT_TRUE(name != nil) << str(category);
+        // The words of the key, taken apart.
+        NSString* squeezed = [[name stringByReplacingOccurrencesOfString:@" " withString:@""]
+            stringByReplacingOccurrencesOfString:@"-"
+                                      withString:@""];
+        EXPECT_EQ("CICategory" + str(squeezed), str(category));
+    }
+    EXPECT_EQ([CIFilter localizedNameForCategory:nil], nil);
+    NSMutableSet* descriptions = [NSMutableSet set];
+    NSArray* all = [CIFilter filterNamesInCategory:nil];
+    for (NSString* name in all) {
+        EXPECT_GT([[CIFilter localizedNameForFilterName:name] length], 0u) << str(name);
+        NSString* description = [CIFilter localizedDescriptionForFilterName:name];
+        EXPECT_TRUE([description hasSuffix:@"."]) << str(name);
+        [descriptions addObject:description];
+        EXPECT_TRUE([[[CIFilter localizedReferenceDocumentationForFilterName:name] absoluteString]
+            hasSuffix:[@"/" stringByAppendingString:name]]);
+    }
+    EXPECT_EQ([descriptions count], [all count]) << "two filters share a description";
+    EXPECT_EQ([CIFilter localizedDescriptionForFilterName:@"CINoSuchFilter"], nil);
+    EXPECT_EQ([CIFilter localizedReferenceDocumentationForFilterName:nil], nil);
+}
+
+TEST(CIFilter, DefaultsAreWhatTheAttributesTell) {
+    for (NSString* name in [CIFilter filterNamesInCategory:nil]) {
+        CIFilter* filter = [CIFilter filterWithName:name];
+        [filter setDefaults];
+        for (NSString* key in [filter inputKeys]) {
+            id told = [[[filter attributes] objectForKey:key] objectForKey:kCIAttributeDefault];
+            id value = [filter valueForKey:key];
+            EXPECT_EQ(told == nil, value == nil) << str(name) << str(key);
+            // Colours and the like are equal when they are told alike.
+            if (told) EXPECT_EQ(str([value description]), str([told description])) << str(name) << str(key);
+        }
+    }
+}
+
+TEST(CIFilter, DefaultsLeaveInputsWithoutADefault) {
+    CIFilter* filter = [CIFilter filterWithName:@"CISepiaTone"];
+    CIImage* image = [CIImage emptyImage];
+    [filter setValue:image forKey:@"inputImage"];
+    [filter setDefaults];
+    EXPECT_EQ([filter valueForKey:@"inputImage"], image);
 }
 
 TEST(CIFilter, CopiesHaveTheirOwnValues) {

@@ -190,19 +190,3 @@ TEST(CIImage, CopiesAndDescriptions) {
     EXPECT_TRUE([[image description] hasPrefix:@"<CIImage: 0x"]);
     EXPECT_TRUE([[image description] hasSuffix:@"extent [0 0 4 3]>"]);
 }
-
-TEST(CISampler, KeepsImageAndMatrix) {
-    CIImage* image = [CIImage imageWithCGImage:makePicture(4, 3).get()];
-    expectRect([[CISampler samplerWithImage:image] extent], CGRectMake(0, 0, 4, 3));
-    NSAffineTransform* twice = [NSAffineTransform transform];
-    [twice scaleBy:2];
-    NSDictionary* options =
-        [NSDictionary dictionaryWithObjectsAndKeys:twice, kCISamplerAffineMatrix, kCISamplerWrapClamp,
-                                                   kCISamplerWrapMode, @"odd", kCISamplerFilterMode, nil];
-    CISampler* sampler = [CISampler samplerWithImage:image options:options];
-    expectRect([sampler extent], CGRectMake(0, 0, 8, 6));
-    expectRect([[sampler definition] extent], CGRectMake(0, 0, 8, 6));
-    expectRect([[CISampler samplerWithImage:image keysAndValues:kCISamplerAffineMatrix, twice, nil] extent],
-               CGRectMake(0, 0, 8, 6));
-    EXPECT_EQ([CISampler samplerWithImage:nil], nil);
-}

@@ -46,7 +46,7 @@ const Registrar filter{
      "Face Balance",
      "Shifts the colours of a picture so that a face in it gets the colour of skin in good light.",
      "10.8",
-     categories("ColorAdjustment Video StillImage BuiltIn"),
+     {},
      {imageInput(),
       numberInput("inputOrigI", "Original I", "Scalar",
                   {.value = skinI, .min = -1, .max = 1, .sliderMin = -0.6, .sliderMax = 0.6}),

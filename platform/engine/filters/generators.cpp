@@ -25,31 +25,56 @@ void mixColors(const Rgba& first, const Rgba& second, const Span& out, int n, F 
     });
 }
 
-/// How far into the second square, 0..1, from the place within a pair of squares (0..2). `blur` is the share
-/// of a square over which the edge is spread.
-SIMD_INLINE inline float checker(float place, float sharpen) {
-    float toEdge = simd::abs(place - 1) - 0.5f; // below 0 in the second half
-    return simd::clamp(toEdge * sharpen, -1, 1);
-}
+/// A wave of two colours, each as wide as the other. Its edges lie at 0.5 and 1.5 of a place that goes from 0
+/// to 2: -1 in the middle, 1 at both ends. With less sharpness the edges become ramps, at none as wide as a
+/// colour.
+struct SquareWave {
+    double centre, width;
+    float sharpen, step;
 
-/// The product of two square waves. With less sharpness the edges become ramps, at none as wide as a square.
+    /// The second colour begins at `centre`.
+    SquareWave(const Inputs& in, double centre)
+        : centre(centre), width(std::clamp(std::abs(in.number("inputWidth")), 1e-3, 1e9)),
+          // An edge is at least a pixel wide, which keeps it smooth.
+          sharpen(static_cast<float>(
+              2 / std::max(1 - in.number("inputSharpness", 0, 1), std::min(1.0, 1 / width)))),
+          step(static_cast<float>(1 / width)) {}
+
+    float place(int pixel) const {
+        double v = (pixel + 0.5 - centre) / width + 0.5;
+        return static_cast<float>(v - 2 * std::floor(v / 2));
+    }
+    SIMD_INLINE float at(float place) const {
+        float wrapped = place - 2 * simd::floor(place * 0.5f);
+        return simd::clamp((simd::abs(wrapped - 1) - 0.5f) * sharpen, -1, 1);
+    }
+};
+
+/// The product of two square waves.
 Image checkerboard(const Inputs& in) {
-    Point c = in.point("inputCenter");
+    SquareWave across(in, in.point("inputCenter").x), up(in, in.point("inputCenter").y);
     Color color0 = in.color("inputColor0"), color1 = in.color("inputColor1");
-    double width = std::clamp(std::abs(in.number("inputWidth")), 1e-3, 1e9);
-    // An edge is at least a pixel wide, which keeps it smooth.
-    double edge = std::max(1 - in.number("inputSharpness", 0, 1), std::min(1.0, 1 / width));
-    float sharpen = static_cast<float>(2 / edge), step = static_cast<float>(1 / width);
     return generator("checkerboard", Rect::infinite(), [=](const RenderContext& context) -> SpanFunction {
         return [=, first = context.color(color0), second = context.color(color1)](const Span& out, int x,
                                                                                   int y, int n) {
-            // The place within two squares, half a square further, so that edges lie at 0.5 and 1.5.
-            auto place = [&](double v) { return static_cast<float>(v - 2 * std::floor(v / 2)); };
-            float px = place((x + 0.5 - c.x) / width + 0.5), py = place((y + 0.5 - c.y) / width + 0.5);
-            float wave = checker(py, sharpen);
+            float px = across.place(x), row = up.at(up.place(y));
             mixColors(first, second, out, n, [=](int i) SIMD_INLINE {
-                float p = px + static_cast<float>(i) * step;
-                return 0.5f - 0.5f * wave * checker(p - 2 * simd::floor(p * 0.5f), sharpen);
+                return 0.5f - 0.5f * row * across.at(px + static_cast<float>(i) * across.step);
+            });
+        };
+    });
+}
+
+/// One square wave: the second colour to the right of the centre, as in pictures of Core Image.
+Image stripes(const Inputs& in) {
+    SquareWave across(in, in.point("inputCenter").x);
+    Color color0 = in.color("inputColor0"), color1 = in.color("inputColor1");
+    return generator("stripes", Rect::infinite(), [=](const RenderContext& context) -> SpanFunction {
+        return [=, first = context.color(color0), second = context.color(color1)](const Span& out, int x, int,
+                                                                                  int n) {
+            float px = across.place(x);
+            mixColors(first, second, out, n, [=](int i) SIMD_INLINE {
+                return 0.5f - 0.5f * across.at(px + static_cast<float>(i) * across.step);
             });
         };
     });
@@ -102,18 +127,22 @@ const Registrar constantColor{{"CIConstantColorGenerator",
                                {colorInput("inputColor", "Color", "Color", {1, 0, 0, 1})},
                                [](const Inputs& in) { return constant(in.color("inputColor")); }}};
 
+/// What the patterns of two colours have in common.
+std::vector<InputInfo> patternInputs() {
+    return {vectorInput("inputCenter", "Center", "Position", {150, 150}),
+            colorInput("inputColor0", "Color 1", "", white), colorInput("inputColor1", "Color 2", "", black),
+            numberInput("inputWidth", "Width", "Distance", {.value = 80, .sliderMin = 0, .sliderMax = 800}),
+            numberInput("inputSharpness", "Sharpness", "Scalar",
+                        {.value = 1, .min = 0, .max = 1, .sliderMin = 0, .sliderMax = 1})};
+}
+
 const Registrar checkerboards{
-    {"CICheckerboardGenerator",
-     "Checkerboard",
-     "Makes a pattern of squares in two colours.",
-     "10.4",
-     categories("Generator Video StillImage BuiltIn"),
-     {vectorInput("inputCenter", "Center", "Position", {150, 150}),
-      colorInput("inputColor0", "Color 1", "", white), colorInput("inputColor1", "Color 2", "", black),
-      numberInput("inputWidth", "Width", "Distance", {.value = 80, .sliderMin = 0, .sliderMax = 800}),
-      numberInput("inputSharpness", "Sharpness", "Scalar",
-                  {.value = 1, .min = 0, .max = 1, .sliderMin = 0, .sliderMax = 1})},
-     checkerboard}};
+    {"CICheckerboardGenerator", "Checkerboard", "Makes a pattern of squares in two colours.", "10.4",
+     categories("Generator Video StillImage BuiltIn"), patternInputs(), checkerboard}};
+
+const Registrar stripePatterns{{"CIStripesGenerator", "Stripes",
+                                "Makes a pattern of upright stripes in two colours.", "10.4",
+                                categories("Generator Video StillImage BuiltIn"), patternInputs(), stripes}};
 
 const Registrar linear{{"CILinearGradient",
                         "Linear Gradient",

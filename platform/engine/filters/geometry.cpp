@@ -11,8 +11,8 @@ static const Registrar affineTransform{
      {imageInput(), transformInput("inputTransform", "Transform")},
      [](const Inputs& in) { return transform(in.image("inputImage"), in.affine("inputTransform")); }}};
 
-/// The rectangle that Core Image writes for "everything".
-static const Numbers everything{-8.98847e+307, -8.98847e+307, 1.79769e+308, 1.79769e+308};
+/// CGRectInfinite, as a 32-bit Core Graphics writes it: half and all of what a float holds.
+static const Numbers everything{-0x1.fffffep+126, -0x1.fffffep+126, 0x1.fffffep+127, 0x1.fffffep+127};
 
 static const Registrar cropTo{
     {"CICrop",

@@ -55,7 +55,7 @@ const Registrar filter{
      "Red Eye Corrections",
      "Takes the red of a flash out of pupils, which are given as x, y and radius of each.",
      "10.8",
-     categories("Stylize Video StillImage BuiltIn"),
+     {},
      {imageInput(), vectorInput("inputCorrectionInfo", "Correction Info", "", {}, Numbers{})},
      build}};
 

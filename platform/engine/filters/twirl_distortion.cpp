@@ -10,13 +10,11 @@ namespace {
 
 /// Turns by an angle that falls from the centre to the rim as (1 - distance / radius)^2, so that neither
 /// the picture nor its direction breaks at the rim.
-class Twirl : public Warp {
+class Twirl : public DiscWarp {
   public:
-    Twirl(Point centre, double radius, double angle) : centre_(centre), radius_(radius), angle_(angle) {}
+    Twirl(Point centre, double radius, double angle) : DiscWarp(centre, radius), angle_(angle) {}
 
     std::string name() const override { return "twirl"; }
-    Rect extent(const Rect& source) const override { return touched(source); }
-    Rect region(const Rect& area) const override { return touched(area); }
     void displace(int x, int y, int n, float* dx, float* dy) const override {
         float x0 = static_cast<float>(x + 0.5 - centre_.x), py = static_cast<float>(y + 0.5 - centre_.y);
         float scale = static_cast<float>(1 / radius_), angle = static_cast<float>(-angle_);
@@ -35,13 +33,7 @@ class Twirl : public Warp {
     }
 
   private:
-    Rect disc() const {
-        return {centre_.x - radius_, centre_.y - radius_, centre_.x + radius_, centre_.y + radius_};
-    }
-    Rect touched(const Rect& r) const { return r.intersect(disc()).isEmpty() ? r : r.unite(disc()); }
-
-    Point centre_;
-    double radius_, angle_;
+    double angle_;
 };
 
 Image build(const Inputs& in) {

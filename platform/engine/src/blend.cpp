@@ -50,6 +50,16 @@ class BlendNode : public Node {
 
 constexpr BlendMode over{"source over", sourceOver};
 
+void addAll(const Span& above, const Span& below, int n) {
+    for (int c = 0; c < 4; ++c)
+        color::simd::run([=, s = above.plane[c], d = below.plane[c]]() SIMD_INLINE {
+            SIMD_LOOP
+            for (int i = 0; i < n; ++i) d[i] += s[i];
+        });
+}
+
+constexpr BlendMode plus{"sum", addAll};
+
 } // namespace
 
 void sourceOver(const Span& above, const Span& below, int n) {
@@ -69,6 +79,8 @@ Image blend(const BlendMode& mode, const Image& above, const Image& below) {
     if (!above) return mode.onlyBelow ? below : nullptr;
     return std::make_shared<BlendNode>(mode, above, below);
 }
+
+Image sum(const Image& a, const Image& b) { return blend(plus, a, b); }
 
 Image composite(const Image& above, const Image& below) { return blend(over, above, below); }
 

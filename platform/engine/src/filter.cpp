@@ -73,9 +73,16 @@ InputInfo colorInput(std::string key, std::string displayName, std::string_view 
     return info;
 }
 
-InputInfo transformInput(std::string key, std::string displayName) {
-    InputInfo info = input(std::move(key), std::move(displayName), "NSAffineTransform", "Transform");
+InputInfo transformInput(std::string key, std::string displayName, std::string_view type) {
+    InputInfo info = input(std::move(key), std::move(displayName), "NSAffineTransform", type);
     info.defaultValue = info.identity = Affine{};
+    return info;
+}
+
+InputInfo dataInput(std::string key, std::string displayName, Bytes value, Bytes identity) {
+    InputInfo info = input(std::move(key), std::move(displayName), "NSData", "");
+    info.defaultValue = std::move(value);
+    info.identity = std::move(identity);
     return info;
 }
 

@@ -20,6 +20,11 @@ Image colorMatrix(const Image& image, const ColorMatrix& matrix);
 /// A matrix of the colours that leaves alpha as it is.
 ColorMatrix colorsOnly(const std::array<double, 9>& rgb, double bias = 0);
 
+/// The components of each pixel times a number that depends on its place, or always the same one.
+using Weights = std::function<void(int x, int y, int n, float* weights)>;
+Image weighted(const Image& image, std::string name, Weights weights);
+Image weighted(const Image& image, double weight);
+
 /// A combination of two images, pixel by pixel, on premultiplied colours.
 struct BlendMode {
     const char* name;
@@ -31,6 +36,8 @@ struct BlendMode {
 void sourceOver(const Span& above, const Span& below, int n);
 /// With one image missing the result is the other where that can show without it, and null otherwise.
 Image blend(const BlendMode& mode, const Image& above, const Image& below);
+/// The sum of all components; a missing image adds nothing.
+Image sum(const Image& a, const Image& b);
 
 /// Makes a pixel from the pixels of several images at its place: `pixels` are theirs in order, and the result
 /// goes to the first.
@@ -57,5 +64,23 @@ class Warp {
     virtual void displace(int x, int y, int n, float* dx, float* dy) const = 0;
 };
 Image warp(const Image& image, std::shared_ptr<const Warp> warp);
+
+/// A warp inside a circle; outside, pixels stay as they are.
+class DiscWarp : public Warp {
+  public:
+    DiscWarp(Point centre, double radius) : centre_(centre), radius_(radius) {}
+    Rect extent(const Rect& source) const override { return touched(source); }
+    Rect region(const Rect& area) const override { return touched(area); }
+
+  protected:
+    Point centre_;
+    double radius_;
+
+  private:
+    Rect touched(const Rect& r) const {
+        Rect disc{centre_.x - radius_, centre_.y - radius_, centre_.x + radius_, centre_.y + radius_};
+        return r.intersect(disc).isEmpty() ? r : r.unite(disc);
+    }
+};
 
 } // namespace engine

@@ -120,6 +120,26 @@ Image generator(std::string name, const Rect& extent, SpanMaker make) {
     return std::make_shared<StepNode>(extent, std::vector<Image>{}, std::move(name), std::move(make));
 }
 
+Image weighted(const Image& image, std::string name, Weights weights) {
+    return pointStep(image, std::move(name), [weights = std::move(weights)](const RenderContext&) {
+        return [weights](const Span& pixels, int x, int y, int n) {
+            alignas(32) float each[maxSpan];
+            weights(x, y, n, each);
+            for (float* p : pixels.plane)
+                color::simd::run([=, each = each]() SIMD_INLINE {
+                    SIMD_LOOP
+                    for (int i = 0; i < n; ++i) p[i] *= each[i];
+                });
+        };
+    });
+}
+
+Image weighted(const Image& image, double weight) {
+    return weighted(image, "weight", [w = static_cast<float>(weight)](int, int, int n, float* weights) {
+        std::fill_n(weights, n, w);
+    });
+}
+
 Image colorMatrix(const Image& image, const ColorMatrix& matrix) {
     if (!image) return nullptr;
     if (auto before = dynamic_cast<const MatrixNode*>(image.get()))

@@ -24,6 +24,7 @@ InputInfo vectorInput(std::string key, std::string displayName, std::string_view
                       std::optional<Numbers> identity = {});
 InputInfo colorInput(std::string key, std::string displayName, std::string_view type, const Color& value,
                      std::optional<Color> identity = {});
-InputInfo transformInput(std::string key, std::string displayName);
+InputInfo transformInput(std::string key, std::string displayName, std::string_view type = "Transform");
+InputInfo dataInput(std::string key, std::string displayName, Bytes value, Bytes identity);
 
 } // namespace engine

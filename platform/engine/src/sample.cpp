@@ -2,6 +2,8 @@
 
 #include <color/vecmath.h>
 
+#include <cmath>
+
 namespace engine {
 
 std::pair<IntRect, IntRect> halves(const IntRect& r) {
@@ -11,6 +13,21 @@ std::pair<IntRect, IntRect> halves(const IntRect& r) {
     else
         first.y1 = second.y0 = r.y0 + r.height() / 2;
     return {first, second};
+}
+
+bool isWholeMove(const Affine& m) {
+    auto whole = [](double v) { return std::abs(v) < (1 << 28) && v == std::round(v); };
+    return m.a == 1 && m.b == 0 && m.c == 0 && m.d == 1 && whole(m.tx) && whole(m.ty);
+}
+
+Rect centresOf(const IntRect& area, const Affine& m) {
+    Point first = m.apply(Point{area.x0 + 0.5, area.y0 + 0.5});
+    Point across{m.a * (area.width() - 1), m.b * (area.width() - 1)};
+    Point along{m.c * (area.height() - 1), m.d * (area.height() - 1)};
+    return {first.x + std::min(across.x, 0.0) + std::min(along.x, 0.0),
+            first.y + std::min(across.y, 0.0) + std::min(along.y, 0.0),
+            first.x + std::max(across.x, 0.0) + std::max(along.x, 0.0),
+            first.y + std::max(across.y, 0.0) + std::max(along.y, 0.0)};
 }
 
 void sample(const Pixels& from, const float* u, const float* v, int n, const Span& out) {

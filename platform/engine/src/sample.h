@@ -11,6 +11,28 @@ constexpr double mostSampled = 1 << 20;
 /// The two halves of a rectangle, across its longer side.
 std::pair<IntRect, IntRect> halves(const IntRect& r);
 
+/// Whether a transform only moves, by whole pixels.
+bool isWholeMove(const Affine& matrix);
+/// The box around where a transform puts the centres of an area's pixels. (A single row or column of centres
+/// has no area, but a place.)
+Rect centresOf(const IntRect& area, const Affine& matrix);
+
+/// Computes the pixels of an area from what `needed(part)` says its parts read: `work(part, read)` for each
+/// part, which is small enough that what it reads can be kept. What reads nothing is cleared.
+template <class Needed, class Work>
+void computeInParts(const IntRect& area, const Pixels& out, Needed needed, Work work) {
+    IntRect read = needed(area);
+    if (read.count() > mostSampled && area.count() > 1) {
+        auto [first, second] = halves(area);
+        computeInParts(first, out, needed, work);
+        computeInParts(second, out, needed, work);
+    } else if (read.isEmpty()) {
+        for (int y = area.y0; y < area.y1; ++y) out.at(area.x0, y).clear(area.width());
+    } else {
+        work(area, read);
+    }
+}
+
 /// Bilinear samples: u and v count pixels from the centre of the first pixel of `from`; what is outside is
 /// moved to the edge. n is at most maxSpan.
 void sample(const Pixels& from, const float* u, const float* v, int n, const Span& out);

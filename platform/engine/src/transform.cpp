@@ -20,11 +20,6 @@ class MovedEvaluator : public Evaluator {
     int dx_, dy_;
 };
 
-bool isWholeMove(const Affine& m) {
-    auto whole = [](double v) { return std::abs(v) < (1 << 28) && v == std::round(v); };
-    return m.a == 1 && m.b == 0 && m.c == 0 && m.d == 1 && whole(m.tx) && whole(m.ty);
-}
-
 /// An image made smaller by whole factors: each pixel the mean of a block.
 class Reduction {
   public:
@@ -176,33 +171,20 @@ class TransformNode : public Node {
 
     void compute(const IntRect& area, const Pixels& out, const Reduction& source,
                  RenderContext& context) const {
-        Point first = inverse_.apply(Point{area.x0 + 0.5, area.y0 + 0.5});
-        // A single row or column of centres has no area, but a place.
-        Point across{inverse_.a * (area.width() - 1), inverse_.b * (area.width() - 1)};
-        Point along{inverse_.c * (area.height() - 1), inverse_.d * (area.height() - 1)};
-        Rect region{first.x + std::min(across.x, 0.0) + std::min(along.x, 0.0),
-                    first.y + std::min(across.y, 0.0) + std::min(along.y, 0.0),
-                    first.x + std::max(across.x, 0.0) + std::max(along.x, 0.0),
-                    first.y + std::max(across.y, 0.0) + std::max(along.y, 0.0)};
-        // The neighbours, and the edge of the image, which shows half a footprint outside of it.
-        Rect near{source.toX(region.x0) - 2, source.toY(region.y0) - 2, source.toX(region.x1) + 2,
-                  source.toY(region.y1) + 2};
-        IntRect needed = toInt(near).intersect(source.bounds());
-        if (needed.count() > mostSampled && area.count() > 1) {
-            auto [a, b] = halves(area);
-            compute(a, out, source, context);
-            compute(b, out, source, context);
-            return;
-        }
-        if (needed.isEmpty()) {
-            for (int y = area.y0; y < area.y1; ++y) out.at(area.x0, y).clear(area.width());
-            return;
-        }
-        Pixels in(needed);
-        source.compute(in, context);
-        for (int y = area.y0; y < area.y1; ++y)
-            for (int x = area.x0; x < area.x1; x += maxSpan)
-                row(x, y, std::min(maxSpan, area.x1 - x), in, source, out.at(x, y));
+        auto needed = [&](const IntRect& part) {
+            Rect region = centresOf(part, inverse_);
+            // The neighbours, and the edge of the image, which shows half a footprint outside of it.
+            Rect near{source.toX(region.x0) - 2, source.toY(region.y0) - 2, source.toX(region.x1) + 2,
+                      source.toY(region.y1) + 2};
+            return toInt(near).intersect(source.bounds());
+        };
+        computeInParts(area, out, needed, [&](const IntRect& part, const IntRect& read) {
+            Pixels in(read);
+            source.compute(in, context);
+            for (int y = part.y0; y < part.y1; ++y)
+                for (int x = part.x0; x < part.x1; x += maxSpan)
+                    row(x, y, std::min(maxSpan, part.x1 - x), in, source, out.at(x, y));
+        });
     }
 
     void row(int x, int y, int n, const Pixels& in, const Reduction& source, const Span& out) const {

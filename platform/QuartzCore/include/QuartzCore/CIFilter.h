@@ -8,6 +8,11 @@
 CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterName;
 CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterDisplayName;
 CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterCategories;
+/** The first system that has the filter, such as "10.4". */
+CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterAvailable_Mac;
+/** An NSURL. */
+CORE_IMAGE_EXTERN NSString* const kCIAttributeReferenceDocumentation;
+CORE_IMAGE_EXTERN NSString* const kCIAttributeDescription;
 
 /** Keys of one input's attributes. */
 CORE_IMAGE_EXTERN NSString* const kCIAttributeClass;
@@ -89,7 +94,7 @@ CORE_IMAGE_EXTERN NSString* const kCIOutputImageKey;
 
 /** The names in alphabetical order; nil means all filters. */
 + (NSArray*)filterNamesInCategory:(NSString*)category;
-/** The filters that are in every one of the categories. */
+/** The filters that are in every one of the categories; none given means all filters. */
 + (NSArray*)filterNamesInCategories:(NSArray*)categories;
 
 /** Texts for people; nil for an unknown name. */
@@ -104,7 +109,10 @@ CORE_IMAGE_EXTERN NSString* const kCIOutputImageKey;
 - (NSArray*)outputKeys;
 /** Sets every input that has a default to it. */
 - (void)setDefaults;
-/** The filter's own keys, and for each input a dictionary with the kCIAttribute keys that apply. */
+/**
+ * The filter's own keys, and for each input a dictionary with the kCIAttribute keys that apply. Of the output
+ * only the class is told.
+ */
 - (NSDictionary*)attributes;
 /** Nil when an image that the filter needs is missing. */
 - (CIImage*)outputImage;

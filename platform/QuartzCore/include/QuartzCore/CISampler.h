@@ -16,7 +16,13 @@ CORE_IMAGE_EXTERN NSString* const kCISamplerWrapClamp;
 CORE_IMAGE_EXTERN NSString* const kCISamplerFilterNearest;
 CORE_IMAGE_EXTERN NSString* const kCISamplerFilterLinear;
 
-/** An image with the transform and the modes by which a kernel reads it. Immutable. */
+/**
+ * An image with the transform and the modes by which it is read. Immutable.
+ *
+ * Beyond the image's edge "black" (the default) reads nothing and "clamp" the nearest pixel of the edge.
+ * Between the centres of pixels "linear" (the default) mixes the four around and "nearest" takes the one of
+ * them. A filter takes a sampler where it takes an image, and works on what the sampler reads.
+ */
 @interface CISampler : NSObject <NSCopying> {
   @private
     CIImage* _image;
@@ -30,11 +36,16 @@ CORE_IMAGE_EXTERN NSString* const kCISamplerFilterLinear;
 /** Nil for a nil image. */
 - (id)initWithImage:(CIImage*)image;
 - (id)initWithImage:(CIImage*)image keysAndValues:(id)key, ...;
-/** The options are kept as they are; a kernel takes unknown modes for the default: black outside, linear. */
+/** The options are kept as they are; unknown modes are read as the defaults. */
 - (id)initWithImage:(CIImage*)image options:(NSDictionary*)options;
 
-/** Where the transformed image is, whatever the wrap mode shows beyond its edge. */
+/**
+ * Every place where something other than nothing can be read: infinite for "clamp", and half a pixel of the
+ * image more on each side where "linear" fades out. Raises NSInvalidArgumentException for a matrix that is
+ * not finite.
+ */
 - (CIFilterShape*)definition;
+/** Where the transformed image is; the wrap mode counts outside of it. */
 - (CGRect)extent;
 
 @end

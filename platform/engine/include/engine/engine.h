@@ -185,6 +185,16 @@ ENGINE_API Image transform(const Image& image, const Affine& matrix);
 ENGINE_API Image crop(const Image& image, const Rect& area);
 /// The edge pixels continued to infinity. An empty image stays empty.
 ENGINE_API Image clampToEdge(const Image& image);
+/// What is read outside of an image: nothing, or the nearest pixel of its edge.
+enum class Wrap { black, clamp };
+/// How a place is read: as the pixel that it lies in, or as the mix of the four pixels whose centres are
+/// around it.
+enum class Interpolation { nearest, linear };
+/// The image as a sampler reads it: transformed, with one reading for each pixel, at the place its centre
+/// comes from. Unlike transform(), it takes no means when the image is made smaller, and what is linearly
+/// read less than half a pixel outside of a "black" edge fades out. Clamped, it is infinite. Matrices as in
+/// transform().
+ENGINE_API Image sampled(const Image& image, const Affine& matrix, Wrap wrap, Interpolation interpolation);
 /// Source over.
 ENGINE_API Image composite(const Image& above, const Image& below);
 

@@ -1,0 +1,111 @@
+#include "../src/registry.h"
+
+#include <cmath>
+
+namespace engine {
+
+namespace {
+
+/// A projective map by its matrix: (x', y', w') = rows times (x, y, 1).
+struct Projection {
+    std::array<double, 9> m;
+
+    Projection then(const Projection& next) const {
+        Projection out{};
+        for (int i = 0; i < 9; ++i)
+            for (int k = 0; k < 3; ++k) out.m[i] += next.m[i / 3 * 3 + k] * m[k * 3 + i % 3];
+        return out;
+    }
+
+    /// Empty when there is none.
+    std::optional<Projection> inverse() const {
+        const auto& a = m;
+        Projection adjoint{{a[4] * a[8] - a[5] * a[7], a[2] * a[7] - a[1] * a[8], a[1] * a[5] - a[2] * a[4],
+                            a[5] * a[6] - a[3] * a[8], a[0] * a[8] - a[2] * a[6], a[2] * a[3] - a[0] * a[5],
+                            a[3] * a[7] - a[4] * a[6], a[1] * a[6] - a[0] * a[7], a[0] * a[4] - a[1] * a[3]}};
+        double determinant = a[0] * adjoint.m[0] + a[1] * adjoint.m[3] + a[2] * adjoint.m[6];
+        for (double& v : adjoint.m) {
+            v /= determinant;
+            if (!std::isfinite(v)) return {};
+        }
+        return adjoint;
+    }
+
+    /// The unit square to a quadrilateral (P. S. Heckbert, "Fundamentals of Texture Mapping and Image
+    /// Warping", 1989, section 2.2.3). Empty for one that is none.
+    static std::optional<Projection> toQuad(Point p00, Point p10, Point p11, Point p01) {
+        double sx = p00.x - p10.x + p11.x - p01.x, sy = p00.y - p10.y + p11.y - p01.y;
+        double dx1 = p10.x - p11.x, dx2 = p01.x - p11.x, dy1 = p10.y - p11.y, dy2 = p01.y - p11.y;
+        double determinant = dx1 * dy2 - dx2 * dy1;
+        double g = (sx * dy2 - dx2 * sy) / determinant, h = (dx1 * sy - sx * dy1) / determinant;
+        if (!std::isfinite(g) || !std::isfinite(h)) return {};
+        return Projection{{p10.x - p00.x + g * p10.x, p01.x - p00.x + h * p01.x, p00.x,
+                           p10.y - p00.y + g * p10.y, p01.y - p00.y + h * p01.y, p00.y, g, h, 1}};
+    }
+};
+
+class Perspective : public Warp {
+  public:
+    Perspective(const Projection& back, const Rect& source, const Rect& result)
+        : back_(back), source_(source), result_(result) {}
+
+    std::string name() const override { return "perspective"; }
+    Rect extent(const Rect&) const override { return result_; }
+    Rect region(const Rect&) const override { return source_; }
+    void displace(int x, int y, int n, float* dx, float* dy) const override {
+        const auto& m = back_.m;
+        double py = y + 0.5;
+        for (int i = 0; i < n; ++i) {
+            double px = x + i + 0.5, w = m[6] * px + m[7] * py + m[8];
+            Point from{(m[0] * px + m[1] * py + m[2]) / w, (m[3] * px + m[4] * py + m[5]) / w};
+            // Behind the horizon, and far beyond the picture, there is nothing.
+            bool near = w > 0 && source_.grown(2, 2).contains({from.x, from.y, from.x + 1e-9, from.y + 1e-9});
+            dx[i] = static_cast<float>((near ? from.x : source_.x0 - 2) - px);
+            dy[i] = static_cast<float>((near ? from.y : source_.y0 - 2) - py);
+        }
+    }
+
+  private:
+    Projection back_;
+    Rect source_, result_;
+};
+
+/// The corners of the picture go to the four points. Where these make no quadrilateral, or the picture is
+/// endless, nothing comes of it.
+Image build(const Inputs& in) {
+    Image image = in.image("inputImage");
+    if (!image) return nullptr;
+    Rect source = image->extent();
+    if (source.isEmpty() || source.isInfinite()) return empty();
+    const Point corners[] = {in.point("inputBottomLeft"), in.point("inputBottomRight"),
+                             in.point("inputTopRight"), in.point("inputTopLeft")};
+    auto unit = Projection::toQuad(corners[0], corners[1], corners[2], corners[3]);
+    if (!unit) return empty();
+    Projection toUnit{{1 / source.width(), 0, -source.x0 / source.width(), 0, 1 / source.height(),
+                       -source.y0 / source.height(), 0, 0, 1}};
+    auto back = toUnit.then(*unit).inverse();
+    if (!back) return empty();
+    // In front of the horizon is where the first corner is.
+    if (back->m[6] * corners[0].x + back->m[7] * corners[0].y + back->m[8] < 0)
+        for (double& v : back->m) v = -v;
+    Rect result{corners[0].x, corners[0].y, corners[0].x, corners[0].y};
+    for (const Point& p : corners)
+        result = {std::min(result.x0, p.x), std::min(result.y0, p.y), std::max(result.x1, p.x),
+                  std::max(result.y1, p.y)};
+    return warp(image, std::make_shared<Perspective>(*back, source, result));
+}
+
+const Registrar filter{{"CIPerspectiveTransform",
+                        "Perspective Transform",
+                        "Leans a picture so that its corners come to four points.",
+                        "10.4",
+                        categories("GeometryAdjustment Video StillImage BuiltIn"),
+                        {imageInput(), vectorInput("inputTopLeft", "Top Left", "Position", {118, 484}),
+                         vectorInput("inputTopRight", "Top Right", "Position", {646, 507}),
+                         vectorInput("inputBottomRight", "Bottom Right", "Position", {548, 140}),
+                         vectorInput("inputBottomLeft", "Bottom Left", "Position", {155, 153})},
+                        build}};
+
+} // namespace
+
+} // namespace engine

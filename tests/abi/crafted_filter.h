@@ -1,0 +1,18 @@
+// A filter whose attributes a test writes itself; a unit of its own, because a C++ catch matches nothing in
+// Objective-C++.
+#pragma once
+
+// A CIFilter, alive for good, with these attributes:
+//     "inputNumbers"   numbers under every key that takes one, a minimum of 0, a "CIAttributeName" of its own
+//     "inputVectors"   a vector under each of those keys, no class
+//     "inputTexts"     a text under each, and a number for its class
+//     "inputNothing"   an empty dictionary
+//     "inputText", "inputList"   no dictionaries
+int craftedFilter();
+
+// How many references there are to the key of its entry with that name, and to the entry's dictionary.
+struct CraftedReferences {
+    int key, dictionary;
+    bool operator==(const CraftedReferences&) const = default;
+};
+CraftedReferences referencesTo(const char* key);

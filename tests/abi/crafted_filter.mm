@@ -1,0 +1,68 @@
+#include "crafted_filter.h"
+
+#import <QuartzCore/QuartzCore.h>
+
+#include <cstdint>
+#include <cstring>
+
+@interface CraftedFilter : CIFilter
+@end
+
+@implementation CraftedFilter
+
++ (NSDictionary*)entryWith:(id)value {
+    NSMutableDictionary* entry = [NSMutableDictionary dictionary];
+    for (NSString* key in @[
+             kCIAttributeMin, kCIAttributeMax, kCIAttributeSliderMin, kCIAttributeSliderMax,
+             kCIAttributeDefault, kCIAttributeIdentity
+         ])
+        [entry setObject:value forKey:key];
+    return entry;
+}
+
++ (NSDictionary*)makeAttributes {
+    NSMutableDictionary* numbers =
+        [NSMutableDictionary dictionaryWithDictionary:[CraftedFilter entryWith:@7]];
+    [numbers setObject:@0 forKey:kCIAttributeMin];
+    [numbers setObject:@"inputOther" forKey:kCIAttributeName];
+    NSMutableDictionary* texts =
+        [NSMutableDictionary dictionaryWithDictionary:[CraftedFilter entryWith:@"7"]];
+    [texts setObject:[NSNumber numberWithInt:12] forKey:kCIAttributeClass];
+    return @{
+        // A key that counts its references, which the text of a program does not.
+        [NSString stringWithFormat:@"input%@", @"Numbers"] : numbers,
+        @"inputVectors" : [CraftedFilter entryWith:[CIVector vectorWithX:1 Y:2]],
+        @"inputTexts" : texts,
+        @"inputNothing" : [NSDictionary dictionary],
+        @"inputText" : @"no dictionary",
+        @"inputList" : @[ @"no", @"dictionary" ],
+    };
+}
+
+- (NSDictionary*)attributes {
+    static NSDictionary* attributes = nil;
+    // Nothing but the dictionary holds what is in it.
+    @autoreleasepool {
+        if (!attributes) attributes = [[CraftedFilter makeAttributes] retain];
+    }
+    return attributes;
+}
+
+@end
+
+int craftedFilter() {
+    static CIFilter* filter = static_cast<CIFilter*>(class_createInstance([CraftedFilter class], 0));
+    return static_cast<int>(reinterpret_cast<std::intptr_t>(filter));
+}
+
+CraftedReferences referencesTo(const char* key) {
+    @autoreleasepool {
+        CIFilter* filter = reinterpret_cast<CIFilter*>(craftedFilter());
+        NSDictionary* attributes = [filter attributes];
+        for (NSString* name in attributes)
+            if (std::strcmp([name UTF8String], key) == 0)
+                return {static_cast<int>([name retainCount]),
+                        static_cast<int>([[attributes objectForKey:name] retainCount])};
+    }
+    return {};
+}
