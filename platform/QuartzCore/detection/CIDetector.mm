@@ -36,8 +36,8 @@ constexpr Effort kLow{1, 0.5e6}, kHigh{2, 4e6}, kAsSmallAsAsked{2, 8e6};
 
 bool isNumber(id value) { return [value respondsToSelector:@selector(doubleValue)]; }
 
-/// The factor by which the image is scaled for the scan. `smallest` is the side of the smallest face wanted in parts of
-/// the shorter side, 0 for no wish.
+/// The factor by which the image is scaled for the scan. `smallest` is the side of the smallest face wanted
+/// in parts of the shorter side, 0 for no wish.
 double scanScale(CGSize size, const Effort& effort, double smallest) {
     auto largest = [&](const Effort& e) {
         return std::min(e.enlargement, std::sqrt(e.pixels / (static_cast<double>(size.width) * size.height)));
@@ -73,7 +73,8 @@ CGAffineTransform turnUpright(int orientation) {
 struct Scan {
     std::unique_ptr<std::uint8_t[], decltype(&std::free)> grey{nullptr, std::free};
     int width = 0, height = 0;
-    /// From Core Image's coordinates of the bitmap (the origin is its lower left corner) to those of the image.
+    /// From Core Image's coordinates of the bitmap (the origin is its lower left corner) to those of the
+    /// image.
     CGAffineTransform toImage;
 
     vision::GreyBitmap bitmap() const { return {grey.get(), width, height, static_cast<std::size_t>(width)}; }
@@ -93,8 +94,8 @@ struct Scan {
     }
 };
 
-/// Brightness by the usual weights for the primaries of sRGB; what is transparent is black. In place: the grey pixels
-/// lie at the beginning of the coloured ones.
+/// Brightness by the usual weights for the primaries of sRGB; what is transparent is black. In place: the
+/// grey pixels lie at the beginning of the coloured ones.
 void makeGrey(std::uint8_t* pixels, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         const std::uint8_t* p = pixels + 4 * i;
@@ -130,7 +131,8 @@ struct CIDetectorState {
         [self release];
         return nil;
     }
-    _state->context = context ? [context retain] : [[CIContext contextWithCGContext:nullptr options:nil] retain];
+    _state->context =
+        context ? [context retain] : [[CIContext contextWithCGContext:nullptr options:nil] retain];
     if ([CIDetectorAccuracyHigh isEqual:[options objectForKey:CIDetectorAccuracy]]) _state->effort = kHigh;
     id smallest = [options objectForKey:CIDetectorMinFeatureSize];
     if (isNumber(smallest)) _state->smallest = std::min([smallest doubleValue], 1.0);
@@ -150,7 +152,8 @@ struct CIDetectorState {
     [super dealloc];
 }
 
-/// Renders the image upright in the size of the scan; no pixels when it has no bounds, no area, or memory is short.
+/// Renders the image upright in the size of the scan; no pixels when it has no bounds, no area, or memory is
+/// short.
 - (Scan)scanOfImage:(CIImage*)image orientation:(int)orientation {
     Scan scan;
     CGRect extent = image ? [image extent] : CGRectZero;
@@ -172,12 +175,13 @@ struct CIDetectorState {
     toScan = CGAffineTransformConcat(toScan, CGAffineTransformMakeScale(scale, scale));
     scan.toImage = CGAffineTransformInvert(toScan);
     auto space = cg::Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
-    [_state->context render:[image imageByApplyingTransform:toScan]
-                   toBitmap:scan.grey.get()
-                   rowBytes:scan.width * 4
-                     bounds:CGRectMake(0, 0, static_cast<CGFloat>(scan.width), static_cast<CGFloat>(scan.height))
-                     format:kCIFormatRGBA8
-                 colorSpace:space.get()];
+    [_state->context
+            render:[image imageByApplyingTransform:toScan]
+          toBitmap:scan.grey.get()
+          rowBytes:scan.width * 4
+            bounds:CGRectMake(0, 0, static_cast<CGFloat>(scan.width), static_cast<CGFloat>(scan.height))
+            format:kCIFormatRGBA8
+        colorSpace:space.get()];
     makeGrey(scan.grey.get(), count);
     return scan;
 }
@@ -201,8 +205,11 @@ struct CIDetectorState {
 
     NSMutableArray* features = [NSMutableArray array];
     for (std::size_t i = 0; i < faces.size(); ++i) {
-        CIFaceState state{bounds[i], scan.position(faces[i].leftEye), scan.position(faces[i].rightEye),
-                          scan.position(faces[i].mouth), {}};
+        CIFaceState state{bounds[i],
+                          scan.position(faces[i].leftEye),
+                          scan.position(faces[i].rightEye),
+                          scan.position(faces[i].mouth),
+                          {}};
         if (_state->tracker) state.track = tracks[i];
         CIFaceFeature* feature = [[CIFaceFeature alloc] initWithState:state];
         [features addObject:feature];

@@ -8,7 +8,8 @@ namespace ci {
 vision::FaceFinder* faceFinder(std::string& problem) {
     // Beside this library, which the loader knows from the run path.
     static void* library = dlopen("libvision.so", RTLD_NOW | RTLD_LOCAL);
-    auto entry = library ? reinterpret_cast<decltype(&visionFaceFinder)>(dlsym(library, "visionFaceFinder")) : nullptr;
+    auto entry =
+        library ? reinterpret_cast<decltype(&visionFaceFinder)>(dlsym(library, "visionFaceFinder")) : nullptr;
     if (entry) return entry(&problem);
     const char* reason = dlerror();
     problem = reason ? reason : "libvision.so cannot be loaded";

@@ -27,7 +27,8 @@ std::vector<Track> Tracker::follow(const std::vector<CGRect>& faces) {
     std::vector<Pair> pairs;
     for (std::size_t f = 0; f < faces.size(); ++f)
         for (std::size_t k = 0; k < known_.size(); ++k)
-            if (double o = overlap(faces[f], known_[k].bounds); o >= kLeastOverlap) pairs.push_back({o, f, k});
+            if (double o = overlap(faces[f], known_[k].bounds); o >= kLeastOverlap)
+                pairs.push_back({o, f, k});
     std::stable_sort(pairs.begin(), pairs.end(),
                      [](const Pair& a, const Pair& b) { return a.overlap > b.overlap; });
 

@@ -1,4 +1,5 @@
-// dlib's two models: histograms of gradients in five poses find faces, regression trees place 68 landmarks in each.
+// dlib's two models: histograms of gradients in five poses find faces, regression trees place 68 landmarks in
+// each.
 #include <vision/faces.h>
 
 #include <dlib/image_processing.h>
@@ -61,7 +62,8 @@ double deviation(const GreyBitmap& bitmap, Point centre, double halfSide) {
     double sum = 0, squares = 0;
     for (int y = y0; y < y1; ++y)
         for (int x = x0; x < x1; ++x) {
-            double v = bitmap.pixels[static_cast<std::size_t>(y) * bitmap.rowBytes + static_cast<std::size_t>(x)];
+            double v =
+                bitmap.pixels[static_cast<std::size_t>(y) * bitmap.rowBytes + static_cast<std::size_t>(x)];
             sum += v;
             squares += v * v;
         }

@@ -1,6 +1,6 @@
-// Detection of features, as Mac OS X 10.7 and 10.8 brought it. Everything here is weak: a system may lack it, and a
-// process does unless it links CIDetection. Look the classes up by name, and test a constant's address before reading
-// it.
+// Detection of features, as Mac OS X 10.7 and 10.8 brought it. Everything here is weak: a system may lack it,
+// and a process does unless it links CIDetection. Look the classes up by name, and test a constant's address
+// before reading it.
 #pragma once
 
 #include <CoreGraphics/CoreGraphics.h>
@@ -16,9 +16,9 @@
 CI_DETECTION_EXTERN NSString* const CIDetectorTypeFace;
 
 /**
- * Option of a detector: CIDetectorAccuracyLow (which is meant without the option) or CIDetectorAccuracyHigh. Low scans
- * the image at no more than its own size and half a megapixel, which finds faces from 72 pixels on; high at up to twice
- * its size and four megapixels, from 36 pixels on.
+ * Option of a detector: CIDetectorAccuracyLow (which is meant without the option) or CIDetectorAccuracyHigh.
+ * Low scans the image at no more than its own size and half a megapixel, which finds faces from 72 pixels on;
+ * high at up to twice its size and four megapixels, from 36 pixels on.
  */
 CI_DETECTION_EXTERN NSString* const CIDetectorAccuracy;
 CI_DETECTION_EXTERN NSString* const CIDetectorAccuracyLow;
@@ -26,11 +26,13 @@ CI_DETECTION_EXTERN NSString* const CIDetectorAccuracyHigh;
 /** Option of a detector: a Boolean number, whether faces are followed from image to image. */
 CI_DETECTION_EXTERN NSString* const CIDetectorTracking;
 /**
- * Option of a detector: a number from 0 to 1, the side of the smallest face that is wanted as a fraction of the image's
- * shorter side. A large one saves time; a small one scans up to eight megapixels, but never more than twice the size.
+ * Option of a detector: a number from 0 to 1, the side of the smallest face that is wanted as a fraction of
+ * the image's shorter side. A large one saves time; a small one scans up to eight megapixels, but never more
+ * than twice the size.
  */
 CI_DETECTION_EXTERN NSString* const CIDetectorMinFeatureSize;
-/** Option of a search: a number from 1 to 8, the EXIF orientation in which the image is upright; any other means 1. */
+/** Option of a search: a number from 1 to 8, the EXIF orientation in which the image is upright; any other
+ * means 1. */
 CI_DETECTION_EXTERN NSString* const CIDetectorImageOrientation;
 
 /** What a face's `type` answers. */
@@ -42,8 +44,8 @@ CI_DETECTION_EXTERN NSString* const CIFeatureTypeFace;
     struct CIDetectorState* _state;
 }
 /**
- * Nil for a type that is not known, and, with a line in the log, when the detector's data cannot be read. Images are
- * rendered in the context's working space; without a context, in the usual one.
+ * Nil for a type that is not known, and, with a line in the log, when the detector's data cannot be read.
+ * Images are rendered in the context's working space; without a context, in the usual one.
  */
 + (CIDetector*)detectorOfType:(NSString*)type context:(CIContext*)context options:(NSDictionary*)options;
 /** Features, the largest first; an empty array when there are none and for nil, empty and infinite images. */
@@ -63,8 +65,8 @@ CI_DETECTION_EXTERN NSString* const CIFeatureTypeFace;
 @end
 
 /**
- * A face. The left eye is the one on the left as the viewer sees the face upright, not the person's own left. A position
- * that was not found is the zero point.
+ * A face. The left eye is the one on the left as the viewer sees the face upright, not the person's own left.
+ * A position that was not found is the zero point.
  */
 @interface CIFaceFeature : CIFeature {
   @private
@@ -76,7 +78,8 @@ CI_DETECTION_EXTERN NSString* const CIFeatureTypeFace;
 - (CGPoint)rightEyePosition;
 - (BOOL)hasMouthPosition;
 - (CGPoint)mouthPosition;
-/** Both only of a detector that tracks: the number that stays with a face, and in how many images it was seen. */
+/** Both only of a detector that tracks: the number that stays with a face, and in how many images it was
+ * seen. */
 - (BOOL)hasTrackingID;
 - (int)trackingID;
 - (BOOL)hasTrackingFrameCount;

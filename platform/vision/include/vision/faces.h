@@ -1,4 +1,5 @@
-// Faces in grey bitmaps. Plain C++; a library of its own, so that only a process that looks for faces loads it.
+// Faces in grey bitmaps. Plain C++; a library of its own, so that only a process that looks for faces loads
+// it.
 #pragma once
 
 #include <cstddef>
@@ -30,25 +31,25 @@ struct Face {
     std::optional<Point> leftEye, rightEye, mouth;
 };
 
-/// The side, in pixels, of the smallest face that is found: the detector looks through a window of this size. Who
-/// wants smaller faces enlarges the picture.
+/// The side, in pixels, of the smallest face that is found: the detector looks through a window of this size.
+/// Who wants smaller faces enlarges the picture.
 inline constexpr double kSmallestFace = 72;
 
-/// What a candidate must reach. Of 119 photographs without people, all enlarged to twice their size, the most
-/// face-like place had 0.24, while the least certain of the upright faces in the tests has 0.74.
-inline constexpr double kSureness = 0.4;
+/// What a candidate must reach. In 119 photographs without people, enlarged to twice their size, the most
+/// face-like place had 0.24; the least certain face of the tests has 0.47.
+inline constexpr double kSureness = 0.35;
 
-/// Finds upright faces that look towards the viewer, tilted by about 20 degrees at most.
+/// Finds upright faces that look towards the viewer, tilted by about 30 degrees at most.
 class FaceFinder {
   public:
     virtual ~FaceFinder() = default;
-    /// The largest first. Nothing for a bitmap without pixels. May be called from any thread. Throws when memory is
-    /// short.
+    /// The largest first. Nothing for a bitmap without pixels. May be called from any thread. Throws when
+    /// memory is short.
     virtual std::vector<Face> find(const GreyBitmap& bitmap) = 0;
 };
 
 } // namespace vision
 
-/// The process's one finder; null when its data cannot be read, with the reason in `problem`. Made on first use.
-extern "C" __attribute__((visibility("default"))) vision::FaceFinder*
-visionFaceFinder(std::string* problem);
+/// The process's one finder; null when its data cannot be read, with the reason in `problem`. Made on first
+/// use.
+extern "C" __attribute__((visibility("default"))) vision::FaceFinder* visionFaceFinder(std::string* problem);
