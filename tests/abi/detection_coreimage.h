@@ -1,5 +1,5 @@
-// What the tests of detection do to Core Image itself; a unit of its own, because a C++ catch matches nothing in
-// Objective-C++.
+// What the tests of detection do to Core Image itself; a unit of its own, because a C++ catch matches nothing
+// in Objective-C++.
 #pragma once
 
 #include <string>

@@ -118,7 +118,9 @@ TEST_F(Detection, FeaturesInNilRaiseAndGiveNil) {
     for (Value nothing : {Value(), host.instantiate("CIImageKaz")}) {
         EXPECT_EQ(raisedBy([&] { host.call(detector, "featuresInImage", {nothing}); }),
                   "NilObjectException: image is nil");
-        EXPECT_EQ(raisedBy([&] { host.call(detector, "featuresInImage", {nothing, host.dictionary()}); }),
+        EXPECT_EQ(raisedBy([&] {
+                      host.call(detector, "featuresInImage", {nothing, host.dictionary()});
+                  }),
                   "NilObjectException: image is nil");
     }
     // The result itself, by a direct call: the exception stays pending.

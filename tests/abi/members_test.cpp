@@ -49,8 +49,7 @@ class Members : public PluginTest, public testing::WithParamInterface<const char
         Value detector = this->detector();
         if (detector.isNil()) return {};
         const char* folder = std::getenv("KAZ_PHOTOS");
-        Value file =
-            host.function("GetFolderItem", {std::string(folder ? folder : ".") + "/astronaut.png"});
+        Value file = host.function("GetFolderItem", {std::string(folder ? folder : ".") + "/astronaut.png"});
         return host.call(detector, "featuresInImage", {host.function("NewCIImagewithFileKaz", {file})}).at(0);
     }
     Value context() { return host.function("NewCIContextKaz", {cgContext()}); }

@@ -8,8 +8,8 @@ using studio::Value;
 class WithoutDetection : public PluginTest {};
 
 TEST_F(WithoutDetection, TheConstantsAreEmpty) {
-    for (const char* name : {"CIDetectorTypeFace", "CIDetectorAccuracy", "CIDetectorAccuracyLow",
-                             "CIDetectorAccuracyHigh"})
+    for (const char* name :
+         {"CIDetectorTypeFace", "CIDetectorAccuracy", "CIDetectorAccuracyLow", "CIDetectorAccuracyHigh"})
         EXPECT_EQ(host.shared("CIDetectorKaz", name).text(), "") << name;
     EXPECT_EQ(host.shared("CIFeatureKaz", "CIFeatureTypeFace").text(), "");
     expectClean();
