@@ -244,4 +244,30 @@ TEST_F(Detection, AFaceMayBeWrappedAsAFeatureButNoFeatureAsAFace) {
     expectClean();
 }
 
+TEST_F(Detection, EachAllocationMayFail) {
+    void *plain = newPlainFeature(), *face = newFaceFeature();
+    detectorsFind({plain, face});
+    Value detector = this->detector();
+    Value image = host.shared("CIImageKaz", "emptyImage");
+    for (int good = 0;; ++good) {
+        SCOPED_TRACE(good);
+        ASSERT_LT(good, 100);
+        host.failAllocation(good);
+        Value found;
+        raisedBy([&] { found = host.call(detector, "featuresInImage", {image}); });
+        bool failed = host.allocationFailed();
+        host.stopFailing();
+        // A feature whose wrapper could not be made leaves its place empty.
+        if (!found.isNil()) EXPECT_EQ(found.count(), 2);
+        found = {};
+        EXPECT_EQ(retainCount(plain), 1);
+        EXPECT_EQ(retainCount(face), 1);
+        if (!failed) break;
+    }
+    releaseNative(plain);
+    releaseNative(face);
+    detector = image = {};
+    expectClean();
+}
+
 } // namespace
