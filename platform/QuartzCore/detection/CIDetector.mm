@@ -164,8 +164,11 @@ struct CIDetectorState {
     CGAffineTransform upright = turnUpright(orientation);
     CGRect turned = CGRectApplyAffineTransform(extent, upright);
     auto scale = static_cast<CGFloat>(scanScale(turned.size, _state->effort, _state->smallest));
-    scan.width = std::max(1, static_cast<int>(turned.size.width * scale));
-    scan.height = std::max(1, static_cast<int>(turned.size.height * scale));
+    double width = std::floor(turned.size.width * scale), height = std::floor(turned.size.height * scale);
+    // Too narrow for half a face, however long it is.
+    if (std::min(width, height) < vision::kSmallestFace / 2) return scan;
+    scan.width = static_cast<int>(width);
+    scan.height = static_cast<int>(height);
     auto count = static_cast<std::size_t>(scan.width) * static_cast<std::size_t>(scan.height);
     scan.grey.reset(static_cast<std::uint8_t*>(std::malloc(4 * count)));
     if (!scan.grey) return scan;
@@ -192,8 +195,7 @@ struct CIDetectorState {
 
 - (NSArray*)featuresInImage:(CIImage*)image options:(NSDictionary*)options {
     id orientation = [options objectForKey:CIDetectorImageOrientation];
-    Scan scan = [self scanOfImage:image
-                      orientation:isNumber(orientation) ? static_cast<int>([orientation doubleValue]) : 1];
+    Scan scan = [self scanOfImage:image orientation:isNumber(orientation) ? [orientation intValue] : 1];
     std::string problem;
     std::vector<vision::Face> faces = ci::findFaces(*_state->finder, scan.bitmap(), problem);
     if (!problem.empty()) NSLog(@"CIDetector: an image was not searched: %s", problem.c_str());

@@ -311,6 +311,16 @@ TEST(Detector, ImagesOfAFewPixelsAreSearched) {
         EXPECT_EQ([[detector(highAccuracy()) featuresInImage:[image imageByCroppingToRect:area]] count], 0u);
 }
 
+TEST(Detector, StripsOfAnyLengthHaveNoFaces) {
+    CIImage* image = photo("astronaut.png");
+    for (CGAffineTransform stretch :
+         {CGAffineTransformMakeScale(1.7e6f, 1e-6f), CGAffineTransformMakeScale(1e-6f, 1.7e6f),
+          CGAffineTransformMakeScale(1e5f, 0.05f), CGAffineTransformMakeScale(1e7f, 1)})
+        for (NSDictionary* options in @[ @{}, highAccuracy() ])
+            EXPECT_EQ([[detector(options) featuresInImage:[image imageByApplyingTransform:stretch]] count],
+                      0u);
+}
+
 TEST(Detector, PositionsFollowTheExtent) {
     CIImage* image = photo("astronaut.png");
     struct Offset {

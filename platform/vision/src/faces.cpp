@@ -119,7 +119,7 @@ class DlibFinder : public FaceFinder {
         return face;
     }
 
-    /// Takes half a second and 70 MB, so a process that never finds a face does without.
+    /// Takes two thirds of a second and 70 MB, so a process that never finds a face does without.
     bool loadPredictor() {
         if (triedToLoad_) return predictor_ != nullptr;
         triedToLoad_ = true;
