@@ -36,6 +36,9 @@ double nanosecondsOf(Call&& call) {
 void report(const std::string& name, double value, const char* unit, double ratio, const char* baseline);
 void report(const std::string& name, double value, const char* unit);
 
+// Of this process so far, in MiB.
+double peakMemory();
+
 struct Benchmark {
     const char* name;
     void (*run)();
@@ -47,6 +50,8 @@ extern const Benchmark autoAdjustment;
 extern const Benchmark calls;
 extern const Benchmark colorChain;
 extern const Benchmark dictionaries;
+extern const Benchmark facesHigh;
+extern const Benchmark facesLow;
 extern const Benchmark gaussianBlur;
 extern const Benchmark pictures;
 extern const Benchmark pluginMain;

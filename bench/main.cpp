@@ -15,10 +15,17 @@ void bench::report(const std::string& name, double value, const char* unit) {
     std::printf("  %-44s %10.2f %s\n", name.c_str(), value, unit);
 }
 
+double bench::peakMemory() {
+    rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
 int main(int argc, char** argv) {
     const bench::Benchmark benchmarks[] = {bench::pluginMain, bench::calls,        bench::dictionaries,
                                            bench::arrays,     bench::strings,      bench::pictures,
-                                           bench::colorChain, bench::gaussianBlur, bench::autoAdjustment};
+                                           bench::colorChain, bench::gaussianBlur, bench::autoAdjustment,
+                                           bench::facesLow,   bench::facesHigh};
     bool failed = false, ran = false;
     for (const bench::Benchmark& benchmark : benchmarks) {
         if (argc > 1 && !std::strstr(benchmark.name, argv[1])) continue;
@@ -28,9 +35,7 @@ int main(int argc, char** argv) {
         pid_t child = fork();
         if (child == 0) {
             benchmark.run();
-            rusage usage;
-            getrusage(RUSAGE_SELF, &usage);
-            bench::report("peak memory", static_cast<double>(usage.ru_maxrss) / 1024, "MiB");
+            bench::report("peak memory", bench::peakMemory(), "MiB");
             std::fflush(stdout);
             _exit(0);
         }

@@ -1,45 +1,15 @@
 // Rendering a photograph of twelve megapixels, against copying its pixels once.
 #include "bench.h"
-
-#include <ImageIO/ImageIO.h>
+#include "photograph.h"
 
 #import <QuartzCore/QuartzCore.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 namespace {
 
 constexpr size_t kWidth = 4000, kHeight = 3000;
-
-CGContextRef newBitmap() {
-    CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
-    CGContextRef bitmap =
-        CGBitmapContextCreate(nullptr, kWidth, kHeight, 8, kWidth * 4, space, kCGImageAlphaPremultipliedLast);
-    CGColorSpaceRelease(space);
-    return bitmap;
-}
-
-// A sample photograph enlarged to the size of a camera's.
-CGImageRef newPhotograph() {
-    const char* folder = std::getenv("KAZ_PHOTOS");
-    NSString* path = [NSString stringWithFormat:@"%s/coffee.png", folder ? folder : "."];
-    CGImageSourceRef source = CGImageSourceCreateWithURL((CFURLRef)[NSURL fileURLWithPath:path], nullptr);
-    CGImageRef small = source ? CGImageSourceCreateImageAtIndex(source, 0, nullptr) : nullptr;
-    if (!small) {
-        std::printf("  cannot read %s: run this as ./kaz bench\n", [path UTF8String]);
-        std::exit(1);
-    }
-    CGContextRef bitmap = newBitmap();
-    CGContextDrawImage(bitmap, CGRectMake(0, 0, kWidth, kHeight), small);
-    CGImageRef photograph = CGBitmapContextCreateImage(bitmap);
-    CGContextRelease(bitmap);
-    CGImageRelease(small);
-    CFRelease(source);
-    return photograph;
-}
 
 double copySeconds() {
     std::vector<unsigned char> from(kWidth * kHeight * 4, 1), to(from.size());
@@ -62,8 +32,8 @@ template <class Recipe>
 void measure(const char* name, Recipe&& recipe) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     double copy = copySeconds();
-    CGImageRef photograph = newPhotograph();
-    CGContextRef bitmap = newBitmap();
+    CGImageRef photograph = bench::newPhotograph("coffee.png", kWidth, kHeight);
+    CGContextRef bitmap = bench::newBitmap(kWidth, kHeight);
     CIImage* image = recipe([CIImage imageWithCGImage:photograph]);
     CIContext* context = [CIContext contextWithCGContext:bitmap options:nil];
     CGRect whole = CGRectMake(0, 0, kWidth, kHeight);
@@ -101,8 +71,8 @@ void measureGaussianBlur() {
 void measureAutoAdjustment() {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     double copy = copySeconds();
-    CGImageRef photograph = newPhotograph();
-    CGContextRef bitmap = newBitmap();
+    CGImageRef photograph = bench::newPhotograph("coffee.png", kWidth, kHeight);
+    CGContextRef bitmap = bench::newBitmap(kWidth, kHeight);
     CIImage* image =
         filtered(@"CIExposureAdjust", [CIImage imageWithCGImage:photograph], value(@"inputEV", -2));
     CIContext* context = [CIContext contextWithCGContext:bitmap options:nil];

@@ -8,12 +8,13 @@ kaz="$root/.kaz"
 sysroot="$kaz/sysroot"
 photos="$kaz/photos"
 packages="$root/tools/sysroot-packages.txt"
+single_files="$root/tools/single-files.txt"
 host_tools=(clang lld cmake ninja-build libclang-rt-14-dev valgrind)
 
 say() { printf 'kaz: %s\n' "$*" >&2; }
 die() { say "$1"; shift; for line in "$@"; do printf '     %s\n' "$line" >&2; done; exit 1; }
 
-stamp="$(cat "$packages" "${BASH_SOURCE[0]}" | sha256sum | cut -d' ' -f1)"
+stamp="$(cat "$packages" "$single_files" "${BASH_SOURCE[0]}" | sha256sum | cut -d' ' -f1)"
 if [[ -f "$kaz/stamp" && "$(<"$kaz/stamp")" == "$stamp $root" ]]; then exit 0; fi
 
 command -v apt-get >/dev/null && command -v dpkg >/dev/null ||
@@ -47,7 +48,7 @@ mkdir -p "$apt/state/lists/partial" "$apt/cache/archives/partial"
 apt_options=(-o "Dir::State=$apt/state" -o "Dir::State::status=$apt/state/status" -o "Dir::Cache=$apt/cache"
     -o APT::Architecture=i386 -o APT::Architectures=i386 -o Debug::NoLocking=1 -o APT::Sandbox::User=root)
 
-say "2/3 making the i386 sysroot (about 110 MB to fetch, once) ..."
+say "2/3 making the i386 sysroot (about 180 MB to fetch, once) ..."
 # A source that fails to refresh matters only if a package cannot be found, which the next step tells.
 apt-get "${apt_options[@]}" update >"$kaz/sysroot.log" 2>&1 || true
 mapfile -t wanted < <(grep -v '^#' "$packages")
@@ -66,19 +67,30 @@ done
 mkdir -p "$sysroot.new/lib/i386-linux-gnu/.debug"
 find "$sysroot.new/usr/lib/debug/.build-id" -name '*.debug' -exec mv -t "$sysroot.new/lib/i386-linux-gnu/.debug" {} +
 rm -rf "$sysroot.new/usr/lib/debug"
-rm -rf "$sysroot" && mv "$sysroot.new" "$sysroot"
 
-# --- photographs that anyone may use --------------------------------------------------------------
-say "3/3 unpacking the sample photographs ..."
-(cd "$apt" && apt-get "${apt_options[@]}" download python3-skimage) >>"$kaz/sysroot.log" 2>&1 ||
-    die "fetching the sample photographs failed; the end of $kaz/sysroot.log:" "$(tail -n 5 "$kaz/sysroot.log")"
-rm -rf "$photos" "$apt/skimage"
+# --- single files: headers, and photographs that anyone may use -----------------------------------
+say "3/3 unpacking headers and the sample photographs ..."
+rm -rf "$photos" "$apt/single"
 mkdir -p "$photos"
-dpkg -x "$apt"/python3-skimage_*.deb "$apt/skimage"
-data="$(find "$apt/skimage" -type d -path '*skimage/data' | head -n 1)"
-cp "$data"/*.png "$data"/*.jpg "$data"/*.gif "$data"/*.tif "$photos"/ 2>/dev/null || true
-[[ -f "$photos/astronaut.png" ]] || die "the photographs are not where python3-skimage used to hold them."
-rm -rf "$apt/skimage" "$apt"/python3-skimage_*.deb "$apt/cache/archives"/*.deb
+# Lines of a destination, a package, and patterns of the files wanted from it.
+while read -r destination package patterns; do
+    (cd "$apt" && apt-get "${apt_options[@]}" download "$package") >>"$kaz/sysroot.log" 2>&1 ||
+        die "fetching $package failed; the end of $kaz/sysroot.log:" "$(tail -n 5 "$kaz/sysroot.log")"
+    mkdir -p "$apt/single"
+    dpkg -x "$apt/${package}"_*.deb "$apt/single"
+    for pattern in $patterns; do
+        found=("$apt/single"/$pattern)
+        [[ -e "${found[0]}" ]] || die "$package no longer holds $pattern."
+        case "$destination" in
+        sysroot) mkdir -p "$sysroot.new/${pattern%/*}" && cp -r "${found[@]}" "$sysroot.new/${pattern%/*}/" ;;
+        photos) cp "${found[@]}" "$photos/" ;;
+        *) die "$single_files names an unknown destination, $destination." ;;
+        esac
+    done
+    rm -rf "$apt/single" "$apt/${package}"_*.deb
+done < <(grep -v '^#' "$single_files")
+rm -rf "$sysroot" && mv "$sysroot.new" "$sysroot"
+rm -rf "$apt/cache/archives"/*.deb
 
 printf '%s %s' "$stamp" "$root" >"$kaz/stamp"
 say "set-up is complete"

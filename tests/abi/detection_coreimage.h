@@ -1,0 +1,30 @@
+// What the tests of detection do to Core Image itself; a unit of its own, because a C++ catch matches nothing
+// in Objective-C++.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// From now on every detector finds these native features, whatever the image.
+void detectorsFind(std::vector<void*> features);
+// From now on every search raises an exception of that name and reason.
+void breakDetectors(const char* name, const char* reason);
+
+// Features that were made by hand; each comes with a reference that is given back by releaseNative.
+void* newPlainFeature();
+void* newFaceFeature();
+int retainCount(void* object);
+void releaseNative(void* object);
+
+// What the last detector was made with.
+struct DetectorArguments {
+    std::string type;
+    void* context = nullptr;
+    std::string accuracy;
+};
+// From now on they are written down (and no detector comes about).
+void recordDetectors();
+DetectorArguments lastDetector();
+// The orientation in the options of the last search; 0 without options.
+void recordSearches();
+int lastOrientation();

@@ -1,0 +1,69 @@
+#include "detection_coreimage.h"
+
+#import <QuartzCore/CIDetector.h>
+
+#include <objc/runtime.h>
+
+namespace {
+
+std::vector<void*> given;
+const char *thrownName, *thrownReason;
+DetectorArguments arguments;
+int orientation;
+
+NSArray* findGiven(id, SEL, CIImage*) {
+    NSMutableArray* features = [NSMutableArray array];
+    for (void* feature : given) [features addObject:(id)feature];
+    return features;
+}
+
+NSArray* raiseInstead(id, SEL, CIImage*) {
+    @throw [NSException exceptionWithName:[NSString stringWithUTF8String:thrownName]
+                                   reason:[NSString stringWithUTF8String:thrownReason]
+                                 userInfo:nil];
+}
+
+id recordDetector(id, SEL, NSString* type, CIContext* context, NSDictionary* options) {
+    NSString* accuracy = [options objectForKey:CIDetectorAccuracy];
+    arguments = {type ? [type UTF8String] : "", context, accuracy ? [accuracy UTF8String] : ""};
+    return nil;
+}
+
+NSArray* recordSearch(id, SEL, CIImage*, NSDictionary* options) {
+    orientation = [[options objectForKey:CIDetectorImageOrientation] intValue];
+    return nil;
+}
+
+void replace(Class owner, SEL selector, IMP implementation, const char* types) {
+    class_replaceMethod(owner, selector, implementation, types);
+}
+
+} // namespace
+
+void detectorsFind(std::vector<void*> features) {
+    given = std::move(features);
+    replace([CIDetector class], @selector(featuresInImage:), reinterpret_cast<IMP>(findGiven), "@@:@");
+}
+
+void breakDetectors(const char* name, const char* reason) {
+    thrownName = name;
+    thrownReason = reason;
+    replace([CIDetector class], @selector(featuresInImage:), reinterpret_cast<IMP>(raiseInstead), "@@:@");
+}
+
+void* newPlainFeature() { return [[CIFeature alloc] init]; }
+void* newFaceFeature() { return [[CIFaceFeature alloc] init]; }
+int retainCount(void* object) { return static_cast<int>([(id)object retainCount]); }
+void releaseNative(void* object) { [(id)object release]; }
+
+void recordDetectors() {
+    replace(object_getClass([CIDetector class]), @selector(detectorOfType:context:options:),
+            reinterpret_cast<IMP>(recordDetector), "@@:@@@");
+}
+DetectorArguments lastDetector() { return arguments; }
+
+void recordSearches() {
+    replace([CIDetector class], @selector(featuresInImage:options:), reinterpret_cast<IMP>(recordSearch),
+            "@@:@@");
+}
+int lastOrientation() { return orientation; }
