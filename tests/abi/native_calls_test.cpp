@@ -47,8 +47,7 @@ class NativeCalls : public PluginTest {
     }
 };
 
-// --- images
-// -------------------------------------------------------------------------------------------------
+// --- images -----------------------------------------------------------------------------------------------
 
 TEST_F(NativeCalls, EveryMakerSendsItsOwnMessage) {
     Value file = host.function("GetFolderItem", {"no-such-file.png"});
@@ -270,8 +269,7 @@ TEST_F(NativeCalls, ADefinitionIsAnObjectOfItsOwnThoughItsShapeHasAWrapper) {
     expectClean();
 }
 
-// --- contexts
-// -----------------------------------------------------------------------------------------------
+// --- contexts ---------------------------------------------------------------------------------------------
 
 TEST_F(NativeCalls, AContextWithoutColorSpacesHasOneOption) {
     host.create("CIContextKaz", {canvas(), nil(), nil(), false});
@@ -385,8 +383,7 @@ TEST_F(NativeCalls, CachesAndResourcesAreTheContexts) {
     expectClean();
 }
 
-// --- shapes
-// -------------------------------------------------------------------------------------------------
+// --- shapes -----------------------------------------------------------------------------------------------
 
 TEST_F(NativeCalls, ANilTransformIsTheIdentity) {
     Value shape = host.create("CIFilterShapeKaz", {rect(1, 2, 3, 4)});
@@ -441,8 +438,7 @@ TEST_F(NativeCalls, AResultThatHasAWrapperComesBackAsThatWrapper) {
     expectClean();
 }
 
-// --- pictures of every host
-// ---------------------------------------------------------------------------------
+// --- pictures of every host -------------------------------------------------------------------------------
 
 class PicturesOfHosts : public NativeCalls, public testing::WithParamInterface<double> {
   protected:

@@ -271,8 +271,7 @@ TEST_F(Contexts, HavePropertiesThatStorePlainly) {
     expectClean();
 }
 
-// --- scratch bitmaps
-// ----------------------------------------------------------------------------------------
+// --- scratch bitmaps --------------------------------------------------------------------------------------
 
 TEST_F(Contexts, OfCreateCGImageDrawIntoABitmapOfTheSourcesSize) {
     Value it = image();

@@ -132,8 +132,7 @@ CIImage* covered(CIImage* image, CGFloat x, CGFloat y, CGFloat width, CGFloat he
     return [over valueForKey:@"outputImage"];
 }
 
-// --- photographs
-// --------------------------------------------------------------------------------------------
+// --- photographs ------------------------------------------------------------------------------------------
 
 TEST(Faces, EveryMarkedFaceIsFoundAndNothingElse) {
     for (const MarkedFace& mark : kFaces) {
@@ -166,8 +165,7 @@ TEST(Faces, NoneInPicturesWithoutFaces) {
     }
 }
 
-// --- detectors
-// ----------------------------------------------------------------------------------------------
+// --- detectors --------------------------------------------------------------------------------------------
 
 TEST(Detector, AnUnknownTypeGivesNil) {
     EXPECT_EQ([CIDetector detectorOfType:@"CIDetectorTypeHand" context:nil options:nil], nil);
@@ -289,8 +287,7 @@ TEST(Detector, KeepsItsContextAlive) {
     [finder release];
 }
 
-// --- images
-// -------------------------------------------------------------------------------------------------
+// --- images -----------------------------------------------------------------------------------------------
 
 TEST(Detector, ImagesWithoutPixelsHaveNoFeatures) {
     CIImage* endless = [CIImage imageWithColor:[CIColor colorWithRed:1 green:0 blue:0]];
@@ -362,8 +359,7 @@ TEST(Detector, WhatFiltersMakeIsSearchedToo) {
                      kAstronautExtent);
 }
 
-// --- orientation
-// --------------------------------------------------------------------------------------------
+// --- orientation ------------------------------------------------------------------------------------------
 
 /// How EXIF defines the orientations: where the first row and the first column of the stored pixels are in
 /// the upright picture. Gives the stored place of an upright one (both counted from the upper left) in a
@@ -449,8 +445,7 @@ TEST_P(Orientation, WithoutItsOptionAnImageLyingOnItsSideShowsNoFace) {
 
 INSTANTIATE_TEST_SUITE_P(Exif, Orientation, testing::Range(1, 9));
 
-// --- tracking
-// -----------------------------------------------------------------------------------------------
+// --- tracking ---------------------------------------------------------------------------------------------
 
 NSDictionary* tracking() { return @{CIDetectorTracking : [NSNumber numberWithBool:YES]}; }
 
@@ -535,8 +530,7 @@ TEST(Tracking, DetectorsTrackByThemselves) {
     EXPECT_EQ([[[detector(tracking()) featuresInImage:image] lastObject] trackingFrameCount], 1);
 }
 
-// --- features
-// -----------------------------------------------------------------------------------------------
+// --- features ---------------------------------------------------------------------------------------------
 
 TEST(Features, AFaceTellsItsTypeAndAnswersToKeys) {
     CIFaceFeature* face = [[detector() featuresInImage:photo("astronaut.png")] lastObject];
