@@ -528,6 +528,12 @@ class ImagesOfPictures : public Pictures, public testing::WithParamInterface<Hos
         Pictures::TearDown();
     }
 
+    void withoutMask() {
+        picture = newPicture(kWidth, kHeight, colors());
+        names = {{handle(picture), "P"}};
+        hasMask = false;
+    }
+
     Pixels image() { return read(bridge::copyCGImage(handle(picture))); }
     std::size_t width() {
         Owned<CGImageRef> image(bridge::copyCGImage(handle(picture)));
@@ -564,7 +570,7 @@ TEST_P(ImagesOfPictures, AreElseConvertedTogetherWithTheMask) {
 }
 
 TEST_P(ImagesOfPictures, AreConvertedAloneWhenThereIsNoMask) {
-    hasMask = false;
+    withoutMask();
     EXPECT_EQ(image(), colors());
     EXPECT_EQ(log, (Log{"copy P", "make mask of P", "lock P8", "unlock P"}));
 }
@@ -584,8 +590,8 @@ TEST_P(ImagesOfPictures, ThatCannotBeLockedAreElseConvertedFromACopyWithItsMask)
 }
 
 TEST_P(ImagesOfPictures, ThatCannotBeLockedNeedNoMaskForTheCopy) {
+    withoutMask();
     modes[handle(picture)] = Fails;
-    hasMask = false;
     EXPECT_EQ(image(), colors());
     EXPECT_EQ(log, expected(upToTheCopy({"new (5, 3, 32)", "copy C", "lock C8", "unlock C"})));
 }
