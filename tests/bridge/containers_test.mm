@@ -515,24 +515,30 @@ TEST_F(DictionaryCache, LoadsNothingForADictionaryWithoutEntries) {
     EXPECT_EQ(loadsOf([&] { NewNSDictionary(host.dictionary().object()); }), 0);
 }
 
-TEST_F(DictionaryCache, LoadsAgainWhenReadingAKeyConvertsAnotherDictionary) {
+TEST_F(DictionaryCache, AsksEachDictionaryByItsOwnMethodsWhateverIsConvertedInBetween) {
     static Value outer, other;
     static REALobject (*key)(REALobject, std::int32_t);
-    outer = host.dictionary({{"k", "the outer's"}});
     other = host.dictionary({{"k", "the other's"}});
+    outer = host.dictionary({{"k", "the outer's"}, {"inside", other}, {"l", "the outer's, too"}});
     replace(
         "REALLoadObjectMethod", +[](REALobject object, const char* declaration) -> void* {
-            void* method = original<host::service::REALLoadObjectMethod>("REALLoadObjectMethod")(object,
-                                                                                                 declaration);
+            void* method =
+                original<host::service::REALLoadObjectMethod>("REALLoadObjectMethod")(object, declaration);
             std::string_view name = declaration;
-            if (object == outer.object() && name.starts_with("Key(")) {
+            // Reading a key of the outer one converts the other, whose methods are its own alone.
+            if (name.starts_with("Key(")) {
                 key = reinterpret_cast<decltype(key)>(method);
+                if (object == outer.object())
+                    return reinterpret_cast<void*>(+[](REALobject dictionary, std::int32_t index) {
+                        EXPECT_EQ(dictionary, outer.object());
+                        NewNSDictionary(other.object());
+                        return key(dictionary, index);
+                    });
                 return reinterpret_cast<void*>(+[](REALobject dictionary, std::int32_t index) {
-                    NewNSDictionary(other.object());
+                    EXPECT_EQ(dictionary, other.object());
                     return key(dictionary, index);
                 });
             }
-            // The other's getter is its own alone.
             if (object == other.object() && name.starts_with("Value(key As Variant) As"))
                 return reinterpret_cast<void*>(+[](REALobject dictionary, REALobject) {
                     EXPECT_EQ(dictionary, other.object());
@@ -540,7 +546,10 @@ TEST_F(DictionaryCache, LoadsAgainWhenReadingAKeyConvertsAnotherDictionary) {
                 });
             return method;
         });
-    EXPECT_EQ(textOf([NewNSDictionary(outer.object()) objectForKey:@"k"]), "the outer's");
+    NSDictionary* result = NewNSDictionary(outer.object());
+    EXPECT_EQ(textOf([result objectForKey:@"k"]), "the outer's");
+    EXPECT_TRUE([[result objectForKey:@"inside"] isKindOfClass:[NSDictionary class]]);
+    EXPECT_EQ(textOf([result objectForKey:@"l"]), "the outer's, too");
     outer = other = {};
 }
 

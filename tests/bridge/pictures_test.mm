@@ -16,8 +16,8 @@ static std::string failingCall;
 static int goodCalls = 0;
 static std::vector<std::uint8_t> maskBytes;
 static std::size_t maskBytesPerRow = 0;
-static std::vector<std::string> contexts;     // that were made, with all that was asked for
-static std::vector<std::string> bundleParts;  // what was asked for on the way to the framework
+static std::vector<std::string> contexts;    // that were made, with all that was asked for
+static std::vector<std::string> bundleParts; // what was asked for on the way to the framework
 
 static bool fails(const char* call) {
     if (failingCall != call || goodCalls-- > 0) return false;
@@ -65,8 +65,9 @@ CFURLRef __real_CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef, 
 CFURLRef __wrap_CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
                                                       CFStringRef component, Boolean isDirectory) {
     bundleParts.push_back(std::string([(NSString*)component UTF8String]) + (isDirectory ? "/" : ""));
-    return fails("URL") ? nullptr
-                        : __real_CFURLCreateCopyAppendingPathComponent(allocator, url, component, isDirectory);
+    return fails("URL")
+               ? nullptr
+               : __real_CFURLCreateCopyAppendingPathComponent(allocator, url, component, isDirectory);
 }
 CFBundleRef __real_CFBundleCreate(CFAllocatorRef, CFURLRef);
 CFBundleRef __wrap_CFBundleCreate(CFAllocatorRef allocator, CFURLRef url) {
@@ -379,7 +380,8 @@ TEST_P(ImagesByDescription, AreNullWhenTheMaskCannotBeApplied) {
 TEST_P(ImagesByDescription, LetCoreGraphicsLayOutTheMasksGraysInBytes) {
     Value half = newPicture(2, 4, grays(8));
     image(picture, half);
-    // No buffer, 2 x 4, 8 bits, rows as Core Graphics likes them, no alpha, gray. The host made its own before.
+    // No buffer, 2 x 4, 8 bits, rows as Core Graphics likes them, no alpha, gray. The host made its own
+    // before.
     ASSERT_FALSE(contexts.empty());
     EXPECT_EQ(contexts.back(), testing::PrintToString(std::tuple(false, 2, 4, 8, 0, 0, true)));
 }
@@ -478,8 +480,8 @@ INSTANTIATE_TEST_SUITE_P(Hosts, ImagesByCopy, testing::ValuesIn(kHostVersions),
 
 // --- images by every way there is -------------------------------------------------------------------------
 
-// What the host is asked for is written down among the locks: P is the picture, PM its mask, C the copy, CM the
-// copy's mask. The host's own images are 1 pixel wide.
+// What the host is asked for is written down among the locks: P is the picture, PM its mask, C the copy, CM
+// the copy's mask. The host's own images are 1 pixel wide.
 class ImagesOfPictures : public Pictures, public testing::WithParamInterface<HostVersion> {
   protected:
     ImagesOfPictures() : Pictures(GetParam().version) {}
@@ -491,9 +493,8 @@ class ImagesOfPictures : public Pictures, public testing::WithParamInterface<Hos
         copyMode.reset();
         picture = newPicture(kWidth, kHeight, colors());
         name(picture, "P");
-        Value mask = Value::received(
-            reinterpret_cast<REALobject>(original<host::service::REALGetPictureMask>("REALGetPictureMask")(
-                handle(picture), true)));
+        Value mask = Value::received(reinterpret_cast<REALobject>(
+            original<host::service::REALGetPictureMask>("REALGetPictureMask")(handle(picture), true)));
         write(mask, blackAndWhite());
 
         replace(
@@ -841,7 +842,8 @@ TEST_F(Framework, IsLoadedFromTheSystemsFolder) {
     Owned<CFBundleRef> bundle(LoadFrameworkBundle());
     ASSERT_TRUE(bundle);
     EXPECT_NE(CFBundleGetFunctionPointerForName(bundle.get(), CFSTR("GetGWorldPixMap")), nullptr);
-    EXPECT_EQ(bundleParts, (Log{"folder (-32767, 1718772077, 1)", "ApplicationServices.framework"})); // 'fram'
+    EXPECT_EQ(bundleParts,
+              (Log{"folder (-32767, 1718772077, 1)", "ApplicationServices.framework"})); // 'fram'
 }
 
 TEST_F(Framework, IsTheCallersAndNothingElseIsLeft) {

@@ -29,22 +29,23 @@ struct Watch {
     int threads = 0;
     std::size_t stackSize = 0;
     void* (*entry)(void*) = nullptr;
-    std::vector<Duration> pauses;                       // on the calling thread
-    std::vector<std::string> ends;                      // what was given up, in order
-    ThreadedCall* call = nullptr;                       // what the thread was given
+    std::vector<Duration> pauses;  // on the calling thread
+    std::vector<std::string> ends; // what was given up, in order
+    ThreadedCall* call = nullptr;  // what the thread was given
     pthread_t thread = {};
     pthread_mutex_t* mutexAtJoin = nullptr;
     struct {
         std::vector<std::pair<long, unsigned long>> queuesAsked; // priorities and flags
         dispatch_queue_t queue = nullptr, used = nullptr;
-        std::optional<ThreadedCall> call;  // as it was queued
+        std::optional<ThreadedCall> call;   // as it was queued
         std::weak_ptr<ThreadedCall> shared; // and what became of it
     } dispatch;
     std::atomic<int> unlocks{0};                        // of mutexes, on other threads
     std::vector<std::pair<std::string, int>> libraries; // that were looked for, and how
     int mutexes = 0, mutexesDestroyed = 0;
 
-    // Where to find the function that names threads: as it is, in a library, in a library that lacks it, nowhere.
+    // Where to find the function that names threads: as it is, in a library, in a library that lacks it,
+    // nowhere.
     enum { Here, Library, EmptyLibrary, Nowhere } naming = Here;
     std::vector<void*> namingLookups; // the libraries that were searched for it
     std::vector<std::string> names;   // that were given through the library's
@@ -544,7 +545,8 @@ TEST_F(Loading, OnASystemWithoutTheNamingFunctionTheWorkerStaysUnnamed) {
 
 namespace {
 
-// Core Image's loaders as functions of the test, which write down what they were sent and answer an image each.
+// Core Image's loaders as functions of the test, which write down what they were sent and answer an image
+// each.
 class SentLoad : public Loading {
   protected:
     SentLoad() {
@@ -553,13 +555,11 @@ class SentLoad : public Loading {
                                 "@@:@@");
         };
         replace(
-            @selector(imageWithData:), +[](id, SEL selector, id data) -> id {
-                return answer(selector, data);
-            });
+            @selector(imageWithData:),
+            +[](id, SEL selector, id data) -> id { return answer(selector, data); });
         replace(
-            @selector(imageWithContentsOfURL:), +[](id, SEL selector, id url) -> id {
-                return answer(selector, url);
-            });
+            @selector(imageWithContentsOfURL:),
+            +[](id, SEL selector, id url) -> id { return answer(selector, url); });
         replace(
             @selector(imageWithContentsOfURL:options:), +[](id, SEL selector, id url, id options) -> id {
                 EXPECT_EQ(options, theOptions);
