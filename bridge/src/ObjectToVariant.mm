@@ -138,7 +138,7 @@ REALobject wrappedByClassName(id object) {
     for (Class c = [object class]; c; c = class_getSuperclass(c)) {
         const char* name = class_getName(c);
         if (!name || std::strlen(name) > longestName) continue;
-        char hostClass[longestName + sizeof "Kaz"];
+        char hostClass[longestName + 1]; // whose end is cut off where it does not fit
         std::snprintf(hostClass, sizeof hostClass, "%sKaz", name);
         if (REALobject wrapper = bridge::newWrapper(hostClass, object)) {
             [object retain];

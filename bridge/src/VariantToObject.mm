@@ -219,7 +219,7 @@ id GetVariantAsNSObject(REALobject variant) {
     case kREALVariantObject:
         return objectOf(variant);
     case kREALVariantBoolean:
-        return [NSNumber numberWithBool:int32Of(variant) != 0];
+        return [NSNumber numberWithBool:static_cast<BOOL>(int32Of(variant))]; // a byte, as ever
     case array + kREALVariantInt32:
         return arrayOf<std::int32_t>(variant,
                                      [](std::int32_t value) { return [NSNumber numberWithLong:value]; });
@@ -239,7 +239,7 @@ id GetVariantAsNSObject(REALobject variant) {
         return arrayOf<REALobject>(variant, GetVariantAsNSObject);
     case array + kREALVariantBoolean:
         return arrayOf<std::uint8_t>(variant,
-                                     [](std::uint8_t value) { return [NSNumber numberWithBool:value != 0]; });
+                                     [](std::uint8_t value) { return [NSNumber numberWithBool:value]; });
     default:
         return nil;
     }

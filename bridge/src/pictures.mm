@@ -45,6 +45,8 @@ class Description {
         return CGBitmapContextCreateImage(static_cast<CGContextRef>(record.handle));
     }
 
+    // The handle of another kind points at something that is no pixel buffer and may be shorter, so that
+    // not even its format can be read.
     const REALpixelBuffer* pixels() const {
         return locked && record.kind == kREALPicturePixelBuffer
                    ? static_cast<const REALpixelBuffer*>(record.handle)
@@ -99,19 +101,18 @@ void invert(CGContextRef gray) {
         for (std::size_t x = 0; x < width; ++x) row[x] = static_cast<std::uint8_t>(~row[x]);
 }
 
-// The image with the mask's image as its alpha, dark being opaque; null when a step fails.
-CGImageRef createMaskedImage(CGImageRef image, CGImageRef mask) {
-    std::size_t width = CGImageGetWidth(mask), height = CGImageGetHeight(mask);
+// The image in gray, each byte complemented; null when a step fails.
+CGImageRef createInvertedGrayImage(CGImageRef image) {
+    std::size_t width = CGImageGetWidth(image), height = CGImageGetHeight(image);
     Owned<CGColorSpaceRef> graySpace(CGColorSpaceCreateDeviceGray());
     if (!graySpace) return nullptr;
     Owned<CGContextRef> gray(
         CGBitmapContextCreate(nullptr, width, height, 8, 0, graySpace.get(), kCGImageAlphaNone));
     if (!gray) return nullptr;
     CGContextDrawImage(gray.get(),
-                       CGRectMake(0, 0, static_cast<CGFloat>(width), static_cast<CGFloat>(height)), mask);
+                       CGRectMake(0, 0, static_cast<CGFloat>(width), static_cast<CGFloat>(height)), image);
     invert(gray.get());
-    Owned<CGImageRef> inverted(CGBitmapContextCreateImage(gray.get()));
-    return inverted ? CGImageCreateWithMask(image, inverted.get()) : nullptr;
+    return CGBitmapContextCreateImage(gray.get());
 }
 
 CGImageRef createImageByDescription(REALpicture picture, REALpicture mask) {
@@ -120,8 +121,10 @@ CGImageRef createImageByDescription(REALpicture picture, REALpicture mask) {
     if (!image || !mask) return image.release();
     Description maskDescription(mask, kREALPictureCGContext);
     Owned<CGImageRef> maskImage(maskDescription.createImage());
-    CGImageRef masked = maskImage ? createMaskedImage(image.get(), maskImage.get()) : nullptr;
-    return masked ? masked : image.release();
+    Owned<CGImageRef> gray(maskImage ? createInvertedGrayImage(maskImage.get()) : nullptr);
+    if (!gray) return image.release();
+    // Dark is opaque. From here on there is no way back to the image alone: null stays null.
+    return CGImageCreateWithMask(image.get(), gray.get());
 }
 
 bool copyable(const REALpixelBuffer* source, const REALpixelBuffer* destination) {
@@ -210,9 +213,8 @@ void GraphicsDrawPicture(REALpicture destination, REALpicture source, int, int, 
                               std::int32_t, std::int32_t, std::int32_t, std::int32_t);
         if (auto draw = reinterpret_cast<Draw>(REALLoadObjectMethod(
                 graphics.object,
-                "DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, sx as "
-                "Integer "
-                "= 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)"))) {
+                "DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, "
+                "sx as Integer = 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)"))) {
             draw(graphics.object, source, 0, 0, w, h, 0, 0, sw, sh);
             return;
         }

@@ -14,15 +14,17 @@
 #include <unistd.h>
 
 // Some platform calls of the bridge are led here, to let them fail.
-static bool namesAreUnknown = false, recordsAreUnknown = false, volumesHaveAParent = false,
-            copiesFail = false;
+static bool namesAreUnknown = false, recordsAreUnknown = false, parentsAreUnknown = false,
+            volumesHaveAParent = false, copiesFail = false;
 
 extern "C" {
 OSErr __real_FSGetCatalogInfo(const FSRef*, FSCatalogInfoBitmap, FSCatalogInfo*, HFSUniStr255*, FSSpec*,
                               FSRef*);
 OSErr __wrap_FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, FSCatalogInfo* info,
                               HFSUniStr255* name, FSSpec* old, FSRef* parent) {
-    if ((name && namesAreUnknown) || (old && recordsAreUnknown)) return paramErr;
+    bool asksForNothing = !info && !name && !old && !parent; // but whether the reference is good
+    if ((name && namesAreUnknown) || (old && recordsAreUnknown) || (asksForNothing && parentsAreUnknown))
+        return paramErr;
     OSErr result = __real_FSGetCatalogInfo(ref, which, info, name, old, parent);
     if (parent && info && info->nodeID == 2 && volumesHaveAParent)
         FSPathMakeRef(reinterpret_cast<const UInt8*>("/tmp"), parent, nullptr);
@@ -177,6 +179,9 @@ class Files : public OnEveryHost {
     static REALfolderItem handle(const Value& item) {
         return reinterpret_cast<REALfolderItem>(item.object());
     }
+    using Names = std::vector<std::string>;
+    using Counts = std::map<std::string, int>;
+
     void makeFile(const std::string& name) { std::ofstream(path + "/" + name) << "content"; }
 
     // The path of the item's URL below the folder; "(nil)" for none.
@@ -218,6 +223,12 @@ TEST_P(Files, AnItemThatDoesNotExistYetGivesAURLWithADecomposedName) {
     EXPECT_EQ(crossed(item("new.txt")), "new.txt");
     EXPECT_EQ(crossed(item(kComposed)), kDecomposed);
     EXPECT_EQ(crossed(item(kDecomposed)), kDecomposed);
+}
+
+TEST_P(Files, TheURLOfAnItemThatDoesNotExistYetIsNoFolders) {
+    NSURL* url = NewNSURLfile(handle(item("new")));
+    std::string text = textOf([url absoluteString]);
+    EXPECT_TRUE(text.ends_with(path + "/new")) << text;
 }
 
 TEST_P(Files, ANameThatCannotBeDecomposedIsTakenAsItIs) {
@@ -325,6 +336,48 @@ TEST_P(Files, TheOlderRecordIsTheLastWayToAnItem) {
     recordsAreUnknown = true;
     EXPECT_EQ(itemOf(url("old.txt")), "(nil)");
     namesAreUnknown = recordsAreUnknown = false;
+}
+
+TEST_P(Files, AnItemWhoseParentIsUnknownComesFromTheOlderRecord) {
+    static Names made;
+    made.clear();
+    replace(
+        "REALFolderItemFromParentFSRef", +[](const FSRef*, const HFSUniStr255*) {
+            made.push_back("by its parent");
+            return REALfolderItem();
+        });
+    replace(
+        "FolderItemFromFSSpec", +[](const FSSpec* spec) {
+            made.push_back("by the record");
+            return original<host::service::FolderItemFromFSSpec>("FolderItemFromFSSpec")(spec);
+        });
+    makeFile("orphan.txt");
+    parentsAreUnknown = true;
+    EXPECT_EQ(itemOf(url("orphan.txt")), "orphan.txt");
+    parentsAreUnknown = false;
+    EXPECT_EQ(made, Names{"by the record"});
+}
+
+TEST_P(Files, NothingIsLeftOfAConversionToAURL) {
+    makeFile("file");
+    for (const char* name : {"file", kComposed, "no folder/file"}) {
+        Value converted = item(name);
+        for (bool fails : {false, true}) {
+            copiesFail = fails;
+            EXPECT_EQ(objectsLeftBy([&] { NewNSURLfile(handle(converted)); }), (Counts{})) << name;
+        }
+    }
+    copiesFail = false;
+}
+
+TEST_P(Files, NothingIsLeftOfAConversionToAnItem) {
+    makeFile("file");
+    for (const char* name : {"file", kComposed, "no folder/file"})
+        for (bool fails : {false, true}) {
+            copiesFail = namesAreUnknown = fails;
+            EXPECT_EQ(objectsLeftBy([&] { itemOf(url(name)); }), (Counts{})) << name;
+        }
+    copiesFail = namesAreUnknown = false;
 }
 
 TEST_P(Files, WithoutTheServicesThereIsNoItem) {
@@ -460,6 +513,44 @@ TEST_F(DictionaryCache, LoadsAgainAfterEachDictionaryInside) {
 
 TEST_F(DictionaryCache, LoadsNothingForADictionaryWithoutEntries) {
     EXPECT_EQ(loadsOf([&] { NewNSDictionary(host.dictionary().object()); }), 0);
+}
+
+TEST_F(DictionaryCache, AsksEachDictionaryByItsOwnMethodsWhateverIsConvertedInBetween) {
+    static Value outer, other;
+    static REALobject (*key)(REALobject, std::int32_t);
+    other = host.dictionary({{"k", "the other's"}});
+    outer = host.dictionary({{"k", "the outer's"}, {"inside", other}, {"l", "the outer's, too"}});
+    replace(
+        "REALLoadObjectMethod", +[](REALobject object, const char* declaration) -> void* {
+            void* method =
+                original<host::service::REALLoadObjectMethod>("REALLoadObjectMethod")(object, declaration);
+            std::string_view name = declaration;
+            // Reading a key of the outer one converts the other, whose methods are its own alone.
+            if (name.starts_with("Key(")) {
+                key = reinterpret_cast<decltype(key)>(method);
+                if (object == outer.object())
+                    return reinterpret_cast<void*>(+[](REALobject dictionary, std::int32_t index) {
+                        EXPECT_EQ(dictionary, outer.object());
+                        NewNSDictionary(other.object());
+                        return key(dictionary, index);
+                    });
+                return reinterpret_cast<void*>(+[](REALobject dictionary, std::int32_t index) {
+                    EXPECT_EQ(dictionary, other.object());
+                    return key(dictionary, index);
+                });
+            }
+            if (object == other.object() && name.starts_with("Value(key As Variant) As"))
+                return reinterpret_cast<void*>(+[](REALobject dictionary, REALobject) {
+                    EXPECT_EQ(dictionary, other.object());
+                    return REALobject();
+                });
+            return method;
+        });
+    NSDictionary* result = NewNSDictionary(outer.object());
+    EXPECT_EQ(textOf([result objectForKey:@"k"]), "the outer's");
+    EXPECT_TRUE([[result objectForKey:@"inside"] isKindOfClass:[NSDictionary class]]);
+    EXPECT_EQ(textOf([result objectForKey:@"l"]), "the outer's, too");
+    outer = other = {};
 }
 
 TEST_F(DictionaryCache, IsSharedByBothDirections) {

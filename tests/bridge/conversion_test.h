@@ -7,6 +7,14 @@
 #include <bridge/variants.h>
 
 #include <map>
+#include <objc/runtime.h>
+
+// GNUstep counts objects in every build and declares it in debug builds alone.
+extern "C" {
+BOOL GSDebugAllocationActive(BOOL active);
+Class* GSDebugAllocationClassList();
+int GSDebugAllocationCount(Class);
+}
 
 // The hosts at which something changes for a conversion.
 struct HostVersion {
@@ -72,6 +80,24 @@ class ConversionTest : public BridgeTest {
         return "";
     }
 
+    // The Cocoa objects that the work leaves alive, by class and number. What is made once and kept, like a
+    // table of names, is made in a first run that does not count.
+    template <class Work>
+    static std::map<std::string, int> objectsLeftBy(Work&& work) {
+        auto run = [&] {
+            bridge::AutoreleasePool inner;
+            work();
+        };
+        GSDebugAllocationActive(YES);
+        run();
+        std::map<std::string, int> left = livingObjects();
+        run();
+        for (const auto& [name, count] : livingObjects())
+            if ((left[name] = count - left[name]) == 0) left.erase(name);
+        GSDebugAllocationActive(NO);
+        return left;
+    }
+
     // Cocoa objects may hold host objects, so they go first.
     void TearDown() override {
         [pool release];
@@ -83,6 +109,14 @@ class ConversionTest : public BridgeTest {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
 
   private:
+    // Since the count was turned on.
+    static std::map<std::string, int> livingObjects() {
+        std::map<std::string, int> result;
+        Class* classes = GSDebugAllocationClassList(); // ends in Nil; freed with the zone it came from
+        for (Class* c = classes; *c; ++c) result[class_getName(*c)] = GSDebugAllocationCount(*c);
+        NSZoneFree(NSDefaultMallocZone(), classes);
+        return result;
+    }
     static std::map<std::string, void*>& replacements() {
         static std::map<std::string, void*> map;
         return map;

@@ -617,16 +617,26 @@ TEST_F(Wrapped, AClassWithoutCounterpartInItsChainGivesNil) {
     EXPECT_EQ(living, 0);
 }
 
+TEST_F(Wrapped, AHostClassIsNamedByTheFirst199CharactersOfItsName) {
+    for (std::size_t length : {195u, 196u, 197u, 198u, 199u}) {
+        const std::string name(length, static_cast<char>('A' + length - 195));
+        registerHostClass(name + "Kaz"); // the whole name, which may not be found
+        const std::string found = (name + "Kaz").substr(0, 199);
+        if (found != name + "Kaz") registerHostClass(found);
+        EXPECT_EQ(variant(make(makeClass(name))).className(), found) << length;
+    }
+}
+
 TEST_F(Wrapped, ANameOf199CharactersIsTriedAndOneOf200IsNot) {
     const std::string fits(199, 'F'), tooLong(200, 'L');
     Class base = makeClass("Short");
     registerHostClass("ShortKaz");
-    registerHostClass(fits + "Kaz");
-    registerHostClass(tooLong + "Kaz");
-    registerHostClass(tooLong.substr(0, 199) + "Kaz"); // what a cut name would find
+    registerHostClass(fits);
+    registerHostClass(tooLong);
+    registerHostClass(tooLong.substr(0, 199)); // what a cut name would find
     Class longest = makeClass(fits, base);
     Class skipped = makeClass(tooLong, base);
-    EXPECT_EQ(variant(make(longest)).className(), fits + "Kaz");
+    EXPECT_EQ(variant(make(longest)).className(), fits);
     EXPECT_EQ(variant(make(skipped)).className(), "ShortKaz");
 }
 

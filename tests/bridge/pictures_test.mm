@@ -16,6 +16,8 @@ static std::string failingCall;
 static int goodCalls = 0;
 static std::vector<std::uint8_t> maskBytes;
 static std::size_t maskBytesPerRow = 0;
+static std::vector<std::string> contexts;    // that were made, with all that was asked for
+static std::vector<std::string> bundleParts; // what was asked for on the way to the framework
 
 static bool fails(const char* call) {
     if (failingCall != call || goodCalls-- > 0) return false;
@@ -28,6 +30,9 @@ CGContextRef __real_CGBitmapContextCreate(void*, size_t, size_t, size_t, size_t,
                                           CGBitmapInfo);
 CGContextRef __wrap_CGBitmapContextCreate(void* data, size_t width, size_t height, size_t bits, size_t bytes,
                                           CGColorSpaceRef space, CGBitmapInfo info) {
+    contexts.push_back(
+        testing::PrintToString(std::tuple(data != nullptr, width, height, bits, bytes, info,
+                                          CGColorSpaceGetModel(space) == kCGColorSpaceModelMonochrome)));
     return fails("context") ? nullptr
                             : __real_CGBitmapContextCreate(data, width, height, bits, bytes, space, info);
 }
@@ -45,7 +50,32 @@ CGImageRef __wrap_CGImageCreateWithMask(CGImageRef image, CGImageRef mask) {
     maskBytes.assign(CFDataGetBytePtr(data), CFDataGetBytePtr(data) + CFDataGetLength(data));
     maskBytesPerRow = CGImageGetBytesPerRow(mask);
     CFRelease(data);
-    return __real_CGImageCreateWithMask(image, mask);
+    return fails("masked image") ? nullptr : __real_CGImageCreateWithMask(image, mask);
+}
+OSErr __real_FSFindFolder(SInt16, OSType, Boolean, FSRef*);
+OSErr __wrap_FSFindFolder(SInt16 domain, OSType type, Boolean create, FSRef* ref) {
+    bundleParts.push_back("folder " + testing::PrintToString(std::tuple(domain, type, int(create))));
+    return fails("folder") ? fnfErr : __real_FSFindFolder(domain, type, create, ref);
+}
+CFURLRef __real_CFURLCreateFromFSRef(CFAllocatorRef, const FSRef*);
+CFURLRef __wrap_CFURLCreateFromFSRef(CFAllocatorRef allocator, const FSRef* ref) {
+    return fails("folder's URL") ? nullptr : __real_CFURLCreateFromFSRef(allocator, ref);
+}
+CFURLRef __real_CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef, CFStringRef, Boolean);
+CFURLRef __wrap_CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
+                                                      CFStringRef component, Boolean isDirectory) {
+    bundleParts.push_back(std::string([(NSString*)component UTF8String]) + (isDirectory ? "/" : ""));
+    return fails("URL")
+               ? nullptr
+               : __real_CFURLCreateCopyAppendingPathComponent(allocator, url, component, isDirectory);
+}
+CFBundleRef __real_CFBundleCreate(CFAllocatorRef, CFURLRef);
+CFBundleRef __wrap_CFBundleCreate(CFAllocatorRef allocator, CFURLRef url) {
+    return fails("bundle") ? nullptr : __real_CFBundleCreate(allocator, url);
+}
+Boolean __real_CFBundleLoadExecutable(CFBundleRef);
+Boolean __wrap_CFBundleLoadExecutable(CFBundleRef bundle) {
+    return fails("executable") ? false : __real_CFBundleLoadExecutable(bundle);
 }
 }
 
@@ -78,6 +108,9 @@ class Pictures : public ConversionTest {
         names.clear();
         modes.clear();
         failingCall.clear();
+        goodCalls = 0;
+        contexts.clear();
+        bundleParts.clear();
         onSystem(6);
         watchDescriptions();
     }
@@ -337,6 +370,22 @@ TEST_P(ImagesByDescription, AreUnmaskedWhenAStepOfTheMaskFails) {
     }
 }
 
+TEST_P(ImagesByDescription, AreNullWhenTheMaskCannotBeApplied) {
+    failingCall = "masked image";
+    EXPECT_EQ(CreateCGImageInternal(handle(picture), handle(mask)), nullptr);
+    EXPECT_EQ(failingCall, "") << "was not called";
+    EXPECT_EQ(log, (Log{"lock P8", "lock M8", "unlock M", "unlock P"}));
+}
+
+TEST_P(ImagesByDescription, LetCoreGraphicsLayOutTheMasksGraysInBytes) {
+    Value half = newPicture(2, 4, grays(8));
+    image(picture, half);
+    // No buffer, 2 x 4, 8 bits, rows as Core Graphics likes them, no alpha, gray. The host made its own
+    // before.
+    ASSERT_FALSE(contexts.empty());
+    EXPECT_EQ(contexts.back(), testing::PrintToString(std::tuple(false, 2, 4, 8, 0, 0, true)));
+}
+
 INSTANTIATE_TEST_SUITE_P(Hosts, ImagesByDescription, testing::ValuesIn(kHostVersions),
                          [](const auto& info) { return info.param.name; });
 
@@ -429,6 +478,177 @@ TEST_P(ImagesByCopy, AreNullForANullPicture) {
 INSTANTIATE_TEST_SUITE_P(Hosts, ImagesByCopy, testing::ValuesIn(kHostVersions),
                          [](const auto& info) { return info.param.name; });
 
+// --- images by every way there is -------------------------------------------------------------------------
+
+// What the host is asked for is written down among the locks: P is the picture, PM its mask, C the copy, CM
+// the copy's mask. The host's own images are 1 pixel wide.
+class ImagesOfPictures : public Pictures, public testing::WithParamInterface<HostVersion> {
+  protected:
+    ImagesOfPictures() : Pictures(GetParam().version) {}
+
+    void SetUp() override {
+        Pictures::SetUp();
+        copied.clear();
+        hasMask = true;
+        copyMode.reset();
+        picture = newPicture(kWidth, kHeight, colors());
+        name(picture, "P");
+        Value mask = Value::received(reinterpret_cast<REALobject>(
+            original<host::service::REALGetPictureMask>("REALGetPictureMask")(handle(picture), true)));
+        write(mask, blackAndWhite());
+
+        replace(
+            "REALCopyPictureCGImage", +[](REALpicture picture) -> void* {
+                log.push_back("copy " + nameOf(picture));
+                if (copied != nameOf(picture)) return nullptr;
+                Owned<CGColorSpaceRef> gray(CGColorSpaceCreateDeviceGray());
+                Owned<CGContextRef> pixel(
+                    __real_CGBitmapContextCreate(nullptr, 1, 1, 8, 0, gray.get(), kCGImageAlphaNone));
+                return __real_CGBitmapContextCreateImage(pixel.get());
+            });
+        replace(
+            "REALGetPictureMask", +[](REALpicture picture, bool create) {
+                log.push_back((create ? "make mask of " : "mask of ") + nameOf(picture));
+                if (!hasMask) return REALpicture();
+                REALpicture mask =
+                    original<host::service::REALGetPictureMask>("REALGetPictureMask")(picture, create);
+                names[mask] = nameOf(picture) + "M";
+                return mask;
+            });
+        replace(
+            "newPicture", +[](std::int32_t width, std::int32_t height, std::int32_t depth) {
+                log.push_back("new " + testing::PrintToString(std::tuple(width, height, depth)));
+                REALpicture copy = original<host::service::newPicture>("newPicture")(width, height, depth);
+                names[copy] = "C";
+                if (copyMode) modes[copy] = *copyMode;
+                return copy;
+            });
+    }
+    void TearDown() override {
+        picture = {};
+        Pictures::TearDown();
+    }
+
+    void withoutMask() {
+        picture = newPicture(kWidth, kHeight, colors());
+        names = {{handle(picture), "P"}};
+        hasMask = false;
+    }
+
+    Pixels image() { return read(bridge::copyCGImage(handle(picture))); }
+    std::size_t width() {
+        Owned<CGImageRef> image(bridge::copyCGImage(handle(picture)));
+        return image ? CGImageGetWidth(image.get()) : 0;
+    }
+    // A mask that leaves nothing half-way: a masked picture looks the same when it is drawn and masked again.
+    static Pixels blackAndWhite() {
+        Pixels result = grays();
+        for (std::size_t i = 0; i < result.size(); ++i)
+            result[i] = i % 2 ? Pixel{255, 255, 255, 255} : Pixel{255, 0, 0, 0};
+        return result;
+    }
+    // What is always done before a copy is made of a picture that cannot be locked.
+    static Log upToTheCopy(Log entries) {
+        entries.insert(entries.begin(), {"copy P", "make mask of P", "fail P8"});
+        return entries;
+    }
+
+    static inline std::string copied; // the picture of which the host makes an image
+    static inline bool hasMask = true;
+    static inline std::optional<Mode> copyMode;
+    Value picture;
+};
+
+TEST_P(ImagesOfPictures, AreTheHostsWhereItMakesThem) {
+    copied = "P";
+    EXPECT_EQ(width(), 1u);
+    EXPECT_EQ(log, Log{"copy P"});
+}
+
+TEST_P(ImagesOfPictures, AreElseConvertedTogetherWithTheMask) {
+    EXPECT_EQ(image(), maskedBy(blackAndWhite(), colors()));
+    EXPECT_EQ(log, (Log{"copy P", "make mask of P", "lock P8", "lock PM8", "unlock PM", "unlock P"}));
+}
+
+TEST_P(ImagesOfPictures, AreConvertedAloneWhenThereIsNoMask) {
+    withoutMask();
+    EXPECT_EQ(image(), colors());
+    EXPECT_EQ(log, (Log{"copy P", "make mask of P", "lock P8", "unlock P"}));
+}
+
+TEST_P(ImagesOfPictures, ThatCannotBeLockedAreTheHostsOfACopy) {
+    modes[handle(picture)] = Fails;
+    copied = "C";
+    EXPECT_EQ(width(), 1u);
+    EXPECT_EQ(log, expected(upToTheCopy({"new (5, 3, 32)", "make mask of C", "copy C"})));
+}
+
+TEST_P(ImagesOfPictures, ThatCannotBeLockedAreElseConvertedFromACopyWithItsMask) {
+    modes[handle(picture)] = Fails;
+    EXPECT_EQ(image(), maskedBy(blackAndWhite(), colors()));
+    EXPECT_EQ(log, expected(upToTheCopy({"new (5, 3, 32)", "make mask of C", "copy C", "lock C8", "lock CM8",
+                                         "unlock CM", "unlock C"})));
+}
+
+TEST_P(ImagesOfPictures, ThatCannotBeLockedNeedNoMaskForTheCopy) {
+    withoutMask();
+    modes[handle(picture)] = Fails;
+    EXPECT_EQ(image(), colors());
+    EXPECT_EQ(log, expected(upToTheCopy({"new (5, 3, 32)", "copy C", "lock C8", "unlock C"})));
+}
+
+TEST_P(ImagesOfPictures, AreAlsoCopiedWhenTheMaskCannotBeApplied) {
+    failingCall = "masked image";
+    EXPECT_EQ(image(), maskedBy(blackAndWhite(), colors()));
+    EXPECT_EQ(failingCall, "") << "was not called";
+    EXPECT_EQ(std::count(log.begin(), log.end(), "copy C"), 1);
+}
+
+TEST_P(ImagesOfPictures, AreNullWhenAllWaysFail) {
+    modes[handle(picture)] = Fails;
+    copyMode = Fails;
+    EXPECT_EQ(bridge::copyCGImage(handle(picture)), nullptr);
+    EXPECT_EQ(log, expected(upToTheCopy({"new (5, 3, 32)", "make mask of C", "copy C", "fail C8"})));
+}
+
+TEST_P(ImagesOfPictures, AreNullWithoutAPictureForTheCopy) {
+    modes[handle(picture)] = Fails;
+    host.failService("newPicture");
+    EXPECT_EQ(bridge::copyCGImage(handle(picture)), nullptr);
+    EXPECT_EQ(log, expected(upToTheCopy({"new (5, 3, 32)"})));
+}
+
+TEST_P(ImagesOfPictures, AreNullWhenASideOfTheCopyCannotBeRead) {
+    modes[handle(picture)] = Fails;
+    for (int side : {0, 1}) {
+        log.clear();
+        host.failService("REALGetPropValueInt", side);
+        EXPECT_EQ(bridge::copyCGImage(handle(picture)), nullptr) << side;
+        EXPECT_EQ(log, expected(upToTheCopy({}))) << side;
+    }
+}
+
+TEST_P(ImagesOfPictures, AreNullWhenASideOfTheCopyIsBelow1) {
+    modes[handle(picture)] = Fails;
+    static std::map<std::string, std::int32_t> sides;
+    replace(
+        "REALGetPropValueInt", +[](REALobject, const char* name, std::int32_t* out) {
+            *out = sides[name];
+            return true;
+        });
+    for (auto [width, height] : {std::pair(0, 3), std::pair(5, 0), std::pair(-5, 3), std::pair(5, -3)}) {
+        sides = {{"Width", width}, {"Height", height}};
+        log.clear();
+        EXPECT_EQ(bridge::copyCGImage(handle(picture)), nullptr) << width << " x " << height;
+        EXPECT_EQ(log, expected(upToTheCopy({}))) << width << " x " << height;
+    }
+    sides = {{"Width", 1}, {"Height", 1}};
+    EXPECT_EQ(width(), 1u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Hosts, ImagesOfPictures, testing::ValuesIn(kHostVersions),
+                         [](const auto& info) { return info.param.name; });
+
 // --- drawing ----------------------------------------------------------------------------------------------
 
 class Drawing : public Pictures, public testing::WithParamInterface<HostVersion> {
@@ -466,6 +686,7 @@ TEST_P(Drawing, GoesThroughTheHostsMethod) {
     draw();
     EXPECT_EQ(read(destination), colors());
     EXPECT_EQ(log, Log{});
+    EXPECT_FALSE(asked("RuntimeGraphicsDrawPicture"));
 }
 
 TEST_P(Drawing, NamesTheMethodWithAllItsDefaultsAndDrawsFromBothOrigins) {
@@ -501,6 +722,13 @@ TEST_P(Drawing, OfNothingDrawsNothing) {
     GraphicsDrawPicture(nullptr, handle(source), 0, 0, kWidth, kHeight, 0, 0, kWidth, kHeight);
     EXPECT_EQ(read(destination), grays());
     EXPECT_EQ(log, Log{});
+}
+
+TEST_P(Drawing, OfNothingLooksForNoWayToDraw) {
+    GraphicsDrawPicture(handle(destination), nullptr, 0, 0, kWidth, kHeight, 0, 0, kWidth, kHeight);
+    EXPECT_TRUE(asked("pluginPictureGraphicsGetter"));
+    EXPECT_FALSE(asked("REALLoadObjectMethod"));
+    EXPECT_FALSE(asked("RuntimeGraphicsDrawPicture"));
 }
 
 TEST_P(Drawing, WithoutTheMethodCopiesRows) {
@@ -595,6 +823,42 @@ TEST_F(WithoutPictureServices, ThereAreNoImagesAndNothingIsDrawn) {
     GraphicsDrawPicture(handle(destination), handle(source), 0, 0, kWidth, kHeight, 0, 0, kWidth, kHeight);
     EXPECT_EQ(read(destination), grays());
     EXPECT_EQ(log, Log{});
+}
+
+// --- the framework ----------------------------------------------------------------------------------------
+
+class Framework : public Pictures {
+  protected:
+    static std::map<std::string, int> leftByLoading(CFIndex expectedReferences) {
+        return objectsLeftBy([=] {
+            CFBundleRef bundle = LoadFrameworkBundle();
+            EXPECT_EQ(bundle ? CFGetRetainCount(bundle) : 0, expectedReferences);
+            if (bundle) CFRelease(bundle);
+        });
+    }
+};
+
+TEST_F(Framework, IsLoadedFromTheSystemsFolder) {
+    Owned<CFBundleRef> bundle(LoadFrameworkBundle());
+    ASSERT_TRUE(bundle);
+    EXPECT_NE(CFBundleGetFunctionPointerForName(bundle.get(), CFSTR("GetGWorldPixMap")), nullptr);
+    EXPECT_EQ(bundleParts,
+              (Log{"folder (-32767, 1718772077, 1)", "ApplicationServices.framework"})); // 'fram'
+}
+
+TEST_F(Framework, IsTheCallersAndNothingElseIsLeft) {
+    EXPECT_EQ(leftByLoading(1), (std::map<std::string, int>{}));
+}
+
+TEST_F(Framework, IsNullWhenAStepFailsAndNothingIsLeft) {
+    for (const char* call : {"folder", "folder's URL", "URL", "bundle", "executable"}) {
+        auto left = objectsLeftBy([&] {
+            failingCall = call;
+            EXPECT_EQ(LoadFrameworkBundle(), nullptr) << call;
+            EXPECT_EQ(failingCall, "") << call << " was not called";
+        });
+        EXPECT_EQ(left, (std::map<std::string, int>{})) << call;
+    }
 }
 
 } // namespace

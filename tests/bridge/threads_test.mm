@@ -12,8 +12,12 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <dispatch/dispatch.h>
 #include <dlfcn.h>
 #include <memory>
+#include <objc/runtime.h>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -25,11 +29,26 @@ struct Watch {
     int threads = 0;
     std::size_t stackSize = 0;
     void* (*entry)(void*) = nullptr;
-    std::vector<Duration> pauses;                       // on the calling thread
-    std::vector<std::string> ends;                      // what became of the thread
+    std::vector<Duration> pauses;  // on the calling thread
+    std::vector<std::string> ends; // what was given up, in order
+    ThreadedCall* call = nullptr;  // what the thread was given
+    pthread_t thread = {};
+    pthread_mutex_t* mutexAtJoin = nullptr;
+    struct {
+        std::vector<std::pair<long, unsigned long>> queuesAsked; // priorities and flags
+        dispatch_queue_t queue = nullptr, used = nullptr;
+        std::optional<ThreadedCall> call;   // as it was queued
+        std::weak_ptr<ThreadedCall> shared; // and what became of it
+    } dispatch;
     std::atomic<int> unlocks{0};                        // of mutexes, on other threads
     std::vector<std::pair<std::string, int>> libraries; // that were looked for, and how
     int mutexes = 0, mutexesDestroyed = 0;
+
+    // Where to find the function that names threads: as it is, in a library, in a library that lacks it,
+    // nowhere.
+    enum { Here, Library, EmptyLibrary, Nowhere } naming = Here;
+    std::vector<void*> namingLookups; // the libraries that were searched for it
+    std::vector<std::string> names;   // that were given through the library's
 };
 Watch watch;
 
@@ -45,18 +64,28 @@ int __wrap_pthread_attr_init(pthread_attr_t* attributes) {
     return watch.failAttributes ? ENOMEM : __real_pthread_attr_init(attributes);
 }
 
+int __real_pthread_attr_destroy(pthread_attr_t*);
+int __wrap_pthread_attr_destroy(pthread_attr_t* attributes) {
+    watch.ends.push_back("attributes");
+    return __real_pthread_attr_destroy(attributes);
+}
+
 int __real_pthread_create(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*entry)(void*),
                           void* argument) {
     if (watch.failThread) return EAGAIN;
     ++watch.threads;
     watch.entry = entry;
+    watch.call = static_cast<ThreadedCall*>(argument);
     pthread_attr_getstacksize(attributes, &watch.stackSize);
-    return __real_pthread_create(thread, attributes, entry, argument);
+    int error = __real_pthread_create(thread, attributes, entry, argument);
+    watch.thread = *thread;
+    return error;
 }
 
 int __real_pthread_join(pthread_t, void**);
 int __wrap_pthread_join(pthread_t thread, void** result) {
+    watch.mutexAtJoin = watch.call->mutex;
     int error = __real_pthread_join(thread, result);
     watch.ends.push_back("join " + std::to_string(error));
     return error;
@@ -78,6 +107,7 @@ int __wrap_pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t*
 int __real_pthread_mutex_destroy(pthread_mutex_t*);
 int __wrap_pthread_mutex_destroy(pthread_mutex_t* mutex) {
     ++watch.mutexesDestroyed;
+    watch.ends.push_back("mutex");
     return __real_pthread_mutex_destroy(mutex);
 }
 
@@ -103,8 +133,41 @@ AbsoluteTime __wrap_AddDurationToAbsolute(Duration duration, AbsoluteTime time) 
 void* __real_dlopen(const char*, int);
 void* __wrap_dlopen(const char* path, int mode) {
     watch.libraries.emplace_back(path, mode);
-    return __real_dlopen(path, mode);
+    if (watch.naming == Watch::Library || watch.naming == Watch::EmptyLibrary) return &watch;
+    return watch.naming == Watch::Nowhere ? nullptr : __real_dlopen(path, mode);
 }
+
+void* __real_dlsym(void*, const char*);
+void* __wrap_dlsym(void* library, const char* name) {
+    if (std::strcmp(name, "pthread_setname_np") != 0) return __real_dlsym(library, name);
+    watch.namingLookups.push_back(library);
+    if (watch.naming == Watch::Here) return __real_dlsym(library, name);
+    if (watch.naming != Watch::Library) return nullptr;
+    return reinterpret_cast<void*>(+[](const char* given) {
+        EXPECT_FALSE(isMainThread());
+        watch.names.push_back(given);
+        return 0;
+    });
+}
+
+#if KAZ_DISPATCH
+
+dispatch_queue_t __real_dispatch_get_global_queue(long, unsigned long);
+dispatch_queue_t __wrap_dispatch_get_global_queue(long priority, unsigned long flags) {
+    watch.dispatch.queuesAsked.emplace_back(priority, flags);
+    return watch.dispatch.queue = __real_dispatch_get_global_queue(priority, flags);
+}
+
+void __real_dispatch_async_f(dispatch_queue_t, void*, dispatch_function_t);
+void __wrap_dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t work) {
+    const auto& call = *static_cast<std::shared_ptr<ThreadedCall>*>(context); // the task's own reference
+    watch.dispatch.used = queue;
+    watch.dispatch.call = *call;
+    watch.dispatch.shared = call;
+    __real_dispatch_async_f(queue, context, work);
+}
+
+#endif
 
 } // extern "C"
 
@@ -259,6 +322,48 @@ TEST_F(Threads, TheBodyRunsTheWorkAndSetsTheFlag) {
     }
 }
 
+// --- the dispatch library ---------------------------------------------------------------------------------
+
+#if KAZ_DISPATCH
+
+TEST_F(Threads, TheQueueIsTheGlobalOneOfDefaultPriority) {
+    RunThreaded(nullptr, nullptr, nullptr);
+    EXPECT_EQ(watch.dispatch.queuesAsked, (std::vector<std::pair<long, unsigned long>>{{0, 0}}));
+    EXPECT_EQ(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0);
+    EXPECT_NE(watch.dispatch.used, nullptr);
+    EXPECT_EQ(watch.dispatch.used, watch.dispatch.queue);
+}
+
+TEST_F(Threads, TheDispatchedRecordSaysThatItRunsAndKeepsTheIdleFunctionBack) {
+    RunThreaded(this, waitForRelease, [](void*) {});
+    ASSERT_TRUE(watch.dispatch.call);
+    const ThreadedCall& call = *watch.dispatch.call;
+    EXPECT_EQ(call.thread, pthread_t());
+    EXPECT_NE(call.mutex, nullptr);
+    EXPECT_TRUE(call.running);
+    EXPECT_FALSE(call.done);
+    EXPECT_TRUE(call.dispatched);
+    EXPECT_EQ(call.data, this);
+    EXPECT_EQ(call.work, &waitForRelease);
+    EXPECT_EQ(call.idle, nullptr);
+}
+
+TEST_F(Threads, TheDispatchedRecordGoesOnceBothSidesAreThrough) {
+    std::shared_ptr<ThreadedCall> call;
+    host.onYield([&] {
+        call = watch.dispatch.shared.lock();
+        released = true;
+    });
+    RunThreaded(this, waitForRelease, nullptr);
+    ASSERT_TRUE(call);
+    EXPECT_TRUE(call->done);
+    EXPECT_EQ(call->mutex, nullptr);
+    call.reset();
+    while (!watch.dispatch.shared.expired()) std::this_thread::yield(); // for the task, which may be last
+}
+
+#endif
+
 // --- a thread of our own ----------------------------------------------------------------------------------
 
 #if !KAZ_DISPATCH
@@ -269,9 +374,29 @@ TEST_F(Threads, TheThreadHasTwoMegabytesOfStack) {
     EXPECT_EQ(watch.entry, &threadfunction);
 }
 
-TEST_F(Threads, TheThreadIsJoinedAndThenDetached) {
+TEST_F(Threads, TheMutexIsGivenUpBeforeTheThreadIsJoinedAndThenDetached) {
     RunThreaded(nullptr, nullptr, nullptr);
-    EXPECT_EQ(watch.ends, (std::vector<std::string>{"join 0", "detach"}));
+    EXPECT_EQ(watch.ends, (std::vector<std::string>{"attributes", "mutex", "join 0", "detach"}));
+    EXPECT_EQ(watch.mutexAtJoin, nullptr);
+}
+
+TEST_F(Threads, TheRecordNamesItsThreadWhileTheHostIsGivenTime) {
+    void (*idle)(void*) = [](void*) {};
+    host.onYield([&] {
+        ASSERT_NE(watch.call, nullptr);
+        const ThreadedCall& call = *watch.call;
+        EXPECT_TRUE(pthread_equal(call.thread, watch.thread));
+        EXPECT_NE(call.thread, pthread_t());
+        EXPECT_NE(call.mutex, nullptr);
+        EXPECT_TRUE(call.running);
+        EXPECT_FALSE(call.dispatched);
+        EXPECT_EQ(call.data, this);
+        EXPECT_EQ(call.work, &waitForRelease);
+        EXPECT_EQ(call.idle, idle);
+        if (++yields == releaseAt) released = true;
+    });
+    RunThreaded(this, waitForRelease, idle);
+    EXPECT_GE(yields, releaseAt);
 }
 
 TEST_F(Threads, AFailureToCreateTheThreadLeavesTheResultEmptyAndRaisesNothing) {
@@ -292,14 +417,18 @@ TEST_F(Threads, AFailureToCreateTheThreadLeavesTheResultEmptyAndRaisesNothing) {
         EXPECT_TRUE(host.takePendingException().isNil());
     }
     EXPECT_EQ(watch.mutexes, 4);
-    EXPECT_EQ(watch.mutexesDestroyed, 4);
-    EXPECT_TRUE(watch.ends.empty());
+    // Two calls without attributes, two whose attributes go before the mutex.
+    EXPECT_EQ(watch.ends,
+              (std::vector<std::string>{"mutex", "mutex", "attributes", "mutex", "attributes", "mutex"}));
     expectClean();
 }
 
 #endif
 
 // --- loading an image -------------------------------------------------------------------------------------
+
+// Looked into once, however many images are loaded.
+const std::vector<std::pair<std::string, int>> kNamingLibrary = {{"/usr/lib/libpthread.dylib", RTLD_NOW}};
 
 class Loading : public Threads {
   protected:
@@ -315,6 +444,28 @@ class Loading : public Threads {
         testing::internal::CaptureStderr();
         RunThreaded(&request, DoWork, nullptr);
         return testing::internal::GetCapturedStderr();
+    }
+
+    static std::string nameOfThisThread() {
+        char name[32] = "";
+        pthread_getname_np(pthread_self(), name, sizeof name);
+        return name;
+    }
+    // After a load of nothing.
+    static std::string nameOfWorker() {
+        struct Named {
+            ImageLoadRequest request;
+            std::string name;
+        } named;
+        RunThreaded(
+            &named,
+            [](void* data) {
+                auto* self = static_cast<Named*>(data);
+                DoWork(&self->request);
+                self->name = nameOfThisThread();
+            },
+            nullptr);
+        return named.name;
     }
 
     CGFloat width() const { return [request.result extent].size.width; }
@@ -357,27 +508,121 @@ TEST_F(Loading, WhatIsNoPictureGivesNothing) {
     EXPECT_EQ(request.result, nil);
 }
 
-TEST_F(Loading, TheWorkerIsNamed) {
-    struct Named {
-        ImageLoadRequest request;
-        char name[32] = "";
-    } named;
-    RunThreaded(
-        &named,
-        [](void* data) {
-            auto* self = static_cast<Named*>(data);
-            DoWork(&self->request);
-            pthread_getname_np(pthread_self(), self->name, sizeof self->name);
-        },
-        nullptr);
-    EXPECT_STREQ(named.name, "CIImageLoad");
-}
+TEST_F(Loading, TheWorkerIsNamed) { EXPECT_EQ(nameOfWorker(), "CIImageLoad"); }
 
 TEST_F(Loading, TheNamingFunctionIsLookedForOnce) {
     load();
     load();
-    EXPECT_EQ(watch.libraries,
-              (std::vector<std::pair<std::string, int>>{{"/usr/lib/libpthread.dylib", RTLD_NOW}}));
+    EXPECT_EQ(watch.libraries, kNamingLibrary);
+}
+
+TEST_F(Loading, TheLibrarysNamingFunctionIsCalledWithTheNameAloneEachTime) {
+    watch.naming = Watch::Library;
+    load();
+    load();
+    EXPECT_EQ(watch.names, (std::vector<std::string>{"CIImageLoad", "CIImageLoad"}));
+    EXPECT_EQ(watch.libraries, kNamingLibrary);
+    EXPECT_EQ(watch.namingLookups, std::vector<void*>{&watch});
+}
+
+TEST_F(Loading, WithALibraryThatLacksTheNamingFunctionTheWorkerStaysUnnamed) {
+    watch.naming = Watch::EmptyLibrary;
+    EXPECT_EQ(nameOfWorker(), nameOfThisThread());
+    EXPECT_EQ(nameOfWorker(), nameOfThisThread());
+    EXPECT_EQ(watch.libraries, kNamingLibrary);
+    EXPECT_EQ(watch.namingLookups, std::vector<void*>{&watch});
+}
+
+TEST_F(Loading, OnASystemWithoutTheNamingFunctionTheWorkerStaysUnnamed) {
+    watch.naming = Watch::Nowhere;
+    EXPECT_EQ(nameOfWorker(), nameOfThisThread());
+    EXPECT_EQ(nameOfWorker(), nameOfThisThread());
+    EXPECT_EQ(watch.libraries, kNamingLibrary);
+    EXPECT_EQ(watch.namingLookups, std::vector<void*>{RTLD_DEFAULT});
+}
+
+} // namespace
+
+namespace {
+
+// Core Image's loaders as functions of the test, which write down what they were sent and answer an image
+// each.
+class SentLoad : public Loading {
+  protected:
+    SentLoad() {
+        auto replace = [](SEL selector, auto* function) {
+            class_replaceMethod(object_getClass([CIImage class]), selector, reinterpret_cast<IMP>(function),
+                                "@@:@@");
+        };
+        replace(
+            @selector(imageWithData:),
+            +[](id, SEL selector, id data) -> id { return answer(selector, data); });
+        replace(
+            @selector(imageWithContentsOfURL:),
+            +[](id, SEL selector, id url) -> id { return answer(selector, url); });
+        replace(
+            @selector(imageWithContentsOfURL:options:), +[](id, SEL selector, id url, id options) -> id {
+                EXPECT_EQ(options, theOptions);
+                return answer(selector, url);
+            });
+        sent.clear();
+        images.clear();
+        request.data = theData;
+        request.url = theURL;
+        request.options = theOptions = [NSDictionary dictionary];
+    }
+    ~SentLoad() override {
+        for (id image : images) [image release];
+    }
+
+    static id answer(SEL selector, id argument) {
+        sent.emplace_back(sel_getName(selector), argument);
+        id image = [[CIImage alloc] init]; // the test's; the loader's own reference ends with its pool
+        images.push_back(image);
+        return [[image retain] autorelease];
+    }
+
+    using Sent = std::vector<std::pair<std::string, id>>;
+    static inline Sent sent;
+    static inline std::vector<id> images;
+    NSData* theData = [NSData data];
+    NSURL* theURL = [NSURL URLWithString:@"file:///picture"];
+    static inline NSDictionary* theOptions = nil;
+};
+
+TEST_F(SentLoad, DataAloneIsSentToItsLoader) {
+    request.url = nil;
+    load();
+    EXPECT_EQ(sent, (Sent{{"imageWithData:", theData}}));
+    EXPECT_EQ(request.result, images[0]);
+    EXPECT_EQ([request.result retainCount], 2u);
+}
+
+TEST_F(SentLoad, AURLWithoutOptionsIsSentToTheLoaderWithoutOptions) {
+    request.data = nil;
+    request.options = nil;
+    load();
+    EXPECT_EQ(sent, (Sent{{"imageWithContentsOfURL:", theURL}}));
+    EXPECT_EQ(request.result, images[0]);
+    EXPECT_EQ([request.result retainCount], 2u);
+}
+
+TEST_F(SentLoad, AURLWithOptionsIsSentToTheLoaderWithOptions) {
+    request.data = nil;
+    load();
+    EXPECT_EQ(sent, (Sent{{"imageWithContentsOfURL:options:", theURL}}));
+    EXPECT_EQ(request.result, images[0]);
+    EXPECT_EQ([request.result retainCount], 2u);
+}
+
+// Which no caller asks for.
+TEST_F(SentLoad, OfBothTheURLsImageStandsAndTheDatasIsNotGivenBack) {
+    load();
+    EXPECT_EQ(sent, (Sent{{"imageWithData:", theData}, {"imageWithContentsOfURL:options:", theURL}}));
+    EXPECT_EQ(request.result, images[1]);
+    EXPECT_EQ([images[1] retainCount], 2u);
+    EXPECT_EQ([images[0] retainCount], 2u);
+    [images[0] release];
 }
 
 } // namespace

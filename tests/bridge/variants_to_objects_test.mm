@@ -9,6 +9,7 @@
 #include <climits>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -143,7 +144,10 @@ TEST_F(TypeCodes, Code11IsABoolean) {
     EXPECT_STREQ([as(11, 7) objCType], "c");
     EXPECT_EQ([as(11, 7) intValue], 1);
     EXPECT_EQ([as(11, 0) intValue], 0);
-    EXPECT_EQ([as(11, 0x100) intValue], 1); // no bit gets lost on the way to a byte
+    EXPECT_EQ([as(11, -1) intValue], 1);
+    // Cocoa takes a byte, which is all that is left of a larger value.
+    EXPECT_EQ([as(11, 0x100) intValue], 0);
+    EXPECT_EQ([as(11, 0x180) intValue], 1);
 }
 
 TEST_F(TypeCodes, AllOthersGiveNil) {
@@ -405,6 +409,26 @@ TEST_P(Arrays, ArriveInTheHostAsTheExceptionOfTheFrame) {
 
 INSTANTIATE_TEST_SUITE_P(Hosts, Arrays, testing::ValuesIn(kHostVersions),
                          [](const auto& info) { return info.param.name; });
+
+TEST_P(Arrays, WithoutStorageToSeeAreReadThroughTheAccessorOnceForEachElement) {
+    const std::pair<const char*, std::vector<Value>> cases[] = {
+        {"Integer", {7, -8, 9}},   {"Int64", {1LL << 40, -1LL}}, {"Single", {0.5f}},
+        {"Double", {1.5, 2.5}},    {"Boolean", {true, false}},   {"String", {"a", "b", "c"}},
+        {"Variant", {1, "two", 3}}};
+    for (const auto& [type, elements] : cases) {
+        SCOPED_TRACE(type);
+        Value array = host.array(type, elements);
+        id expected = cocoa(array);
+        Value held = boxed(array); // so that nothing stores into the array any more
+        void*& storage = reinterpret_cast<REALarray>(held.object())->storage;
+        void* shown = std::exchange(storage, nullptr);
+        getterAsked = 0;
+        id result = GetVariantAsNSObject(held.object());
+        EXPECT_EQ(getterAsked, static_cast<int>(elements.size()));
+        EXPECT_TRUE([result isEqual:expected]);
+        storage = shown;
+    }
+}
 
 // The last version that shows its storage, and the first that does not.
 class ArraysUpTo2013_9 : public ConversionTest {
