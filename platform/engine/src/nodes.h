@@ -66,6 +66,10 @@ struct Tap {
 /// The sum of what the taps tell, and a bias that makes the image endless; alpha like the colours.
 Image convolution(const Image& image, std::string name, std::vector<Tap> taps, double bias = 0);
 
+/// The pixels that a filter sums up over an extent: those whose centres lie in it, an endless one cut to the
+/// image. Empty where that leaves none, or too many to be read.
+IntRect summedArea(const Image& image, Rect extent);
+
 /// Where a warp reads.
 class Warp {
   public:
