@@ -191,3 +191,71 @@ TEST(Stylize, ASpotLightFallsOffFromItsAxis) {
         EXPECT_LT(error(filter("CISpotLight", values), expected), 5 * floatError) << concentration;
     }
 }
+
+TEST(Stylize, LinesAreBlackWhereEdgesAreSteep) {
+    Picture p = noise(41, 33, 97);
+    Image image = imageOf(p);
+    Image edges = filter(
+        "CIEdges",
+        {{"inputImage", filter("CINoiseReduction",
+                               {{"inputImage", image}, {"inputNoiseLevel", 0.05}, {"inputSharpness", 0.3}})},
+         {"inputIntensity", 0.8}});
+    Picture steep = rendered(edges, 0, 0, 41, 33);
+    Picture expected = filled(0, 0, 41, 33, [&](int x, int y) {
+        Pixel q = steep.get(x, y);
+        double edge = 0.2126 * q[0] + 0.7152 * q[1] + 0.0722 * q[2];
+        return Pixel{0, 0, 0, q[3] * std::clamp((edge - 0.2) * 6 + 0.5, 0.0, 1.0)};
+    });
+    Values values{{"inputImage", image},       {"inputNRNoiseLevel", 0.05}, {"inputNRSharpness", 0.3},
+                  {"inputEdgeIntensity", 0.8}, {"inputThreshold", 0.2},     {"inputContrast", 6.0}};
+    EXPECT_LT(error(filter("CILineOverlay", values), expected), floatError);
+    EXPECT_EQ(filter("CILineOverlay", {}), nullptr);
+}
+
+TEST(Stylize, WoodcutsAreBlackWhereItIsDarkerThanAround) {
+    Picture p = noise(50, 40, 98, true);
+    Picture wide = filled(-25, -25, 100, 90, [&](int x, int y) { return clamped(p, x, y); });
+    Picture close = trueGaussian(wide, 1), far = trueGaussian(wide, 3);
+    auto luminance = [](const Pixel& q) { return 0.2126 * q[0] + 0.7152 * q[1] + 0.0722 * q[2]; };
+    Picture expected = filled(0, 0, 50, 40, [&](int x, int y) {
+        double ratio = (luminance(close.get(x, y)) + 1e-3) / (luminance(far.get(x, y)) + 1e-3);
+        double v = std::clamp(1 + 12 * (ratio - 0.97), 0.0, 1.0);
+        return Pixel{v, v, v, 1};
+    });
+    // The engine's Gaussians end where they are small, and their ratio is taken twelvefold.
+    EXPECT_LT(error(filter("CIEdgeWork", {{"inputImage", imageOf(p)}}), expected), 12 * halfStep);
+    Image flat = crop(constant({0.5, 0.2, 0.1, 1}), {0, 0, 20, 20});
+    for (const Pixel& q : rendered(filter("CIEdgeWork", {{"inputImage", flat}}), 0, 0, 20, 20).pixels)
+        for (double v : q) EXPECT_NEAR(v, 1, 1e-5);
+}
+
+TEST(Stylize, SpotColoursTakeThePlaceOfNearOnes) {
+    Picture p = noise(61, 43, 99);
+    const struct {
+        double centre[3], to[3], closeness, contrast;
+    } spots[] = {{{0.2, 0.3, 0.4}, {1, 0, 0.5}, 0.3, 0.5},
+                 {{0.7, 0.8, 0.6}, {0.1, 0.9, 0.3}, 0.4, 0},
+                 {{0.9, 0.4, 0.6}, {0.2, 0.2, 1}, 0.35, 0.9}};
+    Picture expected = mapped(p, [&](Pixel q) {
+        Pixel out = q;
+        for (const auto& spot : spots) {
+            double square = 0;
+            for (int c = 0; c < 3; ++c) square += std::pow(coded(q[c]) - spot.centre[c], 2);
+            double t = (spot.closeness - std::sqrt(square)) / (spot.closeness * (1 - spot.contrast));
+            t = std::clamp(t, 0.0, 1.0);
+            for (int c = 0; c < 3; ++c) out[c] += t * (linear(spot.to[c]) - out[c]);
+        }
+        return out;
+    });
+    Values values{{"inputImage", imageOf(p)}};
+    for (int i = 0; i < 3; ++i) {
+        auto key = [&](const char* name) { return name + std::to_string(i + 1); };
+        const auto& [from, to, closeness, contrast] = spots[i];
+        values[key("inputCenterColor")] = Color{from[0], from[1], from[2], 1};
+        values[key("inputReplacementColor")] = Color{to[0], to[1], to[2], 1};
+        values[key("inputCloseness")] = closeness;
+        values[key("inputContrast")] = contrast;
+    }
+    // Coded components are good to 7e-6, the steepest ramp makes 29 of each.
+    EXPECT_LT(error(filter("CISpotColor", values), expected), 1e-3);
+}
