@@ -1,6 +1,8 @@
 // Blurs other than the Gaussian and the box, against references in double precision.
 #include "reference.h"
 
+#include <atomic>
+
 using namespace reference;
 
 namespace {
@@ -152,4 +154,41 @@ TEST(Blurs, ALongZoomOfALargePictureFitsInMemory) {
     Values values{{"inputImage", endless}, {"inputAmount", -200.0}, {"inputCenter", Numbers{-3000, -2000}}};
     Picture got = rendered(filter("CIZoomBlur", values), 100, 100, 5, 4);
     for (const Pixel& q : got.pixels) EXPECT_NEAR(q[3], 1, 1e-4);
+}
+
+namespace {
+
+class TallSource : public RowSource {
+  public:
+    const PixelLayout& layout() const override { return layout_; }
+    void readRows(int, int count, std::uint8_t* out) override {
+        std::fill_n(out, 4 * layout_.width * count, std::uint8_t(200));
+        rows += count;
+    }
+    int stripRows() const override { return 8; }
+    std::atomic<int> rows{0};
+
+  private:
+    PixelLayout layout_{32, 4000, Format::RGBA8, Alpha::opaque, color::ColorSpace::sRGB()};
+};
+
+} // namespace
+
+TEST(Blurs, NeighboursFarAwayAreNotRead) {
+    const struct {
+        const char* name;
+        int rows; // that ten rows in the middle need at most, with whole strips of eight
+    } filters[] = {{"CIMedianFilter", 32}, {"CIConvolution7X7", 40},       {"CIConvolution9Horizontal", 32},
+                   {"CIDiscBlur", 56},     {"CIMotionBlur", 32},           {"CINoiseReduction", 32},
+                   {"CIEdges", 32},        {"CISharpenLuminance", 60},     {"CIPixellate", 56},
+                   {"CICrystallize", 300}, {"CILanczosScaleTransform", 32}};
+    for (const auto& [name, rows] : filters) {
+        auto source = std::make_shared<TallSource>();
+        Image image = filter(name, {{"inputImage", bitmap(source)}});
+        setTileSize(64);
+        Picture got = rendered(image, 4, 2000, 20, 10);
+        setTileSize(0);
+        EXPECT_GT(source->rows, 0) << name;
+        EXPECT_LE(source->rows, rows) << name;
+    }
 }
