@@ -104,7 +104,8 @@ TEST(Blurs, LongMotionIsNoLessAGaussian) {
 
 TEST(Blurs, MotionIsAsWideAsCoreImagesIs) {
     // Alpha at the left edge of an opaque picture 660 pixels wide that Core Image blurred with radius 20 at 3
-    // radians: pixels from the edge, and alpha.
+    // radians: pixels from the edge, and how far alpha has come from the least in that picture's row, 20 of
+    // 255, to the most, 253.
     const struct {
         int x;
         double alpha;
