@@ -88,16 +88,12 @@ class ReductionNode : public Node {
     IntRect area_;
 };
 
-/// An endless area is cut to the picture. Where that leaves no pixel, or too many to be read, nothing comes
-/// of it.
 template <std::size_t i>
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     if (!image) return nullptr;
-    Rect extent = in.rect("inputExtent");
-    if (extent.isInfinite()) extent = extent.intersect(image->extent());
-    IntRect area = centresIn(extent);
-    if (extent.isInfinite() || area.isEmpty() || area.count() > 1 << 30) return empty();
+    IntRect area = summedArea(image, in.rect("inputExtent"));
+    if (area.isEmpty()) return empty();
     return std::make_shared<ReductionNode>(reductions[i], image, area);
 }
 

@@ -70,12 +70,9 @@ class Perspective : public Warp {
     Rect source_, result_;
 };
 
-/// The corners of the picture go to the four points. Where these make no quadrilateral, or the picture is
+/// The corners of the source go to the four points. Where these make no quadrilateral, or the source is
 /// endless, nothing comes of it.
-Image build(const Inputs& in) {
-    Image image = in.image("inputImage");
-    if (!image) return nullptr;
-    Rect source = image->extent();
+Image leaned(const Image& image, const Rect& source, const Inputs& in) {
     if (source.isEmpty() || source.isInfinite()) return empty();
     const Point corners[] = {in.point("inputBottomLeft"), in.point("inputBottomRight"),
                              in.point("inputTopRight"), in.point("inputTopLeft")};
@@ -95,16 +92,39 @@ Image build(const Inputs& in) {
     return warp(image, std::make_shared<Perspective>(*back, source, result));
 }
 
-const Registrar filter{{"CIPerspectiveTransform",
-                        "Perspective Transform",
-                        "Leans a picture so that its corners come to four points.",
-                        "10.4",
-                        categories("GeometryAdjustment Video StillImage BuiltIn"),
-                        {imageInput(), vectorInput("inputTopLeft", "Top Left", "Position", {118, 484}),
-                         vectorInput("inputTopRight", "Top Right", "Position", {646, 507}),
-                         vectorInput("inputBottomRight", "Bottom Right", "Position", {548, 140}),
-                         vectorInput("inputBottomLeft", "Bottom Left", "Position", {155, 153})},
-                        build}};
+InputInfo corner(const char* key, const char* displayName, double x, double y) {
+    return vectorInput(key, displayName, "Position", {x, y});
+}
+
+const Registrar whole{
+    {"CIPerspectiveTransform",
+     "Perspective Transform",
+     "Leans a picture so that its corners come to four points.",
+     "10.4",
+     categories("GeometryAdjustment Video StillImage BuiltIn"),
+     {imageInput(), corner("inputTopLeft", "Top Left", 118, 484),
+      corner("inputTopRight", "Top Right", 646, 507), corner("inputBottomRight", "Bottom Right", 548, 140),
+      corner("inputBottomLeft", "Bottom Left", 155, 153)},
+     [](const Inputs& in) -> Image {
+         Image image = in.image("inputImage");
+         return image ? leaned(image, image->extent(), in) : nullptr;
+     }}};
+
+const Registrar part{
+    {"CIPerspectiveTransformWithExtent",
+     "Perspective Transform with Extent",
+     "Leans a part of a picture so that its corners come to four points.",
+     "10.4",
+     categories("GeometryAdjustment Video StillImage BuiltIn"),
+     {imageInput(), vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 300, 300}),
+      corner("inputTopLeft", "Top Left", 118, 484), corner("inputTopRight", "Top Right", 646, 507),
+      corner("inputBottomRight", "Bottom Right", 548, 140),
+      corner("inputBottomLeft", "Bottom Left", 155, 153)},
+     [](const Inputs& in) -> Image {
+         Image image = in.image("inputImage");
+         Rect extent = in.rect("inputExtent");
+         return image ? leaned(crop(image, extent), extent, in) : nullptr;
+     }}};
 
 } // namespace
 

@@ -51,6 +51,25 @@ Image gaussian(const Image& image, double sigma);
 /// The mean of the square that reaches `radius` pixels to each side of a pixel.
 Image boxBlur(const Image& image, double radius);
 
+/// Computes pixels x..x+n-1 of row y from the pixels around them, which `in` holds.
+using NeighbourFunction = std::function<void(const Pixels& in, int x, int y, int n, const Span& out)>;
+using NeighbourMaker = std::function<NeighbourFunction(const RenderContext&)>;
+/// A step that reads the pixels up to `reach` away to each side. What is beyond the edge of the image is like
+/// the edge, and the extent stays.
+Image neighbourhood(const Image& image, std::string name, int reach, NeighbourMaker make);
+
+/// How much of the pixel at (dx, dy) from a pixel goes into it.
+struct Tap {
+    int dx, dy;
+    float weight;
+};
+/// The sum of what the taps tell, and a bias that makes the image endless; alpha like the colours.
+Image convolution(const Image& image, std::string name, std::vector<Tap> taps, double bias = 0);
+
+/// The pixels that a filter sums up over an extent: those whose centres lie in it, an endless one cut to the
+/// image. Empty where that leaves none, or too many to be read.
+IntRect summedArea(const Image& image, Rect extent);
+
 /// Where a warp reads.
 class Warp {
   public:

@@ -1,4 +1,4 @@
-#include "tile.h"
+#include "nodes.h"
 
 #include <new>
 
@@ -121,6 +121,13 @@ Rgba RenderContext::color(const Color& c) const {
     float a = static_cast<float>(std::clamp(c.a, 0.0, 1.0));
     return {static_cast<float>(rgb[0]) * a, static_cast<float>(rgb[1]) * a, static_cast<float>(rgb[2]) * a,
             a};
+}
+
+IntRect summedArea(const Image& image, Rect extent) {
+    if (extent.isInfinite()) extent = extent.intersect(image->extent());
+    IntRect area = centresIn(extent);
+    bool readable = !extent.isInfinite() && !area.isEmpty() && area.count() <= 1 << 30;
+    return readable ? area : IntRect{};
 }
 
 void fill(Evaluator& from, const Pixels& to) {
