@@ -35,11 +35,12 @@ Image throughGlass(const Inputs& in) {
     double scale = in.number("inputScale", 0, 1e5);
     if (scale == 0 || !texture || texture->extent().isEmpty()) return image;
     if (!texture->extent().isInfinite()) {
+        // Whole pixels, and less than a copy away.
         Point c = in.point("inputCenter");
-        Rect e = texture->extent();
-        texture = apply(*findFilter("CIAffineTile"),
-                        {{"inputImage", transform(texture, Affine::translation(std::floor(c.x) - e.x0,
-                                                                               std::floor(c.y) - e.y0))}});
+        Rect e = texture->extent(), cell = e.integral();
+        Affine move = Affine::translation(std::fmod(std::floor(c.x) - cell.x0, cell.width()),
+                                          std::fmod(std::floor(c.y) - cell.y0, cell.height()));
+        texture = apply(*findFilter("CIAffineTile"), {{"inputImage", transform(texture, move)}});
     }
     auto displace = [s = static_cast<float>(scale / 3)](const Span& map, std::ptrdiff_t step, int n,
                                                         float* dx, float* dy) {
