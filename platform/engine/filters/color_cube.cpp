@@ -50,21 +50,59 @@ struct Cube {
     }
 };
 
-/// The straight colour, in the working space, finds its place in the cube; alpha multiplies what is found
-/// there.
+/// The straight colour finds its place in the cube; alpha multiplies what is found there.
+void lookUp(const Cube& cube, const Span& s, int n) {
+    for (int i = 0; i < n; ++i) {
+        float a = s.plane[3][i], inverse = a > 0 ? 1 / a : 0;
+        Rgba found = cube.at(s.plane[0][i] * inverse, s.plane[1][i] * inverse, s.plane[2][i] * inverse);
+        for (int c = 0; c < 4; ++c) s.plane[c][i] = a * found[c];
+    }
+}
+
+/// The places are colours of the working space.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     if (!image) return nullptr;
     auto cube = Cube::of(in);
     if (!cube) return empty();
     return pointStep(image, "color cube", [cube](const RenderContext&) -> SpanFunction {
-        return [cube](const Span& s, int, int, int n) {
-            for (int i = 0; i < n; ++i) {
-                float a = s.plane[3][i], inverse = a > 0 ? 1 / a : 0;
-                Rgba found =
-                    cube->at(s.plane[0][i] * inverse, s.plane[1][i] * inverse, s.plane[2][i] * inverse);
-                for (int c = 0; c < 4; ++c) s.plane[c][i] = a * found[c];
-            }
+        return [cube](const Span& s, int, int, int n) { lookUp(*cube, s, n); };
+    });
+}
+
+/// A step on straight colours; alpha stays.
+template <class F>
+void onStraight(const Span& s, int n, F step) {
+    for (int c = 0; c < 3; ++c)
+        for (int i = 0; i < n; ++i) s.plane[c][i] *= s.plane[3][i] > 0 ? 1 / s.plane[3][i] : 0;
+    step();
+    for (int c = 0; c < 3; ++c)
+        for (int i = 0; i < n; ++i) s.plane[c][i] *= s.plane[3][i];
+}
+
+/// From the numbers of one space to those of another; a space that is null has linear light.
+void convert(const color::ColorSpacePtr& from, const color::ColorSpacePtr& to, const Span& s, int n) {
+    float* planes[] = {s.plane[0], s.plane[1], s.plane[2]};
+    if (from) from->converter().decode(planes, planes, n);
+    if (to) to->converter().encode(planes, planes, n);
+}
+
+/// The places, and what is found there, are colours of the cube's own space. Without one (or where colours
+/// are not matched), of the working space.
+Image buildInSpace(const Inputs& in) {
+    Image image = in.image("inputImage");
+    Bytes profile = in.data("inputColorSpace");
+    auto space = profile.empty() ? nullptr : color::ColorSpace::fromICC(profile);
+    if (!image || !space || space->model() != color::Model::rgb) return build(in);
+    auto cube = Cube::of(in);
+    if (!cube) return empty();
+    return pointStep(image, "color cube", [cube, space](const RenderContext& context) -> SpanFunction {
+        if (!context.settings.colorManaged)
+            return [cube](const Span& s, int, int, int n) { lookUp(*cube, s, n); };
+        return [cube, space, working = context.settings.working](const Span& s, int, int, int n) {
+            onStraight(s, n, [&] { convert(working, space, s, n); });
+            lookUp(*cube, s, n);
+            onStraight(s, n, [&] { convert(space, working, s, n); });
         };
     });
 }
@@ -81,16 +119,36 @@ Bytes identity() {
     return bytes;
 }
 
-const Registrar filter{{"CIColorCube",
-                        "Color Cube",
-                        "Looks every colour up in a table with three dimensions.",
-                        "10.4",
-                        categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
-                        {imageInput(),
-                         numberInput("inputCubeDimension", "Cube Dimension", "Count",
-                                     {.value = 2, .identity = 2, .min = 2, .max = 64}),
-                         dataInput("inputCubeData", "Cube Data", identity(), identity())},
-                        build}};
+std::vector<InputInfo> cubeInputs() {
+    return {imageInput(),
+            numberInput("inputCubeDimension", "Cube Dimension", "Count",
+                        {.value = 2, .identity = 2, .min = 2, .max = 64}),
+            dataInput("inputCubeData", "Cube Data", identity(), identity())};
+}
+
+/// Of any class; what counts is the profile of a colour space.
+InputInfo spaceInput() {
+    InputInfo info;
+    info.key = "inputColorSpace";
+    info.displayName = "Color Space";
+    info.className = "NSObject";
+    return info;
+}
+
+const Registrar cubes{{"CIColorCube", "Color Cube", "Looks every colour up in a table with three dimensions.",
+                       "10.4", categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
+                       cubeInputs(), build}};
+
+const Registrar cubesInSpaces{
+    {"CIColorCubeWithColorSpace", "Color Cube with ColorSpace",
+     "Looks every colour up in a table with three dimensions, which holds colours of a space of its own.",
+     "10.9", categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
+     [] {
+         std::vector<InputInfo> inputs = cubeInputs();
+         inputs.push_back(spaceInput());
+         return inputs;
+     }(),
+     buildInSpace}};
 
 } // namespace
 

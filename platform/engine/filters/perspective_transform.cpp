@@ -70,61 +70,120 @@ class Perspective : public Warp {
     Rect source_, result_;
 };
 
-/// The corners of the source go to the four points. Where these make no quadrilateral, or the source is
-/// endless, nothing comes of it.
-Image leaned(const Image& image, const Rect& source, const Inputs& in) {
-    if (source.isEmpty() || source.isInfinite()) return empty();
-    const Point corners[] = {in.point("inputBottomLeft"), in.point("inputBottomRight"),
-                             in.point("inputTopRight"), in.point("inputTopLeft")};
+/// The same without end: copies of the picture side by side up to the horizon.
+class PerspectiveTiles : public Warp {
+  public:
+    PerspectiveTiles(const Projection& back, const Rect& source) : back_(back), source_(source) {}
+
+    std::string name() const override { return "perspective tile"; }
+    Rect extent(const Rect&) const override { return Rect::infinite(); }
+    Rect region(const Rect&) const override { return source_; }
+    void displace(int x, int y, int n, float* dx, float* dy) const override {
+        const auto& m = back_.m;
+        double py = y + 0.5;
+        for (int i = 0; i < n; ++i) {
+            double px = x + i + 0.5, w = m[6] * px + m[7] * py + m[8];
+            // Behind the horizon there is nothing.
+            double fromX = source_.x0 - 2, fromY = source_.y0 - 2;
+            if (w > 0) {
+                fromX = within(source_.x0, source_.x1, (m[0] * px + m[1] * py + m[2]) / w);
+                fromY = within(source_.y0, source_.y1, (m[3] * px + m[4] * py + m[5]) / w);
+            }
+            dx[i] = static_cast<float>(fromX - px);
+            dy[i] = static_cast<float>(fromY - py);
+        }
+    }
+
+  private:
+    /// Copies meet at their outermost pixels, so that no gap shows between them.
+    static double within(double low, double high, double v) {
+        double size = high - low;
+        v -= std::floor((v - low) / size) * size;
+        return std::clamp(v, std::min(low + 0.5, (low + high) / 2), std::max(high - 0.5, (low + high) / 2));
+    }
+
+    Projection back_;
+    Rect source_;
+};
+
+/// From the plane of the four points back to the picture, whose corners go there; w' is positive in front of
+/// the horizon. Empty where the points make no quadrilateral or the picture has no corners.
+std::optional<Projection> fromPoints(const Rect& source, const std::array<Point, 4>& corners) {
+    if (source.isEmpty() || source.isInfinite()) return {};
     auto unit = Projection::toQuad(corners[0], corners[1], corners[2], corners[3]);
-    if (!unit) return empty();
+    if (!unit) return {};
     Projection toUnit{{1 / source.width(), 0, -source.x0 / source.width(), 0, 1 / source.height(),
                        -source.y0 / source.height(), 0, 0, 1}};
     auto back = toUnit.then(*unit).inverse();
-    if (!back) return empty();
+    if (!back) return {};
     // In front of the horizon is where the first corner is.
     if (back->m[6] * corners[0].x + back->m[7] * corners[0].y + back->m[8] < 0)
         for (double& v : back->m) v = -v;
-    Rect result{corners[0].x, corners[0].y, corners[0].x, corners[0].y};
-    for (const Point& p : corners)
+    return back;
+}
+
+std::array<Point, 4> corners(const Inputs& in) {
+    return {in.point("inputBottomLeft"), in.point("inputBottomRight"), in.point("inputTopRight"),
+            in.point("inputTopLeft")};
+}
+
+/// The corners of the source go to the four points, or nothing comes of it.
+Image leaned(const Image& image, const Rect& source, const Inputs& in) {
+    const std::array<Point, 4> to = corners(in);
+    auto back = fromPoints(source, to);
+    if (!back) return empty();
+    Rect result{to[0].x, to[0].y, to[0].x, to[0].y};
+    for (const Point& p : to)
         result = {std::min(result.x0, p.x), std::min(result.y0, p.y), std::max(result.x1, p.x),
                   std::max(result.y1, p.y)};
     return warp(image, std::make_shared<Perspective>(*back, source, result));
 }
 
-InputInfo corner(const char* key, const char* displayName, double x, double y) {
-    return vectorInput(key, displayName, "Position", {x, y});
+Image whole(const Inputs& in) {
+    Image image = in.image("inputImage");
+    return image ? leaned(image, image->extent(), in) : nullptr;
 }
 
-const Registrar whole{
-    {"CIPerspectiveTransform",
-     "Perspective Transform",
-     "Leans a picture so that its corners come to four points.",
-     "10.4",
-     categories("GeometryAdjustment Video StillImage BuiltIn"),
-     {imageInput(), corner("inputTopLeft", "Top Left", 118, 484),
-      corner("inputTopRight", "Top Right", 646, 507), corner("inputBottomRight", "Bottom Right", 548, 140),
-      corner("inputBottomLeft", "Bottom Left", 155, 153)},
-     [](const Inputs& in) -> Image {
-         Image image = in.image("inputImage");
-         return image ? leaned(image, image->extent(), in) : nullptr;
-     }}};
+Image part(const Inputs& in) {
+    Image image = in.image("inputImage");
+    Rect extent = in.rect("inputExtent");
+    return image ? leaned(crop(image, extent), extent, in) : nullptr;
+}
 
-const Registrar part{
-    {"CIPerspectiveTransformWithExtent",
-     "Perspective Transform with Extent",
-     "Leans a part of a picture so that its corners come to four points.",
-     "10.4",
-     categories("GeometryAdjustment Video StillImage BuiltIn"),
-     {imageInput(), vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 300, 300}),
-      corner("inputTopLeft", "Top Left", 118, 484), corner("inputTopRight", "Top Right", 646, 507),
-      corner("inputBottomRight", "Bottom Right", 548, 140),
-      corner("inputBottomLeft", "Bottom Left", 155, 153)},
-     [](const Inputs& in) -> Image {
-         Image image = in.image("inputImage");
-         Rect extent = in.rect("inputExtent");
-         return image ? leaned(crop(image, extent), extent, in) : nullptr;
-     }}};
+Image tiled(const Inputs& in) {
+    Image image = in.image("inputImage");
+    if (!image) return nullptr;
+    auto back = fromPoints(image->extent(), corners(in));
+    return back ? warp(image, std::make_shared<PerspectiveTiles>(*back, image->extent())) : empty();
+}
+
+std::vector<InputInfo> perspectiveInputs() {
+    return {imageInput(), vectorInput("inputTopLeft", "Top Left", "Position", {118, 484}),
+            vectorInput("inputTopRight", "Top Right", "Position", {646, 507}),
+            vectorInput("inputBottomRight", "Bottom Right", "Position", {548, 140}),
+            vectorInput("inputBottomLeft", "Bottom Left", "Position", {155, 153})};
+}
+
+std::vector<InputInfo> inputsWithExtent() {
+    std::vector<InputInfo> inputs = perspectiveInputs();
+    inputs.insert(inputs.begin() + 1, vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 300, 300}));
+    return inputs;
+}
+
+const Registrar forPictures{{"CIPerspectiveTransform", "Perspective Transform",
+                             "Leans a picture so that its corners come to four points.", "10.4",
+                             categories("GeometryAdjustment Video StillImage BuiltIn"), perspectiveInputs(),
+                             whole}};
+
+const Registrar forParts{{"CIPerspectiveTransformWithExtent", "Perspective Transform with Extent",
+                          "Leans a part of a picture so that its corners come to four points.", "10.4",
+                          categories("GeometryAdjustment Video StillImage BuiltIn"), inputsWithExtent(),
+                          part}};
+
+const Registrar forTiles{
+    {"CIPerspectiveTile", "Perspective Tile",
+     "Leans a picture so that its corners come to four points, and repeats it without end.", "10.4",
+     categories("TileEffect Video StillImage BuiltIn"), perspectiveInputs(), tiled}};
 
 } // namespace
 

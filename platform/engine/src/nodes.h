@@ -84,6 +84,18 @@ class Warp {
 };
 Image warp(const Image& image, std::shared_ptr<const Warp> warp);
 
+/// Where a warp reads that is drawn in a second image, the map.
+struct MapWarp {
+    /// The farthest that it reads, in each direction.
+    double reach;
+    /// For n pixels, whose own in the map are `map`: how far away from them to read. The map's pixels one to
+    /// the left and right can be read as well, and those `step` floats before and behind: one below and
+    /// above.
+    std::function<void(const Span& map, std::ptrdiff_t step, int n, float* dx, float* dy)> displace;
+};
+/// Without a map the image stays as it is.
+Image warp(std::string name, const Image& image, const Image& map, const MapWarp& warp);
+
 /// A warp inside a circle; outside, pixels stay as they are.
 class DiscWarp : public Warp {
   public:

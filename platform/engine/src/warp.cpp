@@ -7,22 +7,21 @@ namespace engine {
 
 namespace {
 
-class WarpNode : public Node {
+/// Reads its first input somewhere else.
+class DisplacedNode : public Node {
   public:
-    WarpNode(const Image& image, std::shared_ptr<const Warp> warp)
-        : Node(warp->extent(image->extent()), {image}), warp_(std::move(warp)) {}
-
-    std::string name() const override { return warp_->name(); }
     bool materialises() const override { return true; }
-    Rect regionOfInterest(std::size_t, const Rect& area) const override {
-        return warp_->region(area).grown(1, 1);
-    }
 
     std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
         Pixels out(area);
         compute(area, out, context);
         return std::make_shared<Computed>(std::move(out));
     }
+
+  protected:
+    using Node::Node;
+    /// For the centres of an area's pixels, row by row: how far away from them to read.
+    virtual void displace(const IntRect& area, float* dx, float* dy, RenderContext& context) const = 0;
 
   private:
     /// Finds what the area reads by computing all places first: exact for every warp, and what is kept of the
@@ -31,9 +30,9 @@ class WarpNode : public Node {
         std::size_t width = area.width(), count = width * area.height();
         std::vector<float> dx(count), dy(count);
         Rect region{Rect::inf, Rect::inf, -Rect::inf, -Rect::inf};
+        displace(area, dx.data(), dy.data(), context);
         for (int y = area.y0; y < area.y1; ++y) {
             float *rowX = &dx[(y - area.y0) * width], *rowY = &dy[(y - area.y0) * width];
-            warp_->displace(area.x0, y, area.width(), rowX, rowY);
             for (int i = 0; i < area.width(); ++i) {
                 double sx = area.x0 + i + static_cast<double>(rowX[i]), sy = y + static_cast<double>(rowY[i]);
                 region = {std::min(region.x0, sx), std::min(region.y0, sy), std::max(region.x1, sx),
@@ -66,8 +65,51 @@ class WarpNode : public Node {
                 sample(in, rowX + x, rowY + x, std::min(maxSpan, area.width() - x), out.at(area.x0 + x, y));
         }
     }
+};
+
+class WarpNode : public DisplacedNode {
+  public:
+    WarpNode(const Image& image, std::shared_ptr<const Warp> warp)
+        : DisplacedNode(warp->extent(image->extent()), {image}), warp_(std::move(warp)) {}
+
+    std::string name() const override { return warp_->name(); }
+    Rect regionOfInterest(std::size_t, const Rect& area) const override {
+        return warp_->region(area).grown(1, 1);
+    }
+
+  private:
+    void displace(const IntRect& area, float* dx, float* dy, RenderContext&) const override {
+        std::size_t width = area.width();
+        for (int y = area.y0; y < area.y1; ++y, dx += width, dy += width)
+            warp_->displace(area.x0, y, area.width(), dx, dy);
+    }
 
     std::shared_ptr<const Warp> warp_;
+};
+
+class MapWarpNode : public DisplacedNode {
+  public:
+    MapWarpNode(std::string name, const Image& image, const Image& map, const MapWarp& warp)
+        : DisplacedNode(image->extent().grown(warp.reach, warp.reach), {image, map}), name_(std::move(name)),
+          warp_(warp) {}
+
+    std::string name() const override { return name_; }
+    Rect regionOfInterest(std::size_t index, const Rect& area) const override {
+        double around = index == 0 ? warp_.reach + 1 : 1;
+        return area.grown(around, around);
+    }
+
+  private:
+    void displace(const IntRect& area, float* dx, float* dy, RenderContext& context) const override {
+        Pixels map({area.x0 - 1, area.y0 - 1, area.x1 + 1, area.y1 + 1});
+        fill(*context.prepare(inputs()[1], map.area), map);
+        std::size_t width = area.width();
+        for (int y = area.y0; y < area.y1; ++y, dx += width, dy += width)
+            warp_.displace(map.at(area.x0, y), map.rowStep(), area.width(), dx, dy);
+    }
+
+    std::string name_;
+    MapWarp warp_;
 };
 
 } // namespace
@@ -76,6 +118,12 @@ Image warp(const Image& image, std::shared_ptr<const Warp> warp) {
     if (!image) return nullptr;
     if (image->extent().isEmpty()) return empty();
     return std::make_shared<WarpNode>(image, std::move(warp));
+}
+
+Image warp(std::string name, const Image& image, const Image& map, const MapWarp& warp) {
+    if (!image || !map) return image;
+    if (image->extent().isEmpty()) return empty();
+    return std::make_shared<MapWarpNode>(std::move(name), image, map, warp);
 }
 
 } // namespace engine

@@ -31,6 +31,8 @@ SIMD_INLINE inline int floorInt(float x) {
     int i = static_cast<int>(limited);
     return i - (static_cast<float>(i) > limited);
 }
+/// The nearest whole number, for |x| < 2^51: what adding and subtracting 3 * 2^51 leaves.
+SIMD_INLINE inline double nearest(double x) { return (x + 6755399441055744.0) - 6755399441055744.0; }
 SIMD_INLINE inline float floor(float x) { return static_cast<float>(floorInt(x)); }
 
 /// log2 of a positive normal number to 1e-7 relative, by the series of artanh.
