@@ -37,7 +37,7 @@ if ((${#missing[@]})); then
         die "installing ${missing[*]} failed; the end of $kaz/apt.log:" "$(tail -n 5 "$kaz/apt.log")" \
             "Install them as root:  apt-get install ${missing[*]}"
 else
-    say "1/3 compiler, linker, cmake and ninja are there"
+    say "1/3 the build tools are there"
 fi
 
 # --- the private i386 sysroot --------------------------------------------------------------------
