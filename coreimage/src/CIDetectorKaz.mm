@@ -28,15 +28,18 @@ void initWithType(REALobject self, REALstring type, REALobject context, REALobje
     });
 }
 
-// `find` returns the features in the image.
+// `find` returns the features in the image. The array is made before the image is looked at.
 template <class Find>
 REALarray featuresWith(REALobject image, Find&& find) {
+    REALarray array = REALCreateArray(kREALArrayObject, -1);
     CIImage* native = nativeHandle<CIImage*>(image);
     if (!native) {
         RaiseException(bridge::kNilObject, "image is nil");
+        if (array) REALUnlockObject(&array->object);
         return nullptr;
     }
-    return wrappersResult([&] { return find(native); }, NewCIFeatureKaz);
+    return filledWithWrappers(
+        array, [&] { return find(native); }, NewCIFeatureKaz);
 }
 
 REALarray featuresInImage(REALobject self, REALobject image) {

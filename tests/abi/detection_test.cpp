@@ -113,6 +113,18 @@ TEST_F(Detection, APositionAskedForTwiceGivesTwoPoints) {
     expectClean();
 }
 
+TEST_F(Detection, FeaturesInNilMakeTheirArrayFirstAndGiveItBack) {
+    Value detector = this->detector();
+    host.failService("RuntimeArrayCreateSingleDimBoundedArray");
+    EXPECT_EQ(raisedBy([&] { host.call(detector, "featuresInImage", {Value()}); }),
+              "NilObjectException: image is nil");
+    // The failure was used up: the array had been asked for.
+    Value found = host.call(detector, "featuresInImage", {host.shared("CIImageKaz", "emptyImage")});
+    EXPECT_FALSE(found.isNil());
+    detector = found = {};
+    expectClean();
+}
+
 TEST_F(Detection, FeaturesInNilRaiseAndGiveNil) {
     Value detector = this->detector();
     for (Value nothing : {Value(), host.instantiate("CIImageKaz")}) {

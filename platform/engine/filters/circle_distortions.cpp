@@ -17,6 +17,21 @@ Rect square(Point centre, double radius) {
     return {centre.x - radius, centre.y - radius, centre.x + radius, centre.y + radius};
 }
 
+/// What is shown lies nearer to the centre, by a share of the distance that `share` tells of its square.
+template <class Share>
+void towards(Point centre, int x, int y, int n, float* dx, float* dy, Share share) {
+    float x0 = static_cast<float>(x + 0.5 - centre.x), py = static_cast<float>(y + 0.5 - centre.y);
+    simd::run([=]() SIMD_INLINE {
+        SIMD_LOOP
+        for (int i = 0; i < n; ++i) {
+            float px = x0 + static_cast<float>(i);
+            float nearer = share(px * px + py * py);
+            dx[i] = -nearer * px;
+            dy[i] = -nearer * py;
+        }
+    });
+}
+
 /// Outside of the circle, what is on it is drawn outwards without end.
 class Splash : public Warp {
   public:
@@ -28,17 +43,9 @@ class Splash : public Warp {
     }
     Rect region(const Rect&) const override { return square(centre_, radius_); }
     void displace(int x, int y, int n, float* dx, float* dy) const override {
-        float x0 = static_cast<float>(x + 0.5 - centre_.x), py = static_cast<float>(y + 0.5 - centre_.y);
         float radius = static_cast<float>(radius_);
-        simd::run([=]() SIMD_INLINE {
-            SIMD_LOOP
-            for (int i = 0; i < n; ++i) {
-                float px = x0 + static_cast<float>(i);
-                float nearer = simd::max(1 - radius / simd::sqrt(px * px + py * py), 0);
-                dx[i] = -nearer * px;
-                dy[i] = -nearer * py;
-            }
-        });
+        towards(centre_, x, y, n, dx, dy,
+                [=](float square) SIMD_INLINE { return simd::max(1 - radius / simd::sqrt(square), 0); });
     }
 
   private:
@@ -56,18 +63,10 @@ class Hole : public Warp {
     Rect extent(const Rect& source) const override { return source.grown(radius_, radius_); }
     Rect region(const Rect& area) const override { return area.grown(radius_, radius_); }
     void displace(int x, int y, int n, float* dx, float* dy) const override {
-        float x0 = static_cast<float>(x + 0.5 - centre_.x), py = static_cast<float>(y + 0.5 - centre_.y);
-        float square = static_cast<float>(radius_ * radius_);
-        simd::run([=]() SIMD_INLINE {
-            SIMD_LOOP
-            for (int i = 0; i < n; ++i) {
-                float px = x0 + static_cast<float>(i);
-                // At the rim and inside, the centre.
-                float nearer = simd::min(square / simd::max(px * px + py * py, 1e-6f), 1);
-                dx[i] = -nearer * px;
-                dy[i] = -nearer * py;
-            }
-        });
+        float rim = static_cast<float>(radius_ * radius_);
+        // At the rim and inside, the centre.
+        towards(centre_, x, y, n, dx, dy,
+                [=](float square) SIMD_INLINE { return simd::min(rim / simd::max(square, 1e-6f), 1); });
     }
 
   private:

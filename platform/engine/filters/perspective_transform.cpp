@@ -17,6 +17,13 @@ struct Projection {
         return out;
     }
 
+    /// Where a point goes; behind the horizon, nowhere.
+    std::optional<Point> operator()(Point p) const {
+        double w = m[6] * p.x + m[7] * p.y + m[8];
+        if (!(w > 0)) return {};
+        return Point{(m[0] * p.x + m[1] * p.y + m[2]) / w, (m[3] * p.x + m[4] * p.y + m[5]) / w};
+    }
+
     /// Empty when there is none.
     std::optional<Projection> inverse() const {
         const auto& a = m;
@@ -44,6 +51,14 @@ struct Projection {
     }
 };
 
+/// A place where the picture is transparent.
+Point outside(const Rect& source) { return {source.x0 - 2, source.y0 - 2}; }
+
+void displaceTo(Point from, Point to, float& dx, float& dy) {
+    dx = static_cast<float>(from.x - to.x);
+    dy = static_cast<float>(from.y - to.y);
+}
+
 class Perspective : public Warp {
   public:
     Perspective(const Projection& back, const Rect& source, const Rect& result)
@@ -53,15 +68,13 @@ class Perspective : public Warp {
     Rect extent(const Rect&) const override { return result_; }
     Rect region(const Rect&) const override { return source_; }
     void displace(int x, int y, int n, float* dx, float* dy) const override {
-        const auto& m = back_.m;
-        double py = y + 0.5;
         for (int i = 0; i < n; ++i) {
-            double px = x + i + 0.5, w = m[6] * px + m[7] * py + m[8];
-            Point from{(m[0] * px + m[1] * py + m[2]) / w, (m[3] * px + m[4] * py + m[5]) / w};
-            // Behind the horizon, and far beyond the picture, there is nothing.
-            bool near = w > 0 && source_.grown(2, 2).contains({from.x, from.y, from.x + 1e-9, from.y + 1e-9});
-            dx[i] = static_cast<float>((near ? from.x : source_.x0 - 2) - px);
-            dy[i] = static_cast<float>((near ? from.y : source_.y0 - 2) - py);
+            Point to{x + i + 0.5, y + 0.5};
+            std::optional<Point> from = back_(to);
+            // Far beyond the picture, too, there is nothing.
+            bool near =
+                from && source_.grown(2, 2).contains({from->x, from->y, from->x + 1e-9, from->y + 1e-9});
+            displaceTo(near ? *from : outside(source_), to, dx[i], dy[i]);
         }
     }
 
@@ -79,18 +92,13 @@ class PerspectiveTiles : public Warp {
     Rect extent(const Rect&) const override { return Rect::infinite(); }
     Rect region(const Rect&) const override { return source_; }
     void displace(int x, int y, int n, float* dx, float* dy) const override {
-        const auto& m = back_.m;
-        double py = y + 0.5;
         for (int i = 0; i < n; ++i) {
-            double px = x + i + 0.5, w = m[6] * px + m[7] * py + m[8];
-            // Behind the horizon there is nothing.
-            double fromX = source_.x0 - 2, fromY = source_.y0 - 2;
-            if (w > 0) {
-                fromX = within(source_.x0, source_.x1, (m[0] * px + m[1] * py + m[2]) / w);
-                fromY = within(source_.y0, source_.y1, (m[3] * px + m[4] * py + m[5]) / w);
-            }
-            dx[i] = static_cast<float>(fromX - px);
-            dy[i] = static_cast<float>(fromY - py);
+            Point to{x + i + 0.5, y + 0.5};
+            std::optional<Point> from = back_(to);
+            if (from)
+                from =
+                    Point{within(source_.x0, source_.x1, from->x), within(source_.y0, source_.y1, from->y)};
+            displaceTo(from.value_or(outside(source_)), to, dx[i], dy[i]);
         }
     }
 

@@ -10,13 +10,6 @@ namespace {
 
 constexpr double pi = 3.141592653589793;
 
-Picture inTiles(const Image& image, int x, int y, int w, int h) {
-    setTileSize(13);
-    Picture out = rendered(image, x, y, w, h);
-    setTileSize(0);
-    return out;
-}
-
 double lanczos(double x) {
     auto sinc = [](double v) { return v == 0 ? 1 : std::sin(pi * v) / (pi * v); };
     return std::abs(x) < 3 ? sinc(x) * sinc(x / 3) : 0;

@@ -7,13 +7,6 @@ using namespace reference;
 
 namespace {
 
-Picture inTiles(const Image& image, int x, int y, int w, int h) {
-    setTileSize(19);
-    Picture out = rendered(image, x, y, w, h);
-    setTileSize(0);
-    return out;
-}
-
 /// The mean of weighted readings along a line through each pixel.
 Picture along(const Picture& p, double sigma, double angle, double reach, int grown) {
     return filled(p.x0 - grown, p.y0 - grown, p.width + 2 * grown, p.height + 2 * grown, [&](int x, int y) {
@@ -186,9 +179,7 @@ TEST(Blurs, NeighboursFarAwayAreNotRead) {
     for (const auto& [name, rows] : filters) {
         auto source = std::make_shared<TallSource>();
         Image image = filter(name, {{"inputImage", bitmap(source)}});
-        setTileSize(64);
-        Picture got = rendered(image, 4, 2000, 20, 10);
-        setTileSize(0);
+        Picture got = inTiles(image, 4, 2000, 20, 10, 64);
         EXPECT_GT(source->rows, 0) << name;
         EXPECT_LE(source->rows, rows) << name;
     }

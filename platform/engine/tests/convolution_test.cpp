@@ -9,18 +9,6 @@ namespace {
 
 double luminance(const Pixel& q) { return 0.2126 * q[0] + 0.7152 * q[1] + 0.0722 * q[2]; }
 
-/// The nearest pixel of the picture.
-Pixel clamped(const Picture& p, int x, int y) {
-    return p.get(std::clamp(x, p.x0, p.x0 + p.width - 1), std::clamp(y, p.y0, p.y0 + p.height - 1));
-}
-
-Picture inTiles(const Image& image, int x, int y, int w, int h) {
-    setTileSize(17);
-    Picture out = rendered(image, x, y, w, h);
-    setTileSize(0);
-    return out;
-}
-
 } // namespace
 
 TEST(Convolution, WeightsGoRowByRowFromTheUpperLeft) {

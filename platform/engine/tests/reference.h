@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <random>
@@ -67,6 +68,19 @@ inline Picture rendered(const Image& image, int x0, int y0, int w, int h) {
         for (int c = 0; c < 4; ++c) p[c] = out[4 * (std::size_t(h - 1 - (y - y0)) * w + (x - x0)) + c];
         return p;
     });
+}
+
+/// The same in tiles of that size.
+inline Picture inTiles(const Image& image, int x0, int y0, int w, int h, int size = 13) {
+    setTileSize(size);
+    Picture out = rendered(image, x0, y0, w, h);
+    setTileSize(0);
+    return out;
+}
+
+/// The nearest pixel of the picture.
+inline Pixel clamped(const Picture& p, int x, int y) {
+    return p.get(std::clamp(x, p.x0, p.x0 + p.width - 1), std::clamp(y, p.y0, p.y0 + p.height - 1));
 }
 
 inline double difference(const Picture& a, const Picture& b) {

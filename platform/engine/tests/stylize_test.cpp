@@ -7,17 +7,6 @@ using namespace reference;
 
 namespace {
 
-Pixel clamped(const Picture& p, int x, int y) {
-    return p.get(std::clamp(x, p.x0, p.x0 + p.width - 1), std::clamp(y, p.y0, p.y0 + p.height - 1));
-}
-
-Picture inTiles(const Image& image, int x, int y, int w, int h) {
-    setTileSize(13);
-    Picture out = rendered(image, x, y, w, h);
-    setTileSize(0);
-    return out;
-}
-
 /// Each pixel of the rectangle the mean of the pixels with the same cell.
 Picture means(const Picture& p, int x0, int y0, int w, int h,
               const std::function<std::pair<int, int>(int, int)>& cell) {

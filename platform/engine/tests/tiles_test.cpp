@@ -193,10 +193,7 @@ TEST(Tiles, AreTheSameInTilesAndReadOnlyTheirPiece) {
         if (findFilter(name)->findInput("inputWidth")) values["inputWidth"] = 11.0;
         Image image = filter(name, values);
         Picture whole = rendered(image, -20, -20, 100, 90);
-        setTileSize(16);
-        Picture inTiles = rendered(image, -20, -20, 100, 90);
-        setTileSize(0);
-        EXPECT_LT(difference(whole, inTiles), placeError) << name;
+        EXPECT_LT(difference(whole, inTiles(image, -20, -20, 100, 90, 16)), placeError) << name;
     }
     Image image =
         filter("CIFourfoldRotatedTile",

@@ -68,14 +68,19 @@ REALobject wrappedResult(const WrapperType& type, Make&& make) {
     return guardedInPool([&] { return wrapped(type, make()); });
 }
 
-// The frame of a function that returns an object array: always an array, with the wrappers that `wrap` finds
-// for the objects in the NSArray that `list` returns.
+// Fills an empty object array with the wrappers that `wrap` finds for the objects in the NSArray that `list`
+// returns.
 template <class List>
-REALarray wrappersResult(List&& list, REALobject (*wrap)(id native)) {
+REALarray filledWithWrappers(REALarray array, List&& list, REALobject (*wrap)(id native)) {
     bridge::ensureFamily();
-    REALarray array = REALCreateArray(kREALArrayObject, -1);
     guardedInPool([&] { FillObjectArray(array, list(), wrap); });
     return array;
+}
+
+// The frame of a function that returns such an array: always an array.
+template <class List>
+REALarray wrappersResult(List&& list, REALobject (*wrap)(id native)) {
+    return filledWithWrappers(REALCreateArray(kREALArrayObject, -1), list, wrap);
 }
 
 // The "description" property of every class.
