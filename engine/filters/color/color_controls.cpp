@@ -1,0 +1,30 @@
+#include "registry.h"
+
+namespace engine {
+
+/// Saturation mixes with the luminance of Rec. 709, brightness adds, contrast scales around one half.
+static Image build(const Inputs& in) {
+    double s = in.number("inputSaturation", -1000, 1000), c = in.number("inputContrast", -1000, 1000);
+    double bias = (in.number("inputBrightness", -1000, 1000) - 0.5) * c + 0.5;
+    constexpr double luma[3] = {0.2126, 0.7152, 0.0722};
+    std::array<double, 9> m;
+    for (int i = 0; i < 9; ++i) m[i] = c * ((1 - s) * luma[i % 3] + (i % 4 == 0 ? s : 0));
+    return colorMatrix(in.image("inputImage"), colorsOnly(m, bias));
+}
+
+static const Registrar filter{
+    {"CIColorControls",
+     "Color Controls",
+     "Changes the saturation, brightness and contrast of a picture.",
+     "10.4",
+     categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
+     {imageInput(),
+      numberInput("inputSaturation", "Saturation", "Scalar",
+                  {.value = 1, .identity = 1, .min = 0, .sliderMin = 0, .sliderMax = 2}),
+      numberInput("inputBrightness", "Brightness", "Scalar",
+                  {.value = 0, .identity = 0, .min = -1, .sliderMin = -1, .sliderMax = 1}),
+      numberInput("inputContrast", "Contrast", "Scalar",
+                  {.value = 1, .identity = 1, .min = 0, .sliderMin = 0.25, .sliderMax = 4})},
+     build}};
+
+} // namespace engine

@@ -1,0 +1,18 @@
+#include "registry.h"
+
+namespace engine {
+
+/// 1 - rgb, alpha as it was.
+static Image build(const Inputs& in) {
+    return colorMatrix(in.image("inputImage"), colorsOnly({-1, 0, 0, 0, -1, 0, 0, 0, -1}, 1));
+}
+
+static const Registrar filter{{"CIColorInvert",
+                               "Color Invert",
+                               "Turns a picture into its negative.",
+                               "10.4",
+                               categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
+                               {imageInput()},
+                               build}};
+
+} // namespace engine

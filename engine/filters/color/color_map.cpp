@@ -1,0 +1,92 @@
+#include "registry.h"
+#include "sample.h"
+
+#include <color/vecmath.h>
+
+#include <cmath>
+
+namespace engine {
+
+namespace {
+
+/// Looks the light of each pixel up in the lowest row of a gradient, from its left end for black to its right
+/// one for white. (Core Image does not tell its own formula; light is seen as eyes do, in sRGB's coded form.)
+class ColorMapNode : public Node {
+  public:
+    ColorMapNode(const Image& image, const Image& gradient)
+        : Node(image->extent(), {image, gradient}), row_(toInt(gradient->extent())) {
+        row_.y1 = row_.y0 + 1;
+    }
+
+    std::string name() const override { return "color map"; }
+    Rect regionOfInterest(std::size_t index, const Rect& area) const override {
+        return index == 0 ? area : toRect(row_);
+    }
+    std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
+        Pixels gradient(row_);
+        fill(*context.prepare(inputs()[1], row_), gradient);
+        return std::make_shared<Lookup>(context.prepare(inputs()[0], area), std::move(gradient));
+    }
+
+  private:
+    class Lookup : public Evaluator {
+      public:
+        Lookup(std::shared_ptr<Evaluator> input, Pixels gradient)
+            : input_(std::move(input)), gradient_(std::move(gradient)) {}
+
+        void row(int x, int y, int n, const Span& out) override {
+            namespace simd = color::simd;
+            alignas(32) float place[maxSpan], zero[maxSpan], alpha[maxSpan];
+            input_->row(x, y, n, out);
+            float last = static_cast<float>(gradient_.area.width() - 1);
+            simd::run([=, place = place, zero = zero, alpha = alpha, r = out.plane[0], g = out.plane[1],
+                       b = out.plane[2], a = out.plane[3]]() SIMD_INLINE {
+                SIMD_LOOP
+                for (int i = 0; i < n; ++i) {
+                    float inverse = a[i] > 0 ? 1 / a[i] : 0;
+                    float light = (0.2126f * r[i] + 0.7152f * g[i] + 0.0722f * b[i]) * inverse;
+                    place[i] = last * simd::linearToSrgb(simd::unit(light));
+                    zero[i] = 0;
+                    alpha[i] = a[i];
+                }
+            });
+            sample(gradient_, place, zero, n, out);
+            for (float* p : out.plane)
+                simd::run([=, alpha = alpha]() SIMD_INLINE {
+                    SIMD_LOOP
+                    for (int i = 0; i < n; ++i) p[i] *= alpha[i];
+                });
+        }
+
+      private:
+        std::shared_ptr<Evaluator> input_;
+        Pixels gradient_;
+    };
+
+    IntRect row_;
+};
+
+/// Without a gradient, or with an endless one, the picture stays as it is.
+Image build(const Inputs& in) {
+    Image image = in.image("inputImage"), gradient = in.image("inputGradientImage");
+    if (!image || !gradient || gradient->extent().isEmpty() || gradient->extent().isInfinite()) return image;
+    return std::make_shared<ColorMapNode>(image, gradient);
+}
+
+InputInfo gradientInput() {
+    InputInfo info = imageInput("inputGradientImage", "Gradient Image");
+    info.type = "CIAttributeTypeGradient";
+    return info;
+}
+
+const Registrar filter{{"CIColorMap",
+                        "Color Map",
+                        "Gives a picture the colours of a gradient, by how bright it is.",
+                        "10.4",
+                        categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
+                        {imageInput(), gradientInput()},
+                        build}};
+
+} // namespace
+
+} // namespace engine
