@@ -1,5 +1,5 @@
 // Date: local wall-clock fields.
-#include "framework/table.h"
+#include "table.h"
 
 #include <cmath>
 #include <cstdio>
@@ -80,10 +80,9 @@ REALstring sql(REALobject self, bool time) {
     return makeString(text);
 }
 
-} // namespace
-
 FrameworkClass dateClass() {
     FrameworkClass table = classWithData<Date>("Date");
+    table.variantType = kREALVariantDate;
     table.constructor = +[](REALobject self) {
         new (instanceData(self)) Date();
         std::time_t now = std::time(nullptr);
@@ -138,5 +137,9 @@ FrameworkClass dateClass() {
     };
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{dateClass()}}; });
+
+} // namespace
 
 } // namespace studio

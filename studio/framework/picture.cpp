@@ -1,10 +1,12 @@
+// Picture: the class, its files, and what plugins get of it.
 #include "framework/picture.h"
 
-#include "framework/files.h"
+#include "files.h"
+#include "framework/cfstring.h"
 #include "framework/folderitem.h"
-#include "framework/table.h"
-#include "runtime/cfstring.h"
-#include "runtime/pool.h"
+#include "picture_data.h"
+#include "runtime/autorelease_pool.h"
+#include "table.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
@@ -15,8 +17,6 @@
 #include <cstring>
 
 namespace studio {
-
-REALobject pictureSurface(REALobject picture); // graphics.cpp
 
 Picture& pictureOf(REALobject picture) { return dataOf<Picture>(picture); }
 
@@ -110,7 +110,7 @@ CFURLRef urlOf(const std::string& path) {
 
 void save(REALobject self, REALobject file, std::int32_t format, std::int32_t quality) {
     if (!file) raise("NilObjectException", "file is nil");
-    Pool pool;
+    AutoreleasePool pool;
     const std::string& path = folderItemPath(file);
     Owned<CFURLRef> url(urlOf(path));
     Owned<CFStringRef> type(
@@ -131,7 +131,7 @@ void save(REALobject self, REALobject file, std::int32_t format, std::int32_t qu
 
 REALobject open(REALobject file) {
     if (!file) raise("NilObjectException", "file is nil");
-    Pool pool;
+    AutoreleasePool pool;
     const std::string& path = folderItemPath(file);
     if (!files::exists(path)) raise("IOException", path + " does not exist");
     Owned<CFURLRef> url(urlOf(path));
@@ -223,6 +223,8 @@ void* pictureCGImage(REALobject self) {
     return image;
 }
 
+namespace {
+
 // ---- the class -------------------------------------------------------------------------------------------
 
 FrameworkClass pictureClass() {
@@ -257,5 +259,9 @@ FrameworkClass pictureClass() {
     table.constants = {"SaveAsPNG = 1", "SaveAsJPEG = 2"};
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{pictureClass()}}; });
+
+} // namespace
 
 } // namespace studio

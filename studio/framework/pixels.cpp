@@ -1,4 +1,4 @@
-#include "framework/pixels.h"
+#include "pixels.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 // Functions of text. Each can also be called on its first argument: name.Uppercase, line.Split(",").
-#include "framework/table.h"
 #include "runtime/text.h"
+#include "table.h"
 
 #include <algorithm>
 #include <cmath>
@@ -143,8 +143,6 @@ string formatted(double value, string mask) {
     return result + after;
 }
 
-} // namespace
-
 FrameworkFunctions stringFunctions() {
     return {
         method("Len(s As String) As Integer", [](REALstring s) { return count(text::length(toUtf8(s))); }),
@@ -221,7 +219,7 @@ FrameworkFunctions stringFunctions() {
                [](REALstring s, REALstring separator) {
                    REALobject result = newArray(simpleType(Kind::String));
                    for (const string& field : fields(toUtf8(s), toUtf8(separator)))
-                       arrayInsert(arrayOf(result), arrayOf(result).count, Bits::of(makeString(field)));
+                       arrayAppend(arrayOf(result), Bits::of(makeString(field)));
                    return result;
                }),
         method("Join(parts() As String, separator As String = \" \") As String",
@@ -296,5 +294,9 @@ FrameworkClass encodingsClass() {
                        "MacRoman = 0",      "ISOLatin1 = &h0201", "Unknown = &hFFFF"};
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{encodingsClass()}, stringFunctions()}; });
+
+} // namespace
 
 } // namespace studio

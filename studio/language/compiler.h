@@ -1,10 +1,18 @@
 // Resolves a parsed program: finds what every name means, checks every type, and makes the code that runs.
 #pragma once
 
-#include "language/ast.h"
-#include "language/machine.h"
+#include "language/program.h"
+#include "runtime/class_table.h"
 
 namespace studio {
+
+namespace ast {
+struct ClassDeclaration;
+struct Program;
+struct Routine;
+struct Statement;
+struct Variable;
+} // namespace ast
 
 // A resolved expression.
 struct Operand {
@@ -110,14 +118,14 @@ class Compiler {
                                std::string_view name, Position position);
 
     // ---- operators.cpp ----------------------------------------------------------------------------------
-    Operand unary(const ast::Expr& e);
+    Operand unary(const std::string& operation, Operand a, Position position);
     Operand binary(const std::string& operation, Operand a, Operand b, Position position);
     Operand arithmetic(const std::string& operation, Operand a, Operand b, Position position);
     Operand comparison(const std::string& operation, Operand a, Operand b, Position position);
     Operand logical(const std::string& operation, Operand a, Operand b, Position position);
 
     // ---- statements.cpp ---------------------------------------------------------------------------------
-    Action block(const ast::Block& statements);
+    Action block(const std::vector<std::unique_ptr<ast::Statement>>& statements);
     Action statement(const ast::Statement& s);
     Action dim(const ast::Statement& s);
     Action declare(const ast::Variable& v);

@@ -1,6 +1,10 @@
 // Classes, routines and globals of a program, and the names in scope.
-#include "language/compiler.h"
-#include "language/parser.h"
+#include "compiler.h"
+#include "runtime/arrays.h"
+#include "runtime/references.h"
+#include "syntax/ast.h"
+#include "syntax/names.h"
+#include "syntax/parser.h"
 
 #include <algorithm>
 

@@ -1,6 +1,12 @@
 // Statements.
-#include "framework/timer.h"
-#include "language/compiler.h"
+#include "compiler.h"
+#include "runtime/arrays.h"
+#include "runtime/exceptions.h"
+#include "runtime/objects.h"
+#include "runtime/references.h"
+#include "runtime/variants.h"
+#include "syntax/ast.h"
+#include "syntax/names.h"
 
 #include <algorithm>
 
@@ -287,35 +293,23 @@ bool leaves(Flow& flow, const Frame& frame, int id) {
 }
 
 template <class T>
-T& as(Bits& bits) {
-    if constexpr (std::is_same_v<T, std::int32_t>)
-        return bits.i32;
-    else if constexpr (std::is_same_v<T, std::int64_t>)
-        return bits.i64;
-    else if constexpr (std::is_same_v<T, float>)
-        return bits.f32;
-    else
-        return bits.f64;
-}
-
-template <class T>
 Action countingLoop(std::function<Bits*(Frame&)> variable, Code first, Code last, Code step, bool down,
                     Action body, int id) {
     return [=](Frame& f) {
         Bits start = first(f), end = last(f), by = step(f);
-        T limit = as<T>(end), increment = as<T>(by);
+        T limit = end.as<T>(), increment = by.as<T>();
         Bits* counter = variable(f);
-        as<T>(*counter) = as<T>(start);
+        counter->as<T>() = start.as<T>();
         Flow flow = Flow::Next;
-        while (down ? as<T>(*counter) >= limit : as<T>(*counter) <= limit) {
+        while (down ? counter->as<T>() >= limit : counter->as<T>() <= limit) {
             flow = body(f);
             if (leaves(flow, f, id)) break;
             if constexpr (std::is_integral_v<T>) {
                 T next;
-                if (__builtin_add_overflow(as<T>(*counter), increment, &next)) break;
-                as<T>(*counter) = next;
+                if (__builtin_add_overflow(counter->as<T>(), increment, &next)) break;
+                counter->as<T>() = next;
             } else {
-                as<T>(*counter) += increment;
+                counter->as<T>() += increment;
             }
         }
         return flow;

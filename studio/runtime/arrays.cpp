@@ -1,6 +1,10 @@
-// Arrays: elements side by side in their own sizes, as plugins read them.
-#include "runtime/runtime.h"
+#include "runtime/arrays.h"
+
+#include "runtime/exceptions.h"
+#include "runtime/references.h"
+#include "runtime/strings.h"
 #include "runtime/text.h"
+#include "runtime/variants.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -121,6 +125,8 @@ void arrayInsert(ArrayObject& array, std::int32_t index, Bits value) {
     store(array, index, value);
     showStorage(array);
 }
+
+void arrayAppend(ArrayObject& array, Bits value) { arrayInsert(array, array.count, value); }
 
 void arrayRemove(ArrayObject& array, std::int32_t index) {
     checkBounds(array, index);

@@ -1,6 +1,10 @@
-// Calls by declaration: from the host into C functions, and from plugins into the host's own methods.
-#include "runtime/pool.h"
-#include "runtime/runtime.h"
+#include "runtime/calls.h"
+
+#include "runtime/arrays.h"
+#include "runtime/autorelease_pool.h"
+#include "runtime/exceptions.h"
+#include "runtime/references.h"
+#include "runtime/variants.h"
 
 #include <ffi.h>
 
@@ -131,7 +135,7 @@ Bits callFunction(const CallPlan& plan, void* function, REALobject self, const B
 // Around each call into a plugin: its name for messages, and a pool for what it autoreleases.
 struct PluginCall {
     Heap::CallScope scope;
-    std::optional<Pool> pool;
+    std::optional<AutoreleasePool> pool;
 
     explicit PluginCall(std::string_view name) : scope(heap(), name) {
         if (heap().callDepth() == 1) pool.emplace();
@@ -256,11 +260,7 @@ void writeProperty(const Property& property, REALobject self, Bits value) {
         release(property.type, value);
         return;
     }
-    struct Released {
-        const Type* type;
-        Bits bits;
-        ~Released() { release(type, bits); }
-    } released{property.type, value};
+    Held released(property.type, value);
     Bits arguments[2] = {Bits::of(property.parameter), value};
     std::string name = property.owner->name + "." + property.name;
     {
@@ -297,7 +297,7 @@ void serveClosure(ffi_cif*, void* result, void** values, void* user) {
         if (plan.result && plan.result->kind == Kind::String) heap().handOut(bits.string);
         if (plan.result && plan.result->isObject()) heap().handOut(bits.object);
     } catch (const Raised& raised) {
-        record(raised);
+        leavePending(raised);
         bits = Bits();
     }
     if (!plan.result) return;

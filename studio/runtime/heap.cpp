@@ -1,5 +1,8 @@
 #include "runtime/heap.h"
 
+#include "runtime/objects.h"
+#include "syntax/names.h"
+
 #include <dlfcn.h>
 
 #include <algorithm>
@@ -92,7 +95,6 @@ void Heap::destroy(REALobject object) {
     head.flags |= ObjectHeader::kDying;
     std::int32_t size = head.cls->instanceSize;
     std::string name = head.cls->name;
-    void finalizeInstance(REALobject); // objects.cpp: runs the destructors, subclass first
     finalizeInstance(object);
     if (head.hostReferences + head.pluginReferences > 0)
         violation(name + " was locked by its own destructor and is gone nevertheless");

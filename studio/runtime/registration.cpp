@@ -1,5 +1,8 @@
-// Plugins' records into the class model, in the layout that the plugin said it uses.
+// Plugins announce the layout of their records, and it is read accordingly.
+#include "runtime/registration.h"
+
 #include "runtime/runtime.h"
+#include "syntax/source_error.h"
 
 #include <cstring>
 

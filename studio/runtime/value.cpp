@@ -1,6 +1,11 @@
-#include <studio/value.h>
+#include "runtime/value.h"
 
-#include "runtime/runtime.h"
+#include "runtime/arrays.h"
+#include "runtime/objects.h"
+#include "runtime/references.h"
+#include "runtime/strings.h"
+#include "runtime/variants.h"
+#include "syntax/names.h"
 
 namespace studio {
 

@@ -1,0 +1,135 @@
+// The strict host: leaks and misuse are found, and named.
+#include "test_plugin.h"
+
+#include <studio/host.h>
+
+#include <gtest/gtest.h>
+
+using namespace studio;
+
+namespace service = host::service;
+
+static bool mentions(const Report& report, const std::string& text) {
+    return report.text().find(text) != std::string::npos;
+}
+
+TEST(Audit, NamesWhatAPluginLeaks) {
+    Host host;
+    host.loadPlugin(testPlugin12);
+    {
+        Value counter = host.create("CounterTest");
+        host.call(counter, "Leak");
+    }
+    Report report = host.report();
+    EXPECT_EQ(report.alive("CounterTest"), 1);
+    ASSERT_EQ(report.leaks.size(), 1u);
+    EXPECT_EQ(report.leaks[0].hostReferences, 0);
+    EXPECT_EQ(report.leaks[0].pluginReferences, 1);
+    EXPECT_TRUE(mentions(report, "leaked: 1 CounterTest")) << report.text();
+}
+
+TEST(Audit, CatchesAnOverReleaseAtItsCall) {
+    Host host;
+    host.loadPlugin(testPlugin12);
+    Value counter = host.create("CounterTest"), other = host.create("Dictionary");
+    EXPECT_TRUE(host.report().violations.empty());
+    host.call(counter, "OverRelease", {other});
+    Report report = host.report();
+    ASSERT_EQ(report.violations.size(), 1u);
+    EXPECT_TRUE(mentions(report, "Dictionary given back")) << report.text();
+    EXPECT_TRUE(mentions(report, "CounterTest.OverRelease")) << report.text();
+    EXPECT_EQ(host.get(other, "Count").integer(), 0); // and the object lives on
+}
+
+TEST(Audit, CatchesAResultWithoutItsReference) {
+    Host host;
+    host.loadPlugin(testPlugin12);
+    Value counter = host.create("CounterTest");
+    EXPECT_EQ(host.call(counter, "Itself").object(), counter.object());
+    EXPECT_TRUE(host.report().violations.empty());
+    EXPECT_EQ(host.call(counter, "ItselfUnlocked").object(), counter.object());
+    EXPECT_TRUE(mentions(host.report(), "comes without the reference")) << host.report().text();
+}
+
+TEST(Audit, CatchesUseAfterTheEnd) {
+    Host host;
+    auto lock = reinterpret_cast<service::REALLockObject>(host.resolver()("REALLockObject"));
+    auto isa = reinterpret_cast<service::RuntimeObjectIsa>(host.resolver()("RuntimeObjectIsa"));
+    auto type = reinterpret_cast<service::pluginObjectType>(host.resolver()("pluginObjectType"));
+    Value dictionary = host.create("Dictionary");
+    REALobject handle = dictionary.object();
+    EXPECT_TRUE(isa(handle, type("Dictionary")));
+    dictionary = {};
+    lock(handle);
+    EXPECT_TRUE(mentions(host.report(), "Dictionary that is already freed")) << host.report().text();
+    EXPECT_FALSE(isa(handle, type("Dictionary")));
+    EXPECT_EQ(host.report().violations.size(), 2u);
+}
+
+TEST(Audit, CatchesHandlesOfTheWrongKind) {
+    Host host;
+    auto size = reinterpret_cast<service::memoryBlockGetSize>(host.resolver()("memoryBlockGetSize"));
+    auto bound = reinterpret_cast<service::RuntimeUBound>(host.resolver()("RuntimeUBound"));
+    auto lockString = reinterpret_cast<service::REALLockString>(host.resolver()("REALLockString"));
+    Value dictionary = host.create("Dictionary");
+    EXPECT_EQ(size(reinterpret_cast<REALmemoryBlock>(dictionary.object())), -1);
+    EXPECT_TRUE(mentions(host.report(), "a Dictionary is no MemoryBlock")) << host.report().text();
+    bound(reinterpret_cast<REALarray>(dictionary.object()));
+    EXPECT_TRUE(mentions(host.report(), "a Dictionary is no array")) << host.report().text();
+    lockString(reinterpret_cast<REALstring>(dictionary.object()));
+    EXPECT_TRUE(mentions(host.report(), "an object where a string is expected")) << host.report().text();
+    int local = 0;
+    lockString(reinterpret_cast<REALstring>(&local));
+    EXPECT_EQ(host.report().violations.size(), 4u);
+}
+
+TEST(Audit, CountsStrings) {
+    Host host;
+    auto build = reinterpret_cast<service::REALBuildString>(host.resolver()("REALBuildString"));
+    auto unlock = reinterpret_cast<service::REALUnlockString>(host.resolver()("REALUnlockString"));
+    REALstring text = build("abc", 3);
+    EXPECT_EQ(host.report().alive("String"), 1);
+    unlock(text);
+    EXPECT_TRUE(host.report().clean());
+    unlock(text);
+    EXPECT_TRUE(mentions(host.report(), "string \"abc\" that is already freed")) << host.report().text();
+    EXPECT_FALSE(build("", 0)); // the empty string is null
+}
+
+TEST(Audit, AStandardSetterIsAPlainStore) {
+    Host host;
+    host.loadPlugin(testPlugin12);
+    Value a = host.create("CounterTest"), b = host.create("CounterTest");
+    host.set(a, "Companion", b);
+    EXPECT_EQ(host.get(a, "Companion").object(), b.object()); // locked for its reader
+    b = {};
+    // The field counted nothing: b is gone, and reading the field now is caught.
+    EXPECT_EQ(host.report().alive("CounterTest"), 1);
+    EXPECT_TRUE(host.get(a, "Companion").isNil());
+    EXPECT_TRUE(mentions(host.report(), "already freed"));
+}
+
+TEST(Audit, AWronglyUnlockedDescriptionIsCaught) {
+    Host host;
+    auto unlock =
+        reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
+    Value picture = host.create("Picture", {2, 2, 32});
+    unlock(reinterpret_cast<REALpicture>(picture.object()));
+    EXPECT_TRUE(mentions(host.report(), "is not locked")) << host.report().text();
+}
+
+TEST(Audit, CountsStringData) {
+    Host host;
+    auto getData = reinterpret_cast<service::PluginGetStringData>(host.resolver()("PluginGetStringData"));
+    auto dispose =
+        reinterpret_cast<service::PluginDisposeStringData>(host.resolver()("PluginDisposeStringData"));
+    Value text("abc");
+    REALstringData data;
+    ASSERT_TRUE(getData(text.stringHandle(), kREALTextEncodingUTF8, &data));
+    EXPECT_EQ(host.report().alive("string data"), 1);
+    REALstringData copy = data;
+    dispose(&data);
+    EXPECT_EQ(host.report().alive("string data"), 0);
+    dispose(&copy);
+    EXPECT_TRUE(mentions(host.report(), "do not come from")) << host.report().text();
+}
