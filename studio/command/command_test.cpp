@@ -97,12 +97,12 @@ TEST_F(Command, RunsTests) {
     EXPECT_EQ(run.code, 1);
     EXPECT_NE(run.output.find("ok   TestGood\nok   TestFreshState\n"
                               "FAIL TestBad: p.rbs:10: letters: expected \"a\", found \"A\"\n"
-                              "FAIL TestLeak: p.rbs: not everything was given back\nleaked: 1 Dictionary"),
+                              "FAIL TestLeak: p.rbs: not everything was released\nleaked: 1 Dictionary"),
               std::string::npos)
         << run.output;
     EXPECT_NE(run.output.find("2 passed, 2 failed\n"), std::string::npos) << run.output;
     EXPECT_EQ(program("Sub TestA()\nEnd Sub\nSub TestB()\n  Fail \"x\"\nEnd Sub", "--test", "TestA").code, 0);
-    EXPECT_EQ(program("Print 1", "--test").code, 1); // no test is no success
+    EXPECT_EQ(program("Print 1", "--test").code, 1); // running no test is not a success
 }
 
 TEST_F(Command, ExplainsItself) {

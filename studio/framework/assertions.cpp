@@ -18,7 +18,7 @@ std::string quoted(REALobject value) {
 
 void assertEqual(REALobject expected, REALobject actual, REALstring what) {
     bool equal = variantsEqual(expected, actual);
-    // Texts are compared to the letter here; the language's own comparison ignores case.
+    // The language's own comparison ignores case, an assertion does not.
     if (equal && variantType(expected) == kREALVariantString) equal = display(expected) == display(actual);
     if (!equal) failed("expected " + quoted(expected) + ", found " + quoted(actual), what);
 }

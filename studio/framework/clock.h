@@ -1,4 +1,4 @@
-// The clock behind Microseconds and Timer: it only ever goes forward.
+// The clock behind Microseconds and Timer, which never goes back.
 #pragma once
 
 #include <ctime>

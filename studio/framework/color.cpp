@@ -1,4 +1,4 @@
-// Colours: 32 bits, alpha on top (255 is opaque here; the language counts transparency, 0 is opaque).
+// Colours: 32 bits, alpha on top (here 255 is opaque; the language counts transparency, so 0 is opaque).
 #include "table.h"
 
 #include <algorithm>

@@ -9,8 +9,8 @@ namespace studio {
 
 namespace {
 
-// Fields are kept as they were set and brought into range when they are read, so that Year, Month and Day can
-// be set one after the other.
+// Fields are stored as they are set and brought into range when they are read, so that Year, Month and Day
+// can be set one after the other.
 struct Date {
     std::int32_t year = 0, month = 1, day = 1, hour = 0, minute = 0, second = 0;
     double gmtOffset = 0; // hours

@@ -1,4 +1,4 @@
-// Dictionary: variants by variants, in the order they came. Strings are the same key whatever their case.
+// Dictionary: variants by variants, in the order of insertion. Keys that are strings ignore case.
 #include "runtime/text.h"
 #include "table.h"
 

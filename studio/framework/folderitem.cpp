@@ -35,7 +35,7 @@ std::vector<std::string> contents(const std::string& folder) {
     return result;
 }
 
-REALobject itemAt(REALobject self, std::int32_t index) { // the first is number 1
+REALobject itemAt(REALobject self, std::int32_t index) { // counts from 1
     std::vector<std::string> all = contents(path(self));
     if (index < 1 || std::size_t(index) > all.size())
         raise("OutOfBoundsException", "the folder has no item " + std::to_string(index));

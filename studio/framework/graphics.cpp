@@ -7,7 +7,7 @@ namespace studio {
 
 namespace {
 
-// Both only name their picture, and keep it.
+// Both are just a reference to their picture.
 struct View {
     REALobject picture = nullptr;
 };

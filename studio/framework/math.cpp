@@ -1,4 +1,4 @@
-// Numbers, and Random.
+// Functions of numbers, and Random.
 #include "table.h"
 
 #include <algorithm>

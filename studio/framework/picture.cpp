@@ -1,4 +1,4 @@
-// Picture: the class, its files, and what plugins get of it.
+// Picture: the class, its files, and its faces for plugins.
 #include "framework/picture.h"
 
 #include "files.h"
@@ -22,7 +22,7 @@ Picture& pictureOf(REALobject picture) { return dataOf<Picture>(picture); }
 
 namespace {
 
-// A Core Foundation reference that is given back.
+// Releases a Core Foundation reference at the end of a scope; null is ignored.
 template <class T>
 struct Owned {
     T ref;
@@ -53,7 +53,7 @@ bool prepare(Picture& picture, std::int32_t width, std::int32_t height, std::int
 }
 
 void construct(REALobject self, std::int32_t width, std::int32_t height, std::int32_t depth) {
-    if (width < 1 || height < 1) raise("InvalidArgumentException", "a Picture is at least 1 by 1 pixel");
+    if (width < 1 || height < 1) raise("InvalidArgumentException", "a Picture must be at least 1 by 1 pixel");
     if (!prepare(pictureOf(self), width, height, depth))
         raise("OutOfMemoryException", "There is no memory for the Picture.");
 }
@@ -69,7 +69,7 @@ CGContextRef contextOf(Picture& picture) {
     return static_cast<CGContextRef>(picture.context);
 }
 
-// Null when the picture is larger than QuickDraw's coordinates reach.
+// Null when the picture is too large for QuickDraw's coordinates.
 GWorldPtr worldOf(Picture& picture) {
     Pixels& p = picture.pixels;
     if (!picture.world && p.width <= INT16_MAX && p.height <= INT16_MAX) {
@@ -137,7 +137,7 @@ REALobject open(REALobject file) {
     Owned<CFURLRef> url(urlOf(path));
     Owned<CGImageSourceRef> source(url.ref ? CGImageSourceCreateWithURL(url, nullptr) : nullptr);
     CGImageRef image = source.ref ? CGImageSourceCreateImageAtIndex(source, 0, nullptr) : nullptr;
-    if (!image) raise("IOException", path + " is no picture that can be read");
+    if (!image) raise("IOException", path + " does not hold a readable picture");
     CGImageAlphaInfo alpha = CGImageGetAlphaInfo(image);
     bool opaque = alpha == kCGImageAlphaNone || alpha == kCGImageAlphaNoneSkipFirst ||
                   alpha == kCGImageAlphaNoneSkipLast;
@@ -182,7 +182,7 @@ bool describePicture(REALobject self, REALpictureDescription* out, std::int32_t 
     if (picture.pixels.width > 0 && kind == kREALPictureCGContext) out->handle = contextOf(picture);
     if (picture.pixels.width > 0 && kind == kREALPicturePixelBuffer) out->handle = bufferOf(picture);
     if (!out->handle) {
-        // Hosts before 2012.0 want even a lock that failed undone.
+        // Hosts before 2012.0 expect an unlock even after a lock that failed.
         if (runtime().version() < 2012.0) ++picture.descriptions;
         return false;
     }
@@ -198,8 +198,7 @@ void undescribePicture(REALobject self) {
         --picture.descriptions;
 }
 
-// Nothing is cached: the pixels are the picture. A picture that is changed must not be locked for reading
-// still.
+// Nothing to clear: the pixels are the picture. Drawing that is still pending is finished.
 void pictureChanged(REALobject self) {
     if (void* context = pictureOf(self).context) CGContextFlush(static_cast<CGContextRef>(context));
 }
@@ -232,7 +231,7 @@ FrameworkClass pictureClass() {
     table.destructor = +[](REALobject self) {
         Picture& picture = pictureOf(self);
         if (picture.descriptions > 0)
-            heap().remark("a Picture is gone with its description locked " +
+            heap().remark("a Picture was destroyed with its description locked " +
                           std::to_string(picture.descriptions) + " times");
         if (picture.context) CGContextRelease(static_cast<CGContextRef>(picture.context));
         DisposeGWorld(picture.world);

@@ -96,8 +96,9 @@ string inBase(std::uint64_t value, unsigned base) {
     return result;
 }
 
-// Masks: 0 a digit always, # a digit where there is one, a point, a comma for thousands, %, + and - for the
-// sign, anything else as it is; parts for negative and zero values after semicolons.
+// Masks: "0" is always a digit and "#" one where the number has it, "." is the point, "," groups thousands,
+// "%" multiplies by 100, "+" shows the sign of positive numbers, too, and anything else is literal.
+// Semicolons separate parts for negative and zero values.
 string formatted(double value, string mask) {
     std::vector<string> parts = fields(mask, ";");
     if (parts.size() > 1 && value < 0) {
@@ -281,7 +282,7 @@ FrameworkFunctions stringFunctions() {
                [](REALstring s, std::int32_t encoding) {
                    auto bytes = text::fromUtf8(toUtf8(s), std::uint32_t(encoding));
                    if (!bytes)
-                       raise("InvalidArgumentException", "this text cannot be written in that encoding");
+                       raise("InvalidArgumentException", "this text cannot be expressed in that encoding");
                    return heap().newString(*bytes, std::uint32_t(encoding));
                }),
     };

@@ -10,9 +10,11 @@ namespace studio {
 
 namespace {
 
-std::vector<FrameworkPart (*)()>& parts() {
-    static std::vector<FrameworkPart (*)()>
-        all; // in here, as Registrars run before main in no particular order
+using Part = FrameworkPart (*)();
+
+// Local to a function, because Registrars run before main in no particular order.
+std::vector<Part>& parts() {
+    static std::vector<Part> all;
     return all;
 }
 
@@ -95,7 +97,7 @@ void define(ClassTable& classes, const FrameworkClass& table) {
     if (table.atYield) runtime().yieldHooks.push_back(table.atYield);
 }
 
-// Defines the superclass first, if it is still among the tables.
+// Defines the class, but first its superclass if that is still among the tables.
 void defineNext(ClassTable& classes, std::map<std::string_view, FrameworkClass>& tables,
                 std::string_view name) {
     auto next = tables.extract(name);
@@ -106,13 +108,13 @@ void defineNext(ClassTable& classes, std::map<std::string_view, FrameworkClass>&
 
 } // namespace
 
-Registrar::Registrar(FrameworkPart (*part)()) { parts().push_back(part); }
+Registrar::Registrar(Part part) { parts().push_back(part); }
 
-// By name, so that the order does not depend on that of the Registrars.
+// Sorted by name, so that the result does not depend on the order of the Registrars.
 void defineFramework(ClassTable& classes) {
     std::map<std::string_view, FrameworkClass> tables;
     FrameworkFunctions functions;
-    for (auto* part : parts()) {
+    for (Part part : parts()) {
         FrameworkPart added = part();
         for (FrameworkClass& table : added.classes) tables.emplace(table.name, std::move(table));
         functions.insert(functions.end(), added.functions.begin(), added.functions.end());

@@ -21,7 +21,7 @@ enum { kOff = 0, kSingle = 1, kMultiple = 2 };
 Timer& timer(REALobject self) { return dataOf<Timer>(self); }
 void restart(REALobject self) { timer(self).due = microseconds() + timer(self).period * 1000.0; }
 
-// A subclass's own Action, or the Sub that AddHandler named.
+// Calls a subclass's own Action, or else the Sub given to AddHandler.
 void fire(REALobject self) {
     for (const Method* m : classOf(self).methodsNamed("Action"))
         if (m->routine && m->signature.parameters.empty()) {
@@ -34,11 +34,11 @@ void fire(REALobject self) {
     }
 }
 
-// Those of the running host. Not counted: a timer leaves when it goes.
+// The running host's. They hold no reference: a timer's destructor takes it out.
 std::vector<REALobject> timers;
 
 void fireDue() {
-    // Handlers may start and drop timers: each that is due is held until all have fired.
+    // Handlers may start and drop timers, so each that is due is held until all have fired.
     std::vector<ObjectRef> due;
     double now = microseconds();
     for (REALobject t : timers)
@@ -52,7 +52,7 @@ void fireDue() {
 }
 
 FrameworkClass timerClass() {
-    timers.clear(); // an earlier host may have left some
+    timers.clear(); // an earlier host may have left some behind
     FrameworkClass table = classWithData<Timer>("Timer");
     table.constructor = +[](REALobject self) {
         new (instanceData(self)) Timer();

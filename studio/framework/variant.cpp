@@ -1,4 +1,4 @@
-// Variant: the properties that any object answers when it is looked at as a variant.
+// Variant: the properties that every value has when it is treated as a variant.
 #include "table.h"
 
 namespace studio {

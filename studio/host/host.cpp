@@ -65,7 +65,7 @@ void Host::loadPlugin(const std::string& path) {
     void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL);
     if (!library) throw UsageError(std::string("cannot load the plugin: ") + dlerror());
     auto entry = reinterpret_cast<PluginEntry>(dlsym(library, "REALPluginMain"));
-    if (!entry) throw UsageError(path + " is no plugin: it has no REALPluginMain");
+    if (!entry) throw UsageError(path + " is not a plugin: it has no REALPluginMain");
     loadPlugin(entry);
 }
 
@@ -96,7 +96,7 @@ std::vector<const Method*> Host::pluginFunctions() const {
 
 namespace {
 
-// What a body throws in the language's terms, thrown in C++'s.
+// Translates exceptions of the language into those for C++.
 template <class Body>
 auto translated(Body body) {
     try {

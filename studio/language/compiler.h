@@ -1,4 +1,4 @@
-// Resolves a parsed program: finds what every name means, checks every type, and makes the code that runs.
+// Compiles a parsed program: resolves every name, checks every type and makes the code that runs.
 #pragma once
 
 #include "language/program.h"
@@ -19,7 +19,7 @@ struct Operand {
     const Type* type;
     Code code;
     Position position;
-    std::optional<Literal> constant = {}; // a literal, or what was made of literals
+    std::optional<Literal> constant = {}; // a literal, or an expression of literals
 };
 
 // Something that can be assigned to.
@@ -65,7 +65,7 @@ class Compiler {
     // ---- names ------------------------------------------------------------------------------------------
     Local* findVariable(std::string_view name);
     const Field* findField(const Class* cls, std::string_view name) const;
-    Class* findClass(const ast::Expr& e) const; // a class that is named and not hidden by a variable
+    Class* findClass(const ast::Expr& e) const; // the class named by `e`, unless a variable hides it
     int newSlot() { return slotCount_++; }
     Local& declareLocal(const std::string& name, Position position, const Type* type);
     [[noreturn]] void unknown(Position position, const std::string& what, std::string_view name,
@@ -100,7 +100,7 @@ class Compiler {
     // Calls.
     struct PreparedArguments {
         std::vector<Operand> operands;
-        std::vector<Place> places; // those by reference; empty store for the rest
+        std::vector<Place> places; // of arguments by reference; the others have no store
     };
     Operand invokeMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
                          const std::vector<const ast::Expr*>& arguments, std::string_view name,
@@ -147,7 +147,7 @@ class Compiler {
         std::map<std::string, Local> names;
         std::vector<std::pair<int, const Type*>> counted; // slots to release at the end
     };
-    // A scope around what a body declares.
+    // Opens a scope for the body's declarations.
     Action scoped(const std::function<Action()>& body);
 
     Program& program_;

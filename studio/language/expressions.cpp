@@ -91,7 +91,7 @@ Operand Compiler::expression(const ast::Expr& e) {
     case ExprKind::New:
         return create(e);
     case ExprKind::AddressOf:
-        throw SourceError(e.position, "'AddressOf' belongs into an AddHandler line");
+        throw SourceError(e.position, "'AddressOf' belongs in an AddHandler line");
     }
     throw SourceError(e.position, "expected an expression");
 }
@@ -149,7 +149,7 @@ Operand Compiler::cast(const Type* type, const ast::Expr& e) {
             [code = operand.code, cls = type->cls](Frame& f) {
                 ObjectRef object(code(f).object);
                 if (object && (isArray(object) || !classOf(object).isA(cls)))
-                    raise("IllegalCastException", "a " + classNameOf(object) + " is no " + cls->name);
+                    raise("IllegalCastException", "a " + classNameOf(object) + " is not a " + cls->name);
                 return Bits::of(object.release());
             },
             e.position};
@@ -373,7 +373,7 @@ Operand Compiler::arrayMember(Operand base, const ast::Expr& e,
     }
     if (which == "Sort") {
         if (!element->isNumber() && element->kind != Kind::String)
-            throw SourceError(e.position, "only numbers and strings have an order to sort by");
+            throw SourceError(e.position, "only numbers and strings can be sorted");
         return {nothing(),
                 [array](Frame& f) {
                     ObjectRef object(array(f).object);
@@ -433,7 +433,8 @@ Code arrayOfElements(const Type* element, std::vector<Code> codes) {
 
 // Array(a, b, c): the elements' common type.
 Operand Compiler::arrayLiteral(const ast::Expr& e) {
-    if (e.arguments.empty()) throw SourceError(e.position, "Array(...) needs an element to know its type");
+    if (e.arguments.empty())
+        throw SourceError(e.position, "Array(...) needs at least one element to have a type");
     std::vector<Operand> elements;
     for (const ast::ExprPtr& argument : e.arguments) elements.push_back(value(*argument));
     const Type* element = elements[0].type;
@@ -605,7 +606,7 @@ Operand Compiler::emitCall(const Method& method, std::optional<Operand> self, Pr
                 position};
     }
     if (!(setter ? method.setter : method.function))
-        throw SourceError(position, method.fullName() + " has no function behind it");
+        throw SourceError(position, method.fullName() + " has no function to call");
     return {result,
             [=](Frame& f) {
                 ObjectRef object(selfCode ? selfCode(f).object : nullptr);
@@ -632,7 +633,7 @@ Operand Compiler::create(const ast::Expr& e) {
     if (constructors.empty())
         throw SourceError(e.position, cls->name + " has no Constructor, so New takes no arguments");
 
-    // The new object waits in a slot while its Constructor runs.
+    // A slot holds the new object while its Constructor runs.
     int slot = newSlot();
     Operand waiting{type, [slot](Frame& f) { return Bits::of(Heap::retain(f.slots[slot].object)); },
                     e.position};
@@ -640,8 +641,8 @@ Operand Compiler::create(const ast::Expr& e) {
         invokeMethod(constructors, waiting, pointers(e.arguments), "New " + cls->name, e.position, false);
     return {type,
             [cls, slot, code = construct.code](Frame& f) {
-                ObjectRef outer(
-                    std::exchange(f.slots[slot].object, newInstance(*cls))); // nested in its own arguments
+                ObjectRef outer(std::exchange(
+                    f.slots[slot].object, newInstance(*cls))); // this New may be nested in its own arguments
                 try {
                     code(f);
                 } catch (...) {

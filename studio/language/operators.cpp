@@ -1,4 +1,4 @@
-// What the operators mean for each pair of types.
+// The meaning of each operator for each pair of types.
 #include "compiler.h"
 #include "runtime/arrays.h"
 #include "runtime/exceptions.h"
@@ -20,7 +20,7 @@ Code combine(const Operand& a, const Operand& b, F f) {
     };
 }
 
-// For counted operands: both are held until the result is there.
+// For counted operands: both are held until there is a result.
 template <class F>
 Code combineCounted(const Operand& a, const Operand& b, F f) {
     return [x = a.code, y = b.code, t = a.type, u = b.type, f](Frame& frame) {
@@ -36,7 +36,7 @@ Code typed(const Operand& a, const Operand& b, F f) {
     return combine(a, b, [f](Bits x, Bits y) { return Bits::of(T(f(x.as<T>(), y.as<T>()))); });
 }
 
-// Integers wrap around, which signed arithmetic must not do by itself.
+// Integers wrap around. Signed overflow is undefined in C++, so the arithmetic is unsigned.
 template <class T>
 Code arithmeticCode(const std::string& op, const Operand& a, const Operand& b) {
     using U = std::conditional_t<std::is_same_v<T, std::int32_t>, std::uint32_t,

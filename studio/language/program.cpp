@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kNativeStackBytes = 5u << 20;
 
-// How deep the native stack is, from the first call on.
+// Measures the depth of the native stack from the first call.
 bool nativeStackIsUsedUp() {
     static const char* base = nullptr;
     char here;
@@ -101,7 +101,7 @@ Bits Program::call(const Routine& routine, REALobject self, Bits* arguments) {
     std::fill(frame.slots + given, frame.slots + count, Bits());
     try {
         routine.body(frame);
-    } catch (...) { // a Finally that throws leaves a result behind
+    } catch (...) { // a Finally that throws may leave a result behind
         if (routine.method && routine.method->signature.result)
             release(routine.method->signature.result, frame.result);
         throw;

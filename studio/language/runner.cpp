@@ -40,7 +40,7 @@ Outcome outcomeOf(Body body) {
     Outcome result;
     try {
         body();
-        throwPending(); // of a destructor that ran last
+        throwPending(); // from a destructor that ran last
     } catch (const Raised& raised) {
         REALobject exception = raised.exception.object();
         bool assertion = isA(exception, "AssertionFailed");
@@ -118,7 +118,7 @@ int runTests(const std::string& fileName, std::string_view source, const TestSel
         } else if (outcome.quit) {
             std::printf("FAIL %s: %s: the test quit\n", name.c_str(), fileName.c_str());
         } else if (!report.empty()) {
-            std::printf("FAIL %s: %s: not everything was given back\n%s", name.c_str(), fileName.c_str(),
+            std::printf("FAIL %s: %s: not everything was released\n%s", name.c_str(), fileName.c_str(),
                         report.c_str());
         } else {
             std::printf("ok   %s\n", name.c_str());

@@ -128,7 +128,7 @@ Action Compiler::statement(const ast::Statement& s) {
             ObjectRef object(array(f).object);
             std::int32_t upper = bound(f).i32;
             if (!object) raise("NilObjectException", "this array is nil");
-            if (upper < -1) raise("OutOfBoundsException", "an upper bound is at least -1");
+            if (upper < -1) raise("OutOfBoundsException", "an upper bound must be at least -1");
             arrayResize(arrayOf(object.handle), upper + 1);
             return Flow::Next;
         };
@@ -154,12 +154,12 @@ Action Compiler::dim(const ast::Statement& s) {
 }
 
 Action Compiler::declare(const ast::Variable& v) {
-    // A global is there from the start, for the routines; above its Dim the main program must not use it.
+    // Routines may use a global from the start; the main program only after its Dim.
     bool global = routine_ == &program_.main && scopes_.size() == 1;
     const Type* type = resolveType(v.type);
     Local variable;
     Code initial;
-    std::optional<SourceError> mistake; // the variable is declared even so, or every use would be one more
+    std::optional<SourceError> mistake; // declared all the same, or every use would be another mistake
     try {
         if (v.initial) {
             initial = valueAs(*v.initial, type, "'" + v.name + "'").code;
@@ -188,7 +188,7 @@ Action Compiler::declare(const ast::Variable& v) {
     if (mistake) throw *mistake;
     if (!initial) {
         if (global || v.isStatic) return nullptr;
-        initial = [](Frame&) { return Bits(); }; // each time round a loop
+        initial = [](Frame&) { return Bits(); }; // on every iteration of a loop
     }
     if (Bits* address = variable.address) {
         bool once = v.isStatic && type->isCounted();
@@ -224,7 +224,7 @@ Action Compiler::ifStatement(const ast::Statement& s) {
         Branch branch;
         try {
             if (b.condition) branch.condition = condition(*b.condition).code;
-        } catch (const SourceError& error) { // the body may hold more
+        } catch (const SourceError& error) { // the body may contain more
             errors_.push_back(error);
         }
         branch.body = block(b.body);
@@ -240,7 +240,7 @@ Action Compiler::ifStatement(const ast::Statement& s) {
 Action Compiler::selectStatement(const ast::Statement& s) {
     return scoped([&]() -> Action {
         Operand subject = value(*s.value);
-        // A name that no program can write.
+        // A program cannot write this name.
         Local& held = declareLocal("(select)", s.position, subject.type);
         int slot = held.slot;
         struct Branch {
@@ -283,7 +283,7 @@ Action Compiler::selectStatement(const ast::Statement& s) {
 
 namespace {
 
-// What a loop does after its body: true ends it, with `flow` for whoever is outside.
+// Decides after a loop's body: true ends the loop, and `flow` is then for the statement around it.
 bool leaves(Flow& flow, const Frame& frame, int id) {
     if (flow == Flow::Next) return false;
     if (flow == Flow::Return || frame.target != id) return true;
@@ -334,7 +334,7 @@ Action Compiler::forStatement(const ast::Statement& s) {
         if (!type->isNumber() || elementSize(type) < 4 || type->kind == Kind::UInt32 ||
             type->kind == Kind::UInt64)
             throw SourceError(v.position,
-                              "a loop counts in Integer, Int64, Single or Double, not in " + type->name);
+                              "a loop can count in Integer, Int64, Single or Double, not in " + type->name);
         Place counter = place(counterName);
         Code first = valueAs(*s.target, type, "the loop").code;
         Code last = valueAs(*s.value, type, "the loop").code;
@@ -560,8 +560,8 @@ Action Compiler::addHandler(const ast::Statement& s) {
             conversionCost(object.type, function->signature.parameters[0].type) >= 0)
             handler = function;
     if (!handler)
-        throw SourceError(s.value->position,
-                          "expected a Sub as " + s.value->text + "(sender As " + object.type->name + ")");
+        throw SourceError(s.value->position, "expected a Sub declared as " + s.value->text + "(sender As " +
+                                                 object.type->name + ")");
     return [code = object.code, event, handler](Frame& f) {
         ObjectRef held(code(f).object);
         if (!held) raise("NilObjectException", "the object whose event is to be handled is nil");

@@ -166,7 +166,7 @@ int compareValues(const Type* type, Bits a, Bits b) {
     case Kind::Double:
         return order(a.f64, b.f64);
     case Kind::String:
-        // Plain bytes of one encoding need no conversion.
+        // Text that is UTF-8 already needs no conversion.
         if (encodingOf(a.string) == kREALTextEncodingUTF8 && encodingOf(b.string) == kREALTextEncodingUTF8)
             return text::compare(bytesOf(a.string), bytesOf(b.string));
         return text::compare(toUtf8(a.string), toUtf8(b.string));

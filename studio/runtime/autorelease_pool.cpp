@@ -1,6 +1,6 @@
 #include "runtime/autorelease_pool.h"
 
-// The Objective-C runtime's own C interface; the host itself has no Objective-C.
+// The Objective-C runtime's C interface, since the host itself is not written in Objective-C.
 extern "C" {
 void* objc_getClass(const char* name);
 void* sel_registerName(const char* name);

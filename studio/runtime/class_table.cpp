@@ -31,7 +31,7 @@ const Type* ClassTable::arrayOf(const Type* element) {
     auto& slot = arrayTypes_[element];
     if (!slot) {
         slot = std::make_unique<Type>(Type{Kind::Array, element->name + "()", nullptr, element});
-        // An array is an object, too: its class is named as its type, and only the heap knows it.
+        // An array is an object, too. Its class has the type's name, and only the heap uses it.
         Class* cls = named(slot->name);
         cls->origin = Origin::Framework;
         cls->superclass = root_;

@@ -1,4 +1,4 @@
-// Declarations of the class table: text to types, signatures and constants.
+// The declarations in a class table: turns text into types, signatures and constants.
 #include "runtime/class_table.h"
 #include "runtime/variants.h"
 #include "syntax/ast.h"
@@ -83,7 +83,8 @@ Signature ClassTable::resolve(const ast::Signature& parsed) {
         if (p.defaultValue) {
             Literal value = literal(*p.defaultValue);
             if (conversionCost(value.type, parameter.type) < 0)
-                throw SourceError(p.position, "the default of " + p.name + " is no " + parameter.type->name);
+                throw SourceError(p.position,
+                                  "the default of " + p.name + " is not of type " + parameter.type->name);
             parameter.defaultValue = value;
         } else if (p.optional) { // the type's own empty value
             parameter.defaultValue = Literal{parameter.type, Bits(), {}};

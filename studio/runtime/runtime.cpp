@@ -13,7 +13,7 @@ Runtime* current = nullptr;
 } // namespace
 
 Runtime::Runtime(std::optional<double> version) : toldVersion(version), heap(version.value_or(0.0) < 2013.0) {
-    if (current) throw UsageError("there is a host in this process already");
+    if (current) throw UsageError("this process already has a host");
     current = this;
 }
 

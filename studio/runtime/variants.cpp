@@ -56,8 +56,8 @@ std::int32_t typeCode(const Type* type) {
     }
 }
 
-// A code promises the size of the elements, so arrays of integers of other sizes have one that nobody takes
-// for 32-bit or 64-bit integers.
+// A code implies the size of the elements, so arrays of integers of other sizes have a code that nobody
+// mistakes for that of 32-bit or 64-bit integers.
 std::int32_t elementCode(const Type* element) {
     constexpr std::int32_t kOtherInteger = 17;
     std::int32_t code = typeCode(element);
@@ -141,7 +141,7 @@ Bits numberTo(const Type* to, const Type* from, Bits bits) {
 }
 
 [[noreturn]] void mismatch(const std::string& from, const Type* to) {
-    raise("TypeMismatchException", "a " + from + " is no " + to->name);
+    raise("TypeMismatchException", "expected " + to->name + ", found " + from);
 }
 
 std::string describe(REALobject variant) {
@@ -298,7 +298,7 @@ double parseNumber(std::string_view text) {
         int base = std::tolower(copy[1]) == 'h' ? 16 : std::tolower(copy[1]) == 'o' ? 8 : 2;
         return double(std::strtoull(copy.c_str() + 2, nullptr, base));
     }
-    // strtod would also take hexadecimal and names of infinities.
+    // strtod would also accept hexadecimal numbers and "inf".
     std::size_t end = 0;
     while (end < copy.size() && std::string_view("+-.0123456789eE").find(copy[end]) != std::string_view::npos)
         ++end;

@@ -77,7 +77,7 @@ bool PluginGetStringData(REALstring string, std::uint32_t encoding, REALstringDa
     auto* data = static_cast<char*>(std::calloc(bytes->size() + 4, 1));
     if (!data) return false;
     std::memcpy(data, bytes->data(), bytes->size());
-    // Without the service that disposes of them the plugin frees the bytes itself.
+    // Without the service that disposes of the bytes, the plugin frees them itself.
     if (Services::current().find("PluginDisposeStringData")) heap().lend(data);
     *out = {data, std::uint32_t(bytes->size()),
             encoding == kREALTextEncodingUnknown ? encodingOf(string) : encoding};
@@ -86,8 +86,8 @@ bool PluginGetStringData(REALstring string, std::uint32_t encoding, REALstringDa
 
 void PluginDisposeStringData(REALstringData* data) {
     if (!data || !data->data) return;
-    // On a host without PluginGetStringData the plugin makes the bytes itself, a block of the C heap like the
-    // host's own.
+    // On a host without PluginGetStringData the plugin allocates the bytes itself, on the C heap like the
+    // host.
     if (Services::current().find("PluginGetStringData") && !heap().takeBack(data->data)) {
         heap().violation("PluginDisposeStringData: these bytes do not come from PluginGetStringData");
         return;
@@ -144,7 +144,7 @@ bool RuntimeObjectIsa(REALobject object, REALclassRef cls) {
 void RuntimeRaiseException(REALobject exception) {
     if (!exception || !heap().check(exception, "RuntimeRaiseException")) return;
     if (!isA(exception, "RuntimeException")) {
-        heap().violation("RuntimeRaiseException: a " + classNameOf(exception) + " is no exception");
+        heap().violation("RuntimeRaiseException: a " + classNameOf(exception) + " is not an exception");
         return;
     }
     leavePending({Value::share(exception)});
@@ -152,7 +152,7 @@ void RuntimeRaiseException(REALobject exception) {
 
 // ---- properties ------------------------------------------------------------------------------------------
 
-// The value of a property whose type is one of those asked for.
+// The value of a property, provided that its type is acceptable.
 template <class Out, class Accepts>
 bool readAs(REALobject object, const char* name, const char* service, Out* out, Kind as, Accepts accepts) {
     if (!object || !name || !heap().check(object, service)) return false;
@@ -250,7 +250,7 @@ REALstring VariantToString(REALobject variant) {
 
 // ---- the host's own functions and methods ----------------------------------------------------------------
 
-// A declaration that cannot be parsed is one that nobody has.
+// Nothing has a declaration that cannot be parsed.
 template <class Find>
 void* loadByDeclaration(const char* declaration, Find find) {
     if (!declaration) return nullptr;
@@ -284,7 +284,7 @@ bool checkArray(REALarray array, const char* service) {
     auto* object = reinterpret_cast<REALobject>(array);
     if (!object || !heap().check(object, service)) return false;
     if (isArray(object)) return true;
-    heap().violation(std::string(service) + ": a " + classNameOf(object) + " is no array");
+    heap().violation(std::string(service) + ": a " + classNameOf(object) + " is not an array");
     return false;
 }
 
@@ -301,7 +301,7 @@ std::int32_t RuntimeUBound(REALarray array) {
     return checkArray(array, "RuntimeUBound") ? arrayOf(array).count - 1 : -1;
 }
 
-// The element as it crosses the boundary, and its bits.
+// Between an element as plugins see it and its bits.
 template <class T>
 Bits elementBits(T value) {
     if constexpr (sizeof(T) < 4 && !std::is_same_v<T, bool>)
@@ -400,7 +400,7 @@ bool checkClass(Handle handle, const char* className, const char* service) {
     auto* object = reinterpret_cast<REALobject>(handle);
     if (!object || !heap().check(object, service)) return false;
     if (isA(object, className)) return true;
-    heap().violation(std::string(service) + ": a " + classNameOf(object) + " is no " + className);
+    heap().violation(std::string(service) + ": a " + classNameOf(object) + " is not a " + className);
     return false;
 }
 
@@ -478,7 +478,7 @@ struct Service {
     bool allocates = false;
 };
 
-// The function must have the very type that the plugins' header gives the service.
+// The function must have exactly the type that the plugins' header gives the service.
 template <class Declared, Declared body>
 Service service(std::string_view name, double since = 0) {
     return {name, reinterpret_cast<void*>(&Guarded<body>::call), since};

@@ -77,7 +77,7 @@ class Lexer {
                !continuesName(at(3));
     }
 
-    // False at the end of the text.
+    // Returns false at the end of the text.
     bool skipBlanks() {
         space_ = false;
         while (index_ < source_.size()) {
@@ -172,7 +172,7 @@ class Lexer {
         std::string text(source_.substr(begin, index_ - begin));
         char* end = nullptr;
         std::uint64_t value = std::strtoull(text.c_str() + 2, &end, base);
-        if (text.size() == 2 || *end) throw SourceError(start_, "'" + text + "' is no number");
+        if (text.size() == 2 || *end) throw SourceError(start_, "'" + text + "' is not a number");
         if (letter == 'c') {
             std::size_t digits = text.size() - 2;
             if (digits != 6 && digits != 8)

@@ -112,8 +112,7 @@ class Parser {
     }
     std::string expectNewName(const std::string& what) {
         if (peek().kind == TokenKind::Name && isReserved(peek().text))
-            throw SourceError(here(),
-                              "expected " + what + ", but '" + peek().text + "' is a word of the language");
+            throw SourceError(here(), "expected " + what + ", but '" + peek().text + "' is a reserved word");
         return expectName(what);
     }
     void expectEndOfLine() {
@@ -125,7 +124,7 @@ class Parser {
         while (peek().kind == TokenKind::EndOfLine) take();
     }
     bool atEndOf(std::string_view word) const { return atWord("end") && atWord(word, 1); }
-    // "End If", with the line that the block began on in the message.
+    // "End If"; the message gives the line where the block began.
     void expectEndOf(std::string_view word, Position opened) {
         if (!atEndOf(word))
             fail("'End " + std::string(word) + "' for the '" + std::string(word) + "' in line " +
@@ -153,7 +152,7 @@ class Parser {
         Parameter result;
         for (bool more = true; more;) {
             if (atWord("as", 1) || (atSymbol("(", 1) && atSymbol(")", 2)))
-                break; // the word is the name itself
+                break; // the word is the parameter's name
             if (acceptWord("byref"))
                 result.byRef = true;
             else if (acceptWord("byval")) {
@@ -288,7 +287,7 @@ class Parser {
                 result.back().initial = std::move(created);
             } else if (acceptSymbol("=")) {
                 if (result.size() - first > 1)
-                    throw SourceError(here(), "an initial value takes one variable");
+                    throw SourceError(here(), "only one variable can take an initial value");
                 result.back().initial = expression();
             }
         } while (acceptSymbol(","));
@@ -328,7 +327,7 @@ class Parser {
         if (atWord("do")) return doStatement();
         if (atWord("select")) return selectStatement();
         if (atWord("try")) return tryStatement();
-        if (atBlockEnd()) throw SourceError(here(), peek().describe() + " closes nothing that is open here");
+        if (atBlockEnd()) throw SourceError(here(), peek().describe() + " does not close any open block");
         StatementPtr result = simpleStatement();
         expectEndOfLine();
         return result;
@@ -683,7 +682,8 @@ class Parser {
         return result;
     }
 
-    // `stopAtSpace` ends before a parenthesis that stands apart: the arguments of a call without parentheses.
+    // `stopAtSpace` stops before a parenthesis after a space: it begins the arguments of a call without
+    // parentheses.
     ExprPtr postfix(bool stopAtSpace = false) {
         ExprPtr result = primary();
         for (;;) {

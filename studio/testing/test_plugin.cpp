@@ -71,7 +71,7 @@ std::int32_t fail(REALobject self) {
     return data(self).count;
 }
 void raiseUnknown(REALobject) {
-    // A class that nobody has gives null, as services do.
+    // An unknown class gives null.
     if (!SERVICE(PluginNewInstance)("NoSuchException")) raise("RuntimeException", "fallback");
 }
 

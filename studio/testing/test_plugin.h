@@ -10,7 +10,7 @@
 void testPlugin12(REALResolver resolver);
 void testPlugin9(REALResolver resolver);
 
-// What the plugin's hooks saw, in order: "+Counter", "-Counter", ...
+// The hooks that ran, in order: "+Counter", "-Counter", ...
 extern std::string testPluginLog;
 extern REALResolver testPluginResolver;
 

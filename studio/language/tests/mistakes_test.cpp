@@ -1,4 +1,4 @@
-// What the language says about programs whose meaning is wrong.
+// The compiler's messages about programs that parse but make no sense.
 #include "language/program.h"
 #include "test_plugin.h"
 
@@ -51,7 +51,7 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"NumberAsACondition", "If 1 Then Print 2", "1:4: expected a Boolean, found Integer"},
         Mistake{"TextPlusNumber", "Print \"a\" + 1", "1:11: '+' does not take String and Integer"},
         Mistake{"VariableDeclaredTwice", "Dim a As Integer\nDim a As Integer",
-                "2:5: there is a variable 'a' already"},
+                "2:5: there is already a variable 'a'"},
         Mistake{"VariableBeforeItsDim", "Print total\nDim total As Integer",
                 "1:7: there is no 'total' yet: its Dim comes later"},
         Mistake{"ExitWithoutALoop", "Exit For", "1:1: there is no 'for' loop to leave here"},

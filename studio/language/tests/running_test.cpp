@@ -1,4 +1,4 @@
-// What programs leave behind, and where their exceptions were raised.
+// Running programs: they leave nothing behind, and exceptions know where they were raised.
 #include "framework/exceptions.h"
 #include "language/program.h"
 #include "runtime/exceptions.h"

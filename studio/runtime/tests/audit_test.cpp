@@ -1,4 +1,4 @@
-// The strict host: leaks and misuse are found, and named.
+// The strict host finds leaks and misuse, and names them.
 #include "test_plugin.h"
 
 #include <studio/host.h>
@@ -36,9 +36,9 @@ TEST(Audit, CatchesAnOverReleaseAtItsCall) {
     host.call(counter, "OverRelease", {other});
     Report report = host.report();
     ASSERT_EQ(report.violations.size(), 1u);
-    EXPECT_TRUE(mentions(report, "Dictionary given back")) << report.text();
+    EXPECT_TRUE(mentions(report, "Dictionary released")) << report.text();
     EXPECT_TRUE(mentions(report, "CounterTest.OverRelease")) << report.text();
-    EXPECT_EQ(host.get(other, "Count").integer(), 0); // and the object lives on
+    EXPECT_EQ(host.get(other, "Count").integer(), 0); // the object is still alive
 }
 
 TEST(Audit, CatchesAResultWithoutItsReference) {
@@ -48,7 +48,7 @@ TEST(Audit, CatchesAResultWithoutItsReference) {
     EXPECT_EQ(host.call(counter, "Itself").object(), counter.object());
     EXPECT_TRUE(host.report().violations.empty());
     EXPECT_EQ(host.call(counter, "ItselfUnlocked").object(), counter.object());
-    EXPECT_TRUE(mentions(host.report(), "comes without the reference")) << host.report().text();
+    EXPECT_TRUE(mentions(host.report(), "was returned without the reference")) << host.report().text();
 }
 
 TEST(Audit, CatchesUseAfterTheEnd) {
@@ -61,7 +61,7 @@ TEST(Audit, CatchesUseAfterTheEnd) {
     EXPECT_TRUE(isa(handle, type("Dictionary")));
     dictionary = {};
     lock(handle);
-    EXPECT_TRUE(mentions(host.report(), "Dictionary that is already freed")) << host.report().text();
+    EXPECT_TRUE(mentions(host.report(), "Dictionary that was already freed")) << host.report().text();
     EXPECT_FALSE(isa(handle, type("Dictionary")));
     EXPECT_EQ(host.report().violations.size(), 2u);
 }
@@ -73,9 +73,9 @@ TEST(Audit, CatchesHandlesOfTheWrongKind) {
     auto lockString = reinterpret_cast<service::REALLockString>(host.resolver()("REALLockString"));
     Value dictionary = host.create("Dictionary");
     EXPECT_EQ(size(reinterpret_cast<REALmemoryBlock>(dictionary.object())), -1);
-    EXPECT_TRUE(mentions(host.report(), "a Dictionary is no MemoryBlock")) << host.report().text();
+    EXPECT_TRUE(mentions(host.report(), "a Dictionary is not a MemoryBlock")) << host.report().text();
     bound(reinterpret_cast<REALarray>(dictionary.object()));
-    EXPECT_TRUE(mentions(host.report(), "a Dictionary is no array")) << host.report().text();
+    EXPECT_TRUE(mentions(host.report(), "a Dictionary is not an array")) << host.report().text();
     lockString(reinterpret_cast<REALstring>(dictionary.object()));
     EXPECT_TRUE(mentions(host.report(), "an object where a string is expected")) << host.report().text();
     int local = 0;
@@ -92,7 +92,7 @@ TEST(Audit, CountsStrings) {
     unlock(text);
     EXPECT_TRUE(host.report().clean());
     unlock(text);
-    EXPECT_TRUE(mentions(host.report(), "string \"abc\" that is already freed")) << host.report().text();
+    EXPECT_TRUE(mentions(host.report(), "string \"abc\" that was already freed")) << host.report().text();
     EXPECT_FALSE(build("", 0)); // the empty string is null
 }
 
@@ -103,7 +103,7 @@ TEST(Audit, AStandardSetterIsAPlainStore) {
     host.set(a, "Companion", b);
     EXPECT_EQ(host.get(a, "Companion").object(), b.object()); // locked for its reader
     b = {};
-    // The field counted nothing: b is gone, and reading the field now is caught.
+    // The field held no reference: b is gone, and reading the field is now caught.
     EXPECT_EQ(host.report().alive("CounterTest"), 1);
     EXPECT_TRUE(host.get(a, "Companion").isNil());
     EXPECT_TRUE(mentions(host.report(), "already freed"));

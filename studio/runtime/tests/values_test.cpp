@@ -19,7 +19,7 @@ TEST(Strings, LieOpenBefore2013) {
 TEST(Strings, HideLater) {
     Host host({.version = 2013.0});
     Value text("hidden text");
-    // Where the open layout has the buffer there is no address, so who looks faults.
+    // Null where the open layout has the buffer, so reading it there faults.
     EXPECT_EQ(text.stringHandle()->buffer, nullptr);
     EXPECT_NE(text.stringHandle()->encoding, std::uint32_t(kREALTextEncodingUTF8));
 }
@@ -86,7 +86,7 @@ TEST(Variants, HaveTheTypeCodesOfTheInterface) {
     EXPECT_EQ(code(host.array("Variant")), 0x1009);
     EXPECT_EQ(code(host.array("Date")), 0x1007);
     EXPECT_EQ(code(host.array("Boolean")), 0x100B);
-    // A code promises the size of the elements.
+    // A code implies the size of the elements.
     for (const char* type : {"Int8", "UInt8", "Int16", "UInt16", "UInt32"})
         EXPECT_EQ(code(host.array(type)), 0x1011) << type;
     EXPECT_EQ(code(host.array("UInt64")), 0x1003);

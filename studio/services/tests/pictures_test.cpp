@@ -1,4 +1,4 @@
-// What plugins get of a Picture.
+// A Picture as plugins see it.
 #include <QD/QDOffscreen.h>
 #include <studio/host.h>
 

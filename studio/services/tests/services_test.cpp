@@ -1,4 +1,4 @@
-// Which services there are, and calls between host and plugin.
+// Which services a host has, and calls between host and plugin.
 #include "test_plugin.h"
 
 #include <studio/host.h>
@@ -67,7 +67,7 @@ TEST(HostMethods, WorkFromAPlugin) {
         EXPECT_EQ(host.get(dictionary, "Count").integer(), 1);
         EXPECT_EQ(host.call(dictionary, "Value", {5}).number(), 2.5);
         EXPECT_EQ(host.function("LookupTest", {dictionary, 0}).number(), 2.5);
-        // What the host's method raises reaches whoever called the plugin.
+        // An exception raised by the host's method reaches the plugin's caller.
         EXPECT_THROW(host.function("LookupTest", {dictionary, 3}), HostException);
     }
     EXPECT_TRUE(host.report().clean()) << host.report().text();

@@ -1,4 +1,4 @@
-// Texts to trees, and what is said about texts that are wrong.
+// Parsing: trees from text, and the messages about syntax errors.
 #include "syntax/ast.h"
 #include "syntax/parser.h"
 
@@ -91,10 +91,10 @@ INSTANTIATE_TEST_SUITE_P(
                 "2:8: expected 'End If' for the 'If' in line 1, found the end of the file"},
         Mistake{"OpenFor", "For i As Integer = 1 To 3\nPrint i\n",
                 "3:1: expected 'Next' for the 'For' in line 1, found the end of the file"},
-        Mistake{"NextWithoutFor", "Next", "1:1: 'Next' closes nothing that is open here"},
+        Mistake{"NextWithoutFor", "Next", "1:1: 'Next' does not close any open block"},
         Mistake{"MissingAs", "Dim x y As Integer", "1:7: expected 'As', found 'y'"},
         Mistake{"ReservedName", "Dim end As Integer",
-                "1:5: expected a name for the variable, but 'end' is a word of the language"},
+                "1:5: expected a name for the variable, but 'end' is a reserved word"},
         Mistake{"ShortColor", "Print &cFF", "1:7: a colour is written &cRRGGBB or &cRRGGBBAA"},
         Mistake{"SubWithAResult", "Sub A() As Integer\nEnd Sub",
                 "1:12: a Sub has no result; write Function"}));

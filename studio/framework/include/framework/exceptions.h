@@ -1,4 +1,4 @@
-// What every exception carries.
+// The data that every exception carries.
 #pragma once
 
 #include <host/abi.h>

@@ -1,4 +1,4 @@
-// Files and folders, by path.
+// FolderItem: a file or folder, by path.
 #pragma once
 
 #include <host/abi.h>
@@ -10,7 +10,7 @@ namespace studio {
 const std::string& folderItemPath(REALobject item);
 REALobject newFolderItem(const std::string& path); // owned
 
-// What the file services do, over the platform's records.
+// What the file services do: conversions from and to the platform's records.
 bool fsRefOf(REALobject item, FSRef* out, HFSUniStr255* name);
 bool fsSpecOf(REALobject item, FSSpec* out);
 REALobject folderItemIn(const FSRef* parent, const HFSUniStr255* name); // owned; null when there is no parent

@@ -1,4 +1,4 @@
-// Raw bytes of a program.
+// MemoryBlock: raw bytes in a program.
 #pragma once
 
 #include <host/abi.h>

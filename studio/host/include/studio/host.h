@@ -26,8 +26,8 @@ namespace studio {
 using PluginEntry = void (*)(REALResolver);
 
 struct HostOptions {
-    std::optional<double> version = 2014.01; // none: the host does not tell its version
-    std::set<std::string> withheld = {};     // services the resolver pretends not to know
+    std::optional<double> version = 2014.01; // none: the host keeps it secret
+    std::set<std::string> withheld = {};     // services that plugins cannot resolve
 };
 
 // A host exception that reached C++. The object's own reference is held.
@@ -51,19 +51,19 @@ class Host {
 
     static Host& current(); // one per process at a time
     const HostOptions& options() const;
-    // The version's number; 0 when the host does not tell it.
+    // 0 when the host keeps its version secret.
     double version() const;
 
     // Plugins.
     void loadPlugin(PluginEntry entry);
     void loadPlugin(const std::string& path); // UsageError when it cannot be loaded
     REALResolver resolver() const;
-    std::optional<std::int32_t> recordVersion() const;  // what the plugin gave to "RegisterPluginVersion"
-    static std::vector<std::string> serviceNames();     // all there are, in any version
-    std::vector<std::string> requestedServices() const; // every name asked of the resolver, in order
+    std::optional<std::int32_t> recordVersion() const;  // as passed to "RegisterPluginVersion"
+    static std::vector<std::string> serviceNames();     // all services of any version
+    std::vector<std::string> requestedServices() const; // every name the resolver was asked for, in order
 
     // What is registered.
-    const Class* findClass(std::string_view name) const; // null when nobody defined it
+    const Class* findClass(std::string_view name) const; // null when it is not defined
     std::vector<const Class*> pluginClasses() const;     // in registration order
     std::vector<const Method*> pluginFunctions() const;  // global functions, in registration order
 
@@ -89,7 +89,7 @@ class Host {
     std::function<void()> onYield(std::function<void()> handler);
     void yield(); // timers that are due, then the handler
 
-    // Fault injection. A service that fails answers null, false or 0 once, after so many good calls.
+    // Fault injection. After so many good calls, a service that fails returns null, false or 0 once.
     void failService(std::string_view service, int afterGoodCalls = 0);
     // The same for the services that make something, counted together. Fail 0, then 1, then 2 ... until
     // allocationFailed() stays false: then every one of them has failed once.

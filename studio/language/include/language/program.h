@@ -19,12 +19,12 @@ struct Frame {
     Bits* slots;
     REALobject self;
     Bits result;
-    int target = 0; // the loop that Exit or Continue means
+    int target = 0; // the loop that Exit or Continue refers to
 };
 
 enum class Flow { Next, Exit, Continue, Return };
 
-// Resolved code. A value of a counted type comes with a reference for the receiver.
+// Compiled code. A value of a counted type comes with a reference that the receiver owns.
 using Code = std::function<Bits(Frame&)>;
 using Action = std::function<Flow(Frame&)>;
 
@@ -49,7 +49,7 @@ class Program {
     ~Program();
 
     std::string fileName;
-    std::deque<Global> globals; // addresses stay
+    std::deque<Global> globals; // code holds their addresses
     std::deque<Routine> routines;
     std::vector<REALstring> literals;
     Routine main;
@@ -60,12 +60,12 @@ class Program {
     void end();                       // releases the global state
     std::vector<const Routine*> tests() const;
 
-    // Arguments are taken over; those by reference hold their new value afterwards, owned by the caller.
+    // Takes the arguments over. Afterwards those by reference hold their new value, which the caller owns.
     Bits call(const Routine& routine, REALobject self, Bits* arguments);
-    // The method of the object's own class that takes the place of this one.
+    // The method that overrides this one in the object's class; the routine itself when none does.
     const Routine& dispatch(const Routine& routine, REALobject self);
 
-    int line = 0; // of the statement that runs
+    int line = 0; // of the running statement
 
   private:
     void noteRaised(REALobject exception);

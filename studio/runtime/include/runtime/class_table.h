@@ -18,7 +18,7 @@ class ClassTable {
     ClassTable();
 
     Class* named(std::string_view name);      // made, still undefined, when the name is new
-    Class* find(std::string_view name) const; // null when nobody defined it
+    Class* find(std::string_view name) const; // null when it is not defined
     Class* root() const { return root_; }     // Object
     const Type* arrayOf(const Type* element);
     const Type* typeNamed(const ast::TypeName& name); // a class may still be undefined

@@ -10,7 +10,7 @@ struct Raised {
     Value exception;
 };
 
-// Quit: unwinds the program to whoever runs it.
+// Quit: unwinds the program up to its runner.
 struct QuitRequest {
     int code;
 };

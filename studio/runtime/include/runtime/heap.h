@@ -1,8 +1,8 @@
-// Every object and string, alive or lately freed, and who holds it.
+// Every object and string, alive or recently freed, and who holds it.
 //
 // A reference belongs to one of two accounts: the host's (the program's variables, arrays, the framework's
-// own fields) or the plugins'. Services work on the plugins' account, so a plugin that gives back what it
-// does not hold is caught at that very call, however many references the program still has.
+// own fields) or the plugins'. Services work on the plugins' account, so a plugin that releases a reference
+// it does not hold is caught at that very call, however many references the program still has.
 #pragma once
 
 #include "runtime/model.h"
@@ -19,7 +19,7 @@
 
 namespace studio {
 
-// What the six header words of an object are.
+// The six header words of an object.
 struct ObjectHeader {
     Class* cls;
     std::int32_t hostReferences;
@@ -41,7 +41,7 @@ T& dataAt(REALobject object, std::int32_t offset) {
     return *reinterpret_cast<T*>(reinterpret_cast<char*>(object) + offset);
 }
 
-// A string. Plugins see only `face`: the open layout for hosts before 2013.0, an order of its own later.
+// A string. Plugins see only `face`: the open layout on hosts before 2013.0, a private one later.
 struct StringCell {
     std::int32_t hostReferences;
     std::int32_t pluginReferences;
@@ -63,7 +63,7 @@ class Heap {
     ~Heap();
 
     // ---- strings ----------------------------------------------------------------------------------------
-    // One host reference; null for no bytes at all, which is how the empty string is kept.
+    // One host reference. Null for no bytes: the empty string is null.
     REALstring newString(std::string_view bytes, std::uint32_t encoding);
     REALstring newPermanentString(std::string_view bytes);
     void freePermanent(REALstring string);
@@ -92,7 +92,7 @@ class Heap {
     }
 
     // ---- the plugins' account ---------------------------------------------------------------------------
-    // Each reports misuse as a violation and answers false then.
+    // Each reports misuse as a violation and then returns false.
     bool check(REALobject object, std::string_view service); // alive; null passes
     bool check(REALstring string, std::string_view service);
     bool pluginLock(REALobject object);
@@ -105,7 +105,7 @@ class Heap {
     REALobject takeOver(REALobject object);
     REALstring takeOver(REALstring string);
 
-    // Bytes handed out by "PluginGetStringData", until they are disposed of.
+    // Bytes handed out by "PluginGetStringData" and not disposed of yet.
     void lend(void* bytes) { lent_.insert(bytes); }
     bool takeBack(void* bytes) { return lent_.erase(bytes) > 0; }
 
@@ -145,7 +145,7 @@ class Heap {
 
     bool openStrings_;
     std::unordered_map<const void*, bool> alive_; // handle -> is a string
-    // Freed memory is filled with a pattern and kept for a while, so that a late use is seen, not reused.
+    // Freed memory is filled with a pattern and not reused for a while, so that late uses are seen.
     std::unordered_map<const void*, std::string> buried_;
     std::deque<std::pair<const void*, Freed>> graveyard_;
     std::size_t graveyardBytes_ = 0;

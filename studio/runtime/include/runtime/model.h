@@ -1,4 +1,4 @@
-// What the host knows about classes: the framework's, the plugins' and the program's own, all in one model.
+// Classes as the host knows them: the framework's, the plugins' and the program's, all in one model.
 #pragma once
 
 #include "runtime/types.h"
@@ -25,7 +25,7 @@ struct Parameter {
     bool byRef = false;
     bool assigns = false;    // takes the value in `object.Method(...) = value`
     bool extends = false;    // the value before the dot: `value.Function(...)`
-    bool paramArray = false; // takes all the arguments that are left
+    bool paramArray = false; // takes all remaining arguments
 };
 
 // A declaration, parsed: "Name(a As Integer, b As String = "x") As Type".
@@ -38,7 +38,7 @@ struct Signature {
     bool assigns() const { return !parameters.empty() && parameters.back().assigns; }
     std::size_t requiredCount() const;
 };
-// Equal but for parameter names and defaults.
+// Equal except for parameter names and defaults.
 bool sameSignature(const Signature& a, const Signature& b);
 
 struct Routine;  // a compiled Sub or Function of a program
@@ -104,11 +104,11 @@ struct Class {
     std::function<void(REALobject)> initialize; // a program class's fields
     std::function<void(REALobject)> finalize;   // a program class's fields, an array's elements
 
-    // What the framework's class itself tells the language; most have none of it.
-    std::int32_t variantType = kREALVariantObject;  // what VarType answers
-    REALobject (*fromString)(REALstring) = nullptr; // strings convert to it and back by themselves
+    // How the language treats a class of the framework specially. Most classes leave these alone.
+    std::int32_t variantType = kREALVariantObject;  // VarType's result
+    REALobject (*fromString)(REALstring) = nullptr; // strings convert to and from it implicitly
     REALstring (*toString)(REALobject) = nullptr;
-    // Gives an event a Sub of the program, called with the object; null takes it away.
+    // Sets the handler of an event: a Sub of the program, called with the object; null removes it.
     void (*setHandler)(REALobject, std::string_view event, const Method* handler) = nullptr;
 
     std::vector<std::unique_ptr<Method>> methods;
@@ -123,7 +123,7 @@ struct Class {
     const Property* property(std::string_view name) const; // own or inherited
     const Constant* constant(std::string_view name) const;
     const Method* method(std::string_view declaration) const; // own, by its text as received
-    // All methods of that name: the class's own first, inherited ones that they do not replace after.
+    // All methods of that name: the class's own, then the inherited ones that these do not override.
     std::vector<const Method*> methodsNamed(std::string_view name) const;
     std::vector<const Method*> sharedMethodsNamed(std::string_view name) const;
     std::vector<const Method*> constructors() const; // of the nearest class that has any

@@ -1,4 +1,4 @@
-// References held by C++ code, given back at the end of a scope.
+// References held by C++ code and released at the end of a scope.
 #pragma once
 
 #include "runtime/runtime.h"
@@ -49,7 +49,7 @@ inline void release(const Type* type, Bits bits) {
         heap().release(bits.object);
 }
 
-// Bits of any type; their reference, if they have one, is given back unless it is taken.
+// Bits of any type, released unless they are taken.
 struct Held {
     const Type* type;
     Bits bits;

@@ -5,7 +5,7 @@
 
 namespace studio {
 
-// A faulty record is reported as a violation and left out, as far as it is faulty.
+// Faulty parts of a record are reported as violations and skipped.
 void registerPluginClass(REALclassDefinition* record);
 void registerPluginFunction(const void* record);
 

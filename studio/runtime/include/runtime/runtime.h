@@ -6,7 +6,7 @@
 
 namespace studio {
 
-// One per process at a time. What floors above add to it are hooks.
+// One per process at a time. Floors above extend it through hooks.
 struct Runtime {
     explicit Runtime(std::optional<double> version); // UsageError when there is one already
     ~Runtime();
@@ -14,7 +14,7 @@ struct Runtime {
 
     void yield(); // the hooks, then the handler; a handler that yields again has no effect
 
-    std::optional<double> toldVersion; // none: the host keeps its version to itself
+    std::optional<double> toldVersion; // none: the host keeps it secret
     Heap heap;
     ClassTable classes;
     std::optional<std::int32_t> recordVersion; // announced by the plugins
@@ -22,7 +22,7 @@ struct Runtime {
     std::optional<int> quit;                   // Quit was called below a plugin's frame
 
     std::vector<std::function<void()>> yieldHooks; // the framework's
-    std::function<void()> yieldHandler;            // of whoever uses the host
+    std::function<void()> yieldHandler;            // set by the user of Host
     // The language's, while a program runs: calls one of the program's routines.
     std::function<Bits(const Method&, REALobject, const Bits*)> runRoutine;
     std::function<void(REALobject)> noteRaised; // sees every exception first

@@ -1,4 +1,4 @@
-// Text in the encodings that host strings may have.
+// Text in the encodings that host strings can have.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +24,7 @@ std::string upper(std::string_view utf8);
 std::string lower(std::string_view utf8);
 // Without regard to case, as the language compares strings: negative, zero or positive.
 int compare(std::string_view a, std::string_view b);
-// From a character on; npos when there is none.
+// Searches from a character on; npos when there is none.
 std::size_t find(std::string_view text, std::string_view part, std::size_t from = 0);
 
 } // namespace studio::text

@@ -33,7 +33,7 @@ enum class Kind : std::uint8_t {
     Array,
 };
 
-// Types are interned: two equal types are one pointer.
+// Types are interned: equal types are the same pointer.
 struct Type {
     Kind kind;
     std::string name;              // as the language writes it: "Integer", "CIFilterKaz()"
@@ -42,7 +42,7 @@ struct Type {
 
     bool isInteger() const { return kind >= Kind::Int8 && kind <= Kind::UInt64; }
     bool isNumber() const { return kind >= Kind::Int8 && kind <= Kind::Double; }
-    // Objects, arrays and variants are one pointer to an object, counted the same way.
+    // Objects, arrays and variants are all a counted pointer to an object.
     bool isObject() const { return kind >= Kind::Variant; }
     bool isCounted() const { return kind >= Kind::String; }
 };

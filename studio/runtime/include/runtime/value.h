@@ -32,7 +32,7 @@ class Value {
     // Takes over the caller's reference.
     static Value adopt(const Type* type, Bits bits) { return Value(type, bits); }
     static Value adopt(REALobject object);
-    // From a direct call of a service or of a plugin's function: takes over the reference it came with.
+    // A result of calling a service or a plugin's function directly: takes over its reference.
     static Value received(REALobject object);
     // Adds a reference of its own.
     static Value share(const Type* type, Bits bits);
@@ -51,7 +51,7 @@ class Value {
 
     const Type* type() const { return type_; }
     Bits bits() const { return bits_; }
-    Bits release() { return std::exchange(bits_, Bits()); } // the reference is the caller's now
+    Bits release() { return std::exchange(bits_, Bits()); } // the caller now owns the reference
 
     bool isNil() const; // nil objects; an empty string is not nil
     // Converted as the language converts variants.
@@ -60,10 +60,10 @@ class Value {
     std::int64_t int64() const;
     double number() const;
     std::string text() const; // UTF-8
-    // Handles, borrowed; null unless the value is one.
+    // Borrowed handles; null unless the value is of that kind.
     REALobject object() const { return type_->isObject() ? bits_.object : nullptr; }
     REALstring stringHandle() const { return type_->kind == Kind::String ? bits_.string : nullptr; }
-    std::string className() const; // "" for nil and for values that are no objects
+    std::string className() const; // "" for nil and for values that are not objects
 
     // Arrays.
     int count() const;

@@ -1,4 +1,4 @@
-// Variants, the conversions that the language makes by itself, and values as text.
+// Variants, the language's implicit conversions, and values as text.
 //
 // A variant is an object: nil, any object or array as it is, and a box for everything else.
 #pragma once
@@ -11,7 +11,7 @@ namespace studio {
 
 REALobject boxVariant(const Type* type, Bits bits);    // takes over
 Bits unboxVariant(REALobject variant, const Type* to); // borrows; owned result
-std::int32_t variantType(REALobject variant);          // the code that VarType answers
+std::int32_t variantType(REALobject variant);          // VarType's result
 bool variantsEqual(REALobject a, REALobject b);        // strings without regard to case
 
 // For the class Variant: the bytes that a box adds to an object, and its destructor.
@@ -20,7 +20,7 @@ void releaseBox(REALobject variant);
 
 // ---- conversions -----------------------------------------------------------------------------------------
 
-// How far a conversion goes; negative when the language does not make it by itself.
+// How far apart the types are; negative when the language does not convert implicitly.
 int conversionCost(const Type* from, const Type* to);
 // Takes the bits over and returns bits of the other type. May raise.
 Bits convert(const Type* from, const Type* to, Bits bits);

@@ -1,4 +1,4 @@
-// Mistakes in a program's text, and where they are.
+// Errors in a program's text, and where they are.
 #pragma once
 
 #include <stdexcept>
