@@ -1,5 +1,6 @@
 // The compiler's messages about programs that parse but make no sense.
 #include "language/program.h"
+#include "mistake.h"
 #include "test_plugin.h"
 
 #include <studio/host.h>
@@ -8,26 +9,17 @@
 
 using namespace studio;
 
-// The first mistake, as "line:column: message".
+// The first mistake; empty when there is none.
 static std::string mistakeIn(const std::string& source, bool withPlugin = false) {
     Host host;
     if (withPlugin) host.loadPlugin(testPlugin12);
     try {
         compileProgram("test.rbs", source);
     } catch (const SourceErrors& mistakes) {
-        const SourceError& first = mistakes.errors.front();
-        return std::to_string(first.position.line) + ":" + std::to_string(first.position.column) + ": " +
-               first.what();
+        return explained(mistakes.errors.front());
     }
     return "";
 }
-
-struct Mistake {
-    const char* name;
-    const char* source;
-    const char* message;
-};
-void PrintTo(const Mistake& mistake, std::ostream* out) { *out << mistake.name; }
 
 class Mistakes : public testing::TestWithParam<Mistake> {};
 

@@ -1,4 +1,5 @@
 // The strict host finds leaks and misuse, and names them.
+#include "service_of.h"
 #include "test_plugin.h"
 
 #include <studio/host.h>
@@ -6,8 +7,6 @@
 #include <gtest/gtest.h>
 
 using namespace studio;
-
-namespace service = host::service;
 
 static bool mentions(const Report& report, const std::string& text) {
     return report.text().find(text) != std::string::npos;
@@ -53,9 +52,9 @@ TEST(Audit, CatchesAResultWithoutItsReference) {
 
 TEST(Audit, CatchesUseAfterTheEnd) {
     Host host;
-    auto lock = reinterpret_cast<service::REALLockObject>(host.resolver()("REALLockObject"));
-    auto isa = reinterpret_cast<service::RuntimeObjectIsa>(host.resolver()("RuntimeObjectIsa"));
-    auto type = reinterpret_cast<service::pluginObjectType>(host.resolver()("pluginObjectType"));
+    auto lock = SERVICE_OF(host, REALLockObject);
+    auto isa = SERVICE_OF(host, RuntimeObjectIsa);
+    auto type = SERVICE_OF(host, pluginObjectType);
     Value dictionary = host.create("Dictionary");
     REALobject handle = dictionary.object();
     EXPECT_TRUE(isa(handle, type("Dictionary")));
@@ -68,9 +67,9 @@ TEST(Audit, CatchesUseAfterTheEnd) {
 
 TEST(Audit, CatchesHandlesOfTheWrongKind) {
     Host host;
-    auto size = reinterpret_cast<service::memoryBlockGetSize>(host.resolver()("memoryBlockGetSize"));
-    auto bound = reinterpret_cast<service::RuntimeUBound>(host.resolver()("RuntimeUBound"));
-    auto lockString = reinterpret_cast<service::REALLockString>(host.resolver()("REALLockString"));
+    auto size = SERVICE_OF(host, memoryBlockGetSize);
+    auto bound = SERVICE_OF(host, RuntimeUBound);
+    auto lockString = SERVICE_OF(host, REALLockString);
     Value dictionary = host.create("Dictionary");
     EXPECT_EQ(size(reinterpret_cast<REALmemoryBlock>(dictionary.object())), -1);
     EXPECT_TRUE(mentions(host.report(), "a Dictionary is not a MemoryBlock")) << host.report().text();
@@ -85,8 +84,8 @@ TEST(Audit, CatchesHandlesOfTheWrongKind) {
 
 TEST(Audit, CountsStrings) {
     Host host;
-    auto build = reinterpret_cast<service::REALBuildString>(host.resolver()("REALBuildString"));
-    auto unlock = reinterpret_cast<service::REALUnlockString>(host.resolver()("REALUnlockString"));
+    auto build = SERVICE_OF(host, REALBuildString);
+    auto unlock = SERVICE_OF(host, REALUnlockString);
     REALstring text = build("abc", 3);
     EXPECT_EQ(host.report().alive("String"), 1);
     unlock(text);
@@ -111,8 +110,7 @@ TEST(Audit, AStandardSetterIsAPlainStore) {
 
 TEST(Audit, AWronglyUnlockedDescriptionIsCaught) {
     Host host;
-    auto unlock =
-        reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
+    auto unlock = SERVICE_OF(host, unlockPictureDescription);
     Value picture = host.create("Picture", {2, 2, 32});
     unlock(reinterpret_cast<REALpicture>(picture.object()));
     EXPECT_TRUE(mentions(host.report(), "is not locked")) << host.report().text();
@@ -120,9 +118,8 @@ TEST(Audit, AWronglyUnlockedDescriptionIsCaught) {
 
 TEST(Audit, CountsStringData) {
     Host host;
-    auto getData = reinterpret_cast<service::PluginGetStringData>(host.resolver()("PluginGetStringData"));
-    auto dispose =
-        reinterpret_cast<service::PluginDisposeStringData>(host.resolver()("PluginDisposeStringData"));
+    auto getData = SERVICE_OF(host, PluginGetStringData);
+    auto dispose = SERVICE_OF(host, PluginDisposeStringData);
     Value text("abc");
     REALstringData data;
     ASSERT_TRUE(getData(text.stringHandle(), kREALTextEncodingUTF8, &data));

@@ -1,4 +1,5 @@
 // Reading a plugin's records.
+#include "service_of.h"
 #include "test_plugin.h"
 
 #include <studio/host.h>
@@ -90,8 +91,7 @@ TEST(Registration, ConstructorsRunSuperclassFirstAndDestructorsLast) {
 TEST(Registration, AMistakeInADeclarationIsReported) {
     Host host;
     static REALmethodDefinition broken = {nullptr, nullptr, "Broken(a as", 4, {}};
-    auto registerMethod =
-        reinterpret_cast<host::service::PluginRegisterMethod>(host.resolver()("PluginRegisterMethod"));
+    auto registerMethod = SERVICE_OF(host, PluginRegisterMethod);
     registerMethod(&broken);
     ASSERT_EQ(host.report().violations.size(), 1u);
     EXPECT_NE(host.report().violations[0].find("expected a type"), std::string::npos) << host.report().text();

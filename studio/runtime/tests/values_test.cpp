@@ -1,4 +1,6 @@
 // Strings, arrays and variants as plugins see them.
+#include "service_of.h"
+
 #include <studio/host.h>
 
 #include <gtest/gtest.h>
@@ -26,14 +28,11 @@ TEST(Strings, HideLater) {
 
 TEST(Strings, ConvertBetweenEncodings) {
     Host host;
-    namespace service = host::service;
-    auto convert = reinterpret_cast<service::REALConvertString>(host.resolver()("REALConvertString"));
-    auto encoding =
-        reinterpret_cast<service::REALGetStringEncoding>(host.resolver()("REALGetStringEncoding"));
-    auto getData = reinterpret_cast<service::PluginGetStringData>(host.resolver()("PluginGetStringData"));
-    auto dispose =
-        reinterpret_cast<service::PluginDisposeStringData>(host.resolver()("PluginDisposeStringData"));
-    auto unlock = reinterpret_cast<service::REALUnlockString>(host.resolver()("REALUnlockString"));
+    auto convert = SERVICE_OF(host, REALConvertString);
+    auto encoding = SERVICE_OF(host, REALGetStringEncoding);
+    auto getData = SERVICE_OF(host, PluginGetStringData);
+    auto dispose = SERVICE_OF(host, PluginDisposeStringData);
+    auto unlock = SERVICE_OF(host, REALUnlockString);
     {
         Value text("é𝄞");
         REALstring wide = convert(text.stringHandle(), kREALTextEncodingUTF16);

@@ -1,4 +1,5 @@
 // Services that fail on request.
+#include "service_of.h"
 #include "test_plugin.h"
 
 #include <studio/host.h>
@@ -7,12 +8,10 @@
 
 using namespace studio;
 
-namespace service = host::service;
-
 TEST(Faults, EveryAllocationCanFailOnce) {
     Host host;
     host.loadPlugin(testPlugin12);
-    auto make = reinterpret_cast<service::Int32ToVariant>(host.resolver()("Int32ToVariant"));
+    auto make = SERVICE_OF(host, Int32ToVariant);
     for (int good = 0; good < 3; ++good) {
         host.failAllocation(good);
         for (int i = 0; i < good; ++i) EXPECT_EQ(Value::received(make(i)).integer(), i);
@@ -28,7 +27,7 @@ TEST(Faults, EveryAllocationCanFailOnce) {
 TEST(Faults, OneServiceCanFailOnce) {
     Host host;
     host.failService("newPicture", 1);
-    auto make = reinterpret_cast<service::newPicture>(host.resolver()("newPicture"));
+    auto make = SERVICE_OF(host, newPicture);
     auto made = [&] { return Value::received(reinterpret_cast<REALobject>(make(2, 2, 32))); };
     EXPECT_FALSE(made().isNil());
     EXPECT_TRUE(made().isNil());

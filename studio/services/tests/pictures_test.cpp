@@ -1,4 +1,6 @@
 // A Picture as plugins see it.
+#include "service_of.h"
+
 #include <QD/QDOffscreen.h>
 #include <studio/host.h>
 
@@ -9,13 +11,10 @@
 using namespace studio;
 
 TEST(Pictures, HaveDescriptionsThatMustBeUnlocked) {
-    namespace service = host::service;
     for (double version : {2009.0, 2014.01}) {
         Host host({.version = version});
-        auto lock = reinterpret_cast<service::REALLockPictureDescription>(
-            host.resolver()("REALLockPictureDescription"));
-        auto unlock =
-            reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
+        auto lock = SERVICE_OF(host, REALLockPictureDescription);
+        auto unlock = SERVICE_OF(host, unlockPictureDescription);
         Value picture = host.create("Picture", {3, 2, 32});
         auto* handle = reinterpret_cast<REALpicture>(picture.object());
         REALpictureDescription description;
@@ -36,13 +35,10 @@ TEST(Pictures, HaveDescriptionsThatMustBeUnlocked) {
 }
 
 TEST(Pictures, AreQuickDrawWorldsUnlessTheHostIsNewer) {
-    namespace service = host::service;
     for (double version : {2009.05, 2009.99, 2010.0, 2014.01}) {
         Host host({.version = version});
-        auto lock =
-            reinterpret_cast<service::lockPictureDescription>(host.resolver()("lockPictureDescription"));
-        auto unlock =
-            reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
+        auto lock = SERVICE_OF(host, lockPictureDescription);
+        auto unlock = SERVICE_OF(host, unlockPictureDescription);
         Value picture = host.create("Picture", {3, 2, 32});
         auto* handle = reinterpret_cast<REALpicture>(picture.object());
         REALpictureDescription description;
@@ -55,12 +51,9 @@ TEST(Pictures, AreQuickDrawWorldsUnlessTheHostIsNewer) {
 }
 
 TEST(Pictures, AreWorldsUponTheirOwnPixels) {
-    namespace service = host::service;
     Host host;
-    auto lock =
-        reinterpret_cast<service::REALLockPictureDescription>(host.resolver()("REALLockPictureDescription"));
-    auto unlock =
-        reinterpret_cast<service::unlockPictureDescription>(host.resolver()("unlockPictureDescription"));
+    auto lock = SERVICE_OF(host, REALLockPictureDescription);
+    auto unlock = SERVICE_OF(host, unlockPictureDescription);
     Value picture = host.create("Picture", {3, 2, 32});
     auto* handle = reinterpret_cast<REALpicture>(picture.object());
     REALpictureDescription description;

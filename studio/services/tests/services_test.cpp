@@ -1,4 +1,5 @@
 // Which services a host has, and calls between host and plugin.
+#include "service_of.h"
 #include "test_plugin.h"
 
 #include <studio/host.h>
@@ -37,8 +38,7 @@ TEST(Services, CanBeWithheld) {
 
 TEST(HostMethods, AreFoundByTheirDeclaration) {
     Host host;
-    namespace service = host::service;
-    auto global = reinterpret_cast<service::REALLoadGlobalMethod>(host.resolver()("REALLoadGlobalMethod"));
+    auto global = SERVICE_OF(host, REALLoadGlobalMethod);
     auto lenB =
         reinterpret_cast<std::int32_t (*)(REALstring)>(global(nullptr, "LenB( s as string ) as integer"));
     ASSERT_TRUE(lenB);
@@ -47,7 +47,7 @@ TEST(HostMethods, AreFoundByTheirDeclaration) {
     EXPECT_TRUE(global(nullptr, "VarType(value As Variant) As Int32"));
     EXPECT_FALSE(global(nullptr, "LenB(s As String) As Double"));
     EXPECT_FALSE(global(nullptr, "LenB(s As"));
-    auto method = reinterpret_cast<service::REALLoadObjectMethod>(host.resolver()("REALLoadObjectMethod"));
+    auto method = SERVICE_OF(host, REALLoadObjectMethod);
     Value picture = host.create("Picture", {2, 2, 32});
     Value graphics = host.get(picture, "Graphics");
     EXPECT_TRUE(

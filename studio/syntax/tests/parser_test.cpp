@@ -1,4 +1,5 @@
 // Parsing: trees from text, and the messages about syntax errors.
+#include "mistake.h"
 #include "syntax/ast.h"
 #include "syntax/parser.h"
 
@@ -61,13 +62,6 @@ TEST(Operators, BindByTheirRank) {
 
 // ---- mistakes --------------------------------------------------------------------------------------------
 
-struct Mistake {
-    const char* name;
-    const char* source;
-    const char* message; // "line:column: message"
-};
-void PrintTo(const Mistake& mistake, std::ostream* out) { *out << mistake.name; }
-
 class SyntaxMistakes : public testing::TestWithParam<Mistake> {};
 
 TEST_P(SyntaxMistakes, AreExplained) {
@@ -75,9 +69,7 @@ TEST_P(SyntaxMistakes, AreExplained) {
         parseProgram(GetParam().source);
         FAIL() << "it parsed";
     } catch (const SourceError& error) {
-        EXPECT_EQ(std::to_string(error.position.line) + ":" + std::to_string(error.position.column) + ": " +
-                      error.what(),
-                  GetParam().message);
+        EXPECT_EQ(explained(error), GetParam().message);
     }
 }
 
