@@ -24,3 +24,27 @@ function(kaz_tests name)
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES ENVIRONMENT "${KAZ_TEST_ENVIRONMENT}" TIMEOUT ${arg_TIMEOUT})
 endfunction()
+
+# kaz_program_tests(NAME PROGRAM.rbs [OPTIONS option...] [TIMEOUT seconds])
+# Every Sub of the program whose name begins with Test, called NAME.Sub. Each runs in a process and a folder of its
+# own; the options are the studio's.
+function(kaz_program_tests name program)
+  if(NOT BUILD_TESTING)
+    return()
+  endif()
+  cmake_parse_arguments(arg "" "TIMEOUT" "OPTIONS" ${ARGN})
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
+  # The names are read from the text, so a new Sub configures anew.
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${program}")
+  file(STRINGS "${program}" lines REGEX "^[ \t]*[Ss][Uu][Bb][ \t]+[Tt][Ee][Ss][Tt][A-Za-z0-9_]")
+  foreach(line IN LISTS lines)
+    string(REGEX REPLACE "^[ \t]*[A-Za-z]+[ \t]+([A-Za-z0-9_]+).*$" "\\1" sub "${line}")
+    set(folder "${CMAKE_CURRENT_BINARY_DIR}/programs/${name}/${sub}")
+    file(MAKE_DIRECTORY "${folder}")
+    add_test(NAME ${name}.${sub} COMMAND studio ${arg_OPTIONS} --only ${sub} "${program}"
+      WORKING_DIRECTORY "${folder}")
+    set_tests_properties(${name}.${sub} PROPERTIES ENVIRONMENT "${KAZ_TEST_ENVIRONMENT}" TIMEOUT ${arg_TIMEOUT})
+  endforeach()
+endfunction()

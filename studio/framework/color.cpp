@@ -1,5 +1,5 @@
-// Colours: 32 bits, alpha on top (255 is opaque here; the language counts transparency, 0 is opaque).
-#include "framework/table.h"
+// Colours: 32 bits, alpha on top (here 255 is opaque; the language counts transparency, so 0 is opaque).
+#include "table.h"
 
 #include <algorithm>
 #include <cmath>
@@ -38,8 +38,6 @@ HSV toHSV(std::uint32_t c) {
     return {h / 6, high > 0 ? range / high : 0, high};
 }
 
-} // namespace
-
 FrameworkFunctions colorFunctions() {
     return {
         method("RGB(red As Integer, green As Integer, blue As Integer, transparency As Integer = 0) As Color",
@@ -57,5 +55,9 @@ FrameworkFunctions colorFunctions() {
         method("Value(Extends c As Color) As Double", [](std::uint32_t c) { return toHSV(c).v; }),
     };
 }
+
+const Registrar registrar([] { return FrameworkPart{{}, colorFunctions()}; });
+
+} // namespace
 
 } // namespace studio

@@ -1,5 +1,5 @@
 // Date: local wall-clock fields.
-#include "framework/table.h"
+#include "table.h"
 
 #include <cmath>
 #include <cstdio>
@@ -9,8 +9,8 @@ namespace studio {
 
 namespace {
 
-// Fields are kept as they were set and brought into range when they are read, so that Year, Month and Day can
-// be set one after the other.
+// Fields are stored as they are set and brought into range when they are read, so that Year, Month and Day
+// can be set one after the other.
 struct Date {
     std::int32_t year = 0, month = 1, day = 1, hour = 0, minute = 0, second = 0;
     double gmtOffset = 0; // hours
@@ -80,10 +80,9 @@ REALstring sql(REALobject self, bool time) {
     return makeString(text);
 }
 
-} // namespace
-
 FrameworkClass dateClass() {
     FrameworkClass table = classWithData<Date>("Date");
+    table.variantType = kREALVariantDate;
     table.constructor = +[](REALobject self) {
         new (instanceData(self)) Date();
         std::time_t now = std::time(nullptr);
@@ -138,5 +137,9 @@ FrameworkClass dateClass() {
     };
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{dateClass()}}; });
+
+} // namespace
 
 } // namespace studio

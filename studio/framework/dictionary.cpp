@@ -1,6 +1,6 @@
-// Dictionary: variants by variants, in the order they came. Strings are the same key whatever their case.
-#include "framework/table.h"
+// Dictionary: variants by variants, in the order of insertion. Keys that are strings ignore case.
 #include "runtime/text.h"
+#include "table.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -91,7 +91,7 @@ const Entry& entryAt(REALobject self, std::int32_t index) {
 REALobject listOf(REALobject self, REALobject Entry::*member) {
     REALobject result = newArray(simpleType(Kind::Variant));
     for (Entry& entry : dictionary(self).entries)
-        arrayInsert(arrayOf(result), arrayOf(result).count, Bits::of(Heap::retain(entry.*member)));
+        arrayAppend(arrayOf(result), Bits::of(Heap::retain(entry.*member)));
     return result;
 }
 
@@ -108,8 +108,6 @@ void removeKey(REALobject self, REALobject key) {
     heap().release(gone.key);
     heap().release(gone.value);
 }
-
-} // namespace
 
 FrameworkClass dictionaryClass() {
     FrameworkClass table = classWithData<Dictionary>("Dictionary");
@@ -139,5 +137,9 @@ FrameworkClass dictionaryClass() {
     };
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{dictionaryClass()}}; });
+
+} // namespace
 
 } // namespace studio

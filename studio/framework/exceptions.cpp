@@ -1,9 +1,11 @@
 // RuntimeException and its subclasses.
 #include "framework/exceptions.h"
 
-#include "framework/table.h"
+#include "table.h"
 
 namespace studio {
+
+ExceptionData& exceptionData(REALobject exception) { return dataOf<ExceptionData>(exception); }
 
 namespace {
 
@@ -38,17 +40,15 @@ FrameworkClass runtimeException() {
                [](REALobject self) {
                    REALobject result = newArray(simpleType(Kind::String));
                    for (const std::string& place : dataOf<ExceptionData>(self).places)
-                       arrayInsert(arrayOf(result), arrayOf(result).count, Bits::of(makeString(place)));
+                       arrayAppend(arrayOf(result), Bits::of(makeString(place)));
                    return result;
                }),
     };
     return table;
 }
 
-} // namespace
-
-std::vector<FrameworkClass> exceptionClasses() {
-    std::vector<FrameworkClass> result = {runtimeException()};
+FrameworkPart exceptions() {
+    FrameworkPart result{{runtimeException()}};
     for (const char* name :
          {"NilObjectException", "UnsupportedOperationException", "OutOfBoundsException",
           "OutOfMemoryException", "TypeMismatchException", "IllegalCastException", "InvalidArgumentException",
@@ -56,11 +56,13 @@ std::vector<FrameworkClass> exceptionClasses() {
         FrameworkClass subclass;
         subclass.name = name;
         subclass.superclass = "RuntimeException";
-        result.push_back(subclass);
+        result.classes.push_back(subclass);
     }
     return result;
 }
 
-ExceptionData& exceptionData(REALobject exception) { return dataOf<ExceptionData>(exception); }
+const Registrar registrar(exceptions);
+
+} // namespace
 
 } // namespace studio

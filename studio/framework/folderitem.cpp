@@ -1,9 +1,9 @@
 #include "framework/folderitem.h"
 
-#include "framework/files.h"
-#include "framework/table.h"
-#include "runtime/pool.h"
+#include "files.h"
+#include "runtime/autorelease_pool.h"
 #include "runtime/text.h"
+#include "table.h"
 
 #include <Carbon/Carbon.h>
 
@@ -35,7 +35,7 @@ std::vector<std::string> contents(const std::string& folder) {
     return result;
 }
 
-REALobject itemAt(REALobject self, std::int32_t index) { // the first is number 1
+REALobject itemAt(REALobject self, std::int32_t index) { // counts from 1
     std::vector<std::string> all = contents(path(self));
     if (index < 1 || std::size_t(index) > all.size())
         raise("OutOfBoundsException", "the folder has no item " + std::to_string(index));
@@ -83,7 +83,7 @@ std::string pathOfRef(const FSRef& ref) {
 } // namespace
 
 bool fsRefOf(REALobject item, FSRef* out, HFSUniStr255* name) {
-    Pool pool;
+    AutoreleasePool pool;
     if (!out) return false;
     if (!name) return refOfPath(path(item), out);
     if (!refOfPath(files::parent(path(item)), out)) return false;
@@ -95,14 +95,14 @@ bool fsRefOf(REALobject item, FSRef* out, HFSUniStr255* name) {
 }
 
 bool fsSpecOf(REALobject item, FSSpec* out) {
-    Pool pool;
+    AutoreleasePool pool;
     FSRef ref;
     return out && refOfPath(path(item), &ref) &&
            FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, nullptr, out, nullptr) == noErr;
 }
 
 REALobject folderItemIn(const FSRef* parent, const HFSUniStr255* name) {
-    Pool pool;
+    AutoreleasePool pool;
     if (!parent || !name) return nullptr;
     const auto* bytes = reinterpret_cast<const unsigned char*>(parent);
     if (std::all_of(bytes, bytes + sizeof *parent, [](unsigned char b) { return b == 0; }))
@@ -116,12 +116,14 @@ REALobject folderItemIn(const FSRef* parent, const HFSUniStr255* name) {
 }
 
 REALobject folderItemOf(const FSSpec* record) {
-    Pool pool;
+    AutoreleasePool pool;
     FSRef ref;
     if (!record || FSpMakeFSRef(record, &ref) != noErr) return nullptr;
     std::string itemPath = pathOfRef(ref);
     return itemPath.empty() ? nullptr : newFolderItem(itemPath);
 }
+
+namespace {
 
 // ---- the class -------------------------------------------------------------------------------------------
 
@@ -191,5 +193,9 @@ FrameworkFunctions fileFunctions() {
                [] { return newFolderItem(fs::temp_directory_path().string()); }),
     };
 }
+
+const Registrar registrar([] { return FrameworkPart{{folderItemClass()}, fileFunctions()}; });
+
+} // namespace
 
 } // namespace studio

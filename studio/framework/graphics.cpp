@@ -1,12 +1,13 @@
 // Graphics and RGBSurface: two ways to a picture's pixels.
 #include "framework/picture.h"
-#include "framework/table.h"
+#include "picture_data.h"
+#include "table.h"
 
 namespace studio {
 
 namespace {
 
-// Both only name their picture, and keep it.
+// Both are just a reference to their picture.
 struct View {
     REALobject picture = nullptr;
 };
@@ -55,6 +56,8 @@ FrameworkClass viewClass(const char* name) {
 
 REALobject pictureGraphics(REALobject picture) { return viewOf("Graphics", picture); }
 REALobject pictureSurface(REALobject picture) { return viewOf("RGBSurface", picture); }
+
+namespace {
 
 FrameworkClass graphicsClass() {
     using I = std::int32_t;
@@ -123,5 +126,9 @@ FrameworkClass surfaceClass() {
     table.methods = {method("Pixel(x As Integer, y As Integer) As Color", pixel, setPixel)};
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{graphicsClass(), surfaceClass()}}; });
+
+} // namespace
 
 } // namespace studio

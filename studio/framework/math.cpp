@@ -1,5 +1,5 @@
-// Numbers, and Random.
-#include "framework/table.h"
+// Functions of numbers, and Random.
+#include "table.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,8 +22,6 @@ struct Random {
 };
 
 Random& random(REALobject self) { return dataOf<Random>(self); }
-
-} // namespace
 
 FrameworkFunctions mathFunctions() {
     using F = double (*)(double);
@@ -87,5 +85,9 @@ FrameworkClass randomClass() {
     };
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{randomClass()}, mathFunctions()}; });
+
+} // namespace
 
 } // namespace studio

@@ -1,6 +1,6 @@
 #include "framework/memoryblock.h"
 
-#include "framework/table.h"
+#include "table.h"
 
 #include <algorithm>
 #include <bit>
@@ -80,14 +80,16 @@ REALobject newMemoryBlock(std::string_view bytes) {
     return object;
 }
 
-REALstring memoryBlockToString(REALobject block) {
-    MemoryBlockBytes& bytes = memoryBlockBytes(block);
-    return heap().newString({bytes.data, std::size_t(bytes.size)}, kREALTextEncodingUnknown);
-}
+namespace {
 
 FrameworkClass memoryBlockClass() {
     FrameworkClass table = classWithData<MemoryBlockBytes>("MemoryBlock");
     table.destructor = +[](REALobject self) { std::free(memoryBlockBytes(self).data); };
+    table.fromString = [](REALstring text) { return newMemoryBlock(bytesOf(text)); };
+    table.toString = [](REALobject self) {
+        MemoryBlockBytes& bytes = memoryBlockBytes(self);
+        return heap().newString({bytes.data, std::size_t(bytes.size)}, kREALTextEncodingUnknown);
+    };
     table.properties = {
         property(
             "Size", "Integer", [](REALobject self) { return memoryBlockBytes(self).size; },
@@ -147,5 +149,9 @@ FrameworkClass memoryBlockClass() {
     };
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{memoryBlockClass()}}; });
+
+} // namespace
 
 } // namespace studio

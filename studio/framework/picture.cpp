@@ -1,10 +1,12 @@
+// Picture: the class, its files, and its faces for plugins.
 #include "framework/picture.h"
 
-#include "framework/files.h"
+#include "files.h"
+#include "framework/cfstring.h"
 #include "framework/folderitem.h"
-#include "framework/table.h"
-#include "runtime/cfstring.h"
-#include "runtime/pool.h"
+#include "picture_data.h"
+#include "runtime/autorelease_pool.h"
+#include "table.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
@@ -16,13 +18,11 @@
 
 namespace studio {
 
-REALobject pictureSurface(REALobject picture); // graphics.cpp
-
 Picture& pictureOf(REALobject picture) { return dataOf<Picture>(picture); }
 
 namespace {
 
-// A Core Foundation reference that is given back.
+// Releases a Core Foundation reference at the end of a scope; null is ignored.
 template <class T>
 struct Owned {
     T ref;
@@ -53,7 +53,7 @@ bool prepare(Picture& picture, std::int32_t width, std::int32_t height, std::int
 }
 
 void construct(REALobject self, std::int32_t width, std::int32_t height, std::int32_t depth) {
-    if (width < 1 || height < 1) raise("InvalidArgumentException", "a Picture is at least 1 by 1 pixel");
+    if (width < 1 || height < 1) raise("InvalidArgumentException", "a Picture must be at least 1 by 1 pixel");
     if (!prepare(pictureOf(self), width, height, depth))
         raise("OutOfMemoryException", "There is no memory for the Picture.");
 }
@@ -69,7 +69,7 @@ CGContextRef contextOf(Picture& picture) {
     return static_cast<CGContextRef>(picture.context);
 }
 
-// Null when the picture is larger than QuickDraw's coordinates reach.
+// Null when the picture is too large for QuickDraw's coordinates.
 GWorldPtr worldOf(Picture& picture) {
     Pixels& p = picture.pixels;
     if (!picture.world && p.width <= INT16_MAX && p.height <= INT16_MAX) {
@@ -110,7 +110,7 @@ CFURLRef urlOf(const std::string& path) {
 
 void save(REALobject self, REALobject file, std::int32_t format, std::int32_t quality) {
     if (!file) raise("NilObjectException", "file is nil");
-    Pool pool;
+    AutoreleasePool pool;
     const std::string& path = folderItemPath(file);
     Owned<CFURLRef> url(urlOf(path));
     Owned<CFStringRef> type(
@@ -131,13 +131,13 @@ void save(REALobject self, REALobject file, std::int32_t format, std::int32_t qu
 
 REALobject open(REALobject file) {
     if (!file) raise("NilObjectException", "file is nil");
-    Pool pool;
+    AutoreleasePool pool;
     const std::string& path = folderItemPath(file);
     if (!files::exists(path)) raise("IOException", path + " does not exist");
     Owned<CFURLRef> url(urlOf(path));
     Owned<CGImageSourceRef> source(url.ref ? CGImageSourceCreateWithURL(url, nullptr) : nullptr);
     CGImageRef image = source.ref ? CGImageSourceCreateImageAtIndex(source, 0, nullptr) : nullptr;
-    if (!image) raise("IOException", path + " is no picture that can be read");
+    if (!image) raise("IOException", path + " does not hold a readable picture");
     CGImageAlphaInfo alpha = CGImageGetAlphaInfo(image);
     bool opaque = alpha == kCGImageAlphaNone || alpha == kCGImageAlphaNoneSkipFirst ||
                   alpha == kCGImageAlphaNoneSkipLast;
@@ -182,7 +182,7 @@ bool describePicture(REALobject self, REALpictureDescription* out, std::int32_t 
     if (picture.pixels.width > 0 && kind == kREALPictureCGContext) out->handle = contextOf(picture);
     if (picture.pixels.width > 0 && kind == kREALPicturePixelBuffer) out->handle = bufferOf(picture);
     if (!out->handle) {
-        // Hosts before 2012.0 want even a lock that failed undone.
+        // Hosts before 2012.0 expect an unlock even after a lock that failed.
         if (runtime().version() < 2012.0) ++picture.descriptions;
         return false;
     }
@@ -198,8 +198,7 @@ void undescribePicture(REALobject self) {
         --picture.descriptions;
 }
 
-// Nothing is cached: the pixels are the picture. A picture that is changed must not be locked for reading
-// still.
+// Nothing to clear: the pixels are the picture. Drawing that is still pending is finished.
 void pictureChanged(REALobject self) {
     if (void* context = pictureOf(self).context) CGContextFlush(static_cast<CGContextRef>(context));
 }
@@ -223,6 +222,8 @@ void* pictureCGImage(REALobject self) {
     return image;
 }
 
+namespace {
+
 // ---- the class -------------------------------------------------------------------------------------------
 
 FrameworkClass pictureClass() {
@@ -230,7 +231,7 @@ FrameworkClass pictureClass() {
     table.destructor = +[](REALobject self) {
         Picture& picture = pictureOf(self);
         if (picture.descriptions > 0)
-            heap().remark("a Picture is gone with its description locked " +
+            heap().remark("a Picture was destroyed with its description locked " +
                           std::to_string(picture.descriptions) + " times");
         if (picture.context) CGContextRelease(static_cast<CGContextRef>(picture.context));
         DisposeGWorld(picture.world);
@@ -257,5 +258,9 @@ FrameworkClass pictureClass() {
     table.constants = {"SaveAsPNG = 1", "SaveAsJPEG = 2"};
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{pictureClass()}}; });
+
+} // namespace
 
 } // namespace studio

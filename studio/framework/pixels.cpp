@@ -1,4 +1,4 @@
-#include "framework/pixels.h"
+#include "pixels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -104,7 +104,7 @@ void Pixels::drawLine(int x1, int y1, int x2, int y2, int penWidth, int penHeigh
                  std::abs(y2 - y1) + penHeight, color);
         return;
     }
-    // A thick slanted line: every pixel that the pen touches is drawn once.
+    // A thick slanted line: each pixel that the pen touches is drawn only once.
     Pixels touched;
     int left = std::min(x1, x2), top = std::min(y1, y2);
     touched.resize(std::abs(x2 - x1) + penWidth, std::abs(y2 - y1) + penHeight);

@@ -1,53 +1,13 @@
 // TextInputStream and TextOutputStream.
-#include "framework/files.h"
+#include "files.h"
 #include "framework/folderitem.h"
-#include "framework/table.h"
+#include "table.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 
 namespace studio {
-
-namespace files {
-
-namespace fs = std::filesystem;
-
-std::string absolute(const std::string& path) {
-    std::error_code error;
-    std::string result = fs::absolute(path, error).lexically_normal().string();
-    if (result.size() > 1 && result.back() == '/') result.pop_back();
-    return result;
-}
-std::string parent(const std::string& path) { return fs::path(path).parent_path().string(); }
-std::string leaf(const std::string& path) { return fs::path(path).filename().string(); }
-bool exists(const std::string& path) {
-    std::error_code error;
-    return fs::exists(path, error);
-}
-bool isDirectory(const std::string& path) {
-    std::error_code error;
-    return fs::is_directory(path, error);
-}
-
-std::string read(const std::string& path) {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (!file) raise("IOException", "cannot read " + path + ": " + std::strerror(errno));
-    std::string result;
-    char buffer[65536];
-    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, file)) > 0;) result.append(buffer, n);
-    std::fclose(file);
-    return result;
-}
-
-void write(const std::string& path, const std::string& bytes) {
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    bool written = file && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    if (file && std::fclose(file) != 0) written = false;
-    if (!written) raise("IOException", "cannot write " + path + ": " + std::strerror(errno));
-}
-
-} // namespace files
 
 namespace {
 
@@ -81,8 +41,6 @@ REALobject openForWriting(REALobject item, const char* mode) {
     dataOf<OutputStream>(result).file = file;
     return result;
 }
-
-} // namespace
 
 FrameworkClass textInputStreamClass() {
     FrameworkClass table = classWithData<InputStream>("TextInputStream");
@@ -137,5 +95,9 @@ FrameworkClass textOutputStreamClass() {
     };
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{textInputStreamClass(), textOutputStreamClass()}}; });
+
+} // namespace
 
 } // namespace studio

@@ -1,6 +1,6 @@
 // Functions of text. Each can also be called on its first argument: name.Uppercase, line.Split(",").
-#include "framework/table.h"
 #include "runtime/text.h"
+#include "table.h"
 
 #include <algorithm>
 #include <cmath>
@@ -96,8 +96,9 @@ string inBase(std::uint64_t value, unsigned base) {
     return result;
 }
 
-// Masks: 0 a digit always, # a digit where there is one, a point, a comma for thousands, %, + and - for the
-// sign, anything else as it is; parts for negative and zero values after semicolons.
+// Masks: "0" is always a digit and "#" one where the number has it, "." is the point, "," groups thousands,
+// "%" multiplies by 100, "+" shows the sign of positive numbers, too, and anything else is literal.
+// Semicolons separate parts for negative and zero values.
 string formatted(double value, string mask) {
     std::vector<string> parts = fields(mask, ";");
     if (parts.size() > 1 && value < 0) {
@@ -142,8 +143,6 @@ string formatted(double value, string mask) {
     if (point != string::npos && !(fractionDigits.empty() && wanted == 0)) result += "." + fractionDigits;
     return result + after;
 }
-
-} // namespace
 
 FrameworkFunctions stringFunctions() {
     return {
@@ -221,7 +220,7 @@ FrameworkFunctions stringFunctions() {
                [](REALstring s, REALstring separator) {
                    REALobject result = newArray(simpleType(Kind::String));
                    for (const string& field : fields(toUtf8(s), toUtf8(separator)))
-                       arrayInsert(arrayOf(result), arrayOf(result).count, Bits::of(makeString(field)));
+                       arrayAppend(arrayOf(result), Bits::of(makeString(field)));
                    return result;
                }),
         method("Join(parts() As String, separator As String = \" \") As String",
@@ -283,7 +282,7 @@ FrameworkFunctions stringFunctions() {
                [](REALstring s, std::int32_t encoding) {
                    auto bytes = text::fromUtf8(toUtf8(s), std::uint32_t(encoding));
                    if (!bytes)
-                       raise("InvalidArgumentException", "this text cannot be written in that encoding");
+                       raise("InvalidArgumentException", "this text cannot be expressed in that encoding");
                    return heap().newString(*bytes, std::uint32_t(encoding));
                }),
     };
@@ -296,5 +295,9 @@ FrameworkClass encodingsClass() {
                        "MacRoman = 0",      "ISOLatin1 = &h0201", "Unknown = &hFFFF"};
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{encodingsClass()}, stringFunctions()}; });
+
+} // namespace
 
 } // namespace studio

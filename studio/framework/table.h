@@ -1,10 +1,17 @@
 // The framework's classes and functions are tables: a declaration in the language and the C function that
-// does it. Plugins' classes come in as the same kind of table, so the host treats both alike.
+// implements it. Plugins' classes come as the same kind of table, so the host treats both alike.
 //
 // Strings and objects are borrowed as arguments and owned as results. A function may raise() an exception.
+//
+// Each table lives in one file, which ends by handing it to a Registrar. Nothing else lists it.
 #pragma once
 
-#include "runtime/runtime.h"
+#include "runtime/arrays.h"
+#include "runtime/exceptions.h"
+#include "runtime/objects.h"
+#include "runtime/references.h"
+#include "runtime/strings.h"
+#include "runtime/variants.h"
 
 #include <new>
 #include <string>
@@ -13,7 +20,7 @@
 
 namespace studio {
 
-// The C types of a function, one letter each; checked against its declaration when the table is read.
+// The C types of a function, one letter each, checked against its declaration when the table is read.
 template <class T>
 constexpr char shapeOf() {
     if constexpr (std::is_void_v<T>)
@@ -94,9 +101,15 @@ struct FrameworkClass {
     std::vector<FrameworkMethod> sharedMethods = {};
     std::vector<const char*> constants = {};
     std::vector<const char*> events = {};
+    // See Class.
+    std::int32_t variantType = kREALVariantObject;
+    REALobject (*fromString)(REALstring) = nullptr;
+    REALstring (*toString)(REALobject) = nullptr;
+    void (*setHandler)(REALobject, std::string_view event, const Method* handler) = nullptr;
+    void (*atYield)() = nullptr; // runs whenever the program yields
 };
 
-// The C++ data of a framework class, right behind the header: such classes inherit from Object only.
+// The C++ data of a framework class, right behind the header: such a class inherits from Object only.
 template <class Data>
 Data& dataOf(REALobject object) {
     return *reinterpret_cast<Data*>(instanceData(object));
@@ -112,5 +125,16 @@ FrameworkClass classWithData(const char* name) {
 }
 
 using FrameworkFunctions = std::vector<FrameworkMethod>;
+
+// What one file adds to the framework.
+struct FrameworkPart {
+    std::vector<FrameworkClass> classes = {};
+    FrameworkFunctions functions = {};
+};
+
+// A static one at the end of the file makes the part known. Every host makes the tables afresh.
+struct Registrar {
+    explicit Registrar(FrameworkPart (*part)());
+};
 
 } // namespace studio

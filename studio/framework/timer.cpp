@@ -1,33 +1,27 @@
-#include "framework/timer.h"
-
-#include "framework/table.h"
+// Timer: fires its Action whenever the program yields and it is due.
+#include "clock.h"
+#include "runtime/calls.h"
+#include "table.h"
 
 #include <algorithm>
-#include <ctime>
 
 namespace studio {
 
 namespace {
 
-double nowMilliseconds() {
-    timespec time;
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    return double(time.tv_sec) * 1000 + double(time.tv_nsec) / 1e6;
-}
-
 struct Timer {
     std::int32_t period = 1000;
     std::int32_t mode = 0;
-    double due = 0;
+    double due = 0; // microseconds
     const Method* handler = nullptr;
 };
 
 enum { kOff = 0, kSingle = 1, kMultiple = 2 };
 
 Timer& timer(REALobject self) { return dataOf<Timer>(self); }
-void restart(REALobject self) { timer(self).due = nowMilliseconds() + timer(self).period; }
+void restart(REALobject self) { timer(self).due = microseconds() + timer(self).period * 1000.0; }
 
-// A subclass's own Action, or the Sub that AddHandler named.
+// Calls a subclass's own Action, or else the Sub given to AddHandler.
 void fire(REALobject self) {
     for (const Method* m : classOf(self).methodsNamed("Action"))
         if (m->routine && m->signature.parameters.empty()) {
@@ -40,21 +34,14 @@ void fire(REALobject self) {
     }
 }
 
-} // namespace
+// The running host's. They hold no reference: a timer's destructor takes it out.
+std::vector<REALobject> timers;
 
-void setHandler(REALobject object, std::string_view event, const Method* handler) {
-    if (!isA(object, "Timer") || !sameName(event, "Action"))
-        raise("UnsupportedOperationException", classNameOf(object) + " has no event " + std::string(event));
-    timer(object).handler = handler;
-}
-
-void TimerQueue::remove(REALobject timer) { std::erase(timers_, timer); }
-
-void TimerQueue::fireDue() {
-    // Handlers may start and drop timers: each that is due is held until all have fired.
+void fireDue() {
+    // Handlers may start and drop timers, so each that is due is held until all have fired.
     std::vector<ObjectRef> due;
-    double now = nowMilliseconds();
-    for (REALobject t : timers_)
+    double now = microseconds();
+    for (REALobject t : timers)
         if (timer(t).mode != kOff && timer(t).due <= now) due.emplace_back(Heap::retain(t));
     for (REALobject t : due) {
         if (timer(t).mode == kOff) continue;
@@ -65,12 +52,13 @@ void TimerQueue::fireDue() {
 }
 
 FrameworkClass timerClass() {
+    timers.clear(); // an earlier host may have left some behind
     FrameworkClass table = classWithData<Timer>("Timer");
     table.constructor = +[](REALobject self) {
         new (instanceData(self)) Timer();
-        runtime().timers->add(self);
+        timers.push_back(self);
     };
-    table.destructor = +[](REALobject self) { runtime().timers->remove(self); };
+    table.destructor = +[](REALobject self) { std::erase(timers, self); };
     table.properties = {
         property(
             "Period", "Integer", [](REALobject self) { return timer(self).period; },
@@ -94,7 +82,15 @@ FrameworkClass timerClass() {
     table.methods = {method("Reset", restart)};
     table.constants = {"ModeOff = 0", "ModeSingle = 1", "ModeMultiple = 2"};
     table.events = {"Action"};
+    table.setHandler = [](REALobject self, std::string_view, const Method* handler) {
+        timer(self).handler = handler;
+    };
+    table.atYield = fireDue;
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{timerClass()}}; });
+
+} // namespace
 
 } // namespace studio

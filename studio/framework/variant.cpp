@@ -1,10 +1,7 @@
-// Variant: the properties that any object answers when it is looked at as a variant.
-#include "framework/table.h"
+// Variant: the properties that every value has when it is treated as a variant.
+#include "table.h"
 
 namespace studio {
-
-void releaseBox(REALobject variant); // runtime/variants.cpp
-std::int32_t boxSize();
 
 namespace {
 
@@ -13,9 +10,7 @@ Bits as(REALobject variant) {
     return unboxVariant(variant, simpleType(kind));
 }
 
-} // namespace
-
-FrameworkClass variantClassTable() {
+FrameworkClass variantClass() {
     FrameworkClass table;
     table.name = "Variant";
     table.dataSize = boxSize();
@@ -46,5 +41,9 @@ FrameworkClass variantClassTable() {
     };
     return table;
 }
+
+const Registrar registrar([] { return FrameworkPart{{variantClass()}}; });
+
+} // namespace
 
 } // namespace studio

@@ -1,17 +1,25 @@
-// Resolves a parsed program: finds what every name means, checks every type, and makes the code that runs.
+// Compiles a parsed program: resolves every name, checks every type and makes the code that runs.
 #pragma once
 
-#include "language/ast.h"
-#include "language/machine.h"
+#include "language/program.h"
+#include "runtime/class_table.h"
 
 namespace studio {
+
+namespace ast {
+struct ClassDeclaration;
+struct Program;
+struct Routine;
+struct Statement;
+struct Variable;
+} // namespace ast
 
 // A resolved expression.
 struct Operand {
     const Type* type;
     Code code;
     Position position;
-    std::optional<Literal> constant = {}; // a literal, or what was made of literals
+    std::optional<Literal> constant = {}; // a literal, or an expression of literals
 };
 
 // Something that can be assigned to.
@@ -57,7 +65,7 @@ class Compiler {
     // ---- names ------------------------------------------------------------------------------------------
     Local* findVariable(std::string_view name);
     const Field* findField(const Class* cls, std::string_view name) const;
-    Class* findClass(const ast::Expr& e) const; // a class that is named and not hidden by a variable
+    Class* findClass(const ast::Expr& e) const; // the class named by `e`, unless a variable hides it
     int newSlot() { return slotCount_++; }
     Local& declareLocal(const std::string& name, Position position, const Type* type);
     [[noreturn]] void unknown(Position position, const std::string& what, std::string_view name,
@@ -92,7 +100,7 @@ class Compiler {
     // Calls.
     struct PreparedArguments {
         std::vector<Operand> operands;
-        std::vector<Place> places; // those by reference; empty store for the rest
+        std::vector<Place> places; // of arguments by reference; the others have no store
     };
     Operand invokeMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
                          const std::vector<const ast::Expr*>& arguments, std::string_view name,
@@ -110,14 +118,14 @@ class Compiler {
                                std::string_view name, Position position);
 
     // ---- operators.cpp ----------------------------------------------------------------------------------
-    Operand unary(const ast::Expr& e);
+    Operand unary(const std::string& operation, Operand a, Position position);
     Operand binary(const std::string& operation, Operand a, Operand b, Position position);
     Operand arithmetic(const std::string& operation, Operand a, Operand b, Position position);
     Operand comparison(const std::string& operation, Operand a, Operand b, Position position);
     Operand logical(const std::string& operation, Operand a, Operand b, Position position);
 
     // ---- statements.cpp ---------------------------------------------------------------------------------
-    Action block(const ast::Block& statements);
+    Action block(const std::vector<std::unique_ptr<ast::Statement>>& statements);
     Action statement(const ast::Statement& s);
     Action dim(const ast::Statement& s);
     Action declare(const ast::Variable& v);
@@ -139,7 +147,7 @@ class Compiler {
         std::map<std::string, Local> names;
         std::vector<std::pair<int, const Type*>> counted; // slots to release at the end
     };
-    // A scope around what a body declares.
+    // Opens a scope for the body's declarations.
     Action scoped(const std::function<Action()>& body);
 
     Program& program_;

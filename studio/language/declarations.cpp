@@ -1,6 +1,10 @@
 // Classes, routines and globals of a program, and the names in scope.
-#include "language/compiler.h"
-#include "language/parser.h"
+#include "compiler.h"
+#include "runtime/arrays.h"
+#include "runtime/references.h"
+#include "syntax/ast.h"
+#include "syntax/names.h"
+#include "syntax/parser.h"
 
 #include <algorithm>
 
@@ -41,7 +45,7 @@ Local& Compiler::declareLocal(const std::string& name, Position position, const 
     local.slot = newSlot();
     auto [entry, fresh] = scope.names.try_emplace(folded(name), local);
     if (!fresh && name[0] != '(')
-        throw SourceError(position, "there is a variable '" + name + "' here already");
+        throw SourceError(position, "there is already a variable '" + name + "' here");
     entry->second = local;
     if (type->isCounted()) scope.counted.emplace_back(local.slot, type);
     return entry->second;
@@ -124,7 +128,7 @@ const Type* Compiler::resolveType(const ast::TypeName& name) {
 }
 
 Local Compiler::constantOf(const ast::Variable& variable) {
-    // Scopes may not be open yet; a constant's value is made of literals and constants.
+    // No scope need be open: a constant's value consists of literals and constants.
     Operand operand = value(*variable.initial);
     if (!operand.constant)
         throw SourceError(variable.initial->position, "expected a literal value for the constant");
@@ -137,7 +141,7 @@ Local Compiler::constantOf(const ast::Variable& variable) {
 // ---- classes ---------------------------------------------------------------------------------------------
 
 void Compiler::declareClasses() {
-    // Superclasses first, in whatever order they are written.
+    // Superclasses first, whatever the order in the text.
     std::vector<const ast::ClassDeclaration*> waiting;
     for (const ast::ClassDeclaration& source : source_.classes) waiting.push_back(&source);
     std::vector<std::pair<const ast::ClassDeclaration*, Class*>> defined;
@@ -154,7 +158,7 @@ void Compiler::declareClasses() {
             at = waiting.erase(at);
             Class* cls = classes().named(source.name);
             if (cls->isDefined() || simpleTypeNamed(source.name)) {
-                errors_.emplace_back(source.position, "there is a class '" + source.name + "' already");
+                errors_.emplace_back(source.position, "there is already a class '" + source.name + "'");
                 continue;
             }
             std::int32_t size = std::int32_t(source.properties.size() * sizeof(Bits));
@@ -187,7 +191,7 @@ void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
             Field field{v.name, resolveType(v.type),
                         cls.dataOffset + std::int32_t(fields.size() * sizeof(Bits))};
             if (findField(&cls, v.name))
-                throw SourceError(v.position, "there is a property '" + v.name + "' already");
+                throw SourceError(v.position, "there is already a property '" + v.name + "'");
             fields.push_back(field);
             if (v.initial) {
                 initials.emplace_back(field, valueAs(*v.initial, field.type, "'" + v.name + "'").code);
@@ -246,7 +250,7 @@ void Compiler::declareRoutine(const ast::Routine& source, Class* owner) {
             equal &= other->signature.parameters[i].type == method->signature.parameters[i].type;
         if (equal)
             throw SourceError(source.signature.position,
-                              "there is a '" + source.signature.name + "' with these parameters already");
+                              "there is already a '" + source.signature.name + "' with these parameters");
     }
     program_.routines.emplace_back();
     Routine& routine = program_.routines.back();
@@ -267,7 +271,7 @@ void Compiler::declareRoutine(const ast::Routine& source, Class* owner) {
 void Compiler::declareGlobals() {
     auto add = [&](const std::string& name, Position position, const Local& local) {
         if (!globals_.try_emplace(folded(name), local).second)
-            errors_.emplace_back(position, "there is a variable '" + name + "' already");
+            errors_.emplace_back(position, "there is already a variable '" + name + "'");
     };
     auto addVariable = [&](const std::string& name, Position position, const Type* type, bool declaredYet) {
         program_.globals.push_back({name, type, Bits()});

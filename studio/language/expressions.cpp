@@ -1,5 +1,13 @@
 // Expressions: names, members, calls, casts.
-#include "language/compiler.h"
+#include "compiler.h"
+#include "runtime/arrays.h"
+#include "runtime/calls.h"
+#include "runtime/exceptions.h"
+#include "runtime/objects.h"
+#include "runtime/references.h"
+#include "runtime/variants.h"
+#include "syntax/ast.h"
+#include "syntax/names.h"
 
 #include <algorithm>
 #include <cstring>
@@ -9,15 +17,6 @@ namespace studio {
 namespace {
 
 constexpr std::size_t kMostArguments = 32;
-
-struct Held {
-    const Type* type;
-    Bits bits;
-    Held(const Type* type, Bits bits) : type(type), bits(bits) {}
-    Held(const Held&) = delete;
-    ~Held() { release(type, bits); }
-    Bits take() { return std::exchange(bits, Bits()); }
-};
 
 const Type* integer() { return simpleType(Kind::Int32); }
 const Type* nothing() { return simpleType(Kind::Void); }
@@ -81,7 +80,7 @@ Operand Compiler::expression(const ast::Expr& e) {
     case ExprKind::Call:
         return call(e);
     case ExprKind::Unary:
-        return unary(e);
+        return unary(e.text, value(*e.a), e.position);
     case ExprKind::Binary: {
         Operand a = value(*e.a);
         Operand b = value(*e.b);
@@ -92,7 +91,7 @@ Operand Compiler::expression(const ast::Expr& e) {
     case ExprKind::New:
         return create(e);
     case ExprKind::AddressOf:
-        throw SourceError(e.position, "'AddressOf' belongs into an AddHandler line");
+        throw SourceError(e.position, "'AddressOf' belongs in an AddHandler line");
     }
     throw SourceError(e.position, "expected an expression");
 }
@@ -150,7 +149,7 @@ Operand Compiler::cast(const Type* type, const ast::Expr& e) {
             [code = operand.code, cls = type->cls](Frame& f) {
                 ObjectRef object(code(f).object);
                 if (object && (isArray(object) || !classOf(object).isA(cls)))
-                    raise("IllegalCastException", "a " + classNameOf(object) + " is no " + cls->name);
+                    raise("IllegalCastException", "a " + classNameOf(object) + " is not a " + cls->name);
                 return Bits::of(object.release());
             },
             e.position};
@@ -341,7 +340,7 @@ Operand Compiler::arrayMember(Operand base, const ast::Expr& e,
                     ObjectRef object(array(f).object);
                     Held value(element, v(f));
                     ArrayObject& a = arrayIn(object);
-                    arrayInsert(a, a.count, value.take());
+                    arrayAppend(a, value.take());
                     return Bits();
                 },
                 e.position};
@@ -374,7 +373,7 @@ Operand Compiler::arrayMember(Operand base, const ast::Expr& e,
     }
     if (which == "Sort") {
         if (!element->isNumber() && element->kind != Kind::String)
-            throw SourceError(e.position, "only numbers and strings have an order to sort by");
+            throw SourceError(e.position, "only numbers and strings can be sorted");
         return {nothing(),
                 [array](Frame& f) {
                     ObjectRef object(array(f).object);
@@ -417,9 +416,25 @@ Operand Compiler::arrayMember(Operand base, const ast::Expr& e,
             e.position};
 }
 
+namespace {
+
+Code arrayOfElements(const Type* element, std::vector<Code> codes) {
+    return [element, codes = std::move(codes)](Frame& f) {
+        ObjectRef array(newArray(element));
+        for (const Code& code : codes) {
+            Bits bits = code(f);
+            arrayAppend(arrayOf(array.handle), bits);
+        }
+        return Bits::of(array.release());
+    };
+}
+
+} // namespace
+
 // Array(a, b, c): the elements' common type.
 Operand Compiler::arrayLiteral(const ast::Expr& e) {
-    if (e.arguments.empty()) throw SourceError(e.position, "Array(...) needs an element to know its type");
+    if (e.arguments.empty())
+        throw SourceError(e.position, "Array(...) needs at least one element to have a type");
     std::vector<Operand> elements;
     for (const ast::ExprPtr& argument : e.arguments) elements.push_back(value(*argument));
     const Type* element = elements[0].type;
@@ -436,16 +451,7 @@ Operand Compiler::arrayLiteral(const ast::Expr& e) {
     if (element->kind == Kind::Nil) element = simpleType(Kind::Variant);
     std::vector<Code> codes;
     for (Operand& operand : elements) codes.push_back(coerce(std::move(operand), element, "").code);
-    return {classes().arrayOf(element),
-            [codes, element](Frame& f) {
-                ObjectRef array(newArray(element));
-                for (const Code& code : codes) {
-                    Bits bits = code(f);
-                    arrayInsert(arrayOf(array.handle), arrayOf(array.handle).count, bits);
-                }
-                return Bits::of(array.release());
-            },
-            e.position};
+    return {classes().arrayOf(element), arrayOfElements(element, std::move(codes)), e.position};
 }
 
 // ---- calls -----------------------------------------------------------------------------------------------
@@ -520,17 +526,7 @@ Compiler::PreparedArguments Compiler::prepare(const Method& method, const Signat
             std::vector<Code> rest;
             for (std::size_t k = i; k < given.size(); ++k)
                 rest.push_back(coerce(std::move(given[k]), p.type->element, p.name).code);
-            result.operands.push_back({p.type,
-                                       [rest, element = p.type->element](Frame& f) {
-                                           ObjectRef array(newArray(element));
-                                           for (const Code& code : rest) {
-                                               Bits bits = code(f);
-                                               arrayInsert(arrayOf(array.handle), arrayOf(array.handle).count,
-                                                           bits);
-                                           }
-                                           return Bits::of(array.release());
-                                       },
-                                       {}});
+            result.operands.push_back({p.type, arrayOfElements(p.type->element, std::move(rest)), {}});
         } else if (i < given.size()) {
             if (p.byRef) {
                 if (!sources[i]) throw SourceError(given[i].position, "expected a variable for " + p.name);
@@ -610,7 +606,7 @@ Operand Compiler::emitCall(const Method& method, std::optional<Operand> self, Pr
                 position};
     }
     if (!(setter ? method.setter : method.function))
-        throw SourceError(position, method.fullName() + " has no function behind it");
+        throw SourceError(position, method.fullName() + " has no function to call");
     return {result,
             [=](Frame& f) {
                 ObjectRef object(selfCode ? selfCode(f).object : nullptr);
@@ -637,7 +633,7 @@ Operand Compiler::create(const ast::Expr& e) {
     if (constructors.empty())
         throw SourceError(e.position, cls->name + " has no Constructor, so New takes no arguments");
 
-    // The new object waits in a slot while its Constructor runs.
+    // A slot holds the new object while its Constructor runs.
     int slot = newSlot();
     Operand waiting{type, [slot](Frame& f) { return Bits::of(Heap::retain(f.slots[slot].object)); },
                     e.position};
@@ -645,8 +641,8 @@ Operand Compiler::create(const ast::Expr& e) {
         invokeMethod(constructors, waiting, pointers(e.arguments), "New " + cls->name, e.position, false);
     return {type,
             [cls, slot, code = construct.code](Frame& f) {
-                ObjectRef outer(
-                    std::exchange(f.slots[slot].object, newInstance(*cls))); // nested in its own arguments
+                ObjectRef outer(std::exchange(
+                    f.slots[slot].object, newInstance(*cls))); // this New may be nested in its own arguments
                 try {
                     code(f);
                 } catch (...) {

@@ -1,6 +1,10 @@
-// What the operators mean for each pair of types.
-#include "language/compiler.h"
-#include "runtime/text.h"
+// The meaning of each operator for each pair of types.
+#include "compiler.h"
+#include "runtime/arrays.h"
+#include "runtime/exceptions.h"
+#include "runtime/references.h"
+#include "runtime/strings.h"
+#include "runtime/variants.h"
 
 #include <cmath>
 
@@ -16,41 +20,23 @@ Code combine(const Operand& a, const Operand& b, F f) {
     };
 }
 
-// For counted operands: both are held until the result is there.
+// For counted operands: both are held until there is a result.
 template <class F>
 Code combineCounted(const Operand& a, const Operand& b, F f) {
     return [x = a.code, y = b.code, t = a.type, u = b.type, f](Frame& frame) {
-        struct Held {
-            const Type* type;
-            Bits bits;
-            ~Held() { release(type, bits); }
-        };
-        Held left{t, x(frame)};
-        Held right{u, y(frame)};
+        Held left(t, x(frame)), right(u, y(frame));
         return f(left.bits, right.bits);
     };
-}
-
-template <class T>
-T get(Bits b) {
-    if constexpr (std::is_same_v<T, std::int32_t>)
-        return b.i32;
-    else if constexpr (std::is_same_v<T, std::int64_t>)
-        return b.i64;
-    else if constexpr (std::is_same_v<T, float>)
-        return b.f32;
-    else
-        return b.f64;
 }
 
 [[noreturn]] void divisionByZero() { raise("UnsupportedOperationException", "division by zero"); }
 
 template <class T, class F>
 Code typed(const Operand& a, const Operand& b, F f) {
-    return combine(a, b, [f](Bits x, Bits y) { return Bits::of(T(f(get<T>(x), get<T>(y)))); });
+    return combine(a, b, [f](Bits x, Bits y) { return Bits::of(T(f(x.as<T>(), y.as<T>()))); });
 }
 
-// Integers wrap around, which signed arithmetic must not do by itself.
+// Integers wrap around. Signed overflow is undefined in C++, so the arithmetic is unsigned.
 template <class T>
 Code arithmeticCode(const std::string& op, const Operand& a, const Operand& b) {
     using U = std::conditional_t<std::is_same_v<T, std::int32_t>, std::uint32_t,
@@ -121,35 +107,33 @@ const Type* common(const Type* a, const Type* b) {
 
 } // namespace
 
-Operand Compiler::unary(const ast::Expr& e) {
-    Operand a = value(*e.a);
-    if (a.type->kind == Kind::Variant && e.text != "not")
-        a = coerce(std::move(a), simpleType(Kind::Double), "");
-    if (e.text == "not") {
+Operand Compiler::unary(const std::string& op, Operand a, Position position) {
+    if (a.type->kind == Kind::Variant && op != "not") a = coerce(std::move(a), simpleType(Kind::Double), "");
+    if (op == "not") {
         if (a.type->kind == Kind::Variant) a = coerce(std::move(a), simpleType(Kind::Boolean), "");
         if (a.type->kind == Kind::Boolean)
-            return {a.type, [code = a.code](Frame& f) { return Bits::of(!code(f).boolean); }, e.position};
+            return {a.type, [code = a.code](Frame& f) { return Bits::of(!code(f).boolean); }, position};
         if (!a.type->isInteger())
-            throw SourceError(e.position, "expected a Boolean after 'Not', found " + a.type->name);
+            throw SourceError(position, "expected a Boolean after 'Not', found " + a.type->name);
         const Type* type = isWide(a.type) ? simpleType(Kind::Int64) : simpleType(Kind::Int32);
         a = coerce(std::move(a), type, "");
         if (type->kind == Kind::Int64)
-            return {type, [code = a.code](Frame& f) { return Bits::of(~code(f).i64); }, e.position};
-        return {type, [code = a.code](Frame& f) { return Bits::of(~code(f).i32); }, e.position};
+            return {type, [code = a.code](Frame& f) { return Bits::of(~code(f).i64); }, position};
+        return {type, [code = a.code](Frame& f) { return Bits::of(~code(f).i32); }, position};
     }
     if (!a.type->isNumber())
-        throw SourceError(e.position, "expected a number after '" + e.text + "', found " + a.type->name);
-    if (e.text == "+") return a;
+        throw SourceError(position, "expected a number after '" + op + "', found " + a.type->name);
+    if (op == "+") return a;
     if (a.constant) {
         Literal negative = *a.constant;
         if (negative.type->kind == Kind::Int32) negative.bits.i32 = std::int32_t(0u - negative.bits.u32);
         if (negative.type->kind == Kind::Int64) negative.bits.i64 = std::int64_t(0u - negative.bits.u64);
         if (negative.type->kind == Kind::Double) negative.bits.f64 = -negative.bits.f64;
-        return literal(negative, e.position);
+        return literal(negative, position);
     }
     Literal zero;
     zero.type = simpleType(Kind::Int32);
-    return arithmetic("-", literal(zero, e.position), std::move(a), e.position);
+    return arithmetic("-", literal(zero, position), std::move(a), position);
 }
 
 Operand Compiler::binary(const std::string& op, Operand a, Operand b, Position position) {

@@ -1,7 +1,11 @@
 #include "language/runner.h"
 
 #include "framework/exceptions.h"
-#include "framework/quit.h"
+#include "language/program.h"
+#include "runtime/exceptions.h"
+#include "runtime/objects.h"
+#include "runtime/runtime.h"
+#include "syntax/names.h"
 
 #include <cstdio>
 
@@ -36,7 +40,7 @@ Outcome outcomeOf(Body body) {
     Outcome result;
     try {
         body();
-        throwPending(); // of a destructor that ran last
+        throwPending(); // from a destructor that ran last
     } catch (const Raised& raised) {
         REALobject exception = raised.exception.object();
         bool assertion = isA(exception, "AssertionFailed");
@@ -84,28 +88,29 @@ int runProgram(const std::string& fileName, std::string_view source,
     program.reset();
     std::fflush(stdout);
     std::fputs(unhandled.c_str(), stderr);
-    Report report = Host::current().report();
+    Report report = heap().report();
     if (report.sound()) return code;
     std::fputs(report.faults().c_str(), stderr);
     return code == kFine ? kLeaked : code;
 }
 
-int runTests(const std::string& fileName, std::string_view source, const std::string& filter) {
+int runTests(const std::string& fileName, std::string_view source, const TestSelection& selection) {
     std::unique_ptr<Program> program = compiled(fileName, source);
     if (!program) return kMistake;
     int passed = 0, failed = 0;
     for (const Routine* test : program->tests()) {
         const std::string& name = test->method->signature.name;
-        if (folded(name).find(folded(filter)) == std::string::npos) continue;
-        Report before = Host::current().report();
+        if (folded(name).find(folded(selection.part)) == std::string::npos) continue;
+        if (!selection.only.empty() && !sameName(name, selection.only)) continue;
+        Report before = heap().report();
         Outcome outcome = outcomeOf([&] {
             program->begin({});
             program->run(*test);
         });
         program->end();
-        Report after = Host::current().report();
+        Report after = heap().report();
         std::string report = after.faults() + nativeGrowth(before, after);
-        Host::current().clearRecords();
+        heap().clearRecords();
         std::fflush(stdout);
         if (!outcome.failure.empty()) {
             std::string place = outcome.places.empty() ? fileName : outcome.places.front();
@@ -113,7 +118,7 @@ int runTests(const std::string& fileName, std::string_view source, const std::st
         } else if (outcome.quit) {
             std::printf("FAIL %s: %s: the test quit\n", name.c_str(), fileName.c_str());
         } else if (!report.empty()) {
-            std::printf("FAIL %s: %s: not everything was given back\n%s", name.c_str(), fileName.c_str(),
+            std::printf("FAIL %s: %s: not everything was released\n%s", name.c_str(), fileName.c_str(),
                         report.c_str());
         } else {
             std::printf("ok   %s\n", name.c_str());
@@ -125,7 +130,9 @@ int runTests(const std::string& fileName, std::string_view source, const std::st
     std::printf("%d passed, %d failed\n", passed, failed);
     if (passed + failed == 0) {
         std::fprintf(stderr, "%s: there is no test%s\n", fileName.c_str(),
-                     filter.empty() ? "; a test is a Sub whose name begins with Test" : " of that name");
+                     selection.part.empty() && selection.only.empty()
+                         ? "; a test is a Sub whose name begins with Test"
+                         : " of that name");
         return kFailed;
     }
     return failed == 0 ? kFine : kFailed;

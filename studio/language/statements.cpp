@@ -1,6 +1,12 @@
 // Statements.
-#include "framework/timer.h"
-#include "language/compiler.h"
+#include "compiler.h"
+#include "runtime/arrays.h"
+#include "runtime/exceptions.h"
+#include "runtime/objects.h"
+#include "runtime/references.h"
+#include "runtime/variants.h"
+#include "syntax/ast.h"
+#include "syntax/names.h"
 
 #include <algorithm>
 
@@ -122,7 +128,7 @@ Action Compiler::statement(const ast::Statement& s) {
             ObjectRef object(array(f).object);
             std::int32_t upper = bound(f).i32;
             if (!object) raise("NilObjectException", "this array is nil");
-            if (upper < -1) raise("OutOfBoundsException", "an upper bound is at least -1");
+            if (upper < -1) raise("OutOfBoundsException", "an upper bound must be at least -1");
             arrayResize(arrayOf(object.handle), upper + 1);
             return Flow::Next;
         };
@@ -148,12 +154,12 @@ Action Compiler::dim(const ast::Statement& s) {
 }
 
 Action Compiler::declare(const ast::Variable& v) {
-    // A global is there from the start, for the routines; above its Dim the main program must not use it.
+    // Routines may use a global from the start; the main program only after its Dim.
     bool global = routine_ == &program_.main && scopes_.size() == 1;
     const Type* type = resolveType(v.type);
     Local variable;
     Code initial;
-    std::optional<SourceError> mistake; // the variable is declared even so, or every use would be one more
+    std::optional<SourceError> mistake; // declared all the same, or every use would be another mistake
     try {
         if (v.initial) {
             initial = valueAs(*v.initial, type, "'" + v.name + "'").code;
@@ -182,7 +188,7 @@ Action Compiler::declare(const ast::Variable& v) {
     if (mistake) throw *mistake;
     if (!initial) {
         if (global || v.isStatic) return nullptr;
-        initial = [](Frame&) { return Bits(); }; // each time round a loop
+        initial = [](Frame&) { return Bits(); }; // on every iteration of a loop
     }
     if (Bits* address = variable.address) {
         bool once = v.isStatic && type->isCounted();
@@ -218,7 +224,7 @@ Action Compiler::ifStatement(const ast::Statement& s) {
         Branch branch;
         try {
             if (b.condition) branch.condition = condition(*b.condition).code;
-        } catch (const SourceError& error) { // the body may hold more
+        } catch (const SourceError& error) { // the body may contain more
             errors_.push_back(error);
         }
         branch.body = block(b.body);
@@ -234,7 +240,7 @@ Action Compiler::ifStatement(const ast::Statement& s) {
 Action Compiler::selectStatement(const ast::Statement& s) {
     return scoped([&]() -> Action {
         Operand subject = value(*s.value);
-        // A name that no program can write.
+        // A program cannot write this name.
         Local& held = declareLocal("(select)", s.position, subject.type);
         int slot = held.slot;
         struct Branch {
@@ -277,7 +283,7 @@ Action Compiler::selectStatement(const ast::Statement& s) {
 
 namespace {
 
-// What a loop does after its body: true ends it, with `flow` for whoever is outside.
+// Decides after a loop's body: true ends the loop, and `flow` is then for the statement around it.
 bool leaves(Flow& flow, const Frame& frame, int id) {
     if (flow == Flow::Next) return false;
     if (flow == Flow::Return || frame.target != id) return true;
@@ -287,35 +293,23 @@ bool leaves(Flow& flow, const Frame& frame, int id) {
 }
 
 template <class T>
-T& as(Bits& bits) {
-    if constexpr (std::is_same_v<T, std::int32_t>)
-        return bits.i32;
-    else if constexpr (std::is_same_v<T, std::int64_t>)
-        return bits.i64;
-    else if constexpr (std::is_same_v<T, float>)
-        return bits.f32;
-    else
-        return bits.f64;
-}
-
-template <class T>
 Action countingLoop(std::function<Bits*(Frame&)> variable, Code first, Code last, Code step, bool down,
                     Action body, int id) {
     return [=](Frame& f) {
         Bits start = first(f), end = last(f), by = step(f);
-        T limit = as<T>(end), increment = as<T>(by);
+        T limit = end.as<T>(), increment = by.as<T>();
         Bits* counter = variable(f);
-        as<T>(*counter) = as<T>(start);
+        counter->as<T>() = start.as<T>();
         Flow flow = Flow::Next;
-        while (down ? as<T>(*counter) >= limit : as<T>(*counter) <= limit) {
+        while (down ? counter->as<T>() >= limit : counter->as<T>() <= limit) {
             flow = body(f);
             if (leaves(flow, f, id)) break;
             if constexpr (std::is_integral_v<T>) {
                 T next;
-                if (__builtin_add_overflow(as<T>(*counter), increment, &next)) break;
-                as<T>(*counter) = next;
+                if (__builtin_add_overflow(counter->as<T>(), increment, &next)) break;
+                counter->as<T>() = next;
             } else {
-                as<T>(*counter) += increment;
+                counter->as<T>() += increment;
             }
         }
         return flow;
@@ -340,7 +334,7 @@ Action Compiler::forStatement(const ast::Statement& s) {
         if (!type->isNumber() || elementSize(type) < 4 || type->kind == Kind::UInt32 ||
             type->kind == Kind::UInt64)
             throw SourceError(v.position,
-                              "a loop counts in Integer, Int64, Single or Double, not in " + type->name);
+                              "a loop can count in Integer, Int64, Single or Double, not in " + type->name);
         Place counter = place(counterName);
         Code first = valueAs(*s.target, type, "the loop").code;
         Code last = valueAs(*s.value, type, "the loop").code;
@@ -566,8 +560,8 @@ Action Compiler::addHandler(const ast::Statement& s) {
             conversionCost(object.type, function->signature.parameters[0].type) >= 0)
             handler = function;
     if (!handler)
-        throw SourceError(s.value->position,
-                          "expected a Sub as " + s.value->text + "(sender As " + object.type->name + ")");
+        throw SourceError(s.value->position, "expected a Sub declared as " + s.value->text + "(sender As " +
+                                                 object.type->name + ")");
     return [code = object.code, event, handler](Frame& f) {
         ObjectRef held(code(f).object);
         if (!held) raise("NilObjectException", "the object whose event is to be handled is nil");

@@ -1,6 +1,10 @@
-// Arrays: elements side by side in their own sizes, as plugins read them.
-#include "runtime/runtime.h"
+#include "runtime/arrays.h"
+
+#include "runtime/exceptions.h"
+#include "runtime/references.h"
+#include "runtime/strings.h"
 #include "runtime/text.h"
+#include "runtime/variants.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -122,6 +126,8 @@ void arrayInsert(ArrayObject& array, std::int32_t index, Bits value) {
     showStorage(array);
 }
 
+void arrayAppend(ArrayObject& array, Bits value) { arrayInsert(array, array.count, value); }
+
 void arrayRemove(ArrayObject& array, std::int32_t index) {
     checkBounds(array, index);
     Bits old = load(array, index);
@@ -160,7 +166,7 @@ int compareValues(const Type* type, Bits a, Bits b) {
     case Kind::Double:
         return order(a.f64, b.f64);
     case Kind::String:
-        // Plain bytes of one encoding need no conversion.
+        // Text that is UTF-8 already needs no conversion.
         if (encodingOf(a.string) == kREALTextEncodingUTF8 && encodingOf(b.string) == kREALTextEncodingUTF8)
             return text::compare(bytesOf(a.string), bytesOf(b.string));
         return text::compare(toUtf8(a.string), toUtf8(b.string));

@@ -1,6 +1,10 @@
-// Calls by declaration: from the host into C functions, and from plugins into the host's own methods.
-#include "runtime/pool.h"
-#include "runtime/runtime.h"
+#include "runtime/calls.h"
+
+#include "runtime/arrays.h"
+#include "runtime/autorelease_pool.h"
+#include "runtime/exceptions.h"
+#include "runtime/references.h"
+#include "runtime/variants.h"
 
 #include <ffi.h>
 
@@ -131,14 +135,14 @@ Bits callFunction(const CallPlan& plan, void* function, REALobject self, const B
 // Around each call into a plugin: its name for messages, and a pool for what it autoreleases.
 struct PluginCall {
     Heap::CallScope scope;
-    std::optional<Pool> pool;
+    std::optional<AutoreleasePool> pool;
 
     explicit PluginCall(std::string_view name) : scope(heap(), name) {
         if (heap().callDepth() == 1) pool.emplace();
     }
 };
 
-// What a plugin returns is on the plugins' account until the host takes it over.
+// A plugin's result is on the plugins' account until the host takes it over.
 Bits takeOverResult(const Type* type, Bits bits) {
     if (!type) return bits;
     if (type->kind == Kind::String)
@@ -166,7 +170,7 @@ Bits callByOrigin(const CallPlan& plan, void* function, Origin origin, REALobjec
 } // namespace
 
 Bits invoke(const Method& method, REALobject self, const Bits* arguments) {
-    if (method.routine) // gone with its program when an object outlives that
+    if (method.routine) // runRoutine is empty when an object outlives its program
         return runtime().runRoutine ? runtime().runRoutine(method, self, arguments) : Bits();
     return callByOrigin(planOf(method, false), method.function, method.origin, self, arguments);
 }
@@ -250,17 +254,13 @@ Bits readProperty(const Property& property, REALobject self) {
 
 void writeProperty(const Property& property, REALobject self, Bits value) {
     if (property.standardSetter()) {
-        // A plain store: the field counts nothing, so the reference goes.
+        // A plain store: the field holds no reference, so this one is released.
         void* field = &dataAt<char>(self, property.owner->dataOffset + std::int32_t(property.parameter));
         std::memcpy(field, &value, std::size_t(elementSize(property.type)));
         release(property.type, value);
         return;
     }
-    struct Released {
-        const Type* type;
-        Bits bits;
-        ~Released() { release(type, bits); }
-    } released{property.type, value};
+    Held released(property.type, value);
     Bits arguments[2] = {Bits::of(property.parameter), value};
     std::string name = property.owner->name + "." + property.name;
     {
@@ -297,7 +297,7 @@ void serveClosure(ffi_cif*, void* result, void** values, void* user) {
         if (plan.result && plan.result->kind == Kind::String) heap().handOut(bits.string);
         if (plan.result && plan.result->isObject()) heap().handOut(bits.object);
     } catch (const Raised& raised) {
-        record(raised);
+        leavePending(raised);
         bits = Bits();
     }
     if (!plan.result) return;
@@ -336,7 +336,7 @@ std::string listTypes(const std::vector<const Type*>& types) {
     return "(" + result + ")";
 }
 
-// The cost of a call, or -1 when it does not fit.
+// The cost of a call; -1 when the arguments do not fit.
 int callCost(const Signature& signature, const std::vector<const Type*>& arguments) {
     std::size_t fixed = signature.parameters.size();
     bool open = fixed > 0 && signature.parameters.back().paramArray;
@@ -349,11 +349,11 @@ int callCost(const Signature& signature, const std::vector<const Type*>& argumen
         const Parameter& p = signature.parameters[std::min(i, signature.parameters.size() - 1)];
         const Type* type = open && i >= fixed ? p.type->element : p.type;
         int cost = conversionCost(arguments[i], type);
-        // A variable handed over by reference must have the very type.
+        // A variable passed by reference must have exactly the parameter's type.
         if (cost < 0 || (p.byRef && arguments[i] != type)) return -1;
         total += cost + (open && i >= fixed ? 1 : 0);
     }
-    // Of two that fit alike, the one that needs fewer defaults.
+    // Of two equally good fits, the one that needs fewer defaults wins.
     return total * 8 + int(std::min<std::size_t>(7, fixed > arguments.size() ? fixed - arguments.size() : 0));
 }
 
@@ -371,7 +371,7 @@ Choice chooseOverload(const std::vector<const Method*>& candidates, const std::v
         best = cost;
         winners.push_back(m);
     }
-    // A program's own function comes before one of the framework that fits as well.
+    // A program's own function beats an equally good one of the framework.
     if (std::any_of(winners.begin(), winners.end(),
                     [](const Method* m) { return m->origin == Origin::Program; }))
         std::erase_if(winners, [](const Method* m) { return m->origin != Origin::Program; });

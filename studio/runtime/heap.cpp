@@ -1,5 +1,8 @@
 #include "runtime/heap.h"
 
+#include "runtime/objects.h"
+#include "syntax/names.h"
+
 #include <dlfcn.h>
 
 #include <algorithm>
@@ -59,7 +62,7 @@ void Heap::arrangeFace(StringCell& cell) const {
         cell.face = {std::uint32_t(cell.hostReferences + cell.pluginReferences), cell.buffer, cell.encoding,
                      cell.length};
     } else {
-        // Where the open layout keeps the buffer, there is no address: who looks there faults.
+        // Null where the open layout keeps the buffer, so reading it there faults.
         cell.face = {cell.length, nullptr, cell.encoding ^ 0x5A5A5A5A, 0};
     }
 }
@@ -88,14 +91,13 @@ REALobject Heap::allocate(Class& cls, std::int32_t size) {
 
 void Heap::destroy(REALobject object) {
     ObjectHeader& head = header(object);
-    if (head.flags & ObjectHeader::kDying) return; // its destructor looked at it and let it go again
+    if (head.flags & ObjectHeader::kDying) return; // its own destructor retained and released it
     head.flags |= ObjectHeader::kDying;
     std::int32_t size = head.cls->instanceSize;
     std::string name = head.cls->name;
-    void finalizeInstance(REALobject); // objects.cpp: runs the destructors, subclass first
     finalizeInstance(object);
     if (head.hostReferences + head.pluginReferences > 0)
-        violation(name + " was locked by its own destructor and is gone nevertheless");
+        violation(name + " was locked by its own destructor, but destroyed all the same");
     bury(object, std::move(name), object, std::size_t(size));
 }
 
@@ -118,9 +120,9 @@ void Heap::bury(const void* handle, std::string what, void* memory, std::size_t 
 
 std::string Heap::describeDead(const void* handle) const {
     auto found = buried_.find(handle);
-    if (found != buried_.end()) return found->second + " that is already freed";
+    if (found != buried_.end()) return found->second + " that was already freed";
     char text[64];
-    std::snprintf(text, sizeof text, "%p, which is no handle of this host", handle);
+    std::snprintf(text, sizeof text, "%p, which is not a handle of this host", handle);
     return text;
 }
 
@@ -170,8 +172,7 @@ void Heap::pluginUnlock(REALobject object) {
     if (!object || !check(object, "REALUnlockObject")) return;
     ObjectHeader& head = header(object);
     if (head.pluginReferences <= 0) {
-        violation("REALUnlockObject: " + head.cls->name +
-                  " given back, but no plugin holds a reference to it");
+        violation("REALUnlockObject: " + head.cls->name + " released, but no plugin holds a reference to it");
         return;
     }
     if (--head.pluginReferences + head.hostReferences == 0) destroy(object);
@@ -182,7 +183,7 @@ void Heap::pluginUnlock(REALstring string) {
     StringCell& cell = StringCell::of(string);
     if (cell.pluginReferences <= 0) {
         violation("REALUnlockString: string \"" + std::string(cell.text().substr(0, 40)) +
-                  "\" given back, but no plugin holds a reference to it");
+                  "\" released, but no plugin holds a reference to it");
         return;
     }
     if (--cell.pluginReferences + cell.hostReferences == 0) freeString(cell);
@@ -211,7 +212,8 @@ REALobject Heap::takeOver(REALobject object) {
     if (head.pluginReferences > 0)
         --head.pluginReferences;
     else
-        violation("result: " + head.cls->name + " comes without the reference that its receiver gives back");
+        violation("result: " + head.cls->name +
+                  " was returned without the reference that its receiver releases");
     ++head.hostReferences;
     return object;
 }
@@ -224,7 +226,7 @@ REALstring Heap::takeOver(REALstring string) {
         --cell.pluginReferences;
     else
         violation("result: string \"" + std::string(cell.text().substr(0, 40)) +
-                  "\" comes without the reference that its receiver gives back");
+                  "\" was returned without the reference that its receiver releases");
     ++cell.hostReferences;
     return string;
 }
@@ -233,7 +235,7 @@ REALstring Heap::takeOver(REALstring string) {
 
 namespace {
 
-// A platform that counts its own live objects says so through this symbol.
+// A platform that counts its live objects exports this symbol.
 std::vector<std::pair<std::string, int>> platformObjects() {
     using Counter = int (*)(const char** names, int* counts, int capacity);
     std::vector<std::pair<std::string, int>> result;

@@ -1,19 +1,11 @@
-// Instances and exceptions.
-#include "framework/quit.h"
-#include "runtime/runtime.h"
-#include "runtime/text.h"
+#include "runtime/objects.h"
+
+#include "runtime/calls.h"
+#include "runtime/exceptions.h"
+#include "runtime/references.h"
+#include "syntax/names.h"
 
 namespace studio {
-
-// ---- strings ---------------------------------------------------------------------------------------------
-
-std::string toUtf8(REALstring s) {
-    return text::toUtf8(bytesOf(s), encodingOf(s)).value_or(std::string(bytesOf(s)));
-}
-
-REALstring makeString(std::string_view utf8) { return heap().newString(utf8, kREALTextEncodingUTF8); }
-
-// ---- instances -------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -38,8 +30,7 @@ REALobject newInstance(std::string_view className) {
     return cls && cls->type ? newInstance(*cls) : nullptr;
 }
 
-// Called by the heap when the last reference is gone: methods named Destructor and the classes' destructors,
-// subclass first. What they raise has nobody to go to but the next call.
+// Methods named Destructor and the classes' destructors. Only the next call can receive what they raise.
 void finalizeInstance(REALobject object) {
     Class& cls = classOf(object);
     for (Class* c = &cls; c; c = c->superclass) {
@@ -51,7 +42,7 @@ void finalizeInstance(REALobject object) {
             if (c->finalize) c->finalize(object);
             if (c->destructor) callHook(c->destructor, object, c->name, c->origin);
         } catch (const Raised& raised) {
-            record(raised);
+            leavePending(raised);
         }
     }
 }
@@ -63,39 +54,16 @@ bool isA(REALobject object, std::string_view className) {
 
 std::string classNameOf(REALobject object) { return object ? classOf(object).name : std::string(); }
 
-// ---- exceptions ------------------------------------------------------------------------------------------
-
-REALobject makeException(std::string_view className, std::string_view message) {
-    REALobject object = newInstance(className);
-    const Property* property = classOf(object).property("Message");
-    writeProperty(*property, object, Bits::of(makeString(message)));
-    return object;
+const Property* findProperty(REALobject object, std::string_view name) {
+    if (const Property* property = classOf(object).property(name)) return property;
+    return classes().named("Variant")->property(name);
 }
 
-std::string exceptionMessage(REALobject exception) {
-    const Property* property = exception ? classOf(exception).property("Message") : nullptr;
-    if (!property) return {};
-    StringRef message(readProperty(*property, exception).string);
-    return toUtf8(message);
-}
-
-void raise(Value exception) {
-    if (runtime().noteRaised) runtime().noteRaised(exception.object());
-    throw Raised{std::move(exception)};
-}
-
-void raise(std::string_view className, std::string_view message) {
-    raise(Value::adopt(makeException(className, message)));
-}
-
-void throwPending() {
-    if (auto code = std::exchange(runtime().quit, std::nullopt)) throw QuitRequest{*code};
-    if (REALobject exception = std::exchange(runtime().pending, nullptr)) raise(Value::adopt(exception));
-}
-
-void record(const Raised& raised) {
-    Host::Impl& host = runtime();
-    if (!host.pending) host.pending = Heap::retain(raised.exception.object());
+void setHandler(REALobject object, std::string_view event, const Method* handler) {
+    for (const Class* c = &classOf(object); c; c = c->superclass)
+        for (const std::string& declared : c->events)
+            if (c->setHandler && sameName(declared, event)) return c->setHandler(object, event, handler);
+    raise("UnsupportedOperationException", classNameOf(object) + " has no event " + std::string(event));
 }
 
 } // namespace studio

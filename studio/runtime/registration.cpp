@@ -1,5 +1,8 @@
-// Plugins' records into the class model, in the layout that the plugin said it uses.
+// Records are read in the layout that the plugin announced.
+#include "runtime/registration.h"
+
 #include "runtime/runtime.h"
+#include "syntax/source_error.h"
 
 #include <cstring>
 
@@ -7,7 +10,7 @@ namespace studio {
 
 namespace {
 
-// Each layout's own tables; the members that the host reads have the same names in both.
+// The tables of each layout. The members that the host reads have the same names in both.
 struct Layout12 {
     using MethodRecord = REALmethodDefinition;
     using PropertyRecord = REALproperty;
@@ -21,7 +24,7 @@ struct Layout9 {
     using EventRecord = REALevent9;
 };
 
-// What is wrong with a declaration is the plugin's mistake: it is reported, and the row is left out.
+// A faulty declaration is the plugin's mistake: it is reported, and its row is skipped.
 template <class Body>
 void guarded(const std::string& where, Body body) {
     try {
@@ -92,7 +95,7 @@ bool usesLayout9() { return runtime().recordVersion.value_or(12) <= 9; }
 void registerPluginClass(REALclassDefinition* record) {
     Class* cls = classes().named(record->name);
     if (cls->isDefined()) {
-        heap().violation("PluginRegisterClass: the class " + cls->name + " exists already");
+        heap().violation("PluginRegisterClass: the class " + cls->name + " already exists");
         return;
     }
     Class* superclass = nullptr;

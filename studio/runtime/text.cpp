@@ -118,7 +118,7 @@ std::optional<std::string> toUtf8(std::string_view bytes, std::uint32_t encoding
         return std::string(bytes);
     case kREALTextEncodingUTF16:
         return utf16ToUtf8(bytes);
-    case kREALTextEncodingASCII: // lenient: what is no ASCII is taken for UTF-8
+    case kREALTextEncodingASCII: // lenient: anything beyond ASCII is taken for UTF-8
         return std::string(bytes);
     case kLatin1:
         for (unsigned char c : bytes) append(result, c);
@@ -203,7 +203,8 @@ std::size_t find(std::string_view text, std::string_view part, std::size_t from)
             while (y < part.size() && x < text.size() &&
                    toLower(decode(text, x)) == toLower(decode(part, y))) {
             }
-            // The last step may have read one pair too many: compare what was consumed exactly.
+            // The last step may have read one character too many, so the text consumed is compared as a
+            // whole.
             if (y >= part.size() && compare(text.substr(i, x - i), part) == 0) return character;
         }
         if (i >= text.size()) return std::string_view::npos;

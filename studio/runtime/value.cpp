@@ -1,6 +1,11 @@
-#include <studio/value.h>
+#include "runtime/value.h"
 
-#include "runtime/runtime.h"
+#include "runtime/arrays.h"
+#include "runtime/objects.h"
+#include "runtime/references.h"
+#include "runtime/strings.h"
+#include "runtime/variants.h"
+#include "syntax/names.h"
 
 namespace studio {
 
@@ -28,7 +33,7 @@ Value::~Value() { studio::release(type_, bits_); }
 bool Value::isNil() const { return type_->kind == Kind::Nil || (type_->isObject() && !bits_.object); }
 
 namespace {
-// A copy of the value's reference is converted, so the value keeps its own.
+// Converts a reference of its own, so the value keeps the one it has.
 Bits converted(const Type* from, Bits bits, Kind to) {
     if (from->kind == Kind::Nil) return {};
     ObjectRef variant(boxVariant(from, retain(from, bits)));

@@ -1,8 +1,10 @@
-// Variants and the conversions that the language makes by itself.
-//
-// A variant is an object: nil, any object or array as it is, and a box for everything else.
-#include "framework/memoryblock.h"
-#include "runtime/runtime.h"
+#include "runtime/variants.h"
+
+#include "runtime/arrays.h"
+#include "runtime/exceptions.h"
+#include "runtime/objects.h"
+#include "runtime/references.h"
+#include "runtime/strings.h"
 #include "runtime/text.h"
 
 #include <cinttypes>
@@ -46,7 +48,7 @@ std::int32_t typeCode(const Type* type) {
     case Kind::String:
         return kREALVariantString;
     case Kind::Object:
-        return sameName(type->name, "Date") ? kREALVariantDate : kREALVariantObject;
+        return type->cls->variantType;
     case Kind::Variant:
         return kREALVariantObject;
     default:
@@ -54,8 +56,8 @@ std::int32_t typeCode(const Type* type) {
     }
 }
 
-// A code promises the size of the elements, so arrays of integers of other sizes have one that nobody takes
-// for 32-bit or 64-bit integers.
+// A code implies the size of the elements, so arrays of integers of other sizes have a code that nobody
+// mistakes for that of 32-bit or 64-bit integers.
 std::int32_t elementCode(const Type* element) {
     constexpr std::int32_t kOtherInteger = 17;
     std::int32_t code = typeCode(element);
@@ -139,7 +141,7 @@ Bits numberTo(const Type* to, const Type* from, Bits bits) {
 }
 
 [[noreturn]] void mismatch(const std::string& from, const Type* to) {
-    raise("TypeMismatchException", "a " + from + " is no " + to->name);
+    raise("TypeMismatchException", "expected " + to->name + ", found " + from);
 }
 
 std::string describe(REALobject variant) {
@@ -161,7 +163,6 @@ REALobject boxVariant(const Type* type, Bits bits) {
     return object;
 }
 
-// The class hook of Variant (framework/variant.cpp) gives the held string back.
 void releaseBox(REALobject variant) { release(boxOf(variant).type, boxOf(variant).bits); }
 std::int32_t boxSize() { return sizeof(Box) - sizeof(REALobjectStruct); }
 
@@ -190,7 +191,8 @@ Bits unboxVariant(REALobject variant, const Type* to) {
             return Bits::of(Heap::retain(variant));
         break;
     case Kind::String:
-        if (isA(variant, "MemoryBlock")) return Bits::of(memoryBlockToString(variant));
+        for (const Class* c = &classOf(variant); c; c = c->superclass)
+            if (c->toString) return Bits::of(c->toString(variant));
         break;
     default:
         break;
@@ -202,7 +204,9 @@ std::int32_t variantType(REALobject variant) {
     if (!variant) return kREALVariantNil;
     if (isBox(variant)) return typeCode(boxOf(variant).type);
     if (isArray(variant)) return kREALVariantArray + elementCode(arrayOf(variant).element);
-    return isA(variant, "Date") ? kREALVariantDate : kREALVariantObject;
+    for (const Class* c = &classOf(variant); c; c = c->superclass)
+        if (c->variantType != kREALVariantObject) return c->variantType;
+    return kREALVariantObject;
 }
 
 bool variantsEqual(REALobject a, REALobject b) {
@@ -237,10 +241,8 @@ int conversionCost(const Type* from, const Type* to) {
             if (c == to->cls) return distance;
         return -1;
     }
-    // Bytes and text stand for each other.
-    bool fromBytes = from->kind == Kind::Object && sameName(from->name, "MemoryBlock");
-    bool toBytes = to->kind == Kind::Object && sameName(to->name, "MemoryBlock");
-    if ((fromBytes && to->kind == Kind::String) || (from->kind == Kind::String && toBytes)) return 11;
+    if (from->kind == Kind::Object && from->cls->toString && to->kind == Kind::String) return 11;
+    if (from->kind == Kind::String && to->kind == Kind::Object && to->cls->fromString) return 11;
     return -1;
 }
 
@@ -254,11 +256,11 @@ Bits convert(const Type* from, const Type* to, Bits bits) {
     if (from->kind == Kind::Nil || (from->kind == Kind::Object && to->kind == Kind::Object)) return bits;
     if (from->kind == Kind::String) {
         StringRef text(bits.string);
-        return Bits::of(newMemoryBlock(bytesOf(text)));
+        return Bits::of(to->cls->fromString(text));
     }
     if (to->kind == Kind::String) {
-        ObjectRef block(bits.object);
-        return Bits::of(block ? memoryBlockToString(block) : nullptr);
+        ObjectRef object(bits.object);
+        return Bits::of(object ? from->cls->toString(object) : nullptr);
     }
     return numberTo(to, from, bits);
 }
@@ -296,7 +298,7 @@ double parseNumber(std::string_view text) {
         int base = std::tolower(copy[1]) == 'h' ? 16 : std::tolower(copy[1]) == 'o' ? 8 : 2;
         return double(std::strtoull(copy.c_str() + 2, nullptr, base));
     }
-    // strtod would also take hexadecimal and names of infinities.
+    // strtod would also accept hexadecimal numbers and "inf".
     std::size_t end = 0;
     while (end < copy.size() && std::string_view("+-.0123456789eE").find(copy[end]) != std::string_view::npos)
         ++end;

@@ -1,0 +1,21 @@
+// MemoryBlock: raw bytes in a program.
+#pragma once
+
+#include <host/abi.h>
+
+#include <cstdint>
+#include <string_view>
+
+namespace studio {
+
+struct MemoryBlockBytes {
+    char* data = nullptr;
+    std::int32_t size = 0;
+    bool littleEndian = true;
+};
+
+MemoryBlockBytes& memoryBlockBytes(REALobject block);
+REALobject newMemoryBlock(std::string_view bytes); // owned
+REALobject tryNewMemoryBlock(std::int32_t size);   // null when there is no memory for it
+
+} // namespace studio

@@ -1,0 +1,87 @@
+// A compiled program and what runs it.
+#pragma once
+
+#include "runtime/model.h"
+#include "syntax/source_error.h"
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace studio {
+
+// One call of a routine.
+struct Frame {
+    Bits* slots;
+    REALobject self;
+    Bits result;
+    int target = 0; // the loop that Exit or Continue refers to
+};
+
+enum class Flow { Next, Exit, Continue, Return };
+
+// Compiled code. A value of a counted type comes with a reference that the receiver owns.
+using Code = std::function<Bits(Frame&)>;
+using Action = std::function<Flow(Frame&)>;
+
+struct Routine {
+    const Method* method = nullptr;
+    Class* owner = nullptr;
+    std::vector<const Type*> parameters; // the first slots
+    std::vector<bool> byRef;
+    int slotCount = 0;
+    Action body;
+};
+
+struct Global {
+    std::string name;
+    const Type* type;
+    Bits bits;
+};
+
+class Program {
+  public:
+    explicit Program(std::string fileName) : fileName(std::move(fileName)) {}
+    ~Program();
+
+    std::string fileName;
+    std::deque<Global> globals; // code holds their addresses
+    std::deque<Routine> routines;
+    std::vector<REALstring> literals;
+    Routine main;
+
+    // Prepares the global state and runs the statements outside routines.
+    void begin(const std::vector<std::string>& arguments);
+    void run(const Routine& routine); // without arguments or result
+    void end();                       // releases the global state
+    std::vector<const Routine*> tests() const;
+
+    // Takes the arguments over. Afterwards those by reference hold their new value, which the caller owns.
+    Bits call(const Routine& routine, REALobject self, Bits* arguments);
+    // The method that overrides this one in the object's class; the routine itself when none does.
+    const Routine& dispatch(const Routine& routine, REALobject self);
+
+    int line = 0; // of the running statement
+
+  private:
+    void noteRaised(REALobject exception);
+
+    std::vector<Bits> stack_ = std::vector<Bits>(1 << 18);
+    std::size_t top_ = 0;
+    std::vector<int> callLines_; // where each running routine was called
+    std::map<std::pair<const Routine*, const Class*>, const Routine*> overrides_;
+};
+
+// Mistakes found in a program's text, in order.
+struct SourceErrors {
+    std::vector<SourceError> errors;
+};
+
+// Checks and resolves a program for the current host; throws SourceErrors.
+std::unique_ptr<Program> compileProgram(const std::string& fileName, std::string_view source);
+
+} // namespace studio

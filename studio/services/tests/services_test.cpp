@@ -1,0 +1,102 @@
+// Which services a host has, and calls between host and plugin.
+#include "service_of.h"
+#include "test_plugin.h"
+
+#include <studio/host.h>
+
+#include <gtest/gtest.h>
+
+using namespace studio;
+
+TEST(Services, DependOnTheVersion) {
+    {
+        Host host({.version = 2009.0});
+        EXPECT_FALSE(host.resolver()("PluginGetStringData"));
+        EXPECT_FALSE(host.resolver()("REALGetStringCFString"));
+        EXPECT_TRUE(host.resolver()("StringGetCString"));
+    }
+    {
+        Host host({.version = 2012.0});
+        EXPECT_FALSE(host.resolver()("PluginGetStringData"));
+        EXPECT_TRUE(host.resolver()("REALGetStringCFString"));
+    }
+    {
+        Host host({.version = 2013.0});
+        EXPECT_TRUE(host.resolver()("PluginGetStringData"));
+    }
+    Host host({.version = std::nullopt});
+    EXPECT_FALSE(host.resolver()("REALGetRBVersion"));
+    EXPECT_FALSE(host.resolver()("NoSuchService"));
+    EXPECT_EQ(host.requestedServices(), (std::vector<std::string>{"REALGetRBVersion", "NoSuchService"}));
+}
+
+TEST(Services, CanBeWithheld) {
+    Host host({.withheld = {"newPicture"}});
+    EXPECT_FALSE(host.resolver()("newPicture"));
+    EXPECT_TRUE(host.resolver()("newMemoryBlock"));
+}
+
+TEST(HostMethods, AreFoundByTheirDeclaration) {
+    Host host;
+    auto global = SERVICE_OF(host, REALLoadGlobalMethod);
+    auto lenB =
+        reinterpret_cast<std::int32_t (*)(REALstring)>(global(nullptr, "LenB( s as string ) as integer"));
+    ASSERT_TRUE(lenB);
+    Value text("grün");
+    EXPECT_EQ(lenB(text.stringHandle()), 5);
+    EXPECT_TRUE(global(nullptr, "VarType(value As Variant) As Int32"));
+    EXPECT_FALSE(global(nullptr, "LenB(s As String) As Double"));
+    EXPECT_FALSE(global(nullptr, "LenB(s As"));
+    auto method = SERVICE_OF(host, REALLoadObjectMethod);
+    Value picture = host.create("Picture", {2, 2, 32});
+    Value graphics = host.get(picture, "Graphics");
+    EXPECT_TRUE(
+        method(graphics.object(),
+               "DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, sx as "
+               "Integer = 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)"));
+    Value file = host.function("GetFolderItem", {"."});
+    EXPECT_TRUE(method(file.object(), "TrueItem(Index as integer) as Folderitem"));
+    EXPECT_FALSE(method(picture.object(), "TrueItem(Index as integer) as Folderitem"));
+}
+
+TEST(HostMethods, WorkFromAPlugin) {
+    Host host;
+    host.loadPlugin(testPlugin12);
+    {
+        Value dictionary = host.function("NewTestDictionary");
+        EXPECT_EQ(host.get(dictionary, "Count").integer(), 1);
+        EXPECT_EQ(host.call(dictionary, "Value", {5}).number(), 2.5);
+        EXPECT_EQ(host.function("LookupTest", {dictionary, 0}).number(), 2.5);
+        // An exception raised by the host's method reaches the plugin's caller.
+        EXPECT_THROW(host.function("LookupTest", {dictionary, 3}), HostException);
+    }
+    EXPECT_TRUE(host.report().clean()) << host.report().text();
+}
+
+TEST(Exceptions, ArriveWhenThePluginReturns) {
+    Host host;
+    host.loadPlugin(testPlugin12);
+    {
+        Value counter = host.create("CounterTest");
+        try {
+            host.call(counter, "Fail");
+            FAIL() << "nothing was thrown";
+        } catch (const HostException& exception) {
+            EXPECT_EQ(exception.className, "NilObjectException");
+            EXPECT_EQ(exception.message, "image is nil");
+        }
+        EXPECT_THROW(host.call(counter, "RaiseUnknown"), HostException);
+        EXPECT_EQ(host.call(counter, "Describe", {"so"}).text(), "so!");
+        EXPECT_EQ(host.call(counter, "Describe").text(), "none!");
+    }
+    EXPECT_TRUE(host.report().clean()) << host.report().text();
+}
+
+TEST(Yielding, RunsTheHandler) {
+    Host host;
+    host.loadPlugin(testPlugin12);
+    int times = 0;
+    host.onYield([&] { ++times; });
+    EXPECT_EQ(host.function("WaitTest", {3}).integer(), 3);
+    EXPECT_EQ(times, 3);
+}

@@ -1,0 +1,21 @@
+// Errors in a program's text, and where they are.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace studio {
+
+struct Position {
+    int line = 1;
+    int column = 1;
+};
+
+class SourceError : public std::runtime_error {
+  public:
+    SourceError(Position position, const std::string& message)
+        : std::runtime_error(message), position(position) {}
+    Position position;
+};
+
+} // namespace studio
