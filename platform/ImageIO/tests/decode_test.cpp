@@ -22,10 +22,6 @@ Retained<CFDictionaryRef> properties(const Bytes& file) {
     return Retained<CFDictionaryRef>::adopt(CGImageSourceCopyPropertiesAtIndex(from.get(), 0, nullptr));
 }
 
-void expectNear(const Pixel& actual, const Pixel& expected, int tolerance) {
-    for (std::size_t k = 0; k < 4; ++k) EXPECT_NEAR(actual[k], expected[k], tolerance) << "component " << k;
-}
-
 /// What testPixels() has there, without alpha.
 Pixel expected(const Bytes& pixels, int width, int samples, int x, int y) {
     const std::uint8_t* p = &pixels[static_cast<std::size_t>((y * width + x) * samples)];

@@ -3,15 +3,7 @@
 
 #include <ImageIO/ImageIO.h>
 
-#include <cg/object.h>
-
-#include <array>
-#include <cstdint>
-#include <string>
-#include <vector>
-
-using Bytes = std::vector<std::uint8_t>;
-using Pixel = std::array<int, 4>;
+#include <testing/bitmap.h>
 
 /// A picture with soft and hard parts: gradients, and a checkerboard in blue.
 Bytes testPixels(int width, int height, int samples);
@@ -37,9 +29,9 @@ cg::Retained<CGImageRef> decode(const Bytes& file, std::size_t index = 0);
 class Drawn {
   public:
     explicit Drawn(CGImageRef image);
-    Pixel at(std::size_t x, std::size_t y) const;
+    Pixel at(std::size_t x, std::size_t y) const { return bitmap_.pixel(x, y); }
 
   private:
-    cg::Retained<CGContextRef> context_;
+    Bitmap bitmap_;
 };
 double number(const cg::Retained<CFDictionaryRef>& properties, CFStringRef key);

@@ -2,11 +2,11 @@
 
 TEST(NSGraphicsContext, IsCurrentForAWhile) {
     EXPECT_EQ([NSGraphicsContext currentContext], nil);
-    auto context = makeContext(4, 4);
+    Bitmap context(4, 4);
     {
         Current current(context.get());
         EXPECT_EQ([[NSGraphicsContext currentContext] graphicsPort], context.get());
-        auto inner = makeContext(2, 2);
+        Bitmap inner(2, 2);
         {
             Current second(inner.get());
             EXPECT_EQ([[NSGraphicsContext currentContext] graphicsPort], inner.get());
@@ -19,7 +19,7 @@ TEST(NSGraphicsContext, IsCurrentForAWhile) {
 }
 
 TEST(NSGraphicsContext, SavesTheStateOfItsPort) {
-    auto context = makeContext(4, 4);
+    Bitmap context(4, 4);
     Current current(context.get());
     [[NSGraphicsContext currentContext] saveGraphicsState];
     CGContextTranslateCTM(context.get(), 1, 1);

@@ -1,7 +1,10 @@
 // Faces in real photographs, against positions that were marked by eye.
-#include "support.h"
-
 #import <QuartzCore/CIDetector.h>
+#import <QuartzCore/QuartzCore.h>
+
+#include <ImageIO/ImageIO.h>
+#include <testing/bitmap.h>
+#include <testing/cocoa.h>
 
 #include <algorithm>
 #include <cmath>
@@ -389,7 +392,7 @@ Mark stored(int orientation, Mark upright, double width, double height) {
 
 /// The pixels of a photograph, part of it, as a camera in that orientation stores them.
 CIImage* storedPhoto(const char* name, int orientation, int width, int height) {
-    Canvas canvas(static_cast<size_t>(width), static_cast<size_t>(height));
+    Bitmap canvas(static_cast<size_t>(width), static_cast<size_t>(height));
     CIImage* image = photo(name);
     CGRect top = CGRectMake(0, [image extent].size.height - height, width, height);
     [[CIContext contextWithCGContext:canvas.get() options:nil] drawImage:image
@@ -402,7 +405,7 @@ CIImage* storedPhoto(const char* name, int orientation, int width, int height) {
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             Mark at = stored(orientation, {double(x), double(y)}, width, height);
-            Pixel pixel = canvas.at(static_cast<size_t>(x), static_cast<size_t>(y));
+            Pixel pixel = canvas.pixel(static_cast<size_t>(x), static_cast<size_t>(y));
             for (size_t k = 0; k < 4; ++k)
                 pixels[(static_cast<size_t>(at.y) * w + static_cast<size_t>(at.x)) * 4 + k] =
                     static_cast<std::uint8_t>(pixel[k]);

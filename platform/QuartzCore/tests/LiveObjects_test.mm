@@ -27,7 +27,11 @@ TEST(LiveObjects, EveryClassIsCounted) {
 
 TEST(LiveObjects, WhatWasNeverInitialisedCanBeReleased) {
     auto before = live();
-    for (Class c : {[CIImage class], [CIFilter class], [CIColor class], [CIVector class], [CIContext class],
+    for (Class c : {[CIImage class],
+                    [CIFilter class],
+                    [CIColor class],
+                    [CIVector class],
+                    [CIContext class],
                     [CIFilterShape class]})
         [[c alloc] release];
     EXPECT_EQ(live(), before);
@@ -36,7 +40,7 @@ TEST(LiveObjects, WhatWasNeverInitialisedCanBeReleased) {
 TEST(LiveObjects, AWholeDayLeavesNothingBehind) {
     auto before = live();
     @autoreleasepool {
-        Canvas canvas(16, 16);
+        Bitmap canvas(16, 16);
         CIContext* context = [CIContext contextWithCGContext:canvas.get() options:nil];
         CIFilter* filter = [CIFilter filterWithName:@"CISepiaTone"];
         [filter setDefaults];

@@ -1,9 +1,7 @@
 // Core Graphics' objects among Cocoa's.
 #import <Foundation/Foundation.h>
 
-#include "bitmap.h"
-
-#include <gtest/gtest.h>
+#include <testing/bitmap.h>
 
 #include <string_view>
 

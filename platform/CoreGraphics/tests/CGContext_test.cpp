@@ -1,6 +1,4 @@
-#include "bitmap.h"
-
-#include <gtest/gtest.h>
+#include <testing/bitmap.h>
 
 #include <cmath>
 #include <cstring>

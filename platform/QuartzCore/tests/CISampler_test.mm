@@ -16,11 +16,11 @@ NSAffineTransform* scaled(CGFloat factor) {
 }
 
 /// What a filter makes of a sampler; an exposure by nothing changes no pixel.
-Canvas drawn(CISampler* sampler, size_t width, size_t height) {
+Bitmap drawn(CISampler* sampler, size_t width, size_t height) {
     CIFilter* filter = [CIFilter filterWithName:@"CIExposureAdjust"];
     [filter setValue:sampler forKey:@"inputImage"];
     EXPECT_EQ([filter valueForKey:@"inputImage"], sampler);
-    Canvas canvas(width, height);
+    Bitmap canvas(width, height);
     CIContext* context = [CIContext contextWithCGContext:canvas.get() options:nil];
     CGRect r = CGRectMake(0, 0, CGFloat(width), CGFloat(height));
     [context drawImage:[filter valueForKey:@"outputImage"] inRect:r fromRect:r];
@@ -73,36 +73,37 @@ TEST(CISampler, TheDefinitionIsWhereSomethingCanBeRead) {
 
 TEST(CISampler, ReadsTheNearestPixelOrMixesTheNeighbours) {
     // Place 10.5 of 28 is 1.5 of 4 pixels, the centre of the second; place 7.5 is a little right of an edge.
-    Canvas nearest = drawn(stripes(@"black", @"nearest"), 28, 7);
-    Canvas linear = drawn(stripes(@"black", @"linear"), 28, 7);
-    expectNear(nearest.at(10, 3), {255, 255, 255, 255}, 0);
-    expectNear(linear.at(10, 3), {255, 255, 255, 255}, 0);
-    expectNear(nearest.at(7, 3), {255, 255, 255, 255}, 0);
-    expectNear(nearest.at(6, 3), {0, 0, 0, 255}, 0);
+    Bitmap nearest = drawn(stripes(@"black", @"nearest"), 28, 7);
+    Bitmap linear = drawn(stripes(@"black", @"linear"), 28, 7);
+    expectNear(nearest.pixel(10, 3), {255, 255, 255, 255}, 0);
+    expectNear(linear.pixel(10, 3), {255, 255, 255, 255}, 0);
+    expectNear(nearest.pixel(7, 3), {255, 255, 255, 255}, 0);
+    expectNear(nearest.pixel(6, 3), {0, 0, 0, 255}, 0);
     // 7.5 / 7 - 0.5 = 0.571 of the way to white in linear light, coded as sRGB.
     double light = 7.5 / 7 - 0.5;
     int coded = int(std::lround(255 * (1.055 * std::pow(light, 1 / 2.4) - 0.055)));
-    expectNear(linear.at(7, 3), {coded, coded, coded, 255}, 1);
+    expectNear(linear.pixel(7, 3), {coded, coded, coded, 255}, 1);
 }
 
 TEST(CISampler, ReadsNothingOrTheEdgeOutside) {
-    Canvas black = drawn(stripes(@"black", @"nearest"), 40, 20);
-    Canvas clamp = drawn(stripes(@"clamp", @"nearest"), 40, 20);
-    expectNear(black.at(27, 19), {255, 255, 255, 255}, 0);
-    expectNear(black.at(28, 19), {0, 0, 0, 0}, 0);
-    expectNear(black.at(27, 12), {0, 0, 0, 0}, 0);
-    expectNear(clamp.at(28, 19), {255, 255, 255, 255}, 0);
-    expectNear(clamp.at(39, 0), {255, 255, 255, 255}, 0);
-    expectNear(clamp.at(2, 0), {0, 0, 0, 255}, 0);
+    Bitmap black = drawn(stripes(@"black", @"nearest"), 40, 20);
+    Bitmap clamp = drawn(stripes(@"clamp", @"nearest"), 40, 20);
+    expectNear(black.pixel(27, 19), {255, 255, 255, 255}, 0);
+    expectNear(black.pixel(28, 19), {0, 0, 0, 0}, 0);
+    expectNear(black.pixel(27, 12), {0, 0, 0, 0}, 0);
+    expectNear(clamp.pixel(28, 19), {255, 255, 255, 255}, 0);
+    expectNear(clamp.pixel(39, 0), {255, 255, 255, 255}, 0);
+    expectNear(clamp.pixel(2, 0), {0, 0, 0, 255}, 0);
 }
 
 TEST(CISampler, ModesThatAreUnknownOrMissingAreBlackAndLinear) {
     for (NSString* odd in @[ @"repeat", @"", @"Clamp", @"NEAREST" ]) {
-        Canvas canvas = drawn(stripes(odd, odd), 40, 7);
-        Canvas expected = drawn(stripes(@"black", @"linear"), 40, 7);
-        for (size_t x = 0; x < 40; ++x) EXPECT_EQ(canvas.at(x, 3), expected.at(x, 3)) << str(odd) << x;
+        Bitmap canvas = drawn(stripes(odd, odd), 40, 7);
+        Bitmap expected = drawn(stripes(@"black", @"linear"), 40, 7);
+        for (size_t x = 0; x < 40; ++x) EXPECT_EQ(canvas.pixel(x, 3), expected.pixel(x, 3)) << str(odd) << x;
     }
-    EXPECT_EQ(drawn(stripes(nil, nil), 40, 7).at(7, 3), drawn(stripes(@"black", @"linear"), 40, 7).at(7, 3));
+    EXPECT_EQ(drawn(stripes(nil, nil), 40, 7).pixel(7, 3),
+              drawn(stripes(@"black", @"linear"), 40, 7).pixel(7, 3));
 }
 
 TEST(CISampler, AMatrixThatIsNotFiniteRaises) {

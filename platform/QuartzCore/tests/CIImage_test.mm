@@ -11,8 +11,8 @@ static void expectRect(CGRect actual, CGRect expected) {
 }
 
 /// The image drawn 1:1 with its origin at the lower left of a canvas.
-static Canvas drawn(CIImage* image, size_t width, size_t height) {
-    Canvas canvas(width, height);
+static Bitmap drawn(CIImage* image, size_t width, size_t height) {
+    Bitmap canvas(width, height);
     CIContext* context = [CIContext contextWithCGContext:canvas.get() options:nil];
     CGRect r = CGRectMake(0, 0, CGFloat(width), CGFloat(height));
     [context drawImage:image inRect:r fromRect:r];
@@ -26,9 +26,10 @@ TEST(CIImage, OfACGImage) {
     EXPECT_EQ([image colorSpace], CGImageGetColorSpace(picture.get()));
     EXPECT_EQ([image url], nil);
     EXPECT_EQ([[image properties] count], 0u);
-    Canvas canvas = drawn(image, 4, 3);
+    Bitmap canvas = drawn(image, 4, 3);
     for (size_t y = 0; y < 3; ++y)
-        for (size_t x = 0; x < 4; ++x) expectNear(canvas.at(x, y), {int(40 * x), int(60 * y), 128, 255}, 1);
+        for (size_t x = 0; x < 4; ++x)
+            expectNear(canvas.pixel(x, y), {int(40 * x), int(60 * y), 128, 255}, 1);
     EXPECT_EQ([CIImage imageWithCGImage:nullptr], nil);
     EXPECT_EQ([[CIImage alloc] initWithCGImage:nullptr], nil);
 }
@@ -81,7 +82,7 @@ TEST(CIImage, EveryLayoutOfACGImage) {
             CGImageCreate(1, 1, layout.bits, layout.pixelBits, layout.bytes.size(), space.get(), layout.info,
                           provider.get(), nullptr, false, kCGRenderingIntentDefault));
         ASSERT_TRUE(image);
-        expectNear(drawn([CIImage imageWithCGImage:image.get()], 1, 1).at(0, 0), layout.expected, 1);
+        expectNear(drawn([CIImage imageWithCGImage:image.get()], 1, 1).pixel(0, 0), layout.expected, 1);
     }
 }
 
@@ -92,9 +93,9 @@ TEST(CIImage, MaskedImagesAreTransparent) {
     auto provider = Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithCFData(data.get()));
     auto mask = Retained<CGImageRef>::adopt(CGImageMaskCreate(2, 1, 8, 8, 2, provider.get(), nullptr, false));
     auto masked = Retained<CGImageRef>::adopt(CGImageCreateWithMask(picture.get(), mask.get()));
-    Canvas canvas = drawn([CIImage imageWithCGImage:masked.get()], 2, 1);
-    expectNear(canvas.at(0, 0), {0, 0, 128, 255}, 1);
-    expectNear(canvas.at(1, 0), {0, 0, 0, 0}, 0);
+    Bitmap canvas = drawn([CIImage imageWithCGImage:masked.get()], 2, 1);
+    expectNear(canvas.pixel(0, 0), {0, 0, 128, 255}, 1);
+    expectNear(canvas.pixel(1, 0), {0, 0, 0, 0}, 0);
 }
 
 TEST(CIImage, OfData) {
@@ -102,7 +103,7 @@ TEST(CIImage, OfData) {
     CIImage* image = [CIImage imageWithData:png];
     expectRect([image extent], CGRectMake(0, 0, 4, 3));
     EXPECT_EQ([[[image properties] objectForKey:@"PixelWidth"] intValue], 4);
-    expectNear(drawn(image, 4, 3).at(2, 1), {80, 60, 128, 255}, 1);
+    expectNear(drawn(image, 4, 3).pixel(2, 1), {80, 60, 128, 255}, 1);
     EXPECT_EQ([CIImage imageWithData:[png subdataWithRange:NSMakeRange(0, [png length] - 20)]], nil);
     EXPECT_EQ([CIImage imageWithData:[@"not a picture" dataUsingEncoding:NSUTF8StringEncoding]], nil);
     EXPECT_EQ([CIImage imageWithData:[NSData data]], nil);
@@ -128,11 +129,11 @@ TEST(CIImage, ColorSpaceOptionReadsTheNumbersInIt) {
     CIImage* image = [CIImage imageWithData:png options:options];
     EXPECT_EQ([image colorSpace], linear.get());
     // 128/255 as linear light is 188 in sRGB.
-    EXPECT_NEAR(drawn(image, 2, 1).at(0, 0)[2], 188, 1);
-    EXPECT_NEAR(drawn([CIImage imageWithData:png options:[NSDictionary dictionary]], 2, 1).at(0, 0)[2], 128,
-                1);
+    EXPECT_NEAR(drawn(image, 2, 1).pixel(0, 0)[2], 188, 1);
+    EXPECT_NEAR(drawn([CIImage imageWithData:png options:[NSDictionary dictionary]], 2, 1).pixel(0, 0)[2],
+                128, 1);
     NSDictionary* nonsense = [NSDictionary dictionaryWithObject:@"sRGB" forKey:kCIImageColorSpace];
-    EXPECT_NEAR(drawn([CIImage imageWithData:png options:nonsense], 2, 1).at(0, 0)[2], 128, 1);
+    EXPECT_NEAR(drawn([CIImage imageWithData:png options:nonsense], 2, 1).pixel(0, 0)[2], 128, 1);
 }
 
 TEST(CIImage, OfBitmapData) {
@@ -144,7 +145,7 @@ TEST(CIImage, OfBitmapData) {
     };
     CIImage* image = make(8, CGSizeMake(2, 1), kCIFormatARGB8, space.get());
     expectRect([image extent], CGRectMake(0, 0, 2, 1));
-    expectNear(drawn(image, 2, 1).at(1, 0), {40, 50, 60, 255}, 1);
+    expectNear(drawn(image, 2, 1).pixel(1, 0), {40, 50, 60, 255}, 1);
     EXPECT_EQ(make(8, CGSizeMake(2, 2), kCIFormatARGB8, space.get()), nil); // too few bytes
     EXPECT_EQ(make(7, CGSizeMake(2, 1), kCIFormatARGB8, space.get()), nil); // rows too short
     EXPECT_EQ(make(8, CGSizeMake(0.5f, 1), kCIFormatARGB8, space.get()), nil);
@@ -160,23 +161,23 @@ TEST(CIImage, OfBitmapData) {
 TEST(CIImage, OfAColor) {
     CIImage* image = [CIImage imageWithColor:[CIColor colorWithRed:1 green:0.5f blue:0 alpha:0.5f]];
     EXPECT_TRUE(CGRectIsInfinite([image extent]));
-    expectNear(drawn(image, 2, 2).at(1, 1), {128, 64, 0, 128}, 1);
+    expectNear(drawn(image, 2, 2).pixel(1, 1), {128, 64, 0, 128}, 1);
     EXPECT_EQ([CIImage imageWithColor:nil], nil);
 }
 
 TEST(CIImage, EmptyImage) {
     EXPECT_TRUE(CGRectIsEmpty([[CIImage emptyImage] extent]));
-    expectNear(drawn([CIImage emptyImage], 1, 1).at(0, 0), {0, 0, 0, 0}, 0);
+    expectNear(drawn([CIImage emptyImage], 1, 1).pixel(0, 0), {0, 0, 0, 0}, 0);
 }
 
 TEST(CIImage, CropsAndTransforms) {
     CIImage* image = [CIImage imageWithCGImage:makePicture(4, 4).get()];
     CIImage* cropped = [image imageByCroppingToRect:CGRectMake(1, 0, 2, 2)];
     expectRect([cropped extent], CGRectMake(1, 0, 2, 2));
-    Canvas canvas = drawn(cropped, 4, 4);
-    EXPECT_EQ(canvas.at(0, 3)[3], 0);
-    expectNear(canvas.at(1, 3), {40, 180, 128, 255}, 1);
-    EXPECT_EQ(canvas.at(1, 1)[3], 0);
+    Bitmap canvas = drawn(cropped, 4, 4);
+    EXPECT_EQ(canvas.pixel(0, 3)[3], 0);
+    expectNear(canvas.pixel(1, 3), {40, 180, 128, 255}, 1);
+    EXPECT_EQ(canvas.pixel(1, 1)[3], 0);
     CIImage* moved = [image imageByApplyingTransform:CGAffineTransformMakeTranslation(10, 20)];
     expectRect([moved extent], CGRectMake(10, 20, 4, 4));
     expectRect([[moved definition] extent], CGRectMake(10, 20, 4, 4));

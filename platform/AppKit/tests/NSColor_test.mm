@@ -16,13 +16,7 @@ TEST(NSColor, Components) {
 TEST(NSColor, GrayHasNoRed) {
     NSColor* gray = [NSColor colorWithDeviceWhite:0.5f alpha:1];
     EXPECT_EQ([gray whiteComponent], 0.5f);
-    bool raised = false;
-    @try {
-        [gray redComponent];
-    } @catch (NSException* e) {
-        raised = [[e name] isEqual:NSInvalidArgumentException];
-    }
-    EXPECT_TRUE(raised);
+    EXPECT_EQ(str([raised([&] { [gray redComponent]; }) name]), str(NSInvalidArgumentException));
     NSColor* rgb = [gray colorUsingColorSpaceName:NSDeviceRGBColorSpace];
     EXPECT_NEAR([rgb redComponent], 0.5, 1e-3);
     EXPECT_NEAR([rgb blueComponent], 0.5, 1e-3);
@@ -30,9 +24,9 @@ TEST(NSColor, GrayHasNoRed) {
 }
 
 TEST(NSColor, SetsTheCurrentColours) {
-    auto context = makeContext(1, 1);
+    Bitmap context(1, 1);
     Current current(context.get());
     [[NSColor greenColor] set];
     NSRectFill(NSMakeRect(0, 0, 1, 1));
-    EXPECT_EQ(pixel(context.get(), 0, 0), (Pixel{0, 255, 0, 255}));
+    EXPECT_EQ(context.pixel(0, 0), (Pixel{0, 255, 0, 255}));
 }

@@ -67,8 +67,8 @@ NSNumber* newNumber(T value) {
     return number;
 }
 
-// NSNumber is a class cluster: what [NSNumber alloc] gives is exchanged for a number of a concrete class by the
-// initialiser. A subclass of a program's own is left to make its numbers from the bytes.
+// NSNumber is a class cluster: what [NSNumber alloc] gives is exchanged for a number of a concrete class by
+// the initialiser. A subclass of a program's own is left to make its numbers from the bytes.
 template <class T>
 id numberWith(Class self, SEL, T value) {
     if (self == numberClass()) return [newNumber(value) autorelease];

@@ -22,13 +22,7 @@ TEST(NSImage, LockFocusDrawsIntoTheImage) {
 
 TEST(NSImage, AnEmptyImageCannotTakeTheFocus) {
     NSImage* image = [[[NSImage alloc] initWithSize:NSMakeSize(0, 0)] autorelease];
-    bool raised = false;
-    @try {
-        [image lockFocus];
-    } @catch (NSException* e) {
-        raised = [[e name] isEqual:NSImageCacheException];
-    }
-    EXPECT_TRUE(raised);
+    EXPECT_EQ(str([raised([&] { [image lockFocus]; }) name]), str(NSImageCacheException));
     EXPECT_EQ([NSGraphicsContext currentContext], nil);
 }
 
@@ -38,20 +32,20 @@ TEST(NSImage, DrawsPartsScaledAndFaded) {
     [[NSColor greenColor] set];
     NSRectFill(NSMakeRect(2, 0, 2, 4));
     [image unlockFocus];
-    auto context = makeContext(8, 8);
+    Bitmap context(8, 8);
     Current current(context.get());
     // The green half over the whole context.
     [image drawInRect:NSMakeRect(0, 0, 8, 8)
              fromRect:NSMakeRect(2, 0, 2, 4)
             operation:NSCompositeSourceOver
              fraction:1];
-    EXPECT_EQ(pixel(context.get(), 7, 4), (Pixel{0, 255, 0, 255}));
-    EXPECT_EQ(pixel(context.get(), 4, 0), (Pixel{0, 255, 0, 255}));
+    EXPECT_EQ(context.pixel(7, 4), (Pixel{0, 255, 0, 255}));
+    EXPECT_EQ(context.pixel(4, 0), (Pixel{0, 255, 0, 255}));
     [image drawInRect:NSMakeRect(0, 0, 8, 8)
              fromRect:NSMakeRect(0, 0, 1, 1)
             operation:NSCompositeCopy
              fraction:0.5f];
-    EXPECT_EQ(pixel(context.get(), 2, 4), (Pixel{128, 0, 0, 128}));
+    EXPECT_EQ(context.pixel(2, 4), (Pixel{128, 0, 0, 128}));
 }
 
 TEST(NSImage, FilesThereAndBack) {
@@ -96,11 +90,11 @@ TEST(NSBitmapImageRep, PixelsOfItsOwn) {
                                                                    bitsPerPixel:0] autorelease];
     unsigned char* data = [rep bitmapData];
     data[0] = data[3] = 255;
-    auto context = makeContext(2, 2);
+    Bitmap context(2, 2);
     Current current(context.get());
     [rep draw];
-    EXPECT_EQ(pixel(context.get(), 0, 0), (Pixel{255, 0, 0, 255}));
-    EXPECT_EQ(pixel(context.get(), 1, 1), (Pixel{0, 0, 0, 0}));
+    EXPECT_EQ(context.pixel(0, 0), (Pixel{255, 0, 0, 255}));
+    EXPECT_EQ(context.pixel(1, 1), (Pixel{0, 0, 0, 0}));
     EXPECT_EQ([[NSBitmapImageRep alloc] initWithCGImage:nullptr], nil);
 }
 
@@ -128,13 +122,13 @@ TEST(NSCIImageRep, RendersWhenItIsDrawn) {
     EXPECT_EQ([rep size].width, 4);
     NSImage* image = [[[NSImage alloc] initWithSize:NSSizeFromCGSize([recipe extent].size)] autorelease];
     [image addRepresentation:rep];
-    auto context = makeContext(4, 4);
+    Bitmap context(4, 4);
     Current current(context.get());
     [image drawAtPoint:NSMakePoint(0, 0)
               fromRect:NSMakeRect(0, 0, 0, 0)
              operation:NSCompositeSourceOver
               fraction:1];
-    EXPECT_EQ(pixel(context.get(), 1, 1), (Pixel{0, 0, 255, 255}));
+    EXPECT_EQ(context.pixel(1, 1), (Pixel{0, 0, 255, 255}));
     NSRect proposed = NSMakeRect(0, 0, 8, 8);
     CGImageRef picture = [image CGImageForProposedRect:&proposed context:nil hints:nil];
     EXPECT_EQ(CGImageGetWidth(picture), 8u);

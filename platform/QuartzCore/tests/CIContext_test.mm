@@ -9,7 +9,7 @@ static CIImage* picture(size_t width, size_t height) {
     return [CIImage imageWithCGImage:makePicture(width, height).get()];
 }
 
-static CIContext* on(const Canvas& canvas, NSDictionary* options = nil) {
+static CIContext* on(const Bitmap& canvas, NSDictionary* options = nil) {
     return [CIContext contextWithCGContext:canvas.get() options:options];
 }
 
@@ -20,31 +20,31 @@ static std::vector<std::uint8_t> bytesOf(CGImageRef image) {
 }
 
 TEST(CIContext, DrawsAtAPoint) {
-    Canvas canvas(8, 8);
+    Bitmap canvas(8, 8);
     [on(canvas) drawImage:picture(4, 4) atPoint:CGPointMake(2, 1) fromRect:CGRectMake(0, 0, 4, 4)];
     // The picture's lower left pixel (row 3 from its top) is at (2, 1) from below.
-    expectNear(canvas.at(2, 6), {0, 180, 128, 255}, 1);
-    EXPECT_EQ(canvas.at(1, 6)[3], 0);
-    EXPECT_EQ(canvas.at(2, 7)[3], 0);
+    expectNear(canvas.pixel(2, 6), {0, 180, 128, 255}, 1);
+    EXPECT_EQ(canvas.pixel(1, 6)[3], 0);
+    EXPECT_EQ(canvas.pixel(2, 7)[3], 0);
 }
 
 TEST(CIContext, DrawsScaled) {
-    Canvas canvas(8, 8);
+    Bitmap canvas(8, 8);
     CIImage* color =
         [[CIImage imageWithColor:[CIColor colorWithRed:1 green:0
                                                   blue:0]] imageByCroppingToRect:CGRectMake(0, 0, 2, 2)];
     [on(canvas) drawImage:color inRect:CGRectMake(0, 0, 8, 4) fromRect:[color extent]];
-    expectNear(canvas.at(4, 6), {255, 0, 0, 255}, 1);
-    EXPECT_EQ(canvas.at(4, 1)[3], 0);
+    expectNear(canvas.pixel(4, 6), {255, 0, 0, 255}, 1);
+    EXPECT_EQ(canvas.pixel(4, 1)[3], 0);
 }
 
 TEST(CIContext, BlendsOverWhatIsThere) {
-    Canvas canvas(1, 1);
+    Bitmap canvas(1, 1);
     CGContextSetRGBFillColor(canvas.get(), 0, 0, 1, 1);
     CGContextFillRect(canvas.get(), CGRectMake(0, 0, 1, 1));
     CIImage* red = [CIImage imageWithColor:[CIColor colorWithRed:1 green:0 blue:0 alpha:0.5f]];
     [on(canvas) drawImage:red inRect:CGRectMake(0, 0, 1, 1) fromRect:CGRectMake(0, 0, 1, 1)];
-    Pixel p = canvas.at(0, 0);
+    Pixel p = canvas.pixel(0, 0);
     EXPECT_EQ(p[3], 255);
     EXPECT_GT(p[0], 100);
     EXPECT_GT(p[2], 100);
@@ -60,9 +60,9 @@ TEST(CIContext, EveryContextTheSamePicture) {
           Order{kCGImageAlphaPremultipliedFirst | kCGBitmapByteOrder32Little, 2, 1, 0},
           Order{kCGImageAlphaPremultipliedLast | kCGBitmapByteOrder32Little, 3, 2, 1},
           Order{kCGImageAlphaNoneSkipLast, 0, 1, 2}, Order{kCGImageAlphaNoneSkipFirst, 1, 2, 3}}) {
-        Canvas canvas(4, 4, order.info);
+        Bitmap canvas(4, 4, order.info);
         [on(canvas) drawImage:picture(4, 4) inRect:CGRectMake(0, 0, 4, 4) fromRect:CGRectMake(0, 0, 4, 4)];
-        Pixel p = canvas.at(3, 1);
+        Pixel p = canvas.pixel(3, 1);
         EXPECT_NEAR(p[size_t(order.r)], 120, 1) << order.info;
         EXPECT_NEAR(p[size_t(order.g)], 60, 1) << order.info;
         EXPECT_NEAR(p[size_t(order.b)], 128, 1) << order.info;
@@ -72,48 +72,48 @@ TEST(CIContext, EveryContextTheSamePicture) {
 TEST(CIContext, FollowsTransformClipAndAlpha) {
     CIImage* white = [CIImage imageWithColor:[CIColor colorWithRed:1 green:1 blue:1]];
     CGRect unit = CGRectMake(0, 0, 4, 4);
-    Canvas moved(8, 8);
+    Bitmap moved(8, 8);
     CGContextTranslateCTM(moved.get(), 4, 0);
     [on(moved) drawImage:white inRect:unit fromRect:unit];
-    EXPECT_EQ(moved.at(3, 7)[3], 0);
-    EXPECT_EQ(moved.at(4, 7)[3], 255);
+    EXPECT_EQ(moved.pixel(3, 7)[3], 0);
+    EXPECT_EQ(moved.pixel(4, 7)[3], 255);
 
-    Canvas clipped(8, 8);
+    Bitmap clipped(8, 8);
     CGContextClipToRect(clipped.get(), CGRectMake(0, 0, 2, 8));
     [on(clipped) drawImage:white inRect:unit fromRect:unit];
-    EXPECT_EQ(clipped.at(1, 7)[3], 255);
-    EXPECT_EQ(clipped.at(2, 7)[3], 0);
+    EXPECT_EQ(clipped.pixel(1, 7)[3], 255);
+    EXPECT_EQ(clipped.pixel(2, 7)[3], 0);
 
-    Canvas faded(8, 8);
+    Bitmap faded(8, 8);
     CGContextSetAlpha(faded.get(), 0.5f);
     [on(faded) drawImage:white inRect:unit fromRect:unit];
-    EXPECT_NEAR(faded.at(1, 7)[3], 128, 1);
+    EXPECT_NEAR(faded.pixel(1, 7)[3], 128, 1);
 
-    Canvas turned(8, 8);
+    Bitmap turned(8, 8);
     CGContextTranslateCTM(turned.get(), 8, 0);
     CGContextRotateCTM(turned.get(), float(M_PI / 2));
     [on(turned) drawImage:white inRect:unit fromRect:unit];
-    EXPECT_EQ(turned.at(5, 6)[3], 255);
-    EXPECT_EQ(turned.at(2, 6)[3], 0);
+    EXPECT_EQ(turned.pixel(5, 6)[3], 255);
+    EXPECT_EQ(turned.pixel(2, 6)[3], 0);
 }
 
 TEST(CIContext, ClippingDoesNotMoveThePicture) {
-    Canvas whole(8, 8), part(8, 8);
+    Bitmap whole(8, 8), part(8, 8);
     CGRect r = CGRectMake(0, 0, 4, 4);
     [on(whole) drawImage:picture(4, 4) inRect:r fromRect:r];
     CGContextClipToRect(part.get(), CGRectMake(1, 1, 2, 2));
     [on(part) drawImage:picture(4, 4) inRect:r fromRect:r];
-    EXPECT_EQ(part.at(2, 5), whole.at(2, 5));
-    EXPECT_EQ(part.at(1, 6), whole.at(1, 6));
-    EXPECT_EQ(part.at(3, 5)[3], 0);
+    EXPECT_EQ(part.pixel(2, 5), whole.pixel(2, 5));
+    EXPECT_EQ(part.pixel(1, 6), whole.pixel(1, 6));
+    EXPECT_EQ(part.pixel(3, 5)[3], 0);
 }
 
 TEST(CIContext, InfiniteOnInfiniteFillsTheClip) {
-    Canvas canvas(4, 4);
+    Bitmap canvas(4, 4);
     CIImage* red = [CIImage imageWithColor:[CIColor colorWithRed:1 green:0 blue:0]];
     [on(canvas) drawImage:red inRect:[red extent] fromRect:[red extent]];
-    expectNear(canvas.at(0, 0), {255, 0, 0, 255}, 0);
-    expectNear(canvas.at(3, 3), {255, 0, 0, 255}, 0);
+    expectNear(canvas.pixel(0, 0), {255, 0, 0, 255}, 0);
+    expectNear(canvas.pixel(3, 3), {255, 0, 0, 255}, 0);
 }
 
 TEST(CIContext, MakesImagesInEveryFormat) {
@@ -195,7 +195,7 @@ TEST(CIContext, RendersToMemory) {
 }
 
 TEST(CIContext, RetainsItsCGContext) {
-    Canvas canvas(1, 1);
+    Bitmap canvas(1, 1);
     CFIndex before = CFGetRetainCount(canvas.get());
     @autoreleasepool {
         on(canvas);
@@ -205,7 +205,7 @@ TEST(CIContext, RetainsItsCGContext) {
 }
 
 TEST(CIContext, TakesItsOptions) {
-    Canvas canvas(1, 1);
+    Bitmap canvas(1, 1);
     auto space = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateWithName(kCGColorSpaceGenericRGBLinear));
     NSDictionary* options = [NSDictionary
         dictionaryWithObjectsAndKeys:[NSNumber numberWithBool:YES], @"software_renderer", (id)space.get(),

@@ -1,6 +1,4 @@
-#include "bitmap.h"
-
-#include <gtest/gtest.h>
+#include <testing/bitmap.h>
 
 using cg::Retained;
 

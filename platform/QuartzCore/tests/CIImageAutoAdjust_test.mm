@@ -80,8 +80,8 @@ CIImage* adjusted(CIImage* image) {
 constexpr size_t side = 128;
 
 /// The image in a square.
-Canvas shown(CIImage* image) {
-    Canvas canvas(side, side);
+Bitmap shown(CIImage* image) {
+    Bitmap canvas(side, side);
     [[CIContext contextWithCGContext:canvas.get() options:nil] drawImage:image
                                                                   inRect:CGRectMake(0, 0, side, side)
                                                                 fromRect:[image extent]];
@@ -95,11 +95,11 @@ struct Look {
 };
 
 Look lookOf(CIImage* image) {
-    Canvas canvas = shown(image);
+    Bitmap canvas = shown(image);
     double sum = 0, squares = 0;
     for (size_t y = 0; y < side; ++y)
         for (size_t x = 0; x < side; ++x) {
-            double l = luma(canvas.at(x, y));
+            double l = luma(canvas.pixel(x, y));
             sum += l, squares += l * l;
         }
     double mean = sum / (side * side);
@@ -107,11 +107,11 @@ Look lookOf(CIImage* image) {
 }
 
 double meanDifference(CIImage* a, CIImage* b) {
-    Canvas one = shown(a), other = shown(b);
+    Bitmap one = shown(a), other = shown(b);
     double sum = 0;
     for (size_t y = 0; y < side; ++y)
         for (size_t x = 0; x < side; ++x)
-            for (size_t c = 0; c < 3; ++c) sum += std::abs(one.at(x, y)[c] - other.at(x, y)[c]);
+            for (size_t c = 0; c < 3; ++c) sum += std::abs(one.pixel(x, y)[c] - other.pixel(x, y)[c]);
     return sum / (3 * side * side);
 }
 
@@ -324,7 +324,7 @@ TEST(AutoAdjust, NothingToSeeNothingToDo) {
 TEST(AutoAdjust, PlainPicturesStayWhole) {
     for (double v : {0.0, 0.3, 1.0}) {
         CIImage* plain = patch(CGRectMake(0, 0, 40, 40), v, v, v);
-        Pixel p = shown(adjusted(plain)).at(20, 20);
+        Pixel p = shown(adjusted(plain)).pixel(20, 20);
         EXPECT_EQ(p[3], 255);
         EXPECT_GE(p[0], int(255 * v) - 40) << v;
         EXPECT_NEAR(p[0], p[2], 1) << "gray stays gray";
@@ -362,11 +362,12 @@ TEST(AutoAdjust, RedEyesAreFoundAndCured) {
             auto f = [](double v) { return static_cast<CGFloat>(v); };
             return CGRectMake(f(x - 1), f(y - 1), 2, 2);
         };
-        Pixel eye = shown([cured imageByCroppingToRect:window(p.left.x, p.left.y)]).at(64, 64);
+        Pixel eye = shown([cured imageByCroppingToRect:window(p.left.x, p.left.y)]).pixel(64, 64);
         EXPECT_LT(eye[0], 40) << "no red";
-        Pixel cheek = shown([cured imageByCroppingToRect:window(p.left.x, p.left.y - 30 * scale)]).at(64, 64);
+        Pixel cheek =
+            shown([cured imageByCroppingToRect:window(p.left.x, p.left.y - 30 * scale)]).pixel(64, 64);
         Pixel skin =
-            shown([p.image imageByCroppingToRect:window(p.left.x, p.left.y - 30 * scale)]).at(64, 64);
+            shown([p.image imageByCroppingToRect:window(p.left.x, p.left.y - 30 * scale)]).pixel(64, 64);
         EXPECT_EQ(cheek, skin);
     }
 }
@@ -391,8 +392,8 @@ TEST(AutoAdjust, SkinUnderABlueLightIsBalanced) {
     CGRect cheek = CGRectMake(190, 100, 20, 20);
     auto distance = [&](CIImage* image, CIImage* good) {
         double i, q, gi, gq;
-        chroma(shown([image imageByCroppingToRect:cheek]).at(64, 64), i, q);
-        chroma(shown([good imageByCroppingToRect:cheek]).at(64, 64), gi, gq);
+        chroma(shown([image imageByCroppingToRect:cheek]).pixel(64, 64), i, q);
+        chroma(shown([good imageByCroppingToRect:cheek]).pixel(64, 64), gi, gq);
         return std::hypot(i - gi, q - gq);
     };
     double blueSkin[] = {0.6, 0.62, 0.75};
