@@ -1,4 +1,4 @@
-#include "pool.h"
+#include "autorelease.h"
 
 #include <CoreFoundation/CFBase.h>
 #include <CoreFoundation/CFString.h>
@@ -14,6 +14,6 @@ Boolean CFEqual(CFTypeRef a, CFTypeRef b) { return a == b || [(id)a isEqual:(id)
 CFHashCode CFHash(CFTypeRef object) { return [(id)object hash]; }
 
 const struct __CFString* CFCopyDescription(CFTypeRef object) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     return reinterpret_cast<CFStringRef>([[(id)object description] copy]);
 }

@@ -1,4 +1,4 @@
-#include <cg/context.h>
+#include <cg/canvas.h>
 
 #include <cstring>
 
@@ -11,13 +11,13 @@ CGContextRef CGBitmapContextCreateWithData(void* data, size_t width, size_t heig
     return guarded([&] {
         std::function<void(void*)> release;
         if (releaseCallback && data) release = [=](void* pixels) { releaseCallback(releaseInfo, pixels); };
-        return make<Context>(data,
-                             Image::Layout{.width = width,
-                                           .height = height,
-                                           .bitsPerComponent = bitsPerComponent,
-                                           .bytesPerRow = bytesPerRow,
-                                           .info = bitmapInfo},
-                             space, std::move(release));
+        return make<Canvas>(data,
+                            Image::Layout{.width = width,
+                                          .height = height,
+                                          .bitsPerComponent = bitsPerComponent,
+                                          .bytesPerRow = bytesPerRow,
+                                          .info = bitmapInfo},
+                            space, std::move(release));
     });
 }
 
@@ -30,12 +30,12 @@ CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size
 /// One field of the layout, the empty value for null.
 template <class Field>
 static Field field(CGContextRef context, Field Image::Layout::*member) {
-    Context* self = get<Context>(context);
+    Canvas* self = get<Canvas>(context);
     return self ? self->layout().*member : Field();
 }
 
 void* CGBitmapContextGetData(CGContextRef context) {
-    Context* self = get<Context>(context);
+    Canvas* self = get<Canvas>(context);
     return self ? self->data() : nullptr;
 }
 size_t CGBitmapContextGetWidth(CGContextRef context) { return field(context, &Image::Layout::width); }
@@ -50,7 +50,7 @@ size_t CGBitmapContextGetBytesPerRow(CGContextRef context) {
     return field(context, &Image::Layout::bytesPerRow);
 }
 CGColorSpaceRef CGBitmapContextGetColorSpace(CGContextRef context) {
-    Context* self = get<Context>(context);
+    Canvas* self = get<Canvas>(context);
     return self ? self->space() : nullptr;
 }
 CGImageAlphaInfo CGBitmapContextGetAlphaInfo(CGContextRef context) {
@@ -61,7 +61,7 @@ CGBitmapInfo CGBitmapContextGetBitmapInfo(CGContextRef context) {
 }
 
 CGImageRef CGBitmapContextCreateImage(CGContextRef context) {
-    Context* self = get<Context>(context);
+    Canvas* self = get<Canvas>(context);
     if (!self) return nullptr;
     return guarded([&] {
         Image::Layout layout = self->layout();

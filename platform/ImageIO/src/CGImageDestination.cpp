@@ -1,7 +1,7 @@
 #include <ImageIO/CGImageDestination.h>
 
-#include "CGImageProperties.h"
 #include "encoder.h"
+#include "properties.h"
 
 #include <cg/image.h>
 
@@ -52,10 +52,10 @@ class ImageDestination final : public cg::Payload {
     bool finish() {
         if (images_.size() != count_) return false;
         std::vector<Page> pages;
-        std::vector<Source> sources;
+        std::vector<OutputImage> images;
         for (const Added& added : images_) pages.push_back(prepare(added));
-        for (Page& page : pages) sources.push_back(page.source);
-        std::vector<std::uint8_t> file = type_->encode(sources);
+        for (Page& page : pages) images.push_back(page.image);
+        std::vector<std::uint8_t> file = type_->encode(images);
         return !file.empty() && store(file);
     }
 
@@ -65,7 +65,7 @@ class ImageDestination final : public cg::Payload {
         cg::Retained<CFDictionaryRef> properties;
     };
     struct Page {
-        Source source;
+        OutputImage image;
         color::ColorSpacePtr space;
     };
 
@@ -82,7 +82,7 @@ class ImageDestination final : public cg::Payload {
 ImageDestination::Page ImageDestination::prepare(const Added& added) const {
     const cg::Image& image = *cg::get<cg::Image>(added.image.get());
     Page page;
-    Source& s = page.source;
+    OutputImage& s = page.image;
     s.width = image.width();
     s.height = image.height();
     s.bits = image.format().bits > 8 && type_->deep ? 16 : 8;

@@ -2,7 +2,7 @@
 
 #include <ImageIO/CGImageDestination.h>
 
-#include "CGImageProperties.h"
+#include "properties.h"
 
 #define KEY(symbol, text) const CFStringRef symbol = (CFStringRef) @text
 

@@ -1,6 +1,6 @@
 #include <ImageIO/CGImageSource.h>
 
-#include "CGImageProperties.h"
+#include "properties.h"
 
 #include <cg/image.h>
 

@@ -10,7 +10,7 @@
 namespace imageio {
 
 /// One image to be written.
-struct Source {
+struct OutputImage {
     std::size_t width = 0, height = 0;
     /// 8 or 16.
     int bits = 8;
@@ -32,12 +32,12 @@ struct Source {
 };
 
 /// A whole file, or nothing when the format cannot hold the images. May throw std::bad_alloc.
-using Encoder = std::vector<std::uint8_t> (*)(std::span<const Source> images);
+using Encoder = std::vector<std::uint8_t> (*)(std::span<const OutputImage> images);
 
-std::vector<std::uint8_t> encodePNG(std::span<const Source> images);
+std::vector<std::uint8_t> encodePNG(std::span<const OutputImage> images);
 /// 8 bits without alpha only.
-std::vector<std::uint8_t> encodeJPEG(std::span<const Source> images);
-std::vector<std::uint8_t> encodeTIFF(std::span<const Source> images);
+std::vector<std::uint8_t> encodeJPEG(std::span<const OutputImage> images);
+std::vector<std::uint8_t> encodeTIFF(std::span<const OutputImage> images);
 
 /// The smallest EXIF block that tells an orientation.
 std::vector<std::uint8_t> orientationBlock(int orientation);

@@ -3,8 +3,8 @@
 #include "Attempt.h"
 #include "Formats.h"
 
+#include <cg/canvas.h>
 #include <cg/color.h>
-#include <cg/context.h>
 
 #include <algorithm>
 #include <cmath>
@@ -265,7 +265,7 @@ void renderBitmap(const engine::Image& image, CGRect area, int format, CGColorSp
 
 void draw(const engine::Image& image, CGContextRef ref, CGRect dest, CGRect source, engine::Options options,
           Failure& failure) {
-    cg::Context* context = cg::get<cg::Context>(ref);
+    cg::Canvas* context = cg::get<cg::Canvas>(ref);
     if (!context || !clip(ref, dest, source)) return;
     attempt(failure, [&] {
         auto layout = layoutOf(context->format(), context->space());

@@ -1,9 +1,9 @@
 #include "support.h"
 
+#include <CoreGraphics/CGTesting.h>
+
 #include <cstring>
 #include <map>
-
-extern "C" int PlatformLiveObjects(const char** names, int* counts, int capacity);
 
 static std::map<std::string, int> live() {
     const char* names[64];

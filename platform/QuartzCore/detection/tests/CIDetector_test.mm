@@ -2,6 +2,7 @@
 #import <QuartzCore/CIDetector.h>
 #import <QuartzCore/QuartzCore.h>
 
+#include <CoreGraphics/CGTesting.h>
 #include <ImageIO/ImageIO.h>
 #include <testing/bitmap.h>
 #include <testing/cocoa.h>
@@ -12,8 +13,6 @@
 #include <cstring>
 #include <functional>
 #include <vector>
-
-extern "C" int PlatformLiveObjects(const char** names, int* counts, int capacity);
 
 namespace {
 

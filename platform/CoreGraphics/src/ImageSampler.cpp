@@ -1,4 +1,4 @@
-#include "Sampler.h"
+#include "ImageSampler.h"
 
 #include <algorithm>
 #include <array>
@@ -16,8 +16,8 @@ Matrix stretch(const Image& from, const Image& to) {
             static_cast<double>(to.height()) / static_cast<double>(from.height()), 0, 0};
 }
 
-Sampler::Sampler(const Image& image, Role role, const ColorSpace* space, bool extended, const Matrix& toImage,
-                 Quality quality)
+ImageSampler::ImageSampler(const Image& image, Role role, const ColorSpace* space, bool extended,
+                           const Matrix& toImage, Quality quality)
     : reader_(image, role, space, extended), toCells_(toImage), quality_(quality) {
     if (quality == Quality::smooth) {
         auto shrink = [](double footprint) { return std::max(1, toInt(std::round(footprint))); };
@@ -28,12 +28,12 @@ Sampler::Sampler(const Image& image, Role role, const ColorSpace* space, bool ex
         toCells_ = toImage.then({1. / shrinkX_, 0, 0, 1. / shrinkY_, 0, 0});
     }
     if (Image* mask = get<Image>(image.mask())) {
-        mask_ = std::make_unique<Sampler>(*mask, Role::shape, nullptr, false,
-                                          toImage.then(stretch(image, *mask)), quality);
+        mask_ = std::make_unique<ImageSampler>(*mask, Role::shape, nullptr, false,
+                                               toImage.then(stretch(image, *mask)), quality);
     }
 }
 
-void Sampler::prepare(const IntRect& area) {
+void ImageSampler::prepare(const IntRect& area) {
     if (mask_) {
         mask_->prepare(area);
         maskRow_.resize(static_cast<std::size_t>(area.width()));
@@ -55,7 +55,7 @@ void Sampler::prepare(const IntRect& area) {
     fetch({low(x0, width), low(y0, height), high(x1, width), high(y1, height)});
 }
 
-void Sampler::fetch(const IntRect& cells) {
+void ImageSampler::fetch(const IntRect& cells) {
     cells_ = cells;
     auto width = static_cast<std::size_t>(cells.width());
     window_.resize(width * static_cast<std::size_t>(cells.height()));
@@ -87,7 +87,7 @@ void Sampler::fetch(const IntRect& cells) {
     }
 }
 
-void Sampler::sampleRow(int x, int y, std::size_t n, const Planes& out) const {
+void ImageSampler::sampleRow(int x, int y, std::size_t n, const Planes& out) const {
     int width = cells_.width(), lastX = cells_.x1 - 1, lastY = cells_.y1 - 1;
     Point start = toCells_.apply({x + 0.5, y + 0.5});
     bool nearest = quality_ == Quality::nearest;
@@ -131,7 +131,7 @@ void Sampler::sampleRow(int x, int y, std::size_t n, const Planes& out) const {
     }
 }
 
-void Sampler::row(int x, int y, std::size_t n, const Planes& out) const {
+void ImageSampler::row(int x, int y, std::size_t n, const Planes& out) const {
     sampleRow(x, y, n, out);
     if (!mask_) return;
     mask_->row(x, y, n, maskRow_.planes());

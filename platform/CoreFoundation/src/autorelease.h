@@ -4,12 +4,12 @@
 
 #import <Foundation/Foundation.h>
 
-class TemporaryPool {
+class AutoreleaseScope {
   public:
-    TemporaryPool() : pool([[NSAutoreleasePool alloc] init]) {}
-    ~TemporaryPool() { [pool release]; }
-    TemporaryPool(const TemporaryPool&) = delete;
-    TemporaryPool& operator=(const TemporaryPool&) = delete;
+    AutoreleaseScope() : pool([[NSAutoreleasePool alloc] init]) {}
+    ~AutoreleaseScope() { [pool release]; }
+    AutoreleaseScope(const AutoreleaseScope&) = delete;
+    AutoreleaseScope& operator=(const AutoreleaseScope&) = delete;
 
   private:
     NSAutoreleasePool* pool;

@@ -36,14 +36,14 @@ struct GraphicsState {
 };
 
 /// A bitmap context. Not for several threads at once.
-class CG_INTERNAL Context final : public Payload {
+class CG_INTERNAL Canvas final : public Payload {
   public:
     using Ref = CGContextRef;
 
     /// Memory of its own for null `data`. Throws std::invalid_argument for a layout that cannot be drawn to.
-    Context(void* data, const Image::Layout& layout, CGColorSpaceRef space,
-            std::function<void(void*)> release);
-    ~Context() override;
+    Canvas(void* data, const Image::Layout& layout, CGColorSpaceRef space,
+           std::function<void(void*)> release);
+    ~Canvas() override;
 
     const char* typeName() const override { return "CGContext"; }
 

@@ -1,8 +1,8 @@
-#include <cg/context.h>
+#include <cg/canvas.h>
 
 #include "Blend.h"
+#include "ImageSampler.h"
 #include "Rasterizer.h"
-#include "Sampler.h"
 #include "Stroke.h"
 
 #include <algorithm>
@@ -45,12 +45,12 @@ struct SolidPaint final : Paint {
 };
 
 struct ImagePaint final : Paint {
-    ImagePaint(const Image& image, Sampler::Role role, const ColorSpace* space, bool extended,
-               const Matrix& toImage, Sampler::Quality quality)
+    ImagePaint(const Image& image, ImageSampler::Role role, const ColorSpace* space, bool extended,
+               const Matrix& toImage, ImageSampler::Quality quality)
         : sampler(image, role, space, extended, toImage, quality) {}
     void prepare(const IntRect& area) override { sampler.prepare(area); }
     void row(int x, int y, std::size_t n, const Planes& out) override { sampler.row(x, y, n, out); }
-    Sampler sampler;
+    ImageSampler sampler;
 };
 
 /// A colour through the coverage of a mask image.
@@ -109,8 +109,8 @@ bool drawsTo(const PixelFormat& f, const Image::Layout& layout) {
 
 } // namespace
 
-Context::Context(void* data, const Image::Layout& layout, CGColorSpaceRef space,
-                 std::function<void(void*)> release)
+Canvas::Canvas(void* data, const Image::Layout& layout, CGColorSpaceRef space,
+               std::function<void(void*)> release)
     : Payload(&live), layout_(layout), space_(space), own_(nullptr, [](void* p) { std::free(p); }),
       release_(std::move(release)), data_(static_cast<std::uint8_t*>(data)) {
     bool alphaOnly = (layout.info & kCGBitmapAlphaInfoMask) == kCGImageAlphaOnly;
@@ -145,17 +145,17 @@ Context::Context(void* data, const Image::Layout& layout, CGColorSpaceRef space,
     states_.push_back(std::move(initial));
 }
 
-Context::~Context() {
+Canvas::~Canvas() {
     if (release_) release_(data_);
 }
 
-Matrix Context::toPixels() const {
+Matrix Canvas::toPixels() const {
     return Matrix::from(states_.back().ctm).then({1, 0, 0, -1, 0, static_cast<double>(layout_.height)});
 }
 
 // ---------------------------------------------------------------------------------------- painting
 
-void Context::paint(Rasterizer& shape, bool evenOdd, Paint& paint) {
+void Canvas::paint(Rasterizer& shape, bool evenOdd, Paint& paint) {
     const GraphicsState& s = state();
     IntRect all = shape.bounds();
     if (all.isEmpty()) return;
@@ -194,12 +194,12 @@ void Context::paint(Rasterizer& shape, bool evenOdd, Paint& paint) {
     }
 }
 
-void Context::paintColor(Rasterizer& shape, bool evenOdd, CGColorRef color) {
+void Canvas::paintColor(Rasterizer& shape, bool evenOdd, CGColorRef color) {
     SolidPaint solid(color, space_.get());
     paint(shape, evenOdd, solid);
 }
 
-void Context::clear(CGRect rect) {
+void Canvas::clear(CGRect rect) {
     // Clearing knows no colour: every sample, padding too, becomes 0 where whole pixels are meant.
     Rasterizer shape(state().clip);
     shape.add(corners(rect, toPixels()));
@@ -221,7 +221,7 @@ void Context::clear(CGRect rect) {
     }
 }
 
-void Context::draw(CGRect rect, CGImageRef ref) {
+void Canvas::draw(CGRect rect, CGImageRef ref) {
     const Image* image = get<Image>(ref);
     if (!image || CGRectIsEmpty(rect)) return;
     Matrix pixels = toPixels();
@@ -229,10 +229,10 @@ void Context::draw(CGRect rect, CGImageRef ref) {
     if (!matrix) return;
     Rasterizer shape(state().clip);
     shape.add(corners(rect, pixels));
-    auto quality =
-        state().quality == kCGInterpolationNone ? Sampler::Quality::nearest : Sampler::Quality::smooth;
+    auto quality = state().quality == kCGInterpolationNone ? ImageSampler::Quality::nearest
+                                                           : ImageSampler::Quality::smooth;
     const ColorSpace* space = get<ColorSpace>(space_.get());
-    ImagePaint picture(*image, Sampler::Role::picture, space, format_.bits == 32, *matrix, quality);
+    ImagePaint picture(*image, ImageSampler::Role::picture, space, format_.bits == 32, *matrix, quality);
     // What has no colour of its own shows the fill colour.
     if (picture.sampler.colors() == 0 && space) {
         StencilPaint stencil(SolidPaint(state().fill.get(), space_.get()), std::move(picture));
@@ -245,7 +245,7 @@ void Context::draw(CGRect rect, CGImageRef ref) {
 // ---------------------------------------------------------------------------------------- clipping
 
 /// Keeps of the clip what the shape covers, times the coverage of `paint` when there is one.
-void Context::intersectClip(Rasterizer& shape, bool evenOdd, Paint* paint) {
+void Canvas::intersectClip(Rasterizer& shape, bool evenOdd, Paint* paint) {
     GraphicsState& s = state();
     auto mask = std::make_shared<ClipMask>();
     IntRect all = mask->bounds = s.clip.intersect(shape.bounds());
@@ -283,7 +283,7 @@ void Context::intersectClip(Rasterizer& shape, bool evenOdd, Paint* paint) {
     s.mask = full ? nullptr : std::move(mask);
 }
 
-void Context::clipTo(CGRect rect, CGImageRef ref) {
+void Canvas::clipTo(CGRect rect, CGImageRef ref) {
     const Image* image = get<Image>(ref);
     Rasterizer shape(state().clip);
     Matrix pixels = toPixels();
@@ -291,27 +291,27 @@ void Context::clipTo(CGRect rect, CGImageRef ref) {
     if (!image) return intersectClip(shape, false, nullptr);
     auto matrix = toImage(rect, *image, pixels);
     if (!matrix) return intersectClip(shape, false, nullptr);
-    auto role = image->format().hasAlpha() ? Sampler::Role::picture : Sampler::Role::shape;
-    ImagePaint paint(*image, role, nullptr, false, *matrix, Sampler::Quality::smooth);
+    auto role = image->format().hasAlpha() ? ImageSampler::Role::picture : ImageSampler::Role::shape;
+    ImagePaint paint(*image, role, nullptr, false, *matrix, ImageSampler::Quality::smooth);
     intersectClip(shape, false, &paint);
 }
 
 // ------------------------------------------------------------------------------------------- paths
 
-void Context::beginPath() { path_.clear(); }
+void Canvas::beginPath() { path_.clear(); }
 
-bool Context::pathIsEmpty() const { return path_.empty(); }
+bool Canvas::pathIsEmpty() const { return path_.empty(); }
 
-void Context::moveTo(CGPoint p) { path_.push_back({{toPixels().apply({p.x, p.y})}, false}); }
+void Canvas::moveTo(CGPoint p) { path_.push_back({{toPixels().apply({p.x, p.y})}, false}); }
 
-void Context::lineTo(CGPoint p) {
+void Canvas::lineTo(CGPoint p) {
     if (path_.empty()) return;
     // After a closed subpath the next one begins where that one did.
     if (path_.back().closed) path_.push_back({{path_.back().points.front()}, false});
     path_.back().points.push_back(toPixels().apply({p.x, p.y}));
 }
 
-void Context::curveTo(CGPoint control1, CGPoint control2, CGPoint end) {
+void Canvas::curveTo(CGPoint control1, CGPoint control2, CGPoint end) {
     if (path_.empty()) return;
     if (path_.back().closed) path_.push_back({{path_.back().points.front()}, false});
     Matrix m = toPixels();
@@ -330,13 +330,13 @@ void Context::curveTo(CGPoint control1, CGPoint control2, CGPoint end) {
     }
 }
 
-void Context::closePath() {
+void Canvas::closePath() {
     if (!path_.empty()) path_.back().closed = true;
 }
 
-void Context::addRect(CGRect r) { path_.push_back({corners(r, toPixels()), true}); }
+void Canvas::addRect(CGRect r) { path_.push_back({corners(r, toPixels()), true}); }
 
-void Context::addEllipse(CGRect rect) {
+void Canvas::addEllipse(CGRect rect) {
     CGRect r = CGRectStandardize(rect);
     CGFloat rx = r.size.width / 2, ry = r.size.height / 2, x = r.origin.x + rx, y = r.origin.y + ry;
     // The cubic that comes nearest to a quarter of a circle.
@@ -349,7 +349,7 @@ void Context::addEllipse(CGRect rect) {
     closePath();
 }
 
-void Context::addArc(CGPoint centre, double radius, double start, double end, bool clockwise) {
+void Canvas::addArc(CGPoint centre, double radius, double start, double end, bool clockwise) {
     constexpr double turn = 2 * std::numbers::pi;
     if (!std::isfinite(start) || !std::isfinite(end)) return;
     double sweep = end - start;
@@ -375,7 +375,7 @@ void Context::addArc(CGPoint centre, double radius, double start, double end, bo
     }
 }
 
-CGPoint Context::currentPoint() const {
+CGPoint Canvas::currentPoint() const {
     auto inverse = toPixels().inverse();
     if (path_.empty() || !inverse) return CGPointZero;
     const Subpath& last = path_.back();
@@ -383,21 +383,21 @@ CGPoint Context::currentPoint() const {
     return CGPointMake(static_cast<CGFloat>(p.x), static_cast<CGFloat>(p.y));
 }
 
-void Context::fillPath(bool evenOdd) {
+void Canvas::fillPath(bool evenOdd) {
     std::vector<Subpath> path = std::exchange(path_, {});
     Rasterizer shape(state().clip);
     for (const Polygon& outline : outlines(path)) shape.add(outline);
     paintColor(shape, evenOdd, state().fill.get());
 }
 
-void Context::strokePath() {
+void Canvas::strokePath() {
     std::vector<Subpath> path = std::exchange(path_, {});
     Rasterizer shape(state().clip);
     for (const Polygon& outline : strokeOutlines(path, state().lineWidth, toPixels())) shape.add(outline);
     paintColor(shape, false, state().stroke.get());
 }
 
-void Context::clipToPath(bool evenOdd) {
+void Canvas::clipToPath(bool evenOdd) {
     std::vector<Subpath> path = std::exchange(path_, {});
     Rasterizer shape(state().clip);
     for (const Polygon& outline : outlines(path)) shape.add(outline);

@@ -12,15 +12,15 @@ Matrix stretch(const Image& from, const Image& to);
 /// Reads an image at transformed positions, as premultiplied colour of a space. Works on areas of the
 /// destination, for which the pixels needed are fetched at once: shrunk by averaging where many fall onto
 /// one, so that memory grows with the area and not with the image.
-class Sampler {
+class ImageSampler {
   public:
     using Role = PixelReader::Role;
     enum class Quality { nearest, smooth };
 
     /// `toImage` takes destination pixels to pixels of the image, both counted from the top. The image must
     /// outlive the sampler; so must `space`, which may be null for no matching.
-    Sampler(const Image& image, Role role, const ColorSpace* space, bool extended, const Matrix& toImage,
-            Quality quality);
+    ImageSampler(const Image& image, Role role, const ColorSpace* space, bool extended, const Matrix& toImage,
+                 Quality quality);
 
     /// Fetches what the destination's `area` needs.
     void prepare(const IntRect& area);
@@ -41,7 +41,7 @@ class Sampler {
     IntRect cells_;
     PlaneBuffer window_;
     PlaneBuffer source_;
-    std::unique_ptr<Sampler> mask_;
+    std::unique_ptr<ImageSampler> mask_;
     PlaneBuffer maskRow_;
 };
 
