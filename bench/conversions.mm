@@ -5,6 +5,7 @@
 #include <studio/host.h>
 
 #include <Carbon/Carbon.h>
+#include <Carbon/CarbonTesting.h>
 #include <bridge/pictures.h>
 #include <bridge/strings.h>
 #include <bridge/variants.h>
