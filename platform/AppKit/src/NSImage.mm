@@ -1,6 +1,7 @@
 #import <AppKit/NSImage.h>
 
 #import <AppKit/NSBitmapImageRep.h>
+#import <AppKit/NSErrors.h>
 
 #include <cg/object.h>
 

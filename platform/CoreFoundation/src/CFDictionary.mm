@@ -4,8 +4,17 @@
 
 #include <unordered_map>
 
-const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0};
-const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0};
+namespace {
+
+const void* retain(CFAllocatorRef, const void* value) { return CFRetain(value); }
+void release(CFAllocatorRef, const void* value) { CFRelease(value); }
+
+} // namespace
+
+const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0,       retain, release, CFCopyDescription,
+                                                                CFEqual, CFHash};
+const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retain, release, CFCopyDescription,
+                                                                    CFEqual};
 
 // The dictionary of plain pointers: an object, so that it can be retained and released as any other.
 @interface KazPointerDictionary : NSObject {

@@ -1,7 +1,7 @@
 #include "autorelease.h"
 
 #include <CoreFoundation/CFURL.h>
-#include <CoreFoundation/FileReference.h>
+#include <cf/filereference.h>
 
 #include <sys/stat.h>
 
@@ -33,7 +33,7 @@ CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPa
 
 CFURLRef CFURLCreateFromFSRef(CFAllocatorRef, const FSRef* ref) {
     AutoreleaseScope scope;
-    const char* path = FileReferencePath(ref);
+    const char* path = cf::pathOfFileReference(ref);
     struct stat status;
     if (!path || lstat(path, &status) != 0) return nullptr;
     return owned([NSURL fileURLWithPath:[NSString stringWithUTF8String:path]
@@ -75,6 +75,6 @@ Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) {
     const char* bytes = [path fileSystemRepresentation];
     struct stat status;
     if (!bytes || lstat(bytes, &status) != 0) return false;
-    FileReferenceMake(bytes, ref);
+    cf::makeFileReference(bytes, ref);
     return true;
 }

@@ -4,11 +4,7 @@
 
 #import <CoreGraphics/CoreGraphics.h>
 
-#ifdef __cplusplus
-#define APPKIT_EXTERN extern "C"
-#else
-#define APPKIT_EXTERN extern
-#endif
+#import <AppKit/AppKitDefines.h>
 
 /** How drawing combines with what is there. */
 enum {

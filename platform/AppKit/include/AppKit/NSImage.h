@@ -51,5 +51,3 @@
                                hints:(NSDictionary*)hints;
 
 @end
-
-APPKIT_EXTERN NSString* const NSImageCacheException;

@@ -4,9 +4,6 @@
 
 CF_EXTERN_C_BEGIN
 
-typedef const struct __CFString* CFStringRef;
-typedef struct __CFString* CFMutableStringRef;
-
 typedef UInt32 CFStringEncoding;
 
 #define kCFStringEncodingInvalidId ((CFStringEncoding)0xFFFFFFFFU)
