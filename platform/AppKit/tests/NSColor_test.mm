@@ -1,3 +1,4 @@
+// Colours: components, conversions, and as the current colours.
 #include "support.h"
 
 TEST(NSColor, Components) {

@@ -1,3 +1,4 @@
+// The current context and its saved states.
 #include "support.h"
 
 TEST(NSGraphicsContext, IsCurrentForAWhile) {

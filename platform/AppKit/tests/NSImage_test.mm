@@ -1,3 +1,4 @@
+// Pictures and their representations.
 #include "support.h"
 
 #import <QuartzCore/QuartzCore.h>
@@ -6,7 +7,7 @@ TEST(NSImage, LockFocusDrawsIntoTheImage) {
     NSImage* image = makeImage(4, 2, [NSColor redColor]);
     EXPECT_EQ([[image representations] count], 1u);
     EXPECT_EQ([NSGraphicsContext currentContext], nil);
-    // A second time it goes on from what is there.
+    // The second time starts from the first drawing.
     [image lockFocus];
     [[NSColor blueColor] set];
     NSRectFill(NSMakeRect(0, 0, 1, 1));

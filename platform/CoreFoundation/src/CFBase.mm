@@ -1,3 +1,4 @@
+// What every Core Foundation object answers to, over NSObject.
 #include "autorelease.h"
 
 #include <CoreFoundation/CFBase.h>

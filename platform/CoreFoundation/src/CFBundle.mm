@@ -1,3 +1,4 @@
+// CFBundle: a folder, and the shared library in it once it is loaded.
 #include "autorelease.h"
 
 #include <CoreFoundation/CFBundle.h>

@@ -1,3 +1,4 @@
+// CFDictionary over NSDictionary, or over a table of plain pointers.
 #import <Foundation/Foundation.h>
 
 #include <CoreFoundation/CFDictionary.h>
@@ -16,7 +17,7 @@ const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0,       retain,
 const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retain, release, CFCopyDescription,
                                                                     CFEqual};
 
-// The dictionary of plain pointers: an object, so that it can be retained and released as any other.
+// The dictionary of plain pointers: an object, so that it can be retained and released like any other.
 @interface KazPointerDictionary : NSObject {
   @public
     std::unordered_map<const void*, const void*> entries;

@@ -1,3 +1,4 @@
+// CFString over NSString.
 #include "autorelease.h"
 
 #include <CoreFoundation/CFString.h>
@@ -26,14 +27,14 @@ constexpr EncodingPair kEncodings[] = {
     {kCFStringEncodingUTF32, NSUTF32StringEncoding},
 };
 
-// GSUndefinedEncoding, which is 0, for an encoding that is not known.
+// GSUndefinedEncoding, which is 0, for an unknown encoding.
 NSStringEncoding foundationEncoding(CFStringEncoding encoding) {
     for (const EncodingPair& pair : kEncodings)
         if (pair.platform == encoding) return pair.foundation;
     return GSUndefinedEncoding;
 }
 
-// Bytes in the encoding, or nil when a character cannot be said in it.
+// The bytes of the text; nil if the encoding lacks a character.
 NSData* encoded(NSString* string, CFStringEncoding encoding) {
     NSStringEncoding foundation = foundationEncoding(encoding);
     return foundation ? [string dataUsingEncoding:foundation allowLossyConversion:NO] : nil;

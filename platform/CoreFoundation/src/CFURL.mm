@@ -1,3 +1,4 @@
+// CFURL over NSURL.
 #include "autorelease.h"
 
 #include <CoreFoundation/CFURL.h>

@@ -1,5 +1,5 @@
-// Core Foundation hands nothing to the caller's autorelease pool, so that plain C programs can use it: every
-// function that makes temporary Cocoa objects drains a pool of its own.
+// An autorelease pool for a scope. Core Foundation leaves nothing in the caller's pool, so that plain C
+// programs can use it: every function that makes temporary Cocoa objects drains a pool of its own.
 #pragma once
 
 #import <Foundation/Foundation.h>

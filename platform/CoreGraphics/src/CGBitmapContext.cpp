@@ -1,3 +1,4 @@
+// The C functions that make bitmap contexts and describe them.
 #include <cg/canvas.h>
 
 #include <cstring>
@@ -66,7 +67,7 @@ CGImageRef CGBitmapContextCreateImage(CGContextRef context) {
     return guarded([&] {
         Image::Layout layout = self->layout();
         layout.interpolate = true;
-        // Only the pixels are the caller's to read; what follows the last row may not exist.
+        // Memory given by a caller may end with the last pixel, without the padding of its row.
         std::size_t row = self->format().rowBytes(layout.width),
                     size = layout.bytesPerRow * (layout.height - 1) + row;
         std::shared_ptr<std::uint8_t[]> copy(new std::uint8_t[size]);

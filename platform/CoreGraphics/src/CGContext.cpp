@@ -1,16 +1,18 @@
+// The C functions of CGContext, each a call of the Canvas behind it.
 #include <CoreGraphics/CGContext.h>
 
 #include <cg/canvas.h>
 
 using namespace cg;
 
-/// Calls `body` with the context; does nothing for null. A lack of memory ends the drawing, nothing more.
+/// Calls `body` with the context; does nothing for null. Running out of memory ends the drawing and nothing
+/// else.
 template <class Body>
 static void with(CGContextRef ref, Body body) {
     if (Canvas* context = get<Canvas>(ref)) guarded([&] { body(*context); });
 }
 
-/// The same for a result; `missing` is the answer for null.
+/// The same with a result, which is `missing` for null.
 template <class Result, class Body>
 static Result ask(CGContextRef ref, Result missing, Body body) {
     Canvas* context = get<Canvas>(ref);
@@ -51,7 +53,7 @@ void CGContextRotateCTM(CGContextRef context, CGFloat angle) {
 CGAffineTransform CGContextGetCTM(CGContextRef context) {
     return ask(context, CGAffineTransformIdentity, [](Canvas& c) { return c.state().ctm; });
 }
-// One unit of a bitmap's device space is one pixel, and the CTM leads there.
+// A unit of a bitmap's device space is a pixel, so this is the CTM.
 CGAffineTransform CGContextGetUserSpaceToDeviceSpaceTransform(CGContextRef context) {
     return CGContextGetCTM(context);
 }

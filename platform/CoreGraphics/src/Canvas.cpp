@@ -1,3 +1,4 @@
+// Drawing on a bitmap: painting, clipping and building paths.
 #include <cg/canvas.h>
 
 #include "Blend.h"
@@ -16,7 +17,7 @@ static LiveCount live("CGContext");
 /// Where the colour of a painted shape comes from.
 struct Paint {
     virtual ~Paint() = default;
-    /// Called before the rows of an area are asked for.
+    /// Called before the rows of an area are read.
     virtual void prepare(const IntRect& area) {}
     /// Premultiplied pixels in the context's space.
     virtual void row(int x, int y, std::size_t n, const Planes& out) = 0;
@@ -28,8 +29,7 @@ namespace {
 constexpr int tileWidth = 256, tileHeight = 64;
 
 struct SolidPaint final : Paint {
-    /// The components in the context's space, and alpha.
-    /// Premultiplied in the space; without one only alpha counts.
+    /// In the context's space, premultiplied; alpha alone if the context has none.
     SolidPaint(CGColorRef color, CGColorSpaceRef space)
         : colors(static_cast<int>(CGColorSpaceGetNumberOfComponents(space))) {
         float alpha = value[alphaPlane] = std::clamp(CGColorGetAlpha(color), 0.f, 1.f);
@@ -118,7 +118,7 @@ Canvas::Canvas(void* data, const Image::Layout& layout, CGColorSpaceRef space,
     if (!meaning && !alphaOnly) throw std::invalid_argument("no colour space");
     if (alphaOnly) space_ = {};
     int colors = meaning ? meaning->components() : 0;
-    // The number of bits to a pixel follows from the rest.
+    // The number of bits per pixel follows from the rest.
     CGImageAlphaInfo alpha = layout.info & kCGBitmapAlphaInfoMask;
     int samples = alphaOnly ? 1 : colors + (alpha != kCGImageAlphaNone);
     layout_.bitsPerPixel = static_cast<std::size_t>(samples) * layout.bitsPerComponent;
@@ -200,7 +200,7 @@ void Canvas::paintColor(Rasterizer& shape, bool evenOdd, CGColorRef color) {
 }
 
 void Canvas::clear(CGRect rect) {
-    // Clearing knows no colour: every sample, padding too, becomes 0 where whole pixels are meant.
+    // Every sample of a fully covered pixel becomes 0, the filler included.
     Rasterizer shape(state().clip);
     shape.add(corners(rect, toPixels()));
     CGBlendMode mode = std::exchange(state().blend, kCGBlendModeClear);
@@ -233,7 +233,7 @@ void Canvas::draw(CGRect rect, CGImageRef ref) {
                                                            : ImageSampler::Quality::smooth;
     const ColorSpace* space = get<ColorSpace>(space_.get());
     ImagePaint picture(*image, ImageSampler::Role::picture, space, format_.bits == 32, *matrix, quality);
-    // What has no colour of its own shows the fill colour.
+    // An image without colours of its own shows the fill colour.
     if (picture.sampler.colors() == 0 && space) {
         StencilPaint stencil(SolidPaint(state().fill.get(), space_.get()), std::move(picture));
         paint(shape, false, stencil);
@@ -244,7 +244,7 @@ void Canvas::draw(CGRect rect, CGImageRef ref) {
 
 // ---------------------------------------------------------------------------------------- clipping
 
-/// Keeps of the clip what the shape covers, times the coverage of `paint` when there is one.
+/// Intersects the clip with the shape, times the coverage of `paint` if there is one.
 void Canvas::intersectClip(Rasterizer& shape, bool evenOdd, Paint* paint) {
     GraphicsState& s = state();
     auto mask = std::make_shared<ClipMask>();

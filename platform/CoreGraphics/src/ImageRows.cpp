@@ -1,3 +1,4 @@
+// The rows of an image, matched and masked, in a layout of the caller's choice.
 #include "ImageSampler.h"
 
 namespace cg {

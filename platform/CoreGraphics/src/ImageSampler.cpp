@@ -1,3 +1,4 @@
+// Reading an image under a transform, bilinear or nearest.
 #include "ImageSampler.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Reading an image under a transform.
 #pragma once
 
 #include "PixelReader.h"
@@ -9,8 +10,8 @@ namespace cg {
 /// From pixels of one image to those of another that covers the same area.
 Matrix stretch(const Image& from, const Image& to);
 
-/// Reads an image at transformed positions, as premultiplied colour of a space. Works on areas of the
-/// destination, for which the pixels needed are fetched at once: shrunk by averaging where many fall onto
+/// Reads an image at transformed positions, as premultiplied colour in a space. It works through the
+/// destination area by area: prepare() fetches the pixels that an area needs, averaged where many fall onto
 /// one, so that memory grows with the area and not with the image.
 class ImageSampler {
   public:
@@ -24,7 +25,7 @@ class ImageSampler {
 
     /// Fetches what the destination's `area` needs.
     void prepare(const IntRect& area);
-    /// Pixels x to x+n-1 of row y, inside the prepared area. Beyond the image its edge pixels continue.
+    /// Pixels x to x+n-1 of row y, inside the prepared area. Beyond the image its edge pixels repeat.
     void row(int x, int y, std::size_t n, const Planes& out) const;
     /// Colour planes that row() writes.
     int colors() const { return reader_.colors(); }

@@ -1,3 +1,4 @@
+// Colours and colour spaces.
 #include <CoreGraphics/CoreGraphics.h>
 
 #include <cg/object.h>

@@ -1,3 +1,4 @@
+// Bitmap contexts: filling, stroking, clipping, blending and drawing images.
 #include <testing/bitmap.h>
 
 #include <cmath>
@@ -33,7 +34,7 @@ TEST(BitmapContext, OwnMemoryIsClearedAndAligned) {
     EXPECT_EQ(CGBitmapContextGetAlphaInfo(bitmap.get()), CGImageAlphaInfo(kCGImageAlphaPremultipliedLast));
 }
 
-TEST(BitmapContext, RefusesWhatQuartzDoesNotDrawTo) {
+TEST(BitmapContext, RefusesUnsupportedLayouts) {
     auto rgb = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
     auto create = [&](size_t w, size_t bits, size_t row, CGBitmapInfo info) {
         return Retained<CGContextRef>::adopt(
@@ -158,7 +159,7 @@ TEST(BitmapContext, ClipsToRectsAndPaths) {
     EXPECT_EQ(bitmap.pixel(1, 5)[3], 0);
     EXPECT_EQ(bitmap.pixel(2, 5)[3], 255);
     EXPECT_EQ(bitmap.pixel(6, 5)[3], 0);
-    // What is outside stays outside, whatever comes later.
+    // A later clip never makes the area larger.
     CGContextClipToRect(bitmap.get(), CGRectMake(8, 8, 1, 1));
     EXPECT_TRUE(CGRectIsNull(CGContextGetClipBoundingBox(bitmap.get())));
     fill(bitmap, whole(bitmap), 1, 0, 0);

@@ -1,3 +1,4 @@
+// Rectangles and affine transforms.
 #include <CoreGraphics/CoreGraphics.h>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// Data providers, and images with their parts and copies.
 #include <testing/bitmap.h>
 
 using cg::Retained;
@@ -55,7 +56,7 @@ TEST(Image, AnswersHowItWasMade) {
     EXPECT_FALSE(CGImageIsMask(image.get()));
 }
 
-TEST(Image, RefusesWhatCannotBe) {
+TEST(Image, RefusesImpossibleImages) {
     EXPECT_FALSE(rgba(2, 3, Bytes(23)));                       // a byte is missing
     EXPECT_FALSE(rgba(0, 3, Bytes(24)));                       // no area
     EXPECT_FALSE(rgba(SIZE_MAX / 2, SIZE_MAX / 2, Bytes(24))); // would wrap around

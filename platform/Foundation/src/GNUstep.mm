@@ -1,5 +1,5 @@
-// GNUstep converts UTF-16 with iconv, whose modules lie in the sysroot. Without this path text is damaged, so
-// it is set as soon as a program that uses the platform is loaded, before any string can be converted.
+// Sets the path of iconv's modules, which lie in the sysroot; without it GNUstep damages UTF-16 text. Runs
+// when the library is loaded, before any string can be converted.
 #include <cstdlib>
 
 __attribute__((constructor(101))) static void setIconvModulePath() {

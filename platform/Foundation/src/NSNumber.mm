@@ -1,13 +1,13 @@
-// On a Mac a number remembers the C type it was made from, and its objCType decides what it becomes in the
-// host. GNUstep keeps an integer in the smallest of int, long long and unsigned long long that holds it, so
-// here integers of other types than int get a class that remembers.
+// Numbers that remember the C type they were made from, as on a Mac: their objCType decides what they become
+// in the host. GNUstep keeps an integer in the smallest of int, long long and unsigned long long that holds
+// it, so integers of other types than int get a class of their own here.
 #import <Foundation/Foundation.h>
 #include <objc/runtime.h>
 
 #include <climits>
 #include <cstring>
 
-// GNUstep's own, which do the arithmetic, the comparing and the hashing.
+// GNUstep's own classes, which calculate, compare and hash.
 @interface NSSignedIntegerNumber : NSNumber
 @end
 @interface NSLongLongNumber : NSSignedIntegerNumber {
@@ -21,7 +21,7 @@
 }
 @end
 
-// An integer of any type whose value long long can hold.
+// An integer of any type whose value fits into a long long.
 @interface KazTypedNumber : NSLongLongNumber {
   @public
     const char* type;
@@ -43,7 +43,7 @@
 
 namespace {
 
-// Looked up once: by its name it would be looked up wherever it is named.
+// Looked up once: each mention of a class by its name is a lookup.
 Class numberClass() {
     static const Class c = [NSNumber class];
     return c;
@@ -67,8 +67,8 @@ NSNumber* newNumber(T value) {
     return number;
 }
 
-// NSNumber is a class cluster: what [NSNumber alloc] gives is exchanged for a number of a concrete class by
-// the initialiser. A subclass of a program's own is left to make its numbers from the bytes.
+// NSNumber is a class cluster: the initialiser replaces the placeholder from [NSNumber alloc] with a number
+// of a concrete class. A program's own subclass makes its numbers from the bytes.
 template <class T>
 id numberWith(Class self, SEL, T value) {
     if (self == numberClass()) return [newNumber(value) autorelease];

@@ -104,7 +104,7 @@ TEST(NSNumber, EveryGetterGivesTheValue) {
             if (value != static_cast<long long>(value)) continue;
             long long whole = static_cast<long long>(value);
             EXPECT_EQ([n longLongValue], whole);
-            // What a narrower type keeps of a floating-point value out of its range is nobody's promise.
+            // A floating-point value out of a narrower type's range converts to nothing in particular.
             if (*made.type == 'f' || *made.type == 'd') continue;
             EXPECT_EQ([n unsignedLongLongValue], static_cast<unsigned long long>(whole));
             EXPECT_EQ([n charValue], static_cast<signed char>(whole));

@@ -1,3 +1,4 @@
+// CGImageDestination: prepares the images for an encoder and stores the file.
 #include <ImageIO/CGImageDestination.h>
 
 #include "encoder.h"
@@ -15,7 +16,8 @@ static cg::LiveCount live("CGImageDestination");
 struct Type {
     const char* name;
     Encoder encode;
-    /// What the format can hold; anything else is converted.
+    /// Whether the format holds 16 bits, alpha, several images. What it does not hold is converted or
+    /// refused.
     bool deep, alpha, several;
 };
 
@@ -88,7 +90,7 @@ ImageDestination::Page ImageDestination::prepare(const Added& added) const {
     s.bits = image.format().bits > 8 && type_->deep ? 16 : 8;
     bool transparent = image.format().hasAlpha() || image.mask();
 
-    // Gray and RGB keep their space, the rest becomes sRGB.
+    // Gray and RGB keep their space; other models become sRGB.
     cg::Retained<CGColorSpaceRef> space(image.space());
     CGColorSpaceModel model = CGColorSpaceGetModel(space.get());
     if (model != kCGColorSpaceModelMonochrome && model != kCGColorSpaceModelRGB)
@@ -110,7 +112,7 @@ ImageDestination::Page ImageDestination::prepare(const Added& added) const {
     format.bits = s.bits;
     format.colors = s.colors;
     format.offset = {0, 1, 2, 3, -1};
-    // Where transparency is lost the picture is shown on white, so alpha is needed to begin with.
+    // A format without alpha shows the picture on white, so its alpha is read first.
     bool onWhite = transparent && !s.hasAlpha;
     bool readsAlpha = s.hasAlpha || onWhite;
     format.alpha = !readsAlpha ? cg::Alpha::none : onWhite ? cg::Alpha::premultiplied : cg::Alpha::straight;

@@ -1,3 +1,4 @@
+// Writing JPEG files, with libjpeg.
 #include "encoder.h"
 
 #include <algorithm>
@@ -54,7 +55,7 @@ bool Writer::run() {
     jpeg_set_defaults(&info);
     auto quality = static_cast<int>(std::lround(std::clamp(image.quality, 0., 1.) * 100));
     jpeg_set_quality(&info, quality, TRUE);
-    // Fine colours are kept where quality is asked for.
+    // At high quality, colours keep their full resolution.
     if (quality >= 90 && image.colors == 3)
         info.comp_info[0].h_samp_factor = info.comp_info[0].v_samp_factor = 1;
     info.density_unit = 1;

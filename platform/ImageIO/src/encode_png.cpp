@@ -1,26 +1,22 @@
+// Writing PNG files, with libpng.
 #include "encoder.h"
+
+#include "pngstate.h"
 
 #include <bit>
 #include <cmath>
-#include <csetjmp>
 #include <exception>
-
-#include <png.h>
 
 namespace imageio {
 
 namespace {
 
-/// The library's errors jump back to run(); what is thrown for lack of memory inside a callback is turned
-/// into one.
-struct Writer {
+/// The library's errors jump back to run(). An exception in a callback becomes such an error.
+struct Writer : PngState {
     explicit Writer(const OutputImage& image)
         : image(image), row(image.rowBytes()), exif(orientationBlock(image.orientation)) {}
     ~Writer() { png_destroy_write_struct(&png, &info); }
 
-    static void fail(png_structp png, png_const_charp) {
-        std::longjmp(static_cast<Writer*>(png_get_error_ptr(png))->escape, 1);
-    }
     static void take(png_structp png, png_bytep data, std::size_t size) {
         auto* self = static_cast<Writer*>(png_get_io_ptr(png));
         if (!self->append(data, size)) fail(png, nullptr);
@@ -37,14 +33,11 @@ struct Writer {
 
     const OutputImage& image;
     std::vector<std::uint8_t> row, output, exif;
-    png_structp png = nullptr;
-    png_infop info = nullptr;
-    std::jmp_buf escape;
 };
 
 bool Writer::run() {
     if (setjmp(escape)) return false;
-    png = png_create_write_struct(PNG_LIBPNG_VER_STRING, this, fail, [](png_structp, png_const_charp) {});
+    png = png_create_write_struct(PNG_LIBPNG_VER_STRING, static_cast<PngState*>(this), fail, ignoreWarning);
     if (!png) return false;
     info = png_create_info_struct(png);
     if (!info) return false;
@@ -52,7 +45,7 @@ bool Writer::run() {
     int type = (image.colors == 3 ? PNG_COLOR_MASK_COLOR : 0) | (image.hasAlpha ? PNG_COLOR_MASK_ALPHA : 0);
     png_set_IHDR(png, info, static_cast<png_uint_32>(image.width), static_cast<png_uint_32>(image.height),
                  image.bits, type, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    // A profile that the library does not like is left out, the picture is written all the same.
+    // If the library rejects the profile, the picture is written without it.
     png_set_benign_errors(png, 1);
     if (image.isSRGB)
         png_set_sRGB_gAMA_and_cHRM(png, info, PNG_sRGB_INTENT_PERCEPTUAL);

@@ -1,3 +1,4 @@
+// Writing TIFF files, with libtiff.
 #include "encoder.h"
 
 #include "tiffmemory.h"

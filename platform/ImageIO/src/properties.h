@@ -1,3 +1,4 @@
+// Property dictionaries.
 #pragma once
 
 #include <ImageIO/CGImageProperties.h>

@@ -1,3 +1,4 @@
+// Image files made with the format libraries.
 #include "files.h"
 
 #include <cstdio>
@@ -76,7 +77,7 @@ Bytes pngFile(int width, int height, int colorType, const PngOptions& options) {
     Bytes pixels = testPixels(width, height, samples);
     if (colorType == PNG_COLOR_TYPE_PALETTE)
         for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = i % 4;
-    // 16-bit words whose high byte is the 8-bit value, and the low byte too.
+    // 16-bit words, with the 8-bit value in both bytes.
     if (options.bits == 16) {
         Bytes wide;
         for (std::uint8_t p : pixels) wide.insert(wide.end(), 2, p);

@@ -1,3 +1,4 @@
+// Automatic adjustment: measures a reduced copy of the picture and chooses filters by what it finds.
 #include "AutoAdjust.h"
 
 #include "Attempt.h"
@@ -13,10 +14,10 @@ using engine::Image;
 using engine::Point;
 using engine::Rect;
 
-/// A pixel that can be seen, in straight sRGB.
+/// A pixel in straight sRGB.
 struct Pixel {
     double r, g, b;
-    double x, y; // the middle of it, in the picture's coordinates
+    double x, y; // its centre, in the picture's coordinates
 
     double high() const { return std::max({r, g, b}); }
     double low() const { return std::min({r, g, b}); }
@@ -24,7 +25,7 @@ struct Pixel {
 };
 using Pixels = std::vector<Pixel>;
 
-/// The picture inside `area`, averaged down to at most `side` pixels each way.
+/// The pixels inside `area` that are at least half opaque, averaged down to at most `side` of them each way.
 Pixels look(const Image& image, const Rect& area, double side) {
     Rect seen = area.intersect(image->extent());
     if (seen.isEmpty()) return {};
@@ -57,7 +58,7 @@ double mean(const Pixels& pixels, Measure measure) {
     return pixels.empty() ? 0 : sum / static_cast<double>(pixels.size());
 }
 
-/// The value that a share of all pixels stays below.
+/// The value below which this share of the pixels lies.
 template <class Measure>
 double percentile(const Pixels& pixels, double share, Measure measure) {
     std::vector<double> values;
@@ -67,16 +68,16 @@ double percentile(const Pixels& pixels, double share, Measure measure) {
     return *nth;
 }
 
-/// 0 below `low`, 1 above `high`, evenly in between.
+/// 0 below `low`, 1 above `high`, linear in between.
 double ramp(double x, double low, double high) { return std::clamp((x - low) / (high - low), 0.0, 1.0); }
 
 // ------------------------------------------------------------------------------------------- faces
 
-/// The circle of a pupil that a flash has lit: x, y and radius.
+/// The circle of a pupil that a flash has turned red: x, y and radius.
 std::optional<std::array<double, 3>> redPupil(const Image& image, const Face& face, Point eye) {
     double reach = std::max(3.0, 0.12 * face.bounds.intersect(image->extent()).width());
     Pixels around = look(image, {eye.x - reach, eye.y - reach, eye.x + reach, eye.y + reach}, 64);
-    // In coded colour, what is over three times as red in linear light is this much redder.
+    // 1.7 times as much red in coded colour is over three times as much in linear light.
     auto isRed = [](const Pixel& p) { return p.r > 0.25 && p.r > 1.7 * std::max(p.g, p.b); };
     auto red = static_cast<double>(std::count_if(around.begin(), around.end(), isRed));
     double area = red / static_cast<double>(std::max<std::size_t>(around.size(), 1)) * 4 * reach * reach;
@@ -84,7 +85,8 @@ std::optional<std::array<double, 3>> redPupil(const Image& image, const Face& fa
     double x = 0, y = 0;
     for (const Pixel& p : around)
         if (isRed(p)) x += p.x / red, y += p.y / red;
-    // A pupil is a disc: most of the red lies in the circle of the same area. Skin and lids do not.
+    // A pupil is a disc: most of its red lies inside the circle of the same area. That of skin and lids does
+    // not.
     double radius = std::sqrt(area / M_PI);
     auto inside = std::count_if(around.begin(), around.end(), [&](const Pixel& p) {
         return isRed(p) && std::hypot(p.x - x, p.y - y) <= radius + 0.5;
@@ -103,7 +105,7 @@ std::optional<Adjustment> redEyeCorrection(const Image& image, const std::vector
     return Adjustment{"CIRedEyeCorrections", {{"inputCorrectionInfo", std::move(pupils)}}};
 }
 
-/// The skin of all faces, in the middle of each, against the filter's own idea of skin.
+/// Moves the skin in the middle of the faces towards the filter's own idea of skin.
 std::optional<Adjustment> faceBalance(const Image& image, const std::vector<Face>& faces) {
     Pixels skin;
     for (const Face& face : faces) {
@@ -119,12 +121,12 @@ std::optional<Adjustment> faceBalance(const Image& image, const std::vector<Face
 
     const engine::FilterInfo& filter = *engine::findFilter("CIFaceBalance");
     auto standard = [&](const char* key) { return std::get<double>(*filter.findInput(key)->defaultValue); };
-    // Chroma comes with luminance: the filter's skin is of 0.6, and its shift fades towards black in its own
-    // way.
+    // Chroma grows with luminance. The filter's skin has a luminance of 0.6, and its shift fades towards
+    // black.
     constexpr double skinLuma = 0.6;
     double level = y / skinLuma, fading = 1 - (1 - y) * (1 - y);
     auto original = [&](double aim, double found) { return aim - (aim * level - found) / fading; };
-    // People differ; only what no skin has in neutral light is a cast.
+    // People differ: only chroma beyond that of any skin in neutral light is a cast.
     auto beyond = [](double v, double low, double high) { return std::max({0.0, low - v, v - high}); };
     double cast = std::hypot(beyond(i / level, 0.05, 0.18), beyond(q / level, -0.02, 0.06));
     return Adjustment{filter.name,
@@ -135,16 +137,16 @@ std::optional<Adjustment> faceBalance(const Image& image, const std::vector<Face
 
 // ------------------------------------------------------------------------------------------ tones
 
-/// From black to white in coded colour: linear between the two points, then a power.
+/// The curve from black to white in coded colour: linear between the two points, then a power.
 struct Tones {
     double black = 0, white = 1, power = 1;
 
     double of(double x) const { return std::pow(ramp(x, black, white), power); }
 };
 
-/// Brightens what is too dark as a longer exposure would, as far as its whites allow; the rest is up to the
-/// middle tones. Too dark is what is dark on the whole, or has no whites; what is dark on purpose keeps most
-/// of that.
+/// Brightens a dark picture as a longer exposure would, as far as its whites allow, and leaves the rest to
+/// the middle tones. A picture is too dark if it is dark on average or has no whites; one that is dark on
+/// purpose stays mostly so.
 Tones tonesFor(const Pixels& pixels) {
     auto luma = [](const Pixel& p) { return p.luma(); };
     double middle = mean(pixels, luma);
@@ -158,7 +160,7 @@ Tones tonesFor(const Pixels& pixels) {
     tones.white = 1 / gain;
     double exposed = mean(pixels, [&](const Pixel& p) { return tones.of(p.luma()); });
     double aim = exposed + 0.4 * std::max(0.34 - exposed, 0.0) - 0.5 * std::max(exposed - 0.6, 0.0);
-    // Haze, or the light that a scanner scatters. The middle tones make up for what goes with it.
+    // Removes haze and scattered light. The middle tones make up for the darkening.
     tones.black = std::min(0.8 * std::max(percentile(pixels, 0.005, luma) - 0.01, 0.0), 0.12) / gain;
     double deepened = mean(pixels, [&](const Pixel& p) { return tones.of(p.luma()); });
     if (deepened > 0.005 && deepened < 0.995 && aim < 0.995)
@@ -175,7 +177,7 @@ Adjustment toneCurve(const Tones& tones) {
     return curve;
 }
 
-/// Only colourful pictures get more of it: gray is no colour that was lost.
+/// Dull colours get more saturation; gray pictures stay gray.
 Adjustment vibrance(const Pixels& pixels) {
     double sum = 0, weight = 0;
     for (const Pixel& p : pixels) {
@@ -188,7 +190,7 @@ Adjustment vibrance(const Pixels& pixels) {
     return {"CIVibrance", {{"inputAmount", amount}}};
 }
 
-/// More than a usual share of nearly black or nearly white, once the curve has been through.
+/// For pictures with an unusual share of nearly black or nearly white pixels after the curve.
 Adjustment highlightsAndShadows(const Pixels& pixels, const Tones& tones, const Rect& extent) {
     double dark = mean(pixels, [&](const Pixel& p) { return tones.of(p.luma()) < 0.2; });
     double bright = mean(pixels, [&](const Pixel& p) { return tones.of(p.luma()) > 0.92; });

@@ -1,3 +1,4 @@
+// CIColor: components, text and equality.
 #include "support.h"
 
 TEST(CIColor, Components) {

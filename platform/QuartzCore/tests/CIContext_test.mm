@@ -1,3 +1,4 @@
+// CIContext: drawing to contexts, images and memory.
 #include "support.h"
 
 #include <cmath>
@@ -50,7 +51,7 @@ TEST(CIContext, BlendsOverWhatIsThere) {
     EXPECT_GT(p[2], 100);
 }
 
-TEST(CIContext, EveryContextTheSamePicture) {
+TEST(CIContext, EveryLayoutShowsTheSamePicture) {
     struct Order {
         CGBitmapInfo info;
         int r, g, b;
@@ -149,7 +150,7 @@ TEST(CIContext, MakesImagesInEveryFormat) {
     EXPECT_EQ(values[3], 1);
 }
 
-TEST(CIContext, RefusesImagesThatCannotBe) {
+TEST(CIContext, RefusesImpossibleImages) {
     CIContext* context = [CIContext contextWithCGContext:nullptr options:nil];
     CIImage* image = picture(4, 4);
     auto gray = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceGray());

@@ -1,4 +1,4 @@
-// What every filter tells of itself, against a table of what Core Image tells of it.
+// Every filter's attributes against a table of Core Image's.
 #include "support.h"
 
 #include <fstream>
@@ -41,7 +41,7 @@ std::string numbers(const char* open, const std::vector<double>& values, const c
     return out + close;
 }
 
-/// A value as the table writes it; the class that it must have is told first.
+/// A value as the table writes it.
 std::string valueText(id value) {
     auto is = [value](Class c) { return [value isKindOfClass:c]; };
     if (is([NSNumber class])) return numbers("", {[value doubleValue]}, "");
@@ -94,7 +94,7 @@ std::string filterText(NSDictionary* attributes) {
 
 } // namespace
 
-TEST(CIFilterFacts, EveryFilterTellsWhatCoreImageTells) {
+TEST(CIFilterFacts, EveryFilterIsAsInTheTable) {
     auto facts = readFacts();
     ASSERT_EQ(facts.size(), 157u);
     for (NSString* name in [CIFilter filterNamesInCategory:nil]) {
@@ -113,16 +113,16 @@ TEST(CIFilterFacts, EveryFilterTellsWhatCoreImageTells) {
     }
 }
 
-TEST(CIFilterFacts, ValuesAreOfTheClassThatIsTold) {
+TEST(CIFilterFacts, ValuesHaveTheClassOfTheirInput) {
     for (NSString* name in [CIFilter filterNamesInCategory:nil]) {
         CIFilter* filter = [CIFilter filterWithName:name];
         for (NSString* key in [filter inputKeys]) {
             NSDictionary* attributes = [[filter attributes] objectForKey:key];
-            Class told = NSClassFromString([attributes objectForKey:kCIAttributeClass]);
-            ASSERT_TRUE(told != nil) << str(name) << str(key);
+            Class declared = NSClassFromString([attributes objectForKey:kCIAttributeClass]);
+            ASSERT_TRUE(declared != nil) << str(name) << str(key);
             for (NSString* fact in @[ kCIAttributeDefault, kCIAttributeIdentity ])
                 if (id value = [attributes objectForKey:fact])
-                    EXPECT_TRUE([value isKindOfClass:told]) << str(name) << str(key);
+                    EXPECT_TRUE([value isKindOfClass:declared]) << str(name) << str(key);
             for (NSString* fact in
                  @[ kCIAttributeMin, kCIAttributeMax, kCIAttributeSliderMin, kCIAttributeSliderMax ])
                 if (id value = [attributes objectForKey:fact])

@@ -1,3 +1,4 @@
+// CIFilterShape: unions, insets and transforms.
 #include "support.h"
 
 #include <cmath>

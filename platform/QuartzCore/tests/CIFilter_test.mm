@@ -1,3 +1,4 @@
+// CIFilter: keys, values, attributes and the catalogue.
 #include "support.h"
 
 TEST(CIFilter, ByName) {
@@ -39,7 +40,7 @@ TEST(CIFilter, UnknownKeysRaise) {
                   @"bar."]);
     EXPECT_EQ(str([raised([&] { [filter setValue:nil forKey:@"outputImage"]; }) name]),
               "NSUnknownKeyException");
-    // Nothing inside is within reach either.
+    // Instance variables are out of reach, too.
     EXPECT_EQ(str([raised([&] { [filter valueForKey:@"_state"]; }) name]), "NSUnknownKeyException");
     EXPECT_EQ(str([raised([&] { [filter setValue:nil forKey:nil]; }) name]), "NSUnknownKeyException");
 }
@@ -74,7 +75,7 @@ TEST(CIFilter, WrongValuesRaiseWhenTheOutputIsMade) {
     NSException* e = raised([&] { [filter valueForKey:@"outputImage"]; });
     EXPECT_EQ(str([e name]), str(NSInvalidArgumentException));
     EXPECT_EQ(str([e reason]), "CISepiaTone: the value of inputIntensity must be a NSNumber, not a CIColor");
-    // Text that says a number is one.
+    // Text is parsed as a number.
     [filter setValue:@"0.5" forKey:@"inputIntensity"];
     EXPECT_TRUE([filter valueForKey:@"outputImage"] != nil);
     [filter setValue:@"an image" forKey:@"inputImage"];
@@ -113,7 +114,7 @@ TEST(CIFilter, AttributesHaveCoreImagesTypes) {
     EXPECT_EQ(m.m12, 0);
 }
 
-TEST(CIFilter, TheFilterTellsOfItself) {
+TEST(CIFilter, TheFilterDescribesItself) {
     NSDictionary* attributes = [[CIFilter filterWithName:@"CIBoxBlur"] attributes];
     EXPECT_EQ(str([attributes objectForKey:@"CIAttributeFilterAvailable_Mac"]), "10.5");
     EXPECT_EQ(str([attributes objectForKey:@"CIAttributeDescription"]),
@@ -123,7 +124,7 @@ TEST(CIFilter, TheFilterTellsOfItself) {
     EXPECT_TRUE([[url absoluteString] hasSuffix:@"/CIBoxBlur"]);
 }
 
-TEST(CIFilter, OfTheOutputOnlyTheClassIsTold) {
+TEST(CIFilter, TheOutputHasOnlyAClass) {
     NSDictionary* output = [[[CIFilter filterWithName:@"CIBoxBlur"] attributes] objectForKey:@"outputImage"];
     EXPECT_EQ([output count], 1u);
     EXPECT_EQ(str([output objectForKey:@"CIAttributeClass"]), "CIImage");
@@ -145,10 +146,10 @@ TEST(CIFilter, NamesByCategory) {
     NSArray* both = [CIFilter filterNamesInCategories:@[ kCICategoryColorEffect, kCICategoryBuiltIn ]];
     EXPECT_EQ([both count], [effects count]);
     EXPECT_EQ([[CIFilter filterNamesInCategory:@"CICategoryNonsense"] count], 0u);
-    // Only what is in both.
+    // Only filters in both categories.
     NSArray* blurs = @[ kCICategoryColorEffect, kCICategoryBlur ];
     EXPECT_EQ([[CIFilter filterNamesInCategories:blurs] count], 0u);
-    // No category to be in: all.
+    // No category: all filters.
     EXPECT_TRUE([[CIFilter filterNamesInCategories:nil] isEqual:all]);
     EXPECT_TRUE([[CIFilter filterNamesInCategories:@[]] isEqual:all]);
     NSArray* sorted = [all sortedArrayUsingSelector:@selector(compare:)];
@@ -176,12 +177,12 @@ TEST(CIFilter, EveryFilterCanBeMadeAndDescribed) {
         for (NSString* key in [filter inputKeys])
             EXPECT_TRUE([[attributes objectForKey:key] objectForKey:kCIAttributeClass] != nil)
                 << str(name) << str(key);
-        // With nothing but defaults there is an image or there is none.
+        // With nothing but defaults there may or may not be an image, but no exception.
         EXPECT_EQ(raised([&] { [filter outputImage]; }), nil) << str(name);
     }
 }
 
-TEST(CIFilter, TextsForPeople) {
+TEST(CIFilter, TextsForUsers) {
     EXPECT_EQ(str([CIFilter localizedNameForFilterName:@"CISepiaTone"]), "Sepia Tone");
     EXPECT_EQ(str([CIFilter localizedNameForCategory:kCICategoryBlur]), "Blur");
     EXPECT_EQ([CIFilter localizedNameForCategory:@"CICategoryNonsense"], nil);
@@ -239,16 +240,17 @@ TEST(CIFilter, EveryCategoryAndEveryFilterHasItsTexts) {
     EXPECT_EQ([CIFilter localizedReferenceDocumentationForFilterName:nil], nil);
 }
 
-TEST(CIFilter, DefaultsAreWhatTheAttributesTell) {
+TEST(CIFilter, DefaultsAreThoseOfTheAttributes) {
     for (NSString* name in [CIFilter filterNamesInCategory:nil]) {
         CIFilter* filter = [CIFilter filterWithName:name];
         [filter setDefaults];
         for (NSString* key in [filter inputKeys]) {
-            id told = [[[filter attributes] objectForKey:key] objectForKey:kCIAttributeDefault];
+            id declared = [[[filter attributes] objectForKey:key] objectForKey:kCIAttributeDefault];
             id value = [filter valueForKey:key];
-            EXPECT_EQ(told == nil, value == nil) << str(name) << str(key);
-            // Colours and the like are equal when they are told alike.
-            if (told) EXPECT_EQ(str([value description]), str([told description])) << str(name) << str(key);
+            EXPECT_EQ(declared == nil, value == nil) << str(name) << str(key);
+            // Colours and the like are compared by their descriptions.
+            if (declared)
+                EXPECT_EQ(str([value description]), str([declared description])) << str(name) << str(key);
         }
     }
 }

@@ -1,4 +1,4 @@
-// Automatic adjustment, on photographs that are exposed well and badly, and on faces that the test tells of.
+// Automatic adjustment of photographs that are exposed well and badly, and of faces given by the test.
 #include "support.h"
 
 #import <QuartzCore/CIDetector.h>
@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <sys/resource.h>
 
-/// A face as a detector would tell of it.
+/// A face as a detector returns it.
 @interface ToldFace : NSObject {
     CGRect _bounds;
     CGPoint _left, _right;
@@ -68,7 +68,7 @@ CIImage* applied(NSArray* filters, CIImage* image) {
     return image;
 }
 
-/// Without faces, whoever could detect some.
+/// Without faces, whether or not the system can detect them.
 NSDictionary* noFaces() {
     return [NSDictionary dictionaryWithObject:[NSArray array] forKey:kCIImageAutoAdjustFeatures];
 }
@@ -293,7 +293,7 @@ TEST(AutoAdjust, OptionsLeaveOut) {
     EXPECT_EQ([[p.image autoAdjustmentFiltersWithOptions:neither] count], 0u);
 }
 
-TEST(AutoAdjust, OptionsOfAWrongKindArePassedOver) {
+TEST(AutoAdjust, OptionsOfTheWrongKindAreIgnored) {
     CIImage* image = photograph("coffee.png");
     NSDictionary* options =
         [NSDictionary dictionaryWithObjectsAndKeys:@"faces", kCIImageAutoAdjustFeatures, [NSArray array],
@@ -377,7 +377,7 @@ TEST(AutoAdjust, DarkEyesAreLeftAlone) {
     EXPECT_EQ(
         named([p.image autoAdjustmentFiltersWithOptions:optionsWithFace(p.face)], @"CIRedEyeCorrections"),
         nil);
-    // All of it is as red as a pupil, so that no pupil is to be seen.
+    // Everything is as red as a pupil, so that none can be seen.
     Portrait painted = portrait(red, red);
     EXPECT_EQ(named([painted.image autoAdjustmentFiltersWithOptions:optionsWithFace(painted.face)],
                     @"CIRedEyeCorrections"),
@@ -405,7 +405,7 @@ TEST(AutoAdjust, SkinUnderABlueLightIsBalanced) {
     };
     EXPECT_LT(distance(balanced(blue), good.image), 0.5 * distance(blue.image, good.image));
     EXPECT_LT(distance(balanced(good), good.image), 0.02) << "good skin stays";
-    // The same under-exposed: darkness is no cast.
+    // The same under-exposed: darkness is not a colour cast.
     CIImage* dark = exposed(good.image, -2);
     CIFilter* filter =
         named([dark autoAdjustmentFiltersWithOptions:optionsWithFace(good.face)], @"CIFaceBalance");
@@ -413,7 +413,7 @@ TEST(AutoAdjust, SkinUnderABlueLightIsBalanced) {
     EXPECT_LT(distance(applied([NSArray arrayWithObject:filter], dark), dark), 0.02);
 }
 
-TEST(AutoAdjust, AFaceOutsideOfThePictureIsNone) {
+TEST(AutoAdjust, AFaceOutsideThePictureIsIgnored) {
     CIImage* image = photograph("coffee.png");
     ToldFace* face = [ToldFace faceIn:CGRectMake(5000, 5000, 100, 100)
                                  left:CGPointMake(5030, 5060)

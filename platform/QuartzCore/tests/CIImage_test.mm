@@ -1,3 +1,4 @@
+// CIImage: from every source, cropped and transformed.
 #include "support.h"
 
 #include <cmath>

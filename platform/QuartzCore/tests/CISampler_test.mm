@@ -1,3 +1,4 @@
+// CISampler: extent, definition and modes.
 #include "support.h"
 
 #include <cmath>
@@ -15,7 +16,7 @@ NSAffineTransform* scaled(CGFloat factor) {
     return transform;
 }
 
-/// What a filter makes of a sampler; an exposure by nothing changes no pixel.
+/// A sampler drawn through a filter that changes no pixel: an exposure of 0.
 Bitmap drawn(CISampler* sampler, size_t width, size_t height) {
     CIFilter* filter = [CIFilter filterWithName:@"CIExposureAdjust"];
     [filter setValue:sampler forKey:@"inputImage"];

@@ -1,3 +1,4 @@
+// CIVector: elements, text and equality.
 #include "support.h"
 
 TEST(CIVector, KnowsItsElements) {

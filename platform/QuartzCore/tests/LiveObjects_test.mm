@@ -1,3 +1,4 @@
+// The counts of live objects, and that nothing is left alive.
 #include "support.h"
 
 #include <CoreGraphics/CGTesting.h>
@@ -25,7 +26,7 @@ TEST(LiveObjects, EveryClassIsCounted) {
     EXPECT_EQ(PlatformLiveObjects(nullptr, nullptr, 0), 0);
 }
 
-TEST(LiveObjects, WhatWasNeverInitialisedCanBeReleased) {
+TEST(LiveObjects, UninitialisedObjectsCanBeReleased) {
     auto before = live();
     for (Class c : {[CIImage class],
                     [CIFilter class],
@@ -37,7 +38,7 @@ TEST(LiveObjects, WhatWasNeverInitialisedCanBeReleased) {
     EXPECT_EQ(live(), before);
 }
 
-TEST(LiveObjects, AWholeDayLeavesNothingBehind) {
+TEST(LiveObjects, ASessionLeavesNothingBehind) {
     auto before = live();
     @autoreleasepool {
         Bitmap canvas(16, 16);

@@ -1,3 +1,4 @@
+// Off-screen worlds: their pixels, their locks and what they refuse.
 #include <QD/QDOffscreen.h>
 
 #include <gtest/gtest.h>
@@ -13,7 +14,7 @@ GWorldPtr world(UInt32 format, SInt32 rowBytes) {
     return result;
 }
 
-TEST(Worlds, TellTheirPixels) {
+TEST(Worlds, DescribeTheirPixels) {
     GWorldPtr made = world(k32ARGBPixelFormat, 20);
     PixMapHandle map = GetGWorldPixMap(made);
     ASSERT_NE(map, nullptr);

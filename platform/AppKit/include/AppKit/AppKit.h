@@ -1,3 +1,4 @@
+// The part of AppKit that draws pictures.
 #pragma once
 
 #import <Foundation/Foundation.h>

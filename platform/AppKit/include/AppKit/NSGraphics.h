@@ -1,3 +1,4 @@
+// Compositing operations, the names of colour spaces, and filling a rectangle.
 #pragma once
 
 #import <Foundation/Foundation.h>
@@ -6,7 +7,7 @@
 
 #import <AppKit/AppKitDefines.h>
 
-/** How drawing combines with what is there. */
+/** How drawing combines with the destination. */
 enum {
     NSCompositeClear,
     NSCompositeCopy,

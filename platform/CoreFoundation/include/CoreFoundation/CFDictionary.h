@@ -1,3 +1,4 @@
+// Dictionaries of objects or of plain pointers.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -45,7 +46,7 @@ const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
 Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
 // Adds or replaces.
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
-// Adds; leaves a value that is there.
+// Adds the value unless the key has one.
 void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
 void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
 void CFDictionaryRemoveAllValues(CFMutableDictionaryRef dictionary);

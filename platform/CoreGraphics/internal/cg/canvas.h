@@ -1,3 +1,4 @@
+// What a CGContext holds: a bitmap to draw on, the graphics states and the current path.
 #pragma once
 
 #include <CoreGraphics/CGBitmapContext.h>
@@ -35,7 +36,7 @@ struct GraphicsState {
     bool antialias = true;
 };
 
-/// A bitmap context. Not for several threads at once.
+/// A bitmap context. For one thread at a time.
 class CG_INTERNAL Canvas final : public Payload {
   public:
     using Ref = CGContextRef;

@@ -1,3 +1,4 @@
+// What a CGColor holds.
 #pragma once
 
 #include <CoreGraphics/CGColor.h>

@@ -1,3 +1,4 @@
+// What a CGColorSpace holds.
 #pragma once
 
 #include <CoreGraphics/CGColorSpace.h>

@@ -1,3 +1,4 @@
+// What every Image I/O header builds on: Core Graphics and the linkage of C functions.
 #pragma once
 
 #include <CoreGraphics/CoreGraphics.h>

@@ -1,3 +1,4 @@
+// CIDetector: renders an image for the face finder and makes features of what it finds.
 #import <QuartzCore/CIDetector.h>
 #import <QuartzCore/QuartzCore.h>
 
@@ -27,9 +28,9 @@ namespace {
 
 /// How closely an image is scanned.
 struct Effort {
-    /// Factor from the image to what is scanned, at most.
+    /// The scan may be larger than the image by this factor, at most.
     double enlargement;
-    /// Pixels that are scanned, at most.
+    /// The scan may have this many pixels, at most.
     double pixels;
 };
 constexpr Effort kLow{1, 0.5e6}, kHigh{2, 4e6}, kAsSmallAsAsked{2, 8e6};
@@ -37,7 +38,7 @@ constexpr Effort kLow{1, 0.5e6}, kHigh{2, 4e6}, kAsSmallAsAsked{2, 8e6};
 bool isNumber(id value) { return [value respondsToSelector:@selector(doubleValue)]; }
 
 /// The factor by which the image is scaled for the scan. `smallest` is the side of the smallest face wanted
-/// in parts of the shorter side, 0 for no wish.
+/// as a fraction of the shorter side, 0 for the default.
 double scanScale(CGSize size, const Effort& effort, double smallest) {
     auto largest = [&](const Effort& e) {
         return std::min(e.enlargement, std::sqrt(e.pixels / (static_cast<double>(size.width) * size.height)));
@@ -47,7 +48,7 @@ double scanScale(CGSize size, const Effort& effort, double smallest) {
     return std::min(wanted, largest(kAsSmallAsAsked));
 }
 
-/// Turns an image of an EXIF orientation upright; Core Image's coordinates, about the origin.
+/// Turns an image of that EXIF orientation upright about the origin, in Core Image's coordinates.
 CGAffineTransform turnUpright(int orientation) {
     switch (orientation) {
     case 2: // mirrored left to right
@@ -69,11 +70,11 @@ CGAffineTransform turnUpright(int orientation) {
     }
 }
 
-/// A bitmap of the image and the way back from it.
+/// A bitmap of the image, and the transform back to the image.
 struct Scan {
     std::unique_ptr<std::uint8_t[], decltype(&std::free)> grey{nullptr, std::free};
     int width = 0, height = 0;
-    /// From Core Image's coordinates of the bitmap (the origin is its lower left corner) to those of the
+    /// From Core Image's coordinates of the bitmap, with the origin at its lower left corner, to those of the
     /// image.
     CGAffineTransform toImage;
 
@@ -83,7 +84,7 @@ struct Scan {
         return CGPointApplyAffineTransform(flipped, toImage);
     }
     std::optional<CGPoint> position(const std::optional<vision::Point>& p) const {
-        // The middle of a pixel is half a pixel from its corner.
+        // From the corner of the pixel to its centre.
         if (!p) return {};
         return position(vision::Point{p->x + 0.5, p->y + 0.5});
     }
@@ -94,8 +95,8 @@ struct Scan {
     }
 };
 
-/// Brightness by the usual weights for the primaries of sRGB; what is transparent is black. In place: the
-/// grey pixels lie at the beginning of the coloured ones.
+/// Luminance with the weights of BT.709, the primaries of sRGB; transparent pixels are black. In place: the
+/// grey pixels overwrite the beginning of the coloured ones.
 void makeGrey(std::uint8_t* pixels, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         const std::uint8_t* p = pixels + 4 * i;
@@ -152,13 +153,13 @@ struct CIDetectorState {
     [super dealloc];
 }
 
-/// Renders the image upright in the size of the scan; no pixels when it has no bounds, no area, or memory is
+/// Renders the image upright in the size of the scan; no pixels if it is unbounded or empty, or memory is
 /// short.
 - (Scan)scanOfImage:(CIImage*)image orientation:(int)orientation {
     Scan scan;
     CGRect extent = image ? [image extent] : CGRectZero;
     if (CGRectIsEmpty(extent) || CGRectIsInfinite(extent)) return scan;
-    // An image with no bounds on one side only has as little a picture.
+    // An image that is unbounded on one side only counts as unbounded.
     if (!(extent.size.width < 1e9f) || !(extent.size.height < 1e9f)) return scan;
 
     CGAffineTransform upright = turnUpright(orientation);

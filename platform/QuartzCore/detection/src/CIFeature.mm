@@ -1,3 +1,4 @@
+// CIFeature and CIFaceFeature.
 #include "Features.h"
 
 #include <cg/object.h>

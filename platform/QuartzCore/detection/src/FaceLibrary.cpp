@@ -1,3 +1,4 @@
+// Loads the library that finds faces.
 #include "FaceLibrary.h"
 
 #include <dlfcn.h>
@@ -6,7 +7,7 @@
 namespace ci {
 
 vision::FaceFinder* faceFinder(std::string& problem) {
-    // Beside this library, which the loader knows from the run path.
+    // The loader finds it beside this library by the run path.
     static void* library = dlopen("libvision.so", RTLD_NOW | RTLD_LOCAL);
     auto entry =
         library ? reinterpret_cast<decltype(&visionFaceFinder)>(dlsym(library, "visionFaceFinder")) : nullptr;

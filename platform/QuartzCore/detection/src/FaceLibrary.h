@@ -5,9 +5,9 @@
 
 namespace ci {
 
-/// Null, with the reason in `problem`, when the library or its data cannot be had.
+/// Null, with the reason in `problem`, if the library or its data cannot be loaded.
 vision::FaceFinder* faceFinder(std::string& problem);
-/// Empty, with the reason in `problem`, when the search failed.
+/// Empty, with the reason in `problem`, if the search failed.
 std::vector<vision::Face> findFaces(vision::FaceFinder& finder, const vision::GreyBitmap& bitmap,
                                     std::string& problem);
 

@@ -1,4 +1,4 @@
-// How the detector makes features. Not Apple's API.
+// How the detector makes features.
 #pragma once
 
 #import <QuartzCore/CIDetector.h>
@@ -7,10 +7,10 @@
 
 namespace ci {
 
-/// Which face of an earlier image a face is.
+/// The identity of a face across images.
 struct Track {
     int number = 0;
-    /// The number of images that it was seen in.
+    /// The number of images it has been seen in.
     int frames = 0;
 };
 

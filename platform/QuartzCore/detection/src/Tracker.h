@@ -9,8 +9,8 @@ namespace ci {
 
 class Tracker {
   public:
-    /// Says of each face, in their order, which one it is: the known face that it overlaps most, or a new
-    /// one. A face that is not seen is remembered where it was for the next kPatience images.
+    /// Identifies each face, in their order, with the known face that it overlaps most, or as a new one. A
+    /// face that is not seen is remembered where it was for the next kPatience images.
     std::vector<Track> follow(const std::vector<CGRect>& faces);
 
     static constexpr int kPatience = 4;

@@ -1,3 +1,4 @@
+// Matches the faces of an image with known ones by how much they overlap.
 #include "Tracker.h"
 
 #include <algorithm>
@@ -7,7 +8,7 @@ namespace {
 
 double area(CGRect r) { return CGRectIsNull(r) ? 0 : static_cast<double>(r.size.width) * r.size.height; }
 
-/// What two faces have in common, as a part of what they cover together.
+/// The area that two faces share as a fraction of the area that they cover together.
 double overlap(CGRect a, CGRect b) {
     double both = area(CGRectIntersection(a, b));
     return both > 0 ? both / (area(a) + area(b) - both) : 0;

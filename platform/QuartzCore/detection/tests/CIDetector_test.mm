@@ -40,7 +40,7 @@ constexpr MarkedFace kFaces[] = {
     {"2011_000006.jpg", {314.5, 139}, {327, 139}, {320.5, 154}},
 };
 
-/// Animals, things, streets, textures, and what a microscope and a telescope show.
+/// Animals, things, streets, textures, and pictures from a microscope and a telescope.
 constexpr const char* kFaceless[] = {
     "0001.jpg",
     "0002.jpg",
@@ -100,7 +100,7 @@ CIFaceFeature* faceAt(NSArray* faces, CGPoint left, CGPoint right, CGPoint mouth
     return nil;
 }
 
-/// Where it is in the image, within a quarter of the distance of the eyes.
+/// Expects the face at its marks, within a quarter of the distance between the eyes.
 void expectFace(NSArray* faces, CGPoint left, CGPoint right, CGPoint mouth) {
     CIFaceFeature* face = faceAt(faces, left, right, mouth);
     ASSERT_NE(face, nil) << "no face at " << left.x << ", " << left.y;
@@ -353,7 +353,7 @@ TEST(Detector, ALargeImageIsSearchedReduced) {
                    there(kAstronaut.rightEye), there(kAstronaut.mouth));
 }
 
-TEST(Detector, WhatFiltersMakeIsSearchedToo) {
+TEST(Detector, TheOutputOfFiltersIsSearchedToo) {
     CIFilter* sepia = [CIFilter filterWithName:@"CISepiaTone"];
     [sepia setDefaults];
     [sepia setValue:photo("astronaut.png") forKey:@"inputImage"];
@@ -437,7 +437,7 @@ TEST_P(Orientation, TheFaceIsFoundAndItsPlaceIsTheStoredOne) {
 TEST_P(Orientation, WithoutItsOptionAnImageLyingOnItsSideShowsNoFace) {
     int orientation = GetParam();
     CIImage* image = storedPhoto("astronaut.png", orientation, 400, 300);
-    // A mirrored face is a face, too; so is the upright one.
+    // Upright and mirrored faces are found either way.
     NSUInteger expected = orientation <= 2 ? 1 : 0;
     EXPECT_EQ([[detector() featuresInImage:image] count], expected);
     EXPECT_EQ([[detector() featuresInImage:image
@@ -505,7 +505,7 @@ TEST(Tracking, ANewFaceGetsANewNumber) {
     CIDetector* finder = detector(tracking());
     CIImage* image = photo("astronaut.png");
     int first = [[[finder featuresInImage:image] lastObject] trackingID];
-    // So far away that it must be somebody else.
+    // Too far away to be the same face.
     CIFaceFeature* other = [[finder featuresInImage:moved(image, 300, 0)] lastObject];
     EXPECT_NE([other trackingID], first);
     EXPECT_EQ([other trackingFrameCount], 1);
@@ -534,7 +534,7 @@ TEST(Tracking, DetectorsTrackByThemselves) {
 
 // --- features ---------------------------------------------------------------------------------------------
 
-TEST(Features, AFaceTellsItsTypeAndAnswersToKeys) {
+TEST(Features, AFaceHasATypeAndAnswersToKeys) {
     CIFaceFeature* face = [[detector() featuresInImage:photo("astronaut.png")] lastObject];
     ASSERT_NE(face, nil);
     EXPECT_EQ(str([face type]), "Face");
@@ -559,7 +559,7 @@ TEST(Features, APlainFeatureHasNoTypeAndNoArea) {
     EXPECT_TRUE(CGRectEqualToRect([face bounds], CGRectZero));
 }
 
-TEST(Features, WhatIsCoveredIsNotFound) {
+TEST(Features, CoveredPartsAreNotFound) {
     CIImage* image = photo("astronaut.png");
     CIFaceFeature* face = [[detector() featuresInImage:covered(image, 195, 132, 57, 26)] lastObject];
     ASSERT_NE(face, nil);
