@@ -1,4 +1,4 @@
-// What every representation has, and drawing it in a rectangle.
+// The properties of every representation, and drawing one in a rectangle.
 #import <AppKit/NSImageRep.h>
 
 #import <AppKit/NSBitmapImageRep.h>

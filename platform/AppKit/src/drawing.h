@@ -1,4 +1,4 @@
-// Where AppKit draws: the current context, and bitmaps for pictures of a size in points.
+// AppKit's drawing: the current context, and bitmaps for pictures of a size in points.
 #pragma once
 
 #import <AppKit/NSGraphicsContext.h>

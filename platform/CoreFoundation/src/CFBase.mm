@@ -1,4 +1,4 @@
-// What every Core Foundation object answers to, over NSObject.
+// The functions for every Core Foundation object, over NSObject's methods.
 #include "autorelease.h"
 
 #include <CoreFoundation/CFBase.h>

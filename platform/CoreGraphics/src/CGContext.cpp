@@ -36,7 +36,7 @@ void CGContextRestoreGState(CGContextRef context) {
     with(context, [](Canvas& c) { c.restore(); });
 }
 
-// ---------------------------------------------------------------------------------------- transform
+// --- transform --------------------------------------------------------------------------------------------
 
 void CGContextConcatCTM(CGContextRef context, CGAffineTransform t) {
     with(context, [&](Canvas& c) { c.state().ctm = CGAffineTransformConcat(t, c.state().ctm); });
@@ -79,7 +79,7 @@ CGRect CGContextConvertRectToUserSpace(CGContextRef context, CGRect rect) {
     return CGRectApplyAffineTransform(rect, toUser(context));
 }
 
-// -------------------------------------------------------------------------------------------- state
+// --- state ------------------------------------------------------------------------------------------------
 
 void CGContextSetAlpha(CGContextRef context, CGFloat alpha) {
     with(context, [&](Canvas& c) { c.state().alpha = alpha > 0 ? std::min(alpha, 1.f) : 0; });
@@ -101,7 +101,7 @@ void CGContextSetLineWidth(CGContextRef context, CGFloat width) {
     with(context, [&](Canvas& c) { c.state().lineWidth = width; });
 }
 
-// ------------------------------------------------------------------------------------------- colour
+// --- colour -----------------------------------------------------------------------------------------------
 
 using Slot = Retained<CGColorRef> GraphicsState::*;
 
@@ -168,7 +168,7 @@ void CGContextSetCMYKFillColor(CGContextRef context, CGFloat cyan, CGFloat magen
              {cyan, magenta, yellow, black, alpha});
 }
 
-// -------------------------------------------------------------------------------------------- paths
+// --- paths ------------------------------------------------------------------------------------------------
 
 void CGContextBeginPath(CGContextRef context) {
     with(context, [](Canvas& c) { c.beginPath(); });
@@ -223,7 +223,7 @@ void CGContextEOClip(CGContextRef context) {
     with(context, [](Canvas& c) { c.clipToPath(true); });
 }
 
-// ----------------------------------------------------------------------------------------- clipping
+// --- clipping ---------------------------------------------------------------------------------------------
 
 void CGContextClipToRect(CGContextRef context, CGRect rect) {
     with(context, [&](Canvas& c) { c.clipTo(rect, nullptr); });
@@ -242,7 +242,7 @@ CGRect CGContextGetClipBoundingBox(CGContextRef context) {
     });
 }
 
-// ------------------------------------------------------------------------------------------ drawing
+// --- drawing ----------------------------------------------------------------------------------------------
 
 void CGContextFillRects(CGContextRef context, const CGRect rects[], size_t count) {
     with(context, [&](Canvas& c) {

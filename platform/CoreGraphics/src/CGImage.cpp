@@ -37,7 +37,7 @@ Image::Image(const Layout& layout, CGColorSpaceRef space, CGDataProviderRef prov
 
 using namespace cg;
 
-/// What every kind of image says about its bytes.
+/// The layout that images and masks share.
 static Image::Layout layoutOf(size_t width, size_t height, size_t bitsPerComponent, size_t bitsPerPixel,
                               size_t bytesPerRow) {
     return {.width = width,

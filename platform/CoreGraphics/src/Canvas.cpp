@@ -14,7 +14,7 @@ namespace cg {
 
 static LiveCount live("CGContext");
 
-/// Where the colour of a painted shape comes from.
+/// A source of colour for painted shapes.
 struct Paint {
     virtual ~Paint() = default;
     /// Called before the rows of an area are read.
@@ -153,7 +153,7 @@ Matrix Canvas::toPixels() const {
     return Matrix::from(states_.back().ctm).then({1, 0, 0, -1, 0, static_cast<double>(layout_.height)});
 }
 
-// ---------------------------------------------------------------------------------------- painting
+// --- painting ---------------------------------------------------------------------------------------------
 
 void Canvas::paint(Rasterizer& shape, bool evenOdd, Paint& paint) {
     const GraphicsState& s = state();
@@ -242,7 +242,7 @@ void Canvas::draw(CGRect rect, CGImageRef ref) {
     paint(shape, false, picture);
 }
 
-// ---------------------------------------------------------------------------------------- clipping
+// --- clipping ---------------------------------------------------------------------------------------------
 
 /// Intersects the clip with the shape, times the coverage of `paint` if there is one.
 void Canvas::intersectClip(Rasterizer& shape, bool evenOdd, Paint* paint) {
@@ -296,7 +296,7 @@ void Canvas::clipTo(CGRect rect, CGImageRef ref) {
     intersectClip(shape, false, &paint);
 }
 
-// ------------------------------------------------------------------------------------------- paths
+// --- paths ------------------------------------------------------------------------------------------------
 
 void Canvas::beginPath() { path_.clear(); }
 

@@ -16,8 +16,8 @@ static cg::LiveCount live("CGImageDestination");
 struct Type {
     const char* name;
     Encoder encode;
-    /// Whether the format holds 16 bits, alpha, several images. What it does not hold is converted or
-    /// refused.
+    /// Whether the format supports 16 bits, alpha and several images. The pictures are converted to
+    /// fit the first two.
     bool deep, alpha, several;
 };
 

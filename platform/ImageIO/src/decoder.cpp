@@ -1,4 +1,4 @@
-// What the decoders share.
+// Shared by the decoders.
 #include "decoder.h"
 
 #include <cstdlib>

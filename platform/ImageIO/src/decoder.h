@@ -24,7 +24,7 @@ struct Damaged : std::invalid_argument {
 
 enum class Alpha { none, straight, premultiplied };
 
-/// What a file says about one image.
+/// The properties of one image.
 struct Info {
     std::size_t width = 0, height = 0;
     /// Bits of a component in the file.

@@ -1,4 +1,4 @@
-// Automatic adjustment: measures a reduced copy of the picture and chooses filters by what it finds.
+// Automatic adjustment: measures a reduced copy of the picture and chooses filters by the measurements.
 #include "AutoAdjust.h"
 
 #include "Attempt.h"
@@ -71,7 +71,7 @@ double percentile(const Pixels& pixels, double share, Measure measure) {
 /// 0 below `low`, 1 above `high`, linear in between.
 double ramp(double x, double low, double high) { return std::clamp((x - low) / (high - low), 0.0, 1.0); }
 
-// ------------------------------------------------------------------------------------------- faces
+// --- faces ------------------------------------------------------------------------------------------------
 
 /// The circle of a pupil that a flash has turned red: x, y and radius.
 std::optional<std::array<double, 3>> redPupil(const Image& image, const Face& face, Point eye) {
@@ -135,7 +135,7 @@ std::optional<Adjustment> faceBalance(const Image& image, const std::vector<Face
                        {"inputStrength", std::min(0.1 + 8 * cast, 0.8)}}};
 }
 
-// ------------------------------------------------------------------------------------------ tones
+// --- tones ------------------------------------------------------------------------------------------------
 
 /// The curve from black to white in coded colour: linear between the two points, then a power.
 struct Tones {

@@ -36,7 +36,7 @@ bool hasInput(const engine::FilterInfo& filter, NSString* key) {
                        [wanted](const engine::InputInfo& input) { return input.key == wanted; });
 }
 
-/// Every filter has a class of its own with its name, which shows wherever classes are shown.
+/// Every filter has a class named after it, so that its name appears wherever class names do.
 Class classOf(const engine::FilterInfo& filter) {
     @synchronized([CIFilter class]) {
         Class known = objc_lookUpClass(filter.name.c_str());
@@ -232,7 +232,7 @@ NSString* categoryName(NSString* category) {
     return [CIImage imageWithRecipe:output];
 }
 
-// -------------------------------------------------------------------------------- key-value coding
+// --- key-value coding -------------------------------------------------------------------------------------
 
 - (id)valueForKey:(NSString*)key {
     if (hasInput(*_state->info, key)) return [_state->values objectForKey:key];

@@ -1,4 +1,4 @@
-// CIImage: a recipe of the engine, and what is known of its source.
+// CIImage: a recipe of the engine, and the properties of its source.
 #import <QuartzCore/CIImage.h>
 
 #include "Internal.h"

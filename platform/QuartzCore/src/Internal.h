@@ -1,4 +1,4 @@
-// What Core Image's classes may use of each other.
+// Methods that Core Image's classes share only among themselves.
 #pragma once
 
 #import <QuartzCore/QuartzCore.h>

@@ -134,7 +134,7 @@ bool isPlain(const cg::GraphicsState& state) {
 
 } // namespace
 
-// ---------------------------------------------------------------------------------------- geometry
+// --- geometry ---------------------------------------------------------------------------------------------
 
 engine::Rect fromCG(CGRect r) {
     if (CGRectIsNull(r)) return {};
@@ -166,7 +166,7 @@ engine::Color fromCG(CGColorRef ref) {
     });
 }
 
-// ------------------------------------------------------------------------------------------ images
+// --- images -----------------------------------------------------------------------------------------------
 
 engine::Image imageOf(CGImageRef ref, const SpaceChoice& choice) {
     Failure ignored;
@@ -232,7 +232,7 @@ engine::Image apply(const engine::FilterInfo& filter, const engine::Values& valu
     return attempt(failure, [&] { return engine::apply(filter, values); });
 }
 
-// --------------------------------------------------------------------------------------- rendering
+// --- rendering --------------------------------------------------------------------------------------------
 
 CGImageRef makeCGImage(const engine::Image& image, CGRect area, int format, CGColorSpaceRef space,
                        const engine::Options& options, Failure& failure) {

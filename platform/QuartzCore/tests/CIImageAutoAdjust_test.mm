@@ -189,7 +189,7 @@ class Photographs : public testing::TestWithParam<const char*> {};
 
 } // namespace
 
-// ------------------------------------------------------------------------------------------------- exposure
+// --- exposure ---------------------------------------------------------------------------------------------
 
 TEST_P(Photographs, ThatAreUnderExposedComeBack) {
     CIImage* original = photograph(GetParam());
@@ -259,8 +259,7 @@ TEST(AutoAdjust, DullColoursGetMore) {
     EXPECT_GT([[named(filters, @"CIVibrance") valueForKey:@"inputAmount"] doubleValue], 0.05);
 }
 
-// ---------------------------------------------------------------------------------------- filters and
-// options
+// --- filters and options ----------------------------------------------------------------------------------
 
 TEST(AutoAdjust, FiltersComeInOrderWithAllInputsButTheImage) {
     CIImage* image = exposed(photograph("astronaut.png"), -1);
@@ -337,7 +336,7 @@ TEST(AutoAdjust, FacesAreDetectedWhereTheSystemCan) {
     EXPECT_EQ(named(filters, @"CIRedEyeCorrections"), nil);
 }
 
-// ---------------------------------------------------------------------------------------------------- faces
+// --- faces ------------------------------------------------------------------------------------------------
 
 TEST(AutoAdjust, RedEyesAreFoundAndCured) {
     for (double scale : {1.0, 12.5}) {
@@ -421,7 +420,7 @@ TEST(AutoAdjust, AFaceOutsideThePictureIsIgnored) {
     EXPECT_EQ(names([image autoAdjustmentFiltersWithOptions:optionsWithFace(face)]), enhancing);
 }
 
-// ----------------------------------------------------------------------------------------------------- size
+// --- size -------------------------------------------------------------------------------------------------
 
 TEST(AutoAdjust, MemoryDoesNotGrowWithThePicture) {
     // 96 megapixels of one byte each.

@@ -1,4 +1,4 @@
-// The counts of live objects, and that nothing is left alive.
+// Counts of live objects, and leaks.
 #include "support.h"
 
 #include <CoreGraphics/CGTesting.h>

@@ -1,4 +1,4 @@
-// Off-screen worlds: their pixels, their locks and what they refuse.
+// Off-screen worlds: pixels, locks and invalid arguments.
 #include <QD/QDOffscreen.h>
 
 #include <gtest/gtest.h>

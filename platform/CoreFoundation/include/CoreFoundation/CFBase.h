@@ -1,4 +1,4 @@
-// The basic types of Core Foundation, and what every object answers to.
+// The basic types of Core Foundation, and the functions for every object.
 #pragma once
 
 #include <stddef.h>

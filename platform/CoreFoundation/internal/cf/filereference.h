@@ -1,4 +1,4 @@
-// What an FSRef holds: the number of an interned path. CFURL and Carbon's file manager share it.
+// The contents of an FSRef: the number of an interned path. CFURL and Carbon's file manager share it.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>

@@ -1,4 +1,4 @@
-// What every Core Graphics header builds on: the scalar type and the linkage of C functions.
+// Included by every Core Graphics header: the scalar type and the linkage of C functions.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -1,4 +1,4 @@
-// Colour spaces: what the components of a colour or a pixel mean.
+// Colour spaces: the meaning of the components of a colour or a pixel.
 #pragma once
 
 #include <CoreGraphics/CGBase.h>

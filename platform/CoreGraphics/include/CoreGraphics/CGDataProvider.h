@@ -1,4 +1,4 @@
-// Where the bytes of an image come from.
+// Data providers: the bytes behind an image.
 #pragma once
 
 #include <CoreGraphics/CGBase.h>

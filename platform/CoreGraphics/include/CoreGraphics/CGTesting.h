@@ -1,4 +1,4 @@
-// Not Apple's: what tests and leak checks may ask of Core Graphics and of the frameworks built on it.
+// Not Apple's: counts of live objects, for tests and leak checks.
 #pragma once
 
 #include <CoreGraphics/CGBase.h>

@@ -1,4 +1,4 @@
-// What a CGContext holds: a bitmap to draw on, the graphics states and the current path.
+// The payload of CGContext objects: a bitmap to draw on, the graphics states and the current path.
 #pragma once
 
 #include <CoreGraphics/CGBitmapContext.h>

@@ -1,4 +1,4 @@
-// What a CGColor holds.
+// The payload of CGColor objects.
 #pragma once
 
 #include <CoreGraphics/CGColor.h>

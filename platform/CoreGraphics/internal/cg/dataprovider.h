@@ -1,4 +1,4 @@
-// What a CGDataProvider holds.
+// The payload of CGDataProvider objects.
 #pragma once
 
 #include <CoreGraphics/CGDataProvider.h>

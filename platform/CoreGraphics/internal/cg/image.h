@@ -1,4 +1,4 @@
-// What a CGImage holds, and its pixels row by row in any layout.
+// The payload of CGImage objects, and their pixels row by row in any layout.
 #pragma once
 
 #include <cg/colorspace.h>

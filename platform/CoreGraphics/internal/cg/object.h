@@ -36,7 +36,7 @@ class CG_INTERNAL LiveCount {
     std::atomic<int> count_ = 0;
 };
 
-/// What an object holds.
+/// The C++ object that a reference holds.
 class CG_INTERNAL Payload {
   public:
     /// `count` may be null for objects that live as long as the process.
@@ -65,7 +65,7 @@ CG_INTERNAL CFTypeRef makeObject(std::unique_ptr<Payload> payload);
 /// Null for null and for any object that was not made by makeObject.
 CG_INTERNAL Payload* payloadOf(CFTypeRef object);
 
-/// What a reference of the type T::Ref holds; null for null and for an object of another type.
+/// The payload behind a reference of the type T::Ref; null for null and for an object of another type.
 template <class T>
 T* get(CFTypeRef object) {
     return dynamic_cast<T*>(payloadOf(object));

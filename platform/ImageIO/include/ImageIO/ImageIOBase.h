@@ -1,4 +1,4 @@
-// What every Image I/O header builds on: Core Graphics and the linkage of C functions.
+// Included by every Image I/O header: Core Graphics and the linkage of C functions.
 #pragma once
 
 #include <CoreGraphics/CoreGraphics.h>

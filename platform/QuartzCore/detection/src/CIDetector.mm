@@ -1,4 +1,4 @@
-// CIDetector: renders an image for the face finder and makes features of what it finds.
+// CIDetector: renders an image for the face finder and turns the faces found into features.
 #import <QuartzCore/CIDetector.h>
 #import <QuartzCore/QuartzCore.h>
 
@@ -128,7 +128,7 @@ struct CIDetectorState {
     std::string problem;
     _state->finder = ci::faceFinder(problem);
     if (!_state->finder) {
-        NSLog(@"CIDetector: no faces can be found: %s", problem.c_str());
+        NSLog(@"CIDetector: cannot find faces: %s", problem.c_str());
         [self release];
         return nil;
     }

@@ -1,4 +1,4 @@
-// What a detector finds in an image. Weak: see CIDetector.h.
+// The features that a detector finds. Weak: see CIDetector.h.
 #pragma once
 
 #import <QuartzCore/CoreImageDefines.h>

@@ -1,4 +1,4 @@
-// What every Core Image header builds on: the frameworks below and the linkage of constants.
+// Included by every Core Image header: the frameworks below and the linkage of constants.
 #pragma once
 
 #import <Foundation/Foundation.h>
