@@ -1,5 +1,5 @@
-// A small frame for measurements: every benchmark runs in a process of its own, so that peak memory is its
-// own, and reports the best of several runs, the figure that a busy machine disturbs least.
+// A small framework for measurements: every benchmark runs in a process of its own, so that it has a peak
+// memory of its own, and reports the best of several runs, the figure that a busy machine disturbs least.
 #pragma once
 
 #include <chrono>
@@ -8,7 +8,7 @@
 
 namespace bench {
 
-// Seconds that one run of `work` takes: the best of `runs`.
+// Seconds that `work` takes: the best of `runs` runs.
 template <class Work>
 double bestOf(int runs, Work&& work) {
     double best = 1e30;
@@ -21,7 +21,7 @@ double bestOf(int runs, Work&& work) {
     return best;
 }
 
-// Nanoseconds of one call, measured over many.
+// Nanoseconds that one call takes, measured over many.
 template <class Call>
 double nanosecondsOf(Call&& call) {
     constexpr int calls = 100000;
@@ -36,7 +36,7 @@ double nanosecondsOf(Call&& call) {
 void report(const std::string& name, double value, const char* unit, double ratio, const char* baseline);
 void report(const std::string& name, double value, const char* unit);
 
-// Of this process so far, in MiB.
+// The peak memory of this process so far, in MiB.
 double peakMemory();
 
 struct Benchmark {

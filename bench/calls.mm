@@ -1,4 +1,4 @@
-// What the plugin adds to a bare message send, seen from where the host calls it.
+// Calls of the plugin as the host makes them, against bare message sends.
 #include "bench.h"
 
 #include <studio/host.h>
@@ -9,7 +9,7 @@ namespace {
 
 using studio::Value;
 
-// Where the compiler must not look: results that are made to be thrown away.
+// Written to, so that the compiler does not drop work whose result nobody reads.
 volatile double sink;
 
 void measurePluginMain() {

@@ -1,10 +1,11 @@
-// Values between the host and Cocoa, beside the same work done by Foundation and Core Graphics alone: objects
-// made from C values on the way in, C values taken from them on the way out.
+// Values between the host and Cocoa, against the same work done by Foundation or Core Graphics alone: making
+// objects from C values on the way in, and reading C values from them on the way out.
 #include "bench.h"
 
 #include <studio/host.h>
 
 #include <Carbon/Carbon.h>
+#include <Carbon/CarbonTesting.h>
 #include <bridge/pictures.h>
 #include <bridge/strings.h>
 #include <bridge/variants.h>
@@ -15,7 +16,7 @@ namespace {
 
 using studio::Value;
 
-// Where the compiler must not look: results that are made to be thrown away.
+// Written to, so that the compiler does not drop work whose result nobody reads.
 volatile double sink;
 
 struct BridgedHost : studio::Host {
@@ -76,7 +77,7 @@ void measureDictionary() {
 
 constexpr int kElements = 100000;
 
-// An array of the host's type, there and back, beside an array of what `make` makes.
+// An array of a type of the host, to Cocoa and back, against an array of objects that `make` returns.
 template <class Make>
 void measureArray(studio::Host& host, const char* type, const Value& element, Make&& make) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];

@@ -1,3 +1,4 @@
+// Runs the benchmarks whose names contain the first argument, or all of them.
 #include "bench.h"
 
 #include <cstdio>
@@ -45,6 +46,6 @@ int main(int argc, char** argv) {
             failed = true;
         }
     }
-    if (!ran) std::printf("no benchmark's name holds '%s'\n", argv[1]);
+    if (!ran) std::printf("no benchmark's name contains '%s'\n", argv[1]);
     return failed || !ran;
 }

@@ -1,3 +1,4 @@
+// Sample photographs, enlarged to the size of a camera's.
 #include "photograph.h"
 
 #include <ImageIO/ImageIO.h>

@@ -15,7 +15,7 @@ double copySeconds() {
     std::vector<unsigned char> from(kWidth * kHeight * 4, 1), to(from.size());
     return bench::bestOf(7, [&] {
         std::memcpy(to.data(), from.data(), from.size());
-        asm volatile("" : : "r"(to.data()) : "memory"); // the copy is wanted for its own sake
+        asm volatile("" : : "r"(to.data()) : "memory"); // keeps the compiler from dropping the copy
     });
 }
 
@@ -27,7 +27,7 @@ CIImage* filtered(NSString* name, CIImage* image, NSDictionary* values = nil) {
     return [filter valueForKey:@"outputImage"];
 }
 
-// Renders what `recipe` makes of the photograph, and reports it in copies of the photograph.
+// Renders what `recipe` makes of the photograph, and reports how many copies of the photograph take as long.
 template <class Recipe>
 void measure(const char* name, Recipe&& recipe) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
@@ -67,7 +67,7 @@ void measureGaussianBlur() {
             [](CIImage* image) { return filtered(@"CIGaussianBlur", image, value(@"inputRadius", 20)); });
 }
 
-// Finding the filters, without faces, and then applying them, against rendering the photograph as it is.
+// Finding the filters (without faces) and applying them, against rendering the photograph as it is.
 void measureAutoAdjustment() {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     double copy = copySeconds();

@@ -3,6 +3,7 @@
 #include <bridge/pictures.h>
 
 #include <Carbon/Carbon.h>
+#include <Carbon/CarbonTesting.h>
 
 #include <algorithm>
 #include <array>

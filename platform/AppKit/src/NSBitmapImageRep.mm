@@ -1,4 +1,7 @@
+// Bitmaps: over a CGImage, or over pixels that the program writes.
 #import <AppKit/NSBitmapImageRep.h>
+
+#include "drawing.h"
 
 #include <ImageIO/ImageIO.h>
 #include <cg/image.h>
@@ -111,7 +114,7 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
     NSInteger colors = samplesPerPixel - (alpha ? 1 : 0);
     bool sound =
         !planes && !isPlanar && bitsPerSample == 8 && width > 0 && height > 0 && (colors == 1 || colors == 3);
-    // Opaque colours may have a filler as fourth byte.
+    // Opaque colours may have a filler as the fourth byte.
     if (pixelBits == 0) pixelBits = samplesPerPixel * 8;
     bool filler = !alpha && colors == 3 && pixelBits == 32;
     if (!filler && pixelBits != samplesPerPixel * 8) sound = false;
@@ -124,7 +127,7 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
                                      : kCGImageAlphaNone;
     auto space = cg::Retained<CGColorSpaceRef>::adopt(colors == 1 ? CGColorSpaceCreateDeviceGray()
                                                                   : CGColorSpaceCreateDeviceRGB());
-    // The image looks straight at the bytes that bitmapData hands out.
+    // The image reads the very bytes that bitmapData returns.
     auto provider = cg::Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithCFData((CFDataRef)pixels));
     auto image = cg::Retained<CGImageRef>::adopt(
         CGImageCreate(static_cast<size_t>(width), static_cast<size_t>(height), 8,
@@ -144,7 +147,7 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
 
 - (id)copyWithZone:(NSZone*)zone {
     NSBitmapImageRep* copy = [[[self class] allocWithZone:zone] initWithCGImage:_image];
-    // Pixels of its own, so that neither sees what is written to the other.
+    // Pixels of its own, so that writing to one does not change the other.
     if (_pixels) [copy bitmapData];
     [copy setSize:[self size]];
     return copy;
@@ -191,7 +194,7 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
 }
 
 - (BOOL)draw {
-    auto port = static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
+    CGContextRef port = appkit::currentPort();
     if (!port) return NO;
     CGContextDrawImage(port, CGRectMake(0, 0, [self size].width, [self size].height), _image);
     return YES;

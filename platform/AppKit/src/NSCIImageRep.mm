@@ -1,6 +1,9 @@
+// A representation that renders its CIImage when it is drawn.
 #import <AppKit/NSCIImageRep.h>
 
 #import <QuartzCore/QuartzCore.h>
+
+#include "drawing.h"
 
 @implementation NSCIImageRep
 
@@ -44,7 +47,7 @@
 }
 
 - (BOOL)draw {
-    auto port = static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
+    CGContextRef port = appkit::currentPort();
     CIContext* context = port ? [CIContext contextWithCGContext:port options:nil] : nil;
     CGRect size = CGRectMake(0, 0, [self size].width, [self size].height);
     [context drawImage:_image inRect:size fromRect:[_image extent]];

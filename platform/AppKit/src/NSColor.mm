@@ -1,6 +1,7 @@
+// NSColor: a CGColor and the name of its space.
 #import <AppKit/NSColor.h>
 
-#import <AppKit/NSGraphicsContext.h>
+#include "drawing.h"
 
 #include <cg/color.h>
 
@@ -8,7 +9,7 @@
 
 namespace {
 
-/// The space that a name stands for; null for an unknown name.
+/// The named space; null for an unknown name.
 cg::Retained<CGColorSpaceRef> spaceNamed(NSString* name) {
     struct {
         NSString* name;
@@ -112,7 +113,7 @@ static NSColor* make(NSString* spaceName, std::initializer_list<CGFloat> compone
     return copy;
 }
 
-/// Component `index`, of a colour that has `count` of them with alpha.
+/// Component `index`. Raises unless the colour has `count` components, alpha included.
 - (CGFloat)component:(size_t)index of:(size_t)count selector:(SEL)selector {
     if (CGColorGetNumberOfComponents(_color) != count)
         [NSException
@@ -161,16 +162,12 @@ static NSColor* make(NSString* spaceName, std::initializer_list<CGFloat> compone
     return _color;
 }
 
-static CGContextRef port() {
-    return static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
-}
-
 - (void)setFill {
-    CGContextSetFillColorWithColor(port(), _color);
+    CGContextSetFillColorWithColor(appkit::currentPort(), _color);
 }
 
 - (void)setStroke {
-    CGContextSetStrokeColorWithColor(port(), _color);
+    CGContextSetStrokeColorWithColor(appkit::currentPort(), _color);
 }
 
 - (void)set {

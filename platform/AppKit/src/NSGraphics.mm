@@ -1,4 +1,5 @@
-#import <AppKit/NSGraphicsContext.h>
+// The names of colour spaces, and drawing without an object.
+#include "drawing.h"
 
 NSString* const NSCalibratedWhiteColorSpace = @"NSCalibratedWhiteColorSpace";
 NSString* const NSCalibratedRGBColorSpace = @"NSCalibratedRGBColorSpace";
@@ -6,7 +7,4 @@ NSString* const NSDeviceWhiteColorSpace = @"NSDeviceWhiteColorSpace";
 NSString* const NSDeviceRGBColorSpace = @"NSDeviceRGBColorSpace";
 NSString* const NSDeviceCMYKColorSpace = @"NSDeviceCMYKColorSpace";
 
-void NSRectFill(NSRect rect) {
-    auto port = static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
-    CGContextFillRect(port, NSRectToCGRect(rect));
-}
+void NSRectFill(NSRect rect) { CGContextFillRect(appkit::currentPort(), NSRectToCGRect(rect)); }

@@ -1,3 +1,4 @@
+// NSGraphicsContext: a CGContext, and the current one for each thread.
 #import <AppKit/NSGraphicsContext.h>
 
 // A thread's current context, and its stack of saved ones, live in its dictionary.

@@ -1,10 +1,10 @@
+// NSImage: a list of representations, the best of which is drawn.
 #import <AppKit/NSImage.h>
 
 #import <AppKit/NSBitmapImageRep.h>
+#import <AppKit/NSErrors.h>
 
-#include <cg/object.h>
-
-#include <cmath>
+#include "drawing.h"
 
 NSString* const NSImageCacheException = @"NSImageCacheException";
 
@@ -96,7 +96,7 @@ CGBlendMode blendMode(NSCompositingOperation operation) {
     return copy;
 }
 
-/// A size that was never given is that of the first representation.
+/// The size that was set, or that of the first representation.
 - (NSSize)size {
     if (_size.width > 0 || _size.height > 0 || ![_representations count]) return _size;
     return [(NSImageRep*)[_representations objectAtIndex:0] size];
@@ -132,10 +132,7 @@ CGBlendMode blendMode(NSCompositingOperation operation) {
 
 - (void)lockFocus {
     NSSize size = [self size];
-    auto space = cg::Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
-    auto pixels = [](CGFloat v) { return v > 0 && v < 1e6f ? static_cast<size_t>(std::ceil(v)) : 0; };
-    auto bitmap = cg::Retained<CGContextRef>::adopt(CGBitmapContextCreate(
-        nullptr, pixels(size.width), pixels(size.height), 8, 0, space.get(), kCGImageAlphaPremultipliedLast));
+    auto bitmap = appkit::makeBitmap(size);
     if (!bitmap)
         [NSException raise:NSImageCacheException
                     format:@"Can't lock focus on an image of size %g x %g", size.width, size.height];
@@ -164,12 +161,12 @@ CGBlendMode blendMode(NSCompositingOperation operation) {
           fromRect:(NSRect)from
          operation:(NSCompositingOperation)operation
           fraction:(CGFloat)delta {
-    auto port = static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
+    CGContextRef port = appkit::currentPort();
     NSImageRep* rep = [self bestRepresentation];
     NSSize size = [self size];
     if (!port || !rep || size.width <= 0 || size.height <= 0) return;
     if (NSIsEmptyRect(from)) from = NSMakeRect(0, 0, size.width, size.height);
-    // The whole picture is placed so that the part comes to the rectangle, and all else is clipped away.
+    // Places the whole picture so that the part falls on the rectangle, and clips the rest away.
     CGFloat sx = rect.size.width / from.size.width, sy = rect.size.height / from.size.height;
     CGContextSaveGState(port);
     CGContextClipToRect(port, NSRectToCGRect(rect));

@@ -1,11 +1,9 @@
+// The properties of every representation, and drawing one in a rectangle.
 #import <AppKit/NSImageRep.h>
 
 #import <AppKit/NSBitmapImageRep.h>
 
-#include <cg/object.h>
-
-#include <algorithm>
-#include <cmath>
+#include "drawing.h"
 
 @implementation NSImageRep
 
@@ -98,9 +96,8 @@
 }
 
 - (BOOL)drawInRect:(NSRect)rect {
-    NSGraphicsContext* context = [NSGraphicsContext currentContext];
-    if (!context || _size.width <= 0 || _size.height <= 0) return NO;
-    auto port = static_cast<CGContextRef>([context graphicsPort]);
+    CGContextRef port = appkit::currentPort();
+    if (!port || _size.width <= 0 || _size.height <= 0) return NO;
     CGContextSaveGState(port);
     CGContextTranslateCTM(port, rect.origin.x, rect.origin.y);
     CGContextScaleCTM(port, rect.size.width / _size.width, rect.size.height / _size.height);
@@ -113,11 +110,7 @@
                              context:(NSGraphicsContext*)context
                                hints:(NSDictionary*)hints {
     NSSize size = proposedRect ? proposedRect->size : _size;
-    auto space = cg::Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
-    // Negative and huge sizes are refused by the context.
-    auto pixels = [](CGFloat v) { return v > 0 && v < 1e6f ? static_cast<size_t>(std::ceil(v)) : 0; };
-    auto bitmap = cg::Retained<CGContextRef>::adopt(CGBitmapContextCreate(
-        nullptr, pixels(size.width), pixels(size.height), 8, 0, space.get(), kCGImageAlphaPremultipliedLast));
+    auto bitmap = appkit::makeBitmap(size);
     if (!bitmap) return nullptr;
     [NSGraphicsContext saveGraphicsState];
     [NSGraphicsContext setCurrentContext:[NSGraphicsContext graphicsContextWithGraphicsPort:bitmap.get()

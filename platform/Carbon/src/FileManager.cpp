@@ -1,5 +1,8 @@
+// The file manager, on the paths that file references stand for.
 #include <Carbon/Files.h>
 #include <Carbon/Folders.h>
+
+#include <cf/filereference.h>
 
 #include <algorithm>
 #include <cstring>
@@ -8,6 +11,8 @@
 #include <sys/stat.h>
 
 namespace {
+
+static_assert(sizeof(FSRef) == cf::fileReferenceSize);
 
 constexpr UInt32 kRootNode = 2;
 
@@ -40,7 +45,7 @@ bool unicodeName(const std::string& name, HFSUniStr255* out) {
     return length <= 255;
 }
 
-// A file spec holds at most 63 Mac Roman bytes and, for the parent, the number of an interned path.
+// A file spec holds a name of at most 63 Mac Roman bytes and the number of the parent's path.
 bool fileSpec(const std::string& path, FSSpec* out) {
     std::string name = leafName(path);
     CFStringRef text = CFStringCreateWithCString(nullptr, name.c_str(), kCFStringEncodingUTF8);
@@ -50,10 +55,8 @@ bool fileSpec(const std::string& path, FSSpec* out) {
     CFRelease(text);
     if (!fits) return false;
 
-    FSRef parent;
-    FileReferenceMake(parentPath(path).c_str(), &parent);
     std::memset(out, 0, sizeof *out);
-    std::memcpy(&out->parID, parent.hidden + sizeof(UInt32), sizeof out->parID);
+    out->parID = static_cast<SInt32>(cf::numberOfPath(parentPath(path).c_str()));
     out->name[0] = static_cast<unsigned char>(std::strlen(roman));
     std::memcpy(out->name + 1, roman, out->name[0]);
     return true;
@@ -65,7 +68,7 @@ OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, FSCatalogInf
                        FSSpec* spec, FSRef* parent) {
     if (!ref) return paramErr;
     if (isAboveVolumes(*ref)) return name || spec || which != kFSCatInfoNone ? paramErr : noErr;
-    const char* bytes = FileReferencePath(ref);
+    const char* bytes = cf::pathOfFileReference(ref);
     if (!bytes) return paramErr;
     struct stat status;
     if (!exists(bytes, status)) return fnfErr;
@@ -80,18 +83,14 @@ OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, FSCatalogInf
         if (path == "/")
             std::memset(parent, 0, sizeof *parent);
         else
-            FileReferenceMake(parentPath(path).c_str(), parent);
+            cf::makeFileReference(parentPath(path).c_str(), parent);
     }
     return noErr;
 }
 
 OSErr FSpMakeFSRef(const FSSpec* spec, FSRef* ref) {
     if (!spec || !ref) return paramErr;
-    // The parent's number alone, in the form of a reference, gives its path back.
-    FSRef parent;
-    FileReferenceMake("/", &parent);
-    std::memcpy(parent.hidden + sizeof(UInt32), &spec->parID, sizeof spec->parID);
-    const char* folder = FileReferencePath(&parent);
+    const char* folder = cf::pathOfNumber(static_cast<UInt32>(spec->parID));
     if (!folder) return fnfErr;
 
     CFStringRef text =
@@ -104,7 +103,7 @@ OSErr FSpMakeFSRef(const FSSpec* spec, FSRef* ref) {
     std::string path = std::strcmp(name, "/") == 0 ? name : std::string(folder) + "/" + name;
     struct stat status;
     if (!exists(path.c_str(), status)) return fnfErr;
-    FileReferenceMake(path.c_str(), ref);
+    cf::makeFileReference(path.c_str(), ref);
     return noErr;
 }
 
@@ -112,19 +111,19 @@ OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
     const char* bytes = reinterpret_cast<const char*>(path);
     struct stat status;
     if (!bytes || bytes[0] != '/' || !exists(bytes, status)) return fnfErr;
-    FileReferenceMake(bytes, ref);
+    cf::makeFileReference(bytes, ref);
     if (isDirectory) *isDirectory = S_ISDIR(status.st_mode);
     return noErr;
 }
 
 OSStatus FSRefMakePath(const FSRef* ref, UInt8* path, UInt32 size) {
-    const char* bytes = FileReferencePath(ref);
+    const char* bytes = cf::pathOfFileReference(ref);
     if (!bytes || std::strlen(bytes) >= size) return paramErr;
     std::memcpy(path, bytes, std::strlen(bytes) + 1);
     return noErr;
 }
 
-OSErr FSFindFolder(SInt16, OSType folderType, Boolean, FSRef* ref) {
+OSErr FSFindFolder(FSVolumeRefNum, OSType folderType, Boolean, FSRef* ref) {
     if (folderType != kFrameworksFolderType) return fnfErr;
     // The frameworks folder lies beside the folder that this library was loaded from.
     Dl_info self;
@@ -136,6 +135,6 @@ OSErr FSFindFolder(SInt16, OSType folderType, Boolean, FSRef* ref) {
     free(folder);
     struct stat status;
     if (!exists(frameworks.c_str(), status)) return fnfErr;
-    FileReferenceMake(frameworks.c_str(), ref);
+    cf::makeFileReference(frameworks.c_str(), ref);
     return noErr;
 }

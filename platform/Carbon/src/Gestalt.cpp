@@ -1,5 +1,7 @@
-#include <Carbon/Files.h>
+// The version of the system, which tests may set.
+#include <Carbon/CarbonTesting.h>
 #include <Carbon/Gestalt.h>
+#include <Carbon/MacErrors.h>
 
 #include <atomic>
 

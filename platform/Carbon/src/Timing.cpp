@@ -1,4 +1,6 @@
-#include <Carbon/Timing.h>
+// Time since the machine started, from the monotonic clock.
+#include <Carbon/DriverServices.h>
+#include <Carbon/Multiprocessing.h>
 
 #include <cerrno>
 #include <time.h>

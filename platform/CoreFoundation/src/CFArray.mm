@@ -1,3 +1,4 @@
+// CFArray over NSArray.
 #import <Foundation/Foundation.h>
 
 #include <CoreFoundation/CFArray.h>

@@ -1,7 +1,9 @@
-#include "pool.h"
+// The functions for every Core Foundation object, over NSObject's methods.
+#include "autorelease.h"
 
 #include <CoreFoundation/CFBase.h>
-#include <CoreFoundation/CFString.h>
+
+const CFAllocatorRef kCFAllocatorDefault = nullptr;
 
 CFTypeRef CFRetain(CFTypeRef object) { return [(id)object retain]; }
 
@@ -13,7 +15,7 @@ Boolean CFEqual(CFTypeRef a, CFTypeRef b) { return a == b || [(id)a isEqual:(id)
 
 CFHashCode CFHash(CFTypeRef object) { return [(id)object hash]; }
 
-const struct __CFString* CFCopyDescription(CFTypeRef object) {
-    TemporaryPool pool;
+CFStringRef CFCopyDescription(CFTypeRef object) {
+    AutoreleaseScope scope;
     return reinterpret_cast<CFStringRef>([[(id)object description] copy]);
 }

@@ -1,4 +1,5 @@
-#include "pool.h"
+// CFBundle: a folder, and the shared library in it once it is loaded.
+#include "autorelease.h"
 
 #include <CoreFoundation/CFBundle.h>
 
@@ -22,7 +23,7 @@
 @end
 
 CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef url) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     NSString* path = [(NSURL*)url isFileURL] ? [(NSURL*)url path] : nil;
     BOOL isDirectory = NO;
     if (![[NSFileManager defaultManager] fileExistsAtPath:path isDirectory:&isDirectory] || !isDirectory)
@@ -33,7 +34,7 @@ CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef url) {
 }
 
 Boolean CFBundleLoadExecutable(CFBundleRef bundle) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     KazBundle* object = reinterpret_cast<KazBundle*>(bundle);
     if (!object->executable) {
         NSString* name = [[object->path lastPathComponent] stringByDeletingPathExtension];
@@ -44,7 +45,7 @@ Boolean CFBundleLoadExecutable(CFBundleRef bundle) {
 }
 
 void* CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef name) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     KazBundle* object = reinterpret_cast<KazBundle*>(bundle);
     return object->executable ? dlsym(object->executable, [(NSString*)name UTF8String]) : nullptr;
 }

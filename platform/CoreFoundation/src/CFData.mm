@@ -1,3 +1,4 @@
+// CFData over NSData.
 #import <Foundation/Foundation.h>
 
 #include <CoreFoundation/CFData.h>

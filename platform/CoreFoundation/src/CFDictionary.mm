@@ -1,13 +1,23 @@
+// CFDictionary over NSDictionary, or over a table of plain pointers.
 #import <Foundation/Foundation.h>
 
 #include <CoreFoundation/CFDictionary.h>
 
 #include <unordered_map>
 
-const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0};
-const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0};
+namespace {
 
-// The dictionary of plain pointers: an object, so that it can be retained and released as any other.
+const void* retain(CFAllocatorRef, const void* value) { return CFRetain(value); }
+void release(CFAllocatorRef, const void* value) { CFRelease(value); }
+
+} // namespace
+
+const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0,       retain, release, CFCopyDescription,
+                                                                CFEqual, CFHash};
+const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retain, release, CFCopyDescription,
+                                                                    CFEqual};
+
+// The dictionary of plain pointers: an object, so that it can be retained and released like any other.
 @interface KazPointerDictionary : NSObject {
   @public
     std::unordered_map<const void*, const void*> entries;

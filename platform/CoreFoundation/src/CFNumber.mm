@@ -1,3 +1,4 @@
+// CFNumber over NSNumber.
 #import <Foundation/Foundation.h>
 
 #include <CoreFoundation/CFNumber.h>

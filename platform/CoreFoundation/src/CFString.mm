@@ -1,4 +1,5 @@
-#include "pool.h"
+// CFString over NSString.
+#include "autorelease.h"
 
 #include <CoreFoundation/CFString.h>
 
@@ -26,14 +27,14 @@ constexpr EncodingPair kEncodings[] = {
     {kCFStringEncodingUTF32, NSUTF32StringEncoding},
 };
 
-// GSUndefinedEncoding, which is 0, for an encoding that is not known.
+// GSUndefinedEncoding, which is 0, for an unknown encoding.
 NSStringEncoding foundationEncoding(CFStringEncoding encoding) {
     for (const EncodingPair& pair : kEncodings)
         if (pair.platform == encoding) return pair.foundation;
     return GSUndefinedEncoding;
 }
 
-// Bytes in the encoding, or nil when a character cannot be said in it.
+// The bytes of the text; nil if the encoding lacks a character.
 NSData* encoded(NSString* string, CFStringEncoding encoding) {
     NSStringEncoding foundation = foundationEncoding(encoding);
     return foundation ? [string dataUsingEncoding:foundation allowLossyConversion:NO] : nil;
@@ -43,7 +44,7 @@ NSData* encoded(NSString* string, CFStringEncoding encoding) {
 
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex length,
                                     CFStringEncoding encoding, Boolean) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     NSStringEncoding foundation = foundationEncoding(encoding);
     if (!foundation || length < 0 || (!bytes && length)) return nullptr;
     return (CFStringRef)[[NSString alloc] initWithBytes:bytes
@@ -58,19 +59,19 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text
 }
 
 CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar* characters, CFIndex length) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     if (length < 0 || (!characters && length)) return nullptr;
     return (CFStringRef)[[NSString alloc] initWithCharacters:characters
                                                       length:static_cast<NSUInteger>(length)];
 }
 
 CFStringRef CFStringCreateCopy(CFAllocatorRef, CFStringRef string) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     return (CFStringRef)[(NSString*)string copy];
 }
 
 CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef, CFIndex, CFStringRef string) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     return (CFMutableStringRef)[(NSString*)string mutableCopy];
 }
 
@@ -83,7 +84,7 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
 }
 
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStringEncoding encoding) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     NSData* bytes = encoded((NSString*)string, encoding);
     if (!bytes || static_cast<CFIndex>([bytes length]) >= size) return false;
     std::memcpy(buffer, [bytes bytes], [bytes length]);
@@ -92,7 +93,7 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStr
 }
 
 void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     NSMutableString* text = (NSMutableString*)string;
     NSString* normal = nil;
     switch (form) {
@@ -113,7 +114,7 @@ void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form
 }
 
 CFStringRef __CFStringMakeConstantString(const char* text) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     static std::mutex mutex;
     static auto* strings = new std::unordered_map<std::string, CFStringRef>;
     std::lock_guard lock(mutex);

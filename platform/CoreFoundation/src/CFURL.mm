@@ -1,7 +1,8 @@
-#include "pool.h"
+// CFURL over NSURL.
+#include "autorelease.h"
 
 #include <CoreFoundation/CFURL.h>
-#include <CoreFoundation/FileReference.h>
+#include <cf/filereference.h>
 
 #include <sys/stat.h>
 
@@ -18,7 +19,7 @@ NSString* filePath(CFURLRef url) {
 } // namespace
 
 CFURLRef CFURLCreateWithString(CFAllocatorRef, CFStringRef text, CFURLRef base) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     NSString* string = (NSString*)text;
     if ([string length] == 0) return nullptr;
     return owned([NSURL URLWithString:string relativeToURL:(NSURL*)base]);
@@ -26,14 +27,14 @@ CFURLRef CFURLCreateWithString(CFAllocatorRef, CFStringRef text, CFURLRef base) 
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPathStyle,
                                        Boolean isDirectory) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     if ([(NSString*)path length] == 0) return nullptr;
     return owned([NSURL fileURLWithPath:(NSString*)path isDirectory:isDirectory]);
 }
 
 CFURLRef CFURLCreateFromFSRef(CFAllocatorRef, const FSRef* ref) {
-    TemporaryPool pool;
-    const char* path = FileReferencePath(ref);
+    AutoreleaseScope scope;
+    const char* path = cf::pathOfFileReference(ref);
     struct stat status;
     if (!path || lstat(path, &status) != 0) return nullptr;
     return owned([NSURL fileURLWithPath:[NSString stringWithUTF8String:path]
@@ -42,7 +43,7 @@ CFURLRef CFURLCreateFromFSRef(CFAllocatorRef, const FSRef* ref) {
 
 CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef url, CFStringRef component,
                                                Boolean isDirectory) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     NSString* path = filePath(url);
     if (path)
         return owned([NSURL fileURLWithPath:[path stringByAppendingPathComponent:(NSString*)component]
@@ -51,30 +52,30 @@ CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef url, CFS
 }
 
 CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef, CFURLRef url) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     NSString* path = filePath(url);
     if (path) return owned([NSURL fileURLWithPath:[path stringByDeletingLastPathComponent] isDirectory:YES]);
     return owned([(NSURL*)url URLByDeletingLastPathComponent]);
 }
 
 CFStringRef CFURLCopyLastPathComponent(CFURLRef url) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     return (CFStringRef)[[[(NSURL*)url path] lastPathComponent] copy];
 }
 
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     return (CFStringRef)[[(NSURL*)url path] copy];
 }
 
 CFStringRef CFURLGetString(CFURLRef url) { return (CFStringRef)[(NSURL*)url absoluteString]; }
 
 Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) {
-    TemporaryPool pool;
+    AutoreleaseScope scope;
     NSString* path = filePath(url);
     const char* bytes = [path fileSystemRepresentation];
     struct stat status;
     if (!bytes || lstat(bytes, &status) != 0) return false;
-    FileReferenceMake(bytes, ref);
+    cf::makeFileReference(bytes, ref);
     return true;
 }

@@ -1,3 +1,4 @@
+// The blend modes, by the formulas of PDF 1.7 (Porter-Duff, separable and non-separable).
 #include "Blend.h"
 
 #include <algorithm>
@@ -7,7 +8,7 @@ namespace cg {
 
 namespace {
 
-/// The modes that keep parts of source and destination by the other's alpha: result = Fs s + Fd d.
+/// The Porter-Duff modes: result = source factor * source + dest factor * destination.
 struct Factors {
     float source, dest;
 };
@@ -41,7 +42,7 @@ Factors factors(CGBlendMode mode, float sa, float da) {
     }
 }
 
-/// Backdrop b and source s, straight, to the mixed colour, one component at a time.
+/// Mixes one component of the backdrop b and the source s, both straight.
 float separable(CGBlendMode mode, float b, float s) {
     switch (mode) {
     case kCGBlendModeMultiply:
@@ -120,7 +121,7 @@ bool isMixing(CGBlendMode mode) { return mode >= kCGBlendModeMultiply && mode <=
 void blendPixel(CGBlendMode mode, int colors, const float* d, const float* s, float* result) {
     float da = d[colors], sa = s[colors];
     if (mode == kCGBlendModePlusDarker) {
-        // The sum of what is missing to white, taken from white.
+        // White minus the distances of both to white.
         float alpha = result[colors] = std::min(1.f, sa + da);
         for (int k = 0; k < colors; ++k) result[k] = std::max(0.f, alpha - (da - d[k]) - (sa - s[k]));
         return;
@@ -156,7 +157,7 @@ void blendPixel(CGBlendMode mode, int colors, const float* d, const float* s, fl
 void blendRow(CGBlendMode mode, int colors, const Planes& dest, const Planes& source, const float* coverage,
               std::size_t n) {
     if (mode == kCGBlendModeNormal) {
-        // By far the most common one, as a plain loop. The alpha plane comes last: the others need it.
+        // By far the most common mode, as a plain loop. Alpha comes last, because the other planes need it.
         const float* sa = source[alphaPlane];
         auto over = [&](std::size_t k) {
             float* d = dest[k];

@@ -1,3 +1,4 @@
+// The blend modes.
 #pragma once
 
 #include <CoreGraphics/CGContext.h>

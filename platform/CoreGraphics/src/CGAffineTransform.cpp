@@ -1,3 +1,4 @@
+// The arithmetic of affine transforms.
 #include <CoreGraphics/CGAffineTransform.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
-#include <cg/context.h>
+// The C functions that make bitmap contexts and describe them.
+#include <cg/canvas.h>
 
 #include <cstring>
 
@@ -11,13 +12,13 @@ CGContextRef CGBitmapContextCreateWithData(void* data, size_t width, size_t heig
     return guarded([&] {
         std::function<void(void*)> release;
         if (releaseCallback && data) release = [=](void* pixels) { releaseCallback(releaseInfo, pixels); };
-        return make<Context>(data,
-                             Image::Layout{.width = width,
-                                           .height = height,
-                                           .bitsPerComponent = bitsPerComponent,
-                                           .bytesPerRow = bytesPerRow,
-                                           .info = bitmapInfo},
-                             space, std::move(release));
+        return make<Canvas>(data,
+                            Image::Layout{.width = width,
+                                          .height = height,
+                                          .bitsPerComponent = bitsPerComponent,
+                                          .bytesPerRow = bytesPerRow,
+                                          .info = bitmapInfo},
+                            space, std::move(release));
     });
 }
 
@@ -30,12 +31,12 @@ CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size
 /// One field of the layout, the empty value for null.
 template <class Field>
 static Field field(CGContextRef context, Field Image::Layout::*member) {
-    Context* self = get<Context>(context);
+    Canvas* self = get<Canvas>(context);
     return self ? self->layout().*member : Field();
 }
 
 void* CGBitmapContextGetData(CGContextRef context) {
-    Context* self = get<Context>(context);
+    Canvas* self = get<Canvas>(context);
     return self ? self->data() : nullptr;
 }
 size_t CGBitmapContextGetWidth(CGContextRef context) { return field(context, &Image::Layout::width); }
@@ -50,7 +51,7 @@ size_t CGBitmapContextGetBytesPerRow(CGContextRef context) {
     return field(context, &Image::Layout::bytesPerRow);
 }
 CGColorSpaceRef CGBitmapContextGetColorSpace(CGContextRef context) {
-    Context* self = get<Context>(context);
+    Canvas* self = get<Canvas>(context);
     return self ? self->space() : nullptr;
 }
 CGImageAlphaInfo CGBitmapContextGetAlphaInfo(CGContextRef context) {
@@ -61,12 +62,12 @@ CGBitmapInfo CGBitmapContextGetBitmapInfo(CGContextRef context) {
 }
 
 CGImageRef CGBitmapContextCreateImage(CGContextRef context) {
-    Context* self = get<Context>(context);
+    Canvas* self = get<Canvas>(context);
     if (!self) return nullptr;
     return guarded([&] {
         Image::Layout layout = self->layout();
         layout.interpolate = true;
-        // Only the pixels are the caller's to read; what follows the last row may not exist.
+        // Memory given by a caller may end with the last pixel, without the padding of its row.
         std::size_t row = self->format().rowBytes(layout.width),
                     size = layout.bytesPerRow * (layout.height - 1) + row;
         std::shared_ptr<std::uint8_t[]> copy(new std::uint8_t[size]);

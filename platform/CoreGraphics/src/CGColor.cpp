@@ -1,3 +1,4 @@
+// Colours and their C functions.
 #include <CoreGraphics/CGColor.h>
 
 #include "ColorMatch.h"

@@ -1,3 +1,4 @@
+// Colour spaces and their C functions.
 #include <cg/colorspace.h>
 #include <cg/dataprovider.h>
 

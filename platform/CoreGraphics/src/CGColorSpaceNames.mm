@@ -1,3 +1,4 @@
+// The names of colour spaces, whose values are the names of the constants.
 #import <Foundation/Foundation.h>
 
 #include <CoreGraphics/CGColorSpace.h>

@@ -1,19 +1,21 @@
+// The C functions of CGContext, each a call of the Canvas behind it.
 #include <CoreGraphics/CGContext.h>
 
-#include <cg/context.h>
+#include <cg/canvas.h>
 
 using namespace cg;
 
-/// Calls `body` with the context; does nothing for null. A lack of memory ends the drawing, nothing more.
+/// Calls `body` with the context; does nothing for null. Running out of memory ends the drawing and nothing
+/// else.
 template <class Body>
 static void with(CGContextRef ref, Body body) {
-    if (Context* context = get<Context>(ref)) guarded([&] { body(*context); });
+    if (Canvas* context = get<Canvas>(ref)) guarded([&] { body(*context); });
 }
 
-/// The same for a result; `missing` is the answer for null.
+/// The same with a result, which is `missing` for null.
 template <class Result, class Body>
 static Result ask(CGContextRef ref, Result missing, Body body) {
-    Context* context = get<Context>(ref);
+    Canvas* context = get<Canvas>(ref);
     return context ? body(*context) : missing;
 }
 
@@ -28,16 +30,16 @@ void CGContextFlush(CGContextRef context) {}
 void CGContextSynchronize(CGContextRef context) {}
 
 void CGContextSaveGState(CGContextRef context) {
-    with(context, [](Context& c) { c.save(); });
+    with(context, [](Canvas& c) { c.save(); });
 }
 void CGContextRestoreGState(CGContextRef context) {
-    with(context, [](Context& c) { c.restore(); });
+    with(context, [](Canvas& c) { c.restore(); });
 }
 
-// ---------------------------------------------------------------------------------------- transform
+// --- transform --------------------------------------------------------------------------------------------
 
 void CGContextConcatCTM(CGContextRef context, CGAffineTransform t) {
-    with(context, [&](Context& c) { c.state().ctm = CGAffineTransformConcat(t, c.state().ctm); });
+    with(context, [&](Canvas& c) { c.state().ctm = CGAffineTransformConcat(t, c.state().ctm); });
 }
 void CGContextScaleCTM(CGContextRef context, CGFloat sx, CGFloat sy) {
     CGContextConcatCTM(context, CGAffineTransformMakeScale(sx, sy));
@@ -49,9 +51,9 @@ void CGContextRotateCTM(CGContextRef context, CGFloat angle) {
     CGContextConcatCTM(context, CGAffineTransformMakeRotation(angle));
 }
 CGAffineTransform CGContextGetCTM(CGContextRef context) {
-    return ask(context, CGAffineTransformIdentity, [](Context& c) { return c.state().ctm; });
+    return ask(context, CGAffineTransformIdentity, [](Canvas& c) { return c.state().ctm; });
 }
-// One unit of a bitmap's device space is one pixel, and the CTM leads there.
+// A unit of a bitmap's device space is a pixel, so this is the CTM.
 CGAffineTransform CGContextGetUserSpaceToDeviceSpaceTransform(CGContextRef context) {
     return CGContextGetCTM(context);
 }
@@ -77,34 +79,34 @@ CGRect CGContextConvertRectToUserSpace(CGContextRef context, CGRect rect) {
     return CGRectApplyAffineTransform(rect, toUser(context));
 }
 
-// -------------------------------------------------------------------------------------------- state
+// --- state ------------------------------------------------------------------------------------------------
 
 void CGContextSetAlpha(CGContextRef context, CGFloat alpha) {
-    with(context, [&](Context& c) { c.state().alpha = alpha > 0 ? std::min(alpha, 1.f) : 0; });
+    with(context, [&](Canvas& c) { c.state().alpha = alpha > 0 ? std::min(alpha, 1.f) : 0; });
 }
 void CGContextSetBlendMode(CGContextRef context, CGBlendMode mode) {
-    with(context, [&](Context& c) { c.state().blend = mode; });
+    with(context, [&](Canvas& c) { c.state().blend = mode; });
 }
 void CGContextSetInterpolationQuality(CGContextRef context, CGInterpolationQuality quality) {
-    with(context, [&](Context& c) { c.state().quality = quality; });
+    with(context, [&](Canvas& c) { c.state().quality = quality; });
 }
 CGInterpolationQuality CGContextGetInterpolationQuality(CGContextRef context) {
     return ask(context, CGInterpolationQuality(kCGInterpolationDefault),
-               [](Context& c) { return c.state().quality; });
+               [](Canvas& c) { return c.state().quality; });
 }
 void CGContextSetShouldAntialias(CGContextRef context, bool shouldAntialias) {
-    with(context, [&](Context& c) { c.state().antialias = shouldAntialias; });
+    with(context, [&](Canvas& c) { c.state().antialias = shouldAntialias; });
 }
 void CGContextSetLineWidth(CGContextRef context, CGFloat width) {
-    with(context, [&](Context& c) { c.state().lineWidth = width; });
+    with(context, [&](Canvas& c) { c.state().lineWidth = width; });
 }
 
-// ------------------------------------------------------------------------------------------- colour
+// --- colour -----------------------------------------------------------------------------------------------
 
 using Slot = Retained<CGColorRef> GraphicsState::*;
 
 static void setColor(CGContextRef context, Slot slot, CGColorRef color) {
-    if (color) with(context, [&](Context& c) { c.state().*slot = Retained<CGColorRef>(color); });
+    if (color) with(context, [&](Canvas& c) { c.state().*slot = Retained<CGColorRef>(color); });
 }
 
 static void setColor(CGContextRef context, Slot slot, CGColorSpaceRef space, const CGFloat* components) {
@@ -124,7 +126,7 @@ static void setSpace(CGContextRef context, Slot slot, CGColorSpaceRef space) {
 }
 
 static void setComponents(CGContextRef context, Slot slot, const CGFloat* components) {
-    with(context, [&](Context& c) {
+    with(context, [&](Canvas& c) {
         setColor(context, slot, CGColorGetColorSpace((c.state().*slot).get()), components);
     });
 }
@@ -166,23 +168,23 @@ void CGContextSetCMYKFillColor(CGContextRef context, CGFloat cyan, CGFloat magen
              {cyan, magenta, yellow, black, alpha});
 }
 
-// -------------------------------------------------------------------------------------------- paths
+// --- paths ------------------------------------------------------------------------------------------------
 
 void CGContextBeginPath(CGContextRef context) {
-    with(context, [](Context& c) { c.beginPath(); });
+    with(context, [](Canvas& c) { c.beginPath(); });
 }
 void CGContextMoveToPoint(CGContextRef context, CGFloat x, CGFloat y) {
-    with(context, [&](Context& c) { c.moveTo({x, y}); });
+    with(context, [&](Canvas& c) { c.moveTo({x, y}); });
 }
 void CGContextAddLineToPoint(CGContextRef context, CGFloat x, CGFloat y) {
-    with(context, [&](Context& c) { c.lineTo({x, y}); });
+    with(context, [&](Canvas& c) { c.lineTo({x, y}); });
 }
 void CGContextAddCurveToPoint(CGContextRef context, CGFloat cp1x, CGFloat cp1y, CGFloat cp2x, CGFloat cp2y,
                               CGFloat x, CGFloat y) {
-    with(context, [&](Context& c) { c.curveTo({cp1x, cp1y}, {cp2x, cp2y}, {x, y}); });
+    with(context, [&](Canvas& c) { c.curveTo({cp1x, cp1y}, {cp2x, cp2y}, {x, y}); });
 }
 void CGContextAddQuadCurveToPoint(CGContextRef context, CGFloat cpx, CGFloat cpy, CGFloat x, CGFloat y) {
-    with(context, [&](Context& c) {
+    with(context, [&](Canvas& c) {
         // The same curve as a cubic: its control points are two thirds of the way to this one.
         CGPoint p = c.currentPoint();
         c.curveTo({p.x + (cpx - p.x) * 2 / 3, p.y + (cpy - p.y) * 2 / 3},
@@ -190,47 +192,47 @@ void CGContextAddQuadCurveToPoint(CGContextRef context, CGFloat cpx, CGFloat cpy
     });
 }
 void CGContextAddRect(CGContextRef context, CGRect rect) {
-    with(context, [&](Context& c) { c.addRect(rect); });
+    with(context, [&](Canvas& c) { c.addRect(rect); });
 }
 void CGContextAddEllipseInRect(CGContextRef context, CGRect rect) {
-    with(context, [&](Context& c) { c.addEllipse(rect); });
+    with(context, [&](Canvas& c) { c.addEllipse(rect); });
 }
 void CGContextAddArc(CGContextRef context, CGFloat x, CGFloat y, CGFloat radius, CGFloat startAngle,
                      CGFloat endAngle, int clockwise) {
-    with(context, [&](Context& c) { c.addArc({x, y}, radius, startAngle, endAngle, clockwise); });
+    with(context, [&](Canvas& c) { c.addArc({x, y}, radius, startAngle, endAngle, clockwise); });
 }
 void CGContextClosePath(CGContextRef context) {
-    with(context, [](Context& c) { c.closePath(); });
+    with(context, [](Canvas& c) { c.closePath(); });
 }
 bool CGContextIsPathEmpty(CGContextRef context) {
-    return ask(context, true, [](Context& c) { return c.pathIsEmpty(); });
+    return ask(context, true, [](Canvas& c) { return c.pathIsEmpty(); });
 }
 void CGContextFillPath(CGContextRef context) {
-    with(context, [](Context& c) { c.fillPath(false); });
+    with(context, [](Canvas& c) { c.fillPath(false); });
 }
 void CGContextEOFillPath(CGContextRef context) {
-    with(context, [](Context& c) { c.fillPath(true); });
+    with(context, [](Canvas& c) { c.fillPath(true); });
 }
 void CGContextStrokePath(CGContextRef context) {
-    with(context, [](Context& c) { c.strokePath(); });
+    with(context, [](Canvas& c) { c.strokePath(); });
 }
 void CGContextClip(CGContextRef context) {
-    with(context, [](Context& c) { c.clipToPath(false); });
+    with(context, [](Canvas& c) { c.clipToPath(false); });
 }
 void CGContextEOClip(CGContextRef context) {
-    with(context, [](Context& c) { c.clipToPath(true); });
+    with(context, [](Canvas& c) { c.clipToPath(true); });
 }
 
-// ----------------------------------------------------------------------------------------- clipping
+// --- clipping ---------------------------------------------------------------------------------------------
 
 void CGContextClipToRect(CGContextRef context, CGRect rect) {
-    with(context, [&](Context& c) { c.clipTo(rect, nullptr); });
+    with(context, [&](Canvas& c) { c.clipTo(rect, nullptr); });
 }
 void CGContextClipToMask(CGContextRef context, CGRect rect, CGImageRef mask) {
-    with(context, [&](Context& c) { c.clipTo(rect, mask); });
+    with(context, [&](Canvas& c) { c.clipTo(rect, mask); });
 }
 CGRect CGContextGetClipBoundingBox(CGContextRef context) {
-    return ask(context, CGRectNull, [&](Context& c) {
+    return ask(context, CGRectNull, [&](Canvas& c) {
         const IntRect& clip = c.state().clip;
         if (clip.isEmpty()) return CGRectNull;
         auto height = static_cast<int>(c.layout().height);
@@ -240,10 +242,10 @@ CGRect CGContextGetClipBoundingBox(CGContextRef context) {
     });
 }
 
-// ------------------------------------------------------------------------------------------ drawing
+// --- drawing ----------------------------------------------------------------------------------------------
 
 void CGContextFillRects(CGContextRef context, const CGRect rects[], size_t count) {
-    with(context, [&](Context& c) {
+    with(context, [&](Canvas& c) {
         c.beginPath();
         for (size_t i = 0; i < count; ++i) c.addRect(rects[i]);
         c.fillPath(false);
@@ -251,35 +253,35 @@ void CGContextFillRects(CGContextRef context, const CGRect rects[], size_t count
 }
 void CGContextFillRect(CGContextRef context, CGRect rect) { CGContextFillRects(context, &rect, 1); }
 void CGContextStrokeRect(CGContextRef context, CGRect rect) {
-    with(context, [&](Context& c) {
+    with(context, [&](Canvas& c) {
         c.beginPath();
         c.addRect(rect);
         c.strokePath();
     });
 }
 void CGContextStrokeRectWithWidth(CGContextRef context, CGRect rect, CGFloat width) {
-    with(context, [&](Context& c) {
+    with(context, [&](Canvas& c) {
         CGFloat old = std::exchange(c.state().lineWidth, width);
         CGContextStrokeRect(context, rect);
         c.state().lineWidth = old;
     });
 }
 void CGContextFillEllipseInRect(CGContextRef context, CGRect rect) {
-    with(context, [&](Context& c) {
+    with(context, [&](Canvas& c) {
         c.beginPath();
         c.addEllipse(rect);
         c.fillPath(false);
     });
 }
 void CGContextStrokeEllipseInRect(CGContextRef context, CGRect rect) {
-    with(context, [&](Context& c) {
+    with(context, [&](Canvas& c) {
         c.beginPath();
         c.addEllipse(rect);
         c.strokePath();
     });
 }
 void CGContextStrokeLineSegments(CGContextRef context, const CGPoint points[], size_t count) {
-    with(context, [&](Context& c) {
+    with(context, [&](Canvas& c) {
         c.beginPath();
         for (size_t i = 0; i + 1 < count; i += 2) {
             c.moveTo(points[i]);
@@ -289,8 +291,8 @@ void CGContextStrokeLineSegments(CGContextRef context, const CGPoint points[], s
     });
 }
 void CGContextClearRect(CGContextRef context, CGRect rect) {
-    with(context, [&](Context& c) { c.clear(rect); });
+    with(context, [&](Canvas& c) { c.clear(rect); });
 }
 void CGContextDrawImage(CGContextRef context, CGRect rect, CGImageRef image) {
-    with(context, [&](Context& c) { c.draw(rect, image); });
+    with(context, [&](Canvas& c) { c.draw(rect, image); });
 }

@@ -1,3 +1,4 @@
+// Data providers and their C functions.
 #include <cg/dataprovider.h>
 
 #include <cstdio>

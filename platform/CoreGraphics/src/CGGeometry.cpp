@@ -1,3 +1,4 @@
+// The arithmetic of rectangles.
 #include <CoreGraphics/CGGeometry.h>
 
 #include <algorithm>
@@ -85,7 +86,7 @@ void CGRectDivide(CGRect rect, CGRect* slice, CGRect* remainder, CGFloat amount,
     bool horizontal = edge == CGRectMinXEdge || edge == CGRectMaxXEdge;
     CGFloat length = horizontal ? r.size.width : r.size.height;
     CGFloat cut = std::clamp<CGFloat>(amount, 0, length);
-    // `near` is the part with the smaller coordinates, whichever edge is meant.
+    // `near` is the part with the smaller coordinates, whichever edge the cut is from.
     bool fromFar = edge == CGRectMaxXEdge || edge == CGRectMaxYEdge;
     CGFloat nearLength = fromFar ? length - cut : cut;
     if (horizontal) {

@@ -1,3 +1,4 @@
+// Images and their C functions.
 #include <CoreGraphics/CGAffineTransform.h>
 
 #include <cg/image.h>
@@ -36,34 +37,36 @@ Image::Image(const Layout& layout, CGColorSpaceRef space, CGDataProviderRef prov
 
 using namespace cg;
 
+/// The layout that images and masks share.
+static Image::Layout layoutOf(size_t width, size_t height, size_t bitsPerComponent, size_t bitsPerPixel,
+                              size_t bytesPerRow) {
+    return {.width = width,
+            .height = height,
+            .bitsPerComponent = bitsPerComponent,
+            .bitsPerPixel = bitsPerPixel,
+            .bytesPerRow = bytesPerRow};
+}
+
 CGImageRef CGImageCreate(size_t width, size_t height, size_t bitsPerComponent, size_t bitsPerPixel,
                          size_t bytesPerRow, CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
                          CGDataProviderRef provider, const CGFloat decode[], bool shouldInterpolate,
                          CGColorRenderingIntent intent) {
     if (decode) return nullptr;
-    return make<Image>(Image::Layout{.width = width,
-                                     .height = height,
-                                     .bitsPerComponent = bitsPerComponent,
-                                     .bitsPerPixel = bitsPerPixel,
-                                     .bytesPerRow = bytesPerRow,
-                                     .info = bitmapInfo,
-                                     .interpolate = shouldInterpolate,
-                                     .intent = intent},
-                       space, provider);
+    Image::Layout layout = layoutOf(width, height, bitsPerComponent, bitsPerPixel, bytesPerRow);
+    layout.info = bitmapInfo;
+    layout.interpolate = shouldInterpolate;
+    layout.intent = intent;
+    return make<Image>(layout, space, provider);
 }
 
 CGImageRef CGImageMaskCreate(size_t width, size_t height, size_t bitsPerComponent, size_t bitsPerPixel,
                              size_t bytesPerRow, CGDataProviderRef provider, const CGFloat decode[],
                              bool shouldInterpolate) {
     if (decode) return nullptr;
-    return make<Image>(Image::Layout{.width = width,
-                                     .height = height,
-                                     .bitsPerComponent = bitsPerComponent,
-                                     .bitsPerPixel = bitsPerPixel,
-                                     .bytesPerRow = bytesPerRow,
-                                     .isMask = true,
-                                     .interpolate = shouldInterpolate},
-                       nullptr, provider);
+    Image::Layout layout = layoutOf(width, height, bitsPerComponent, bitsPerPixel, bytesPerRow);
+    layout.isMask = true;
+    layout.interpolate = shouldInterpolate;
+    return make<Image>(layout, nullptr, provider);
 }
 
 CGImageRef CGImageCreateCopy(CGImageRef image) { return CGImageRetain(image); }
@@ -77,7 +80,7 @@ CGImageRef CGImageCreateWithMask(CGImageRef image, CGImageRef mask) {
     return make<Image>(picture->layout(), picture->space(), picture->provider(), mask);
 }
 
-/// The bits of a part that does not begin at a byte, moved to one.
+/// A copy of a part that does not begin at a byte, shifted so that it does.
 static CGDataProviderRef shiftedRows(const Image& image, std::size_t x, std::size_t y, std::size_t width,
                                      std::size_t height, std::size_t* rowBytes) {
     std::size_t bits = image.layout().bitsPerPixel, first = x * bits, shift = first % 8;

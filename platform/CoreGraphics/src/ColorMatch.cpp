@@ -1,3 +1,4 @@
+// Colour matching through linear light.
 #include "ColorMatch.h"
 
 namespace cg {

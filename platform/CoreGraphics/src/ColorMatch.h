@@ -1,3 +1,4 @@
+// Colour matching of rows of pixels.
 #pragma once
 
 #include <cg/colorspace.h>

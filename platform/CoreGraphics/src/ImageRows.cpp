@@ -1,4 +1,5 @@
-#include "Sampler.h"
+// The rows of an image, matched and masked, in a layout of the caller's choice.
+#include "ImageSampler.h"
 
 namespace cg {
 
@@ -9,7 +10,7 @@ struct ImageRows::State {
     PixelReader reader;
     PlaneBuffer buffer;
     /// Stretched over the image; null without.
-    std::unique_ptr<Sampler> mask;
+    std::unique_ptr<ImageSampler> mask;
     PlaneBuffer maskBuffer;
 };
 
@@ -31,8 +32,8 @@ ImageRows::ImageRows(CGImageRef ref, const PixelFormat& format, CGColorSpaceRef 
     state_.reset(new State{Retained(ref), Retained(space), format, reader, PlaneBuffer(image.width()),
                            nullptr, PlaneBuffer()});
     if (Image* mask = get<Image>(image.mask())) {
-        state_->mask = std::make_unique<Sampler>(*mask, Sampler::Role::shape, nullptr, false,
-                                                 stretch(image, *mask), Sampler::Quality::smooth);
+        state_->mask = std::make_unique<ImageSampler>(*mask, ImageSampler::Role::shape, nullptr, false,
+                                                      stretch(image, *mask), ImageSampler::Quality::smooth);
         state_->maskBuffer.resize(image.width());
     }
 }

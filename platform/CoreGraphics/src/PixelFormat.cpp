@@ -1,3 +1,4 @@
+// Pixel layouts: from Core Graphics' numbers, and to and from floats.
 #include <cg/pixelformat.h>
 
 #include <algorithm>
@@ -24,7 +25,7 @@ void store(std::uint8_t* p, Word word, bool swapped) {
     std::memcpy(p, &word, sizeof word);
 }
 
-/// Not a number becomes 0.
+/// Clamps to 0..1; NaN becomes 0.
 float unit(float v) { return v > 0 ? (v < 1 ? v : 1.f) : 0.f; }
 
 template <class Read>

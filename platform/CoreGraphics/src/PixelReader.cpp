@@ -1,3 +1,4 @@
+// Reading the pixels of an image as colour or as coverage.
 #include "PixelReader.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// Each edge adds, to the pixels it passes, the change of coverage from left to right; the running sum along
-// a row is then the signed area of the outlines in each pixel.
+// Pixel coverage of outlines: each edge adds the change of coverage from left to right to the pixels that it
+// crosses; the running sum along a row is then the signed area of the outlines in each pixel.
 #include "Rasterizer.h"
 
 #include <utility>
@@ -49,8 +49,8 @@ const std::vector<float>& Rasterizer::band(int y0, int y1, Rule rule, bool antia
     return coverage_;
 }
 
-/// Cuts an edge to the band: what is above or below does not count, what is left or right counts on the
-/// border.
+/// Clips an edge to the band. Parts above, below and to the right of it change no pixel; parts to the left
+/// move to the left border, because they change the whole row.
 void Rasterizer::addEdge(Point p, Point q) {
     if (p.y == q.y) return;
     double direction = 1;
@@ -101,13 +101,14 @@ void Rasterizer::addClipped(Point p, Point q, double direction) {
             sums[first + 1] += static_cast<float>(amount * right);
             continue;
         }
-        // The edge passes several pixels: the covered area grows as the integral of what it has passed.
+        // The edge crosses several pixels of the row: the covered area grows as the integral of the part
+        // crossed.
         double perPixel = amount / (x1 - x0);
         double before = 0;
         for (std::size_t i = first; i <= last; ++i) {
             double enter = std::max(x0, static_cast<double>(i)),
                    leave = std::min(x1, static_cast<double>(i + 1));
-            // Passed inside this pixel, on average at (enter + leave) / 2.
+            // Crossed inside this pixel, on average at (enter + leave) / 2.
             double area = perPixel * (leave - enter) * (static_cast<double>(i + 1) - (enter + leave) / 2);
             double passed = perPixel * (leave - enter);
             sums[i] += static_cast<float>(area + before);

@@ -1,3 +1,4 @@
+// Pixel coverage of outlines.
 #pragma once
 
 #include <cg/geometry.h>
@@ -9,7 +10,7 @@ namespace cg {
 /// The corners of a closed outline.
 using Polygon = std::vector<Point>;
 
-/// How much of each pixel a set of outlines covers, exactly by area for outlines that do not overlap.
+/// How much of each pixel a set of outlines covers: the exact area for outlines that do not overlap.
 class Rasterizer {
   public:
     enum class Rule { nonZero, evenOdd };
@@ -17,7 +18,7 @@ class Rasterizer {
     /// Nothing outside of `clip` is computed.
     explicit Rasterizer(const IntRect& clip) : clip_(clip) {}
 
-    /// An outline with a coordinate that is not a number, or infinite, is ignored.
+    /// An outline with a NaN or infinite coordinate is ignored.
     void add(const Polygon& outline);
     /// The pixels that can be covered.
     IntRect bounds() const;

@@ -1,3 +1,4 @@
+// Outlines of stroked lines.
 #include "Stroke.h"
 
 namespace cg {

@@ -1,3 +1,4 @@
+// Outlines of stroked lines.
 #pragma once
 
 #include "Rasterizer.h"
@@ -10,8 +11,8 @@ struct Subpath {
     bool closed = false;
 };
 
-/// The outlines of lines of a width (in user space), butt ends and mitred joins, all turning the same way so
-/// that their union is what the non-zero rule fills. The points are in device space.
+/// Outlines of the path stroked with a width in user space, with butt ends and mitred joins. All turn the
+/// same way, so that the non-zero rule fills their union. The points are in device space.
 std::vector<Polygon> strokeOutlines(const std::vector<Subpath>& path, double width,
                                     const Matrix& userToDevice);
 

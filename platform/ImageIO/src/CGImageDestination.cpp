@@ -1,7 +1,8 @@
+// CGImageDestination: prepares the images for an encoder and stores the file.
 #include <ImageIO/CGImageDestination.h>
 
-#include "CGImageProperties.h"
 #include "encoder.h"
+#include "properties.h"
 
 #include <cg/image.h>
 
@@ -15,7 +16,8 @@ static cg::LiveCount live("CGImageDestination");
 struct Type {
     const char* name;
     Encoder encode;
-    /// What the format can hold; anything else is converted.
+    /// Whether the format supports 16 bits, alpha and several images. The pictures are converted to
+    /// fit the first two.
     bool deep, alpha, several;
 };
 
@@ -52,10 +54,10 @@ class ImageDestination final : public cg::Payload {
     bool finish() {
         if (images_.size() != count_) return false;
         std::vector<Page> pages;
-        std::vector<Source> sources;
+        std::vector<OutputImage> images;
         for (const Added& added : images_) pages.push_back(prepare(added));
-        for (Page& page : pages) sources.push_back(page.source);
-        std::vector<std::uint8_t> file = type_->encode(sources);
+        for (Page& page : pages) images.push_back(page.image);
+        std::vector<std::uint8_t> file = type_->encode(images);
         return !file.empty() && store(file);
     }
 
@@ -65,7 +67,7 @@ class ImageDestination final : public cg::Payload {
         cg::Retained<CFDictionaryRef> properties;
     };
     struct Page {
-        Source source;
+        OutputImage image;
         color::ColorSpacePtr space;
     };
 
@@ -82,13 +84,13 @@ class ImageDestination final : public cg::Payload {
 ImageDestination::Page ImageDestination::prepare(const Added& added) const {
     const cg::Image& image = *cg::get<cg::Image>(added.image.get());
     Page page;
-    Source& s = page.source;
+    OutputImage& s = page.image;
     s.width = image.width();
     s.height = image.height();
     s.bits = image.format().bits > 8 && type_->deep ? 16 : 8;
     bool transparent = image.format().hasAlpha() || image.mask();
 
-    // Gray and RGB keep their space, the rest becomes sRGB.
+    // Gray and RGB keep their space; other models become sRGB.
     cg::Retained<CGColorSpaceRef> space(image.space());
     CGColorSpaceModel model = CGColorSpaceGetModel(space.get());
     if (model != kCGColorSpaceModelMonochrome && model != kCGColorSpaceModelRGB)
@@ -110,7 +112,7 @@ ImageDestination::Page ImageDestination::prepare(const Added& added) const {
     format.bits = s.bits;
     format.colors = s.colors;
     format.offset = {0, 1, 2, 3, -1};
-    // Where transparency is lost the picture is shown on white, so alpha is needed to begin with.
+    // A format without alpha shows the picture on white, so its alpha is read first.
     bool onWhite = transparent && !s.hasAlpha;
     bool readsAlpha = s.hasAlpha || onWhite;
     format.alpha = !readsAlpha ? cg::Alpha::none : onWhite ? cg::Alpha::premultiplied : cg::Alpha::straight;

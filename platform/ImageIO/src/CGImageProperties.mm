@@ -1,8 +1,9 @@
+// The keys of property dictionaries, and the dictionary of a decoded image.
 #import <Foundation/Foundation.h>
 
 #include <ImageIO/CGImageDestination.h>
 
-#include "CGImageProperties.h"
+#include "properties.h"
 
 #define KEY(symbol, text) const CFStringRef symbol = (CFStringRef) @text
 
@@ -46,7 +47,7 @@ static CFStringRef modelName(color::Model model) {
 }
 
 static NSString* stringOf(const std::string& text) {
-    // What is not UTF-8 is taken for Latin-1, in which every byte is a character.
+    // Text that is not UTF-8 is read as Latin-1, in which every byte is a character.
     NSString* string = [[NSString alloc] initWithBytes:text.data()
                                                 length:text.size()
                                               encoding:NSUTF8StringEncoding];

@@ -1,6 +1,7 @@
+// CGImageSource: a file, the format that recognises it, and its images as CGImages.
 #include <ImageIO/CGImageSource.h>
 
-#include "CGImageProperties.h"
+#include "properties.h"
 
 #include <cg/image.h>
 
@@ -27,7 +28,7 @@ class ImageSource final : public cg::Payload {
     CFStringRef type() const { return type_.get(); }
     std::size_t count() const { return format_->count(bytes_); }
     Decoded decode(std::size_t index, bool pixels) const {
-        // The only image of its file is not counted first, which for some formats means to decode.
+        // The first image needs no count, which for some formats means decoding the file.
         if (index > 0 && index >= count()) throw Damaged("no such image");
         return format_->decode(bytes_, index, pixels);
     }

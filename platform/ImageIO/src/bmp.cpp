@@ -1,3 +1,4 @@
+// Reading BMP files.
 #include "decoder.h"
 
 #include <array>
@@ -10,7 +11,7 @@ namespace {
 
 enum Compression { rgb = 0, rle8 = 1, rle4 = 2, bitFields = 3, alphaBitFields = 6 };
 
-/// Little-endian numbers of the file; beyond its end is damage.
+/// Little-endian numbers of the file. Reading beyond its end throws Damaged.
 class Fields {
   public:
     explicit Fields(Bytes file) : file_(file) {}
@@ -30,7 +31,7 @@ class Fields {
     Bytes file_;
 };
 
-/// Bits of a pixel word that hold one component.
+/// The bits of a pixel word that hold one component.
 struct Mask {
     std::uint32_t bits = 0;
     std::uint8_t operator()(std::uint32_t word) const {
@@ -63,13 +64,13 @@ struct Header {
         }
         bool masked = compression == bitFields || compression == alphaBitFields;
         if (masked || size >= 52) {
-            // They follow a short header, and are part of a longer one: the same place.
+            // The masks follow a short header and are part of a longer one, at the same place.
             for (std::size_t k = 0; k < 3; ++k) masks[k].bits = f.u32(54 + 4 * k);
             if (compression == alphaBitFields || size >= 56) masks[3].bits = f.u32(66);
             if (size == 40) paletteAt += compression == alphaBitFields ? 16 : 12;
         }
         if (!masked) {
-            // The order of bytes B G R, or 5 bits each.
+            // Bytes in the order B G R, or 5 bits each.
             if (depth == 16) masks = {{{0x7C00}, {0x3E0}, {0x1F}, {0}}};
             if (depth == 32) masks = {{{0xFF0000}, {0xFF00}, {0xFF}, {0}}};
         }
@@ -132,7 +133,7 @@ std::vector<std::uint8_t> unpackRuns(const Header& h) {
             line += h.fields.byte(at + 1);
             at += 2;
         } else {
-            // As they are, padded to whole words.
+            // Literal pixels, padded to whole words.
             std::uint32_t bytes = h.compression == rle8 ? code : (code + 1) / 2;
             for (std::uint32_t i = 0; i < code; ++i)
                 put(nibble(h.fields.byte(at + (h.compression == rle8 ? i : i / 2)), i));

@@ -1,3 +1,4 @@
+// Shared by the decoders.
 #include "decoder.h"
 
 #include <cstdlib>
@@ -11,7 +12,7 @@ const Format* formatOf(Bytes file) {
 }
 
 void checkSize(std::uint64_t width, std::uint64_t height, unsigned bytesPerPixel) {
-    // Both sides below 2^24, so the product does not wrap around.
+    // Both sides are at most 2^24, so the product does not wrap around.
     if (width == 0 || height == 0 || width > (1u << 24) || height > (1u << 24) ||
         width * height > memoryLimit / bytesPerPixel)
         throw Damaged("absurd size");
@@ -22,7 +23,7 @@ void Pixels::allocate(std::size_t width, std::size_t height) {
     checkSize(width, height, pixelBytes);
     rowBytes = width * pixelBytes;
     size = rowBytes * height;
-    // Pages that no decoder writes to cost nothing this way, however much a file claims.
+    // With calloc, pages that no decoder writes to cost nothing, however large the file claims to be.
     bytes.reset(static_cast<std::uint8_t*>(std::calloc(size, 1)), std::free);
     if (!bytes) throw std::bad_alloc();
 }
@@ -43,7 +44,7 @@ void setExif(Info& info, Bytes exif) {
     if (orientation >= 1 && orientation <= 8) info.orientation = static_cast<int>(orientation);
     double x = info.metadata.number("{TIFF}", "XResolution"),
            y = info.metadata.number("{TIFF}", "YResolution");
-    // What the format itself says about the resolution goes first; 3 is dots per centimetre, else inches.
+    // The format's own resolution takes precedence. Unit 3 is the centimetre, any other the inch.
     if (info.dpiX == 0 && x > 0 && y > 0) {
         double inch = info.metadata.number("{TIFF}", "ResolutionUnit") == 3 ? 2.54 : 1;
         info.dpiX = x * inch;

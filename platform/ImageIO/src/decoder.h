@@ -17,14 +17,14 @@ namespace imageio {
 
 using Bytes = std::span<const std::uint8_t>;
 
-/// The file is not what it claims to be: cut off, garbled, or too large to be meant.
+/// The file is cut off, garbled, or absurdly large.
 struct Damaged : std::invalid_argument {
     using std::invalid_argument::invalid_argument;
 };
 
 enum class Alpha { none, straight, premultiplied };
 
-/// What a file tells about one image.
+/// The properties of one image.
 struct Info {
     std::size_t width = 0, height = 0;
     /// Bits of a component in the file.
@@ -32,15 +32,15 @@ struct Info {
     bool hasAlpha = false;
     bool isFloat = false;
     bool isIndexed = false;
-    /// Of what is decoded. Never null after decoding.
+    /// The space of the decoded pixels. Never null after decoding.
     color::ColorSpacePtr space;
-    /// The description of the embedded profile; empty without.
+    /// The description of the embedded profile; empty without one.
     std::string profileName;
-    /// 0 when the file does not tell.
+    /// 0 if the file does not say.
     double dpiX = 0, dpiY = 0;
-    /// As in EXIF, 1 to 8; 0 when the file does not tell.
+    /// As in EXIF, 1 to 8; 0 if the file does not say.
     int orientation = 0;
-    /// Only when the pixels were not asked for.
+    /// Read only if the pixels are not.
     Metadata metadata;
 };
 
@@ -56,15 +56,14 @@ struct Pixels {
     std::size_t size = 0;
     std::shared_ptr<std::uint8_t[]> bytes;
 
-    /// Cleared memory for an image; throws Damaged when the size is absurd, std::bad_alloc when there is no
-    /// room.
+    /// Cleared memory for an image. Throws Damaged for an absurd size, std::bad_alloc if memory is short.
     void allocate(std::size_t width, std::size_t height);
     std::uint8_t* row(std::size_t y) const { return bytes.get() + y * rowBytes; }
 };
 
 struct Decoded {
     Info info;
-    /// Without bytes when only the information was asked for.
+    /// Without bytes if only the information was asked for.
     Pixels pixels;
 };
 
@@ -84,13 +83,13 @@ const Format* formatOf(Bytes file);
 
 // Shared by the decoders.
 
-/// What one picture may need, as pixels and on the way to them: a process has 3 GB of addresses, and a file
-/// of a few bytes can claim any size.
+/// The memory that one picture may need, for its pixels and while it is decoded: a process has 3 GB of
+/// addresses, and a file of a few bytes can claim any size.
 constexpr std::uint64_t memoryLimit = 512u << 20;
 /// Throws Damaged for a size of zero, or one that with `bytesPerPixel` is above the limit.
 void checkSize(std::uint64_t width, std::uint64_t height, unsigned bytesPerPixel = 1);
-/// The embedded profile as the space of `info`, if it is one for `components`; otherwise `missing`. An
-/// unusable profile counts as none.
+/// Sets the space of `info` to the embedded profile if that has the right number of components, else to
+/// `missing`.
 void setProfile(Info& info, Bytes icc, int components, color::ColorSpacePtr missing);
 /// Reads the metadata, and the orientation and resolution from them.
 void setExif(Info& info, Bytes exif);

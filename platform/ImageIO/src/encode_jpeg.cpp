@@ -1,3 +1,4 @@
+// Writing JPEG files, with libjpeg.
 #include "encoder.h"
 
 #include <algorithm>
@@ -14,10 +15,10 @@ namespace {
 
 /// The library's errors jump back to run().
 struct Writer {
-    explicit Writer(const Source& source) : source(source), row(source.rowBytes()) {
+    explicit Writer(const OutputImage& image) : image(image), row(image.rowBytes()) {
         static constexpr char mark[] = "Exif\0";
         exif.assign(mark, mark + sizeof mark);
-        std::vector<std::uint8_t> block = orientationBlock(source.orientation);
+        std::vector<std::uint8_t> block = orientationBlock(image.orientation);
         exif.insert(exif.end(), block.begin(), block.end());
         info.err = jpeg_std_error(&errors);
         info.client_data = this;
@@ -32,7 +33,7 @@ struct Writer {
     }
     bool run();
 
-    const Source& source;
+    const OutputImage& image;
     std::vector<std::uint8_t> row, exif;
     jpeg_compress_struct info = {};
     jpeg_error_mgr errors = {};
@@ -47,26 +48,26 @@ bool Writer::run() {
     jpeg_create_compress(&info);
     created = true;
     jpeg_mem_dest(&info, &data, &size);
-    info.image_width = static_cast<JDIMENSION>(source.width);
-    info.image_height = static_cast<JDIMENSION>(source.height);
-    info.input_components = source.colors;
-    info.in_color_space = source.colors == 1 ? JCS_GRAYSCALE : JCS_RGB;
+    info.image_width = static_cast<JDIMENSION>(image.width);
+    info.image_height = static_cast<JDIMENSION>(image.height);
+    info.input_components = image.colors;
+    info.in_color_space = image.colors == 1 ? JCS_GRAYSCALE : JCS_RGB;
     jpeg_set_defaults(&info);
-    auto quality = static_cast<int>(std::lround(std::clamp(source.quality, 0., 1.) * 100));
+    auto quality = static_cast<int>(std::lround(std::clamp(image.quality, 0., 1.) * 100));
     jpeg_set_quality(&info, quality, TRUE);
-    // Fine colours are kept where quality is asked for.
-    if (quality >= 90 && source.colors == 3)
+    // At high quality, colours keep their full resolution.
+    if (quality >= 90 && image.colors == 3)
         info.comp_info[0].h_samp_factor = info.comp_info[0].v_samp_factor = 1;
     info.density_unit = 1;
-    info.X_density = static_cast<UINT16>(std::clamp(std::lround(source.dpiX), 1l, 65535l));
-    info.Y_density = static_cast<UINT16>(std::clamp(std::lround(source.dpiY), 1l, 65535l));
+    info.X_density = static_cast<UINT16>(std::clamp(std::lround(image.dpiX), 1l, 65535l));
+    info.Y_density = static_cast<UINT16>(std::clamp(std::lround(image.dpiY), 1l, 65535l));
     jpeg_start_compress(&info, TRUE);
-    if (source.orientation != 1)
+    if (image.orientation != 1)
         jpeg_write_marker(&info, JPEG_APP0 + 1, exif.data(), static_cast<unsigned>(exif.size()));
-    if (!source.icc.empty())
-        jpeg_write_icc_profile(&info, source.icc.data(), static_cast<unsigned>(source.icc.size()));
-    for (std::size_t y = 0; y < source.height; ++y) {
-        source.rows(y, 1, row.data());
+    if (!image.icc.empty())
+        jpeg_write_icc_profile(&info, image.icc.data(), static_cast<unsigned>(image.icc.size()));
+    for (std::size_t y = 0; y < image.height; ++y) {
+        image.rows(y, 1, row.data());
         JSAMPROW line = row.data();
         jpeg_write_scanlines(&info, &line, 1);
     }
@@ -76,7 +77,7 @@ bool Writer::run() {
 
 } // namespace
 
-std::vector<std::uint8_t> encodeJPEG(std::span<const Source> images) {
+std::vector<std::uint8_t> encodeJPEG(std::span<const OutputImage> images) {
     if (images.size() != 1 || images[0].bits != 8 || images[0].hasAlpha) return {};
     Writer writer(images[0]);
     if (!writer.run()) return {};

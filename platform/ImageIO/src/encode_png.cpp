@@ -1,26 +1,22 @@
+// Writing PNG files, with libpng.
 #include "encoder.h"
+
+#include "pngstate.h"
 
 #include <bit>
 #include <cmath>
-#include <csetjmp>
 #include <exception>
-
-#include <png.h>
 
 namespace imageio {
 
 namespace {
 
-/// The library's errors jump back to run(); what is thrown for lack of memory inside a callback is turned
-/// into one.
-struct Writer {
-    explicit Writer(const Source& source)
-        : source(source), row(source.rowBytes()), exif(orientationBlock(source.orientation)) {}
+/// The library's errors jump back to run(). An exception in a callback becomes such an error.
+struct Writer : PngState {
+    explicit Writer(const OutputImage& image)
+        : image(image), row(image.rowBytes()), exif(orientationBlock(image.orientation)) {}
     ~Writer() { png_destroy_write_struct(&png, &info); }
 
-    static void fail(png_structp png, png_const_charp) {
-        std::longjmp(static_cast<Writer*>(png_get_error_ptr(png))->escape, 1);
-    }
     static void take(png_structp png, png_bytep data, std::size_t size) {
         auto* self = static_cast<Writer*>(png_get_io_ptr(png));
         if (!self->append(data, size)) fail(png, nullptr);
@@ -35,39 +31,34 @@ struct Writer {
     }
     bool run();
 
-    const Source& source;
+    const OutputImage& image;
     std::vector<std::uint8_t> row, output, exif;
-    png_structp png = nullptr;
-    png_infop info = nullptr;
-    std::jmp_buf escape;
 };
 
 bool Writer::run() {
     if (setjmp(escape)) return false;
-    png = png_create_write_struct(PNG_LIBPNG_VER_STRING, this, fail, [](png_structp, png_const_charp) {});
+    png = png_create_write_struct(PNG_LIBPNG_VER_STRING, static_cast<PngState*>(this), fail, ignoreWarning);
     if (!png) return false;
     info = png_create_info_struct(png);
     if (!info) return false;
     png_set_write_fn(png, this, take, [](png_structp) {});
-    int type = (source.colors == 3 ? PNG_COLOR_MASK_COLOR : 0) | (source.hasAlpha ? PNG_COLOR_MASK_ALPHA : 0);
-    png_set_IHDR(png, info, static_cast<png_uint_32>(source.width), static_cast<png_uint_32>(source.height),
-                 source.bits, type, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-                 PNG_FILTER_TYPE_DEFAULT);
-    // A profile that the library does not like is left out, the picture is written all the same.
+    int type = (image.colors == 3 ? PNG_COLOR_MASK_COLOR : 0) | (image.hasAlpha ? PNG_COLOR_MASK_ALPHA : 0);
+    png_set_IHDR(png, info, static_cast<png_uint_32>(image.width), static_cast<png_uint_32>(image.height),
+                 image.bits, type, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    // If the library rejects the profile, the picture is written without it.
     png_set_benign_errors(png, 1);
-    if (source.isSRGB)
+    if (image.isSRGB)
         png_set_sRGB_gAMA_and_cHRM(png, info, PNG_sRGB_INTENT_PERCEPTUAL);
-    else if (!source.icc.empty())
-        png_set_iCCP(png, info, "ICC Profile", PNG_COMPRESSION_TYPE_BASE, source.icc.data(),
-                     static_cast<png_uint_32>(source.icc.size()));
-    png_set_pHYs(png, info, static_cast<png_uint_32>(std::lround(source.dpiX / 0.0254)),
-                 static_cast<png_uint_32>(std::lround(source.dpiY / 0.0254)), PNG_RESOLUTION_METER);
-    if (source.orientation != 1)
-        png_set_eXIf_1(png, info, static_cast<png_uint_32>(exif.size()), exif.data());
+    else if (!image.icc.empty())
+        png_set_iCCP(png, info, "ICC Profile", PNG_COMPRESSION_TYPE_BASE, image.icc.data(),
+                     static_cast<png_uint_32>(image.icc.size()));
+    png_set_pHYs(png, info, static_cast<png_uint_32>(std::lround(image.dpiX / 0.0254)),
+                 static_cast<png_uint_32>(std::lround(image.dpiY / 0.0254)), PNG_RESOLUTION_METER);
+    if (image.orientation != 1) png_set_eXIf_1(png, info, static_cast<png_uint_32>(exif.size()), exif.data());
     png_write_info(png, info);
-    if (std::endian::native == std::endian::little && source.bits == 16) png_set_swap(png);
-    for (std::size_t y = 0; y < source.height; ++y) {
-        source.rows(y, 1, row.data());
+    if (std::endian::native == std::endian::little && image.bits == 16) png_set_swap(png);
+    for (std::size_t y = 0; y < image.height; ++y) {
+        image.rows(y, 1, row.data());
         png_write_row(png, row.data());
     }
     png_write_end(png, info);
@@ -76,7 +67,7 @@ bool Writer::run() {
 
 } // namespace
 
-std::vector<std::uint8_t> encodePNG(std::span<const Source> images) {
+std::vector<std::uint8_t> encodePNG(std::span<const OutputImage> images) {
     if (images.size() != 1) return {};
     Writer writer(images[0]);
     return writer.run() ? std::move(writer.output) : std::vector<std::uint8_t>();

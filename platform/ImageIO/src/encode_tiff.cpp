@@ -1,3 +1,4 @@
+// Writing TIFF files, with libtiff.
 #include "encoder.h"
 
 #include "tiffmemory.h"
@@ -8,7 +9,7 @@ namespace imageio {
 
 namespace {
 
-bool writePage(TIFF* tiff, const Source& s, std::size_t page, std::size_t pages) {
+bool writePage(TIFF* tiff, const OutputImage& s, std::size_t page, std::size_t pages) {
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(s.width));
     TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(s.height));
     TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, s.bits);
@@ -47,7 +48,7 @@ bool writePage(TIFF* tiff, const Source& s, std::size_t page, std::size_t pages)
 
 } // namespace
 
-std::vector<std::uint8_t> encodeTIFF(std::span<const Source> images) {
+std::vector<std::uint8_t> encodeTIFF(std::span<const OutputImage> images) {
     if (images.empty()) return {};
     std::vector<std::uint8_t> output;
     MemoryFile file(output);

@@ -10,7 +10,7 @@
 namespace imageio {
 
 /// One image to be written.
-struct Source {
+struct OutputImage {
     std::size_t width = 0, height = 0;
     /// 8 or 16.
     int bits = 8;
@@ -19,27 +19,27 @@ struct Source {
     bool hasAlpha = false;
     /// The profile of the pixels; may be empty.
     std::span<const std::uint8_t> icc;
-    /// Set when the profile is that of sRGB, which some formats say in short.
+    /// True if the profile is sRGB's, for which some formats have a short form.
     bool isSRGB = false;
     double dpiX = 72, dpiY = 72;
     int orientation = 1;
-    /// 0 to 1, for formats that lose something.
+    /// 0 to 1, for lossy formats.
     double quality = 0.85;
-    /// Writes `count` rows from `first` on, tightly packed, words in the machine's byte order.
+    /// Fills `out` with `count` rows from `first` on, tightly packed, words in the machine's byte order.
     std::function<void(std::size_t first, std::size_t count, std::uint8_t* out)> rows;
 
     std::size_t rowBytes() const { return width * static_cast<std::size_t>((colors + hasAlpha) * bits / 8); }
 };
 
-/// A whole file, or nothing when the format cannot hold the images. May throw std::bad_alloc.
-using Encoder = std::vector<std::uint8_t> (*)(std::span<const Source> images);
+/// A whole file; empty if the format cannot hold the images. May throw std::bad_alloc.
+using Encoder = std::vector<std::uint8_t> (*)(std::span<const OutputImage> images);
 
-std::vector<std::uint8_t> encodePNG(std::span<const Source> images);
-/// 8 bits without alpha only.
-std::vector<std::uint8_t> encodeJPEG(std::span<const Source> images);
-std::vector<std::uint8_t> encodeTIFF(std::span<const Source> images);
+std::vector<std::uint8_t> encodePNG(std::span<const OutputImage> images);
+/// For 8 bits without alpha only.
+std::vector<std::uint8_t> encodeJPEG(std::span<const OutputImage> images);
+std::vector<std::uint8_t> encodeTIFF(std::span<const OutputImage> images);
 
-/// The smallest EXIF block that tells an orientation.
+/// The smallest EXIF block with an orientation.
 std::vector<std::uint8_t> orientationBlock(int orientation);
 
 } // namespace imageio

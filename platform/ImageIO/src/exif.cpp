@@ -11,7 +11,7 @@ namespace imageio {
 
 namespace {
 
-/// Texts and byte strings stay bytes, the rest becomes numbers.
+/// One component of a field as a number.
 double numberAt(const unsigned char* data, ExifFormat format, ExifByteOrder order) {
     auto ratio = [](double numerator, double denominator) {
         return denominator != 0 ? numerator / denominator : std::numeric_limits<double>::infinity();
@@ -50,7 +50,7 @@ TagField fieldOf(const ExifEntry& entry, ExifByteOrder order) {
     if (step == 0 || entry.format == EXIF_FORMAT_ASCII || entry.format == EXIF_FORMAT_FLOAT ||
         entry.format == EXIF_FORMAT_DOUBLE)
         return field;
-    // What the entry claims is not always what it holds.
+    // Damaged entries claim more components than they hold.
     for (std::size_t at = 0; at + step <= entry.size && at / step < entry.components; at += step)
         field.numbers.push_back(numberAt(entry.data + at, entry.format, order));
     return field;
@@ -63,13 +63,13 @@ void addExif(Metadata& metadata, std::span<const std::uint8_t> block) {
     constexpr std::size_t markSize = sizeof mark;
     if (block.size() > markSize && std::equal(mark, mark + markSize, block.begin()))
         block = block.subspan(markSize);
-    // The library wants the mark, wherever the block comes from.
+    // The library expects the mark; only JPEG has it.
     std::vector<unsigned char> marked(mark, mark + markSize);
     marked.insert(marked.end(), block.begin(), block.end());
 
     std::unique_ptr<ExifData, void (*)(ExifData*)> data(exif_data_new(), exif_data_unref);
     if (!data) return;
-    // As the file has it: nothing left out, and nothing added that the standard would want there.
+    // The fields as they are in the file: unknown ones are kept, and none are added to satisfy the standard.
     exif_data_unset_option(data.get(), EXIF_DATA_OPTION_IGNORE_UNKNOWN_TAGS);
     exif_data_unset_option(data.get(), EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
     exif_data_load_data(data.get(), marked.data(), static_cast<unsigned>(marked.size()));

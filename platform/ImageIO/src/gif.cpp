@@ -1,3 +1,4 @@
+// Reading GIF files, with giflib.
 #include "decoder.h"
 
 #include <cstring>
@@ -8,7 +9,7 @@ namespace imageio {
 
 namespace {
 
-/// Reads through a file frame by frame and keeps none: a small file may unpack to many large frames.
+/// Reads a file frame by frame without keeping any: a small file may unpack to many large frames.
 class Reader {
   public:
     explicit Reader(Bytes file) : rest_(file), gif_(nullptr, close) {
@@ -21,7 +22,7 @@ class Reader {
     std::size_t width() const { return static_cast<std::size_t>(gif_->SWidth); }
     std::size_t height() const { return static_cast<std::size_t>(gif_->SHeight); }
 
-    /// Goes to the next frame, whose pixels must be read or skipped then; false at the end of the file.
+    /// Goes to the next frame, whose pixels must then be drawn or skipped; false at the end of the file.
     bool next();
     const GifImageDesc& frame() const { return gif_->Image; }
     const GraphicsControlBlock& control() const { return control_; }
@@ -142,7 +143,7 @@ Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
     info.space = color::ColorSpace::sRGB();
     info.hasAlpha = true;
 
-    // A frame is what is seen after the ones before it.
+    // An image is the canvas after this frame has been drawn over the ones before it.
     Pixels& canvas = result.pixels;
     canvas.alpha = Alpha::straight;
     canvas.allocate(info.width, info.height);
@@ -159,9 +160,9 @@ Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
     }
     double delay = reader.control().DelayTime / 100.;
     info.metadata.add("{GIF}", "UnclampedDelayTime", delay);
-    // Frames that would flicker by are shown for a tenth of a second.
+    // Delays too short to be seen count as a tenth of a second.
     info.metadata.add("{GIF}", "DelayTime", delay > 0.05 ? delay : 0.1);
-    // A file that is cut off is damaged, also when this frame is whole.
+    // A file that is cut off is damaged even if this frame is complete.
     while (reader.next()) reader.skipPixels();
 
     bool opaque = true;

@@ -1,3 +1,4 @@
+// Reading JPEG files, with libjpeg.
 #include "decoder.h"
 
 #include <cg/colorspace.h>
@@ -13,7 +14,7 @@ namespace imageio {
 
 namespace {
 
-/// The library's errors jump back to read(); nothing on the way has a destructor.
+/// The library's errors jump back to readHeader() or readRows(); nothing on the way has a destructor.
 struct Reader {
     explicit Reader(Bytes file) : file(file) {
         info.err = jpeg_std_error(&errors);
@@ -21,12 +22,12 @@ struct Reader {
         errors.error_exit = [](j_common_ptr c) {
             std::longjmp(static_cast<Reader*>(c->client_data)->escape, 1);
         };
-        // Level -1 says that data are damaged; the library would go on with guesses.
+        // Level -1 means damaged data, which the library would fill in by guessing.
         errors.emit_message = [](j_common_ptr c, int level) {
             if (level < 0 && !isHarmless(c->err->msg_code)) c->err->error_exit(c);
         };
         errors.output_message = [](j_common_ptr) {};
-        // A few bytes can be a scan over the whole picture; no encoder makes hundreds.
+        // A few bytes can make a scan over the whole picture; no encoder writes hundreds of them.
         progress.progress_monitor = [](j_common_ptr c) {
             auto* jpeg = reinterpret_cast<j_decompress_ptr>(c);
             if (jpeg->input_scan_number > 200) c->err->error_exit(c);
@@ -61,7 +62,7 @@ bool Reader::readHeader() {
     jpeg_create_decompress(&info);
     created = true;
     info.progress = &progress;
-    // Progressive pictures are kept whole as coefficients, besides the pixels.
+    // Progressive pictures need memory for all coefficients besides the pixels.
     info.mem->max_memory_to_use = static_cast<long>(memoryLimit / 2);
     jpeg_mem_src(&info, file.data(), file.size());
     jpeg_save_markers(&info, JPEG_APP0 + 1, 0xFFFF);
@@ -142,7 +143,7 @@ Decoded decode(Bytes file, std::size_t, bool wantsPixels) {
     reader.pixels.samples = components == 1 ? 1 : 4;
     reader.pixels.allocate(info.width, info.height);
     if (!reader.readRows()) throw Damaged("JPEG data");
-    // Files with Adobe's marker hold CMYK upside down: 255 is no ink.
+    // Files with Adobe's marker hold inverted CMYK: 255 is no ink.
     if (components == 4 && jpeg.saw_Adobe_marker)
         for (std::size_t i = 0; i < reader.pixels.size; ++i) reader.pixels.bytes[i] ^= 0xFF;
     result.pixels = std::move(reader.pixels);

@@ -1,3 +1,4 @@
+// The known tags of EXIF and TIFF, and how their fields become values.
 #include "metadata.h"
 
 #include <algorithm>
@@ -15,13 +16,13 @@ enum class As {
     text,
     integers,
     reals,
-    /// "0221" is the version 2.2.1, an array.
+    /// "0221" becomes the version 2.2.1, an array.
     version,
-    /// A text behind eight bytes that name its encoding.
+    /// Text after eight bytes that name its encoding.
     comment,
-    /// Degrees, minutes and seconds are one number of degrees.
+    /// Degrees, minutes and seconds become one number of degrees.
     degrees,
-    /// Hours, minutes and seconds are the text "12:34:56".
+    /// Hours, minutes and seconds become the text "12:34:56".
     clock,
 };
 
@@ -162,7 +163,7 @@ const char* nameOf(TagDirectory directory) {
     return directory == image ? "{TIFF}" : directory == exif ? "{Exif}" : "{GPS}";
 }
 
-/// Up to the first zero: some writers fill the rest of a field with them, or with worse.
+/// The text up to the first zero: some writers leave rubbish after it.
 std::string textOf(const std::string& bytes) { return bytes.substr(0, bytes.find('\0')); }
 
 void appendUTF8(std::string& out, std::uint32_t c) {
@@ -209,7 +210,7 @@ std::optional<MetadataValue> commentOf(const TagField& field) {
     std::string_view code(field.bytes.data(), 8), rest(field.bytes.data() + 8, field.bytes.size() - 8);
     if (code.starts_with("JIS")) return std::nullopt;
     std::string text = code.starts_with("UNICODE") ? fromUTF16(rest, field.order) : textOf(std::string(rest));
-    // Cameras leave room for a comment and fill it with spaces.
+    // Cameras reserve room for a comment and fill it with spaces.
     if (text.find_first_not_of(' ') == std::string::npos) return std::nullopt;
     return text;
 }
@@ -224,7 +225,7 @@ std::optional<MetadataValue> versionOf(const std::string& digits) {
     return version;
 }
 
-/// Hours and their sixtieths; fewer than three numbers will do.
+/// Degrees, minutes and seconds as degrees; the last two may be missing.
 double sexagesimal(const std::vector<double>& n) {
     return n[0] + (n.size() > 1 ? n[1] / 60 : 0) + (n.size() > 2 ? n[2] / 3600 : 0);
 }
@@ -235,7 +236,7 @@ std::optional<MetadataValue> clockOf(const std::vector<double>& n) {
         if (!(part >= 0) || part > 60) return std::nullopt;
     char text[32];
     int hours = static_cast<int>(n[0]), minutes = static_cast<int>(n[1]);
-    // A fraction is shown when there is one.
+    // Seconds have decimals only if they are not whole.
     if (n[2] == std::floor(n[2]))
         std::snprintf(text, sizeof text, "%02d:%02d:%02d", hours, minutes, static_cast<int>(n[2]));
     else
@@ -259,10 +260,10 @@ std::optional<MetadataValue> valueOf(As as, const TagField& field) {
     }
     const std::vector<double>& n = field.numbers;
     if (n.empty()) return std::nullopt;
-    // A rational number over zero says that its value is unknown.
+    // A zero denominator means that the value is unknown.
     for (double number : n)
         if (!std::isfinite(number)) return std::nullopt;
-    // Damaged fields may be of any type, so that a whole number need not fit.
+    // Damaged fields may have any type, so the number may not fit.
     auto whole = [](double number) {
         return static_cast<long>(std::clamp(number, -2147483648., 2147483647.));
     };

@@ -1,4 +1,4 @@
-// What a file tells beyond its pixels, in plain C++: the fields of EXIF and of the formats under their keys.
+// Metadata in plain C++: the fields of EXIF and of the file formats under their keys.
 #pragma once
 
 #include <bit>
@@ -13,11 +13,11 @@
 
 namespace imageio {
 
-/// A boolean, a number, a text in UTF-8 (or else Latin-1), or an array of numbers.
+/// A boolean, a number, text in UTF-8 (or else Latin-1), or an array of numbers.
 using MetadataValue = std::variant<bool, long, double, std::string, std::vector<long>, std::vector<double>>;
 
 struct MetadataEntry {
-    /// Of the dictionary, such as "{Exif}", and of the value in it.
+    /// The keys of the dictionary, such as "{Exif}", and of the value in it.
     const char *dictionary, *key;
     MetadataValue value;
 };
@@ -28,7 +28,7 @@ class Metadata {
         entries_.push_back({dictionary, key, std::move(value)});
     }
     const MetadataValue* find(std::string_view dictionary, std::string_view key) const;
-    /// The same as a number; 0 without.
+    /// The same as a number; 0 if there is none.
     double number(std::string_view dictionary, std::string_view key) const;
 
     auto begin() const { return entries_.begin(); }
@@ -41,18 +41,18 @@ class Metadata {
 /// The directories of EXIF and TIFF that hold tags.
 enum class TagDirectory { image, exif, gps };
 
-/// A field as a library gives it: its numbers, or the bytes of a text.
+/// A field as the format's library returns it: numbers, or the bytes of a text.
 struct TagField {
     std::vector<double> numbers;
     std::string bytes;
     std::endian order = std::endian::little;
 };
 
-/// Asks for each known tag of a directory and adds those that make sense.
+/// Looks each known tag of a directory up with `fieldOf` and adds the values that make sense.
 using FieldOfTag = std::function<std::optional<TagField>(std::uint16_t tag)>;
 void addTags(Metadata& metadata, TagDirectory directory, const FieldOfTag& fieldOf);
 
-/// Adds the tags of an EXIF block, with or without its mark; from a damaged one those that can be read.
+/// Adds the tags of an EXIF block, with or without its mark; of a damaged block, those that can be read.
 void addExif(Metadata& metadata, std::span<const std::uint8_t> block);
 
 } // namespace imageio

@@ -1,26 +1,22 @@
+// Reading PNG files, with libpng.
 #include "decoder.h"
+#include "pngstate.h"
 
 #include <cg/colorspace.h>
 
 #include <bit>
 #include <cmath>
-#include <csetjmp>
 #include <cstring>
-
-#include <png.h>
 
 namespace imageio {
 
 namespace {
 
 /// The library's errors jump back to readHeader() or readRows(); nothing on the way has a destructor.
-struct Reader {
+struct Reader : PngState {
     explicit Reader(Bytes file) : rest(file) {}
     ~Reader() { png_destroy_read_struct(&png, &info, nullptr); }
 
-    static void fail(png_structp png, png_const_charp) {
-        std::longjmp(static_cast<Reader*>(png_get_error_ptr(png))->escape, 1);
-    }
     static void give(png_structp png, png_bytep out, std::size_t size) {
         auto* self = static_cast<Reader*>(png_get_io_ptr(png));
         if (size > self->rest.size()) fail(png, nullptr);
@@ -32,19 +28,16 @@ struct Reader {
     bool readRows(Pixels& pixels, int passes);
 
     Bytes rest;
-    png_structp png = nullptr;
-    png_infop info = nullptr;
-    std::jmp_buf escape;
 };
 
 bool Reader::readHeader() {
     if (setjmp(escape)) return false;
-    png = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, fail, [](png_structp, png_const_charp) {});
+    png = png_create_read_struct(PNG_LIBPNG_VER_STRING, static_cast<PngState*>(this), fail, ignoreWarning);
     if (!png) return false;
     info = png_create_info_struct(png);
     if (!info) return false;
     png_set_read_fn(png, this, give);
-    // A wrong checksum anywhere is damage, also in chunks that could be skipped.
+    // A wrong checksum anywhere is damage, even in chunks that could be skipped.
     png_set_crc_action(png, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
     png_set_user_limits(png, 1u << 24, 1u << 24);
     png_read_info(png, info);
@@ -60,7 +53,7 @@ bool Reader::readRows(Pixels& pixels, int passes) {
     return true;
 }
 
-/// Gamma and primaries as the file gives them; null when it does not, or when they are sRGB's.
+/// The space by the file's gamma and primaries; null if it has none, or they are sRGB's.
 color::ColorSpacePtr calibrated(Reader& reader, bool gray) {
     double gamma = 0;
     if (!png_get_gAMA(reader.png, reader.info, &gamma) || !(gamma > 0.01) || !(gamma < 100)) return nullptr;
@@ -69,7 +62,7 @@ color::ColorSpacePtr calibrated(Reader& reader, bool gray) {
     bool isSRGBGamma = std::fabs(gamma - 1 / 2.2) < 0.001;
     if (!primaries) {
         if (isSRGBGamma) return nullptr;
-        // sRGB's own.
+        // sRGB's primaries.
         rx = 0.4124, ry = 0.2126, rz = 0.0193, gx = 0.3576, gy = 0.7152, gz = 0.1192, bx = 0.1805,
         by = 0.0722, bz = 0.9505;
     } else if (isSRGBGamma &&
@@ -98,13 +91,12 @@ void readColors(Reader& reader, Info& info, bool gray) {
         setProfile(info, {icc, size}, gray ? 1 : 3, plain);
         return;
     }
-    color::ColorSpacePtr told;
-    if (!png_get_sRGB(reader.png, reader.info, &intent)) told = calibrated(reader, gray);
-    info.space = told ? told : plain;
+    color::ColorSpacePtr own;
+    if (!png_get_sRGB(reader.png, reader.info, &intent)) own = calibrated(reader, gray);
+    info.space = own ? own : plain;
 }
 
-/// What all the readings of header fields need: errors jump to the caller's setjmp, so there is one more
-/// here.
+/// Reads the header and chooses the conversions. Errors need a setjmp of their own here.
 bool readFields(Reader& reader, Info& info, Pixels& pixels, int& passes) {
     png_structp png = reader.png;
     png_infop in = reader.info;
@@ -154,7 +146,7 @@ void readMetadata(Reader& reader, Info& info) {
     png_get_text(reader.png, reader.info, &texts, &count);
     for (int i = 0; i < count; ++i)
         for (auto [keyword, key] : keywords)
-            // The text may be in a language; the first of a keyword counts.
+            // A keyword may come in several languages; the first counts.
             if (std::strcmp(texts[i].key, keyword) == 0 && texts[i].text && !metadata.find("{PNG}", key))
                 add(key, std::string(texts[i].text));
 

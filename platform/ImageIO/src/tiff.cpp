@@ -1,3 +1,4 @@
+// Reading TIFF files, with libtiff.
 #include "decoder.h"
 
 #include <cg/colorspace.h>
@@ -18,7 +19,7 @@ std::unique_ptr<TIFF, void (*)(TIFF*)> open(MemoryFile& file, std::size_t index)
     return tiff;
 }
 
-/// What the tags say about the samples.
+/// The tags that describe the samples.
 struct Tags {
     explicit Tags(TIFF* tiff) : tiff(tiff) {
         TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width);
@@ -47,7 +48,7 @@ struct Tags {
         }
     }
     bool isFloat() const { return format == SAMPLEFORMAT_IEEEFP; }
-    /// Whole bytes and a plain colour model; the rest goes through the library's own conversion to RGBA.
+    /// Whole bytes in a plain colour model. Anything else goes through the library's own conversion to RGBA.
     bool isPlain() const {
         bool depth = isFloat() ? bits == 32 : format == SAMPLEFORMAT_UINT && (bits == 8 || bits == 16);
         bool model = photometric == PHOTOMETRIC_RGB || photometric == PHOTOMETRIC_SEPARATED || colors() == 1;
@@ -61,8 +62,8 @@ struct Tags {
     Alpha alpha = Alpha::none;
 };
 
-/// Copies the samples of one strip or tile to their places. With separate planes, `plane` is the sample they
-/// are.
+/// Copies the samples of one strip or tile to their places. With separate planes, they are sample `plane` of
+/// each pixel.
 void place(const Tags& tags, const Pixels& out, const std::uint8_t* chunk, std::size_t chunkRowBytes,
            std::uint32_t x0, std::uint32_t y0, std::uint32_t width, std::uint32_t height, int plane) {
     auto bytes = static_cast<std::size_t>(out.bits / 8);
@@ -83,14 +84,14 @@ void place(const Tags& tags, const Pixels& out, const std::uint8_t* chunk, std::
     }
 }
 
-/// Tiles, whose last ones reach beyond the picture.
+/// Reads tiles, the last of which may reach beyond the picture.
 void readTiles(const Tags& tags, Pixels& out, int planes) {
     TIFF* tiff = tags.tiff;
     std::uint32_t tileWidth = 0, tileHeight = 0;
     TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &tileWidth);
     TIFFGetField(tiff, TIFFTAG_TILELENGTH, &tileHeight);
     tmsize_t size = TIFFTileSize(tiff), rowBytes = TIFFTileRowSize(tiff);
-    // A tile is a small part of a picture that is worth tiling.
+    // No sensible tile is larger.
     if (size <= 0 || rowBytes <= 0 || !tileWidth || !tileHeight || size > (64 << 20))
         throw Damaged("TIFF layout");
     std::vector<std::uint8_t> tile(static_cast<std::size_t>(size));
@@ -104,7 +105,7 @@ void readTiles(const Tags& tags, Pixels& out, int planes) {
             }
 }
 
-/// Strips, row by row: a strip may be as large as the picture.
+/// Reads strips, row by row: a strip may be as large as the picture.
 void readStrips(const Tags& tags, Pixels& out, int planes) {
     tmsize_t rowBytes = TIFFScanlineSize(tags.tiff);
     if (rowBytes <= 0 || rowBytes > (64 << 20)) throw Damaged("TIFF layout");
@@ -118,10 +119,10 @@ void readStrips(const Tags& tags, Pixels& out, int planes) {
 }
 
 void readPlain(const Tags& tags, Pixels& out) {
-    // Where there is no alpha, the fourth sample is a filler.
+    // Without alpha the fourth sample is a filler.
     if (tags.alpha == Alpha::none && out.samples == 4) std::memset(out.bytes.get(), 0xFF, out.size);
     int planes = 1;
-    // Further planes than those of colours and alpha are not looked at.
+    // Planes beyond colours and alpha are ignored.
     if (tags.planar == PLANARCONFIG_SEPARATE) planes = tags.colors() + (tags.alpha != Alpha::none);
     if (TIFFIsTiled(tags.tiff))
         readTiles(tags, out, planes);
@@ -141,7 +142,7 @@ void readThroughRGBA(const Tags& tags, Pixels& out) {
         throw Damaged("TIFF data");
 }
 
-/// A field of the current directory, of whichever type the library keeps it in.
+/// A field of the current directory, whatever type the library keeps it in.
 std::optional<TagField> fieldOf(TIFF* tiff, std::uint16_t tag) {
     const TIFFField* kind = TIFFFieldWithTag(tiff, tag);
     if (!kind) return std::nullopt;
@@ -186,7 +187,7 @@ std::optional<TagField> fieldOf(TIFF* tiff, std::uint16_t tag) {
     return result;
 }
 
-/// Leaves the current directory.
+/// Leaves the current directory, so it must come last.
 void readMetadata(TIFF* tiff, Metadata& metadata) {
     auto fields = [&](std::uint16_t tag) { return fieldOf(tiff, tag); };
     toff_t exif = 0, gps = 0;

@@ -1,3 +1,4 @@
+// libtiff on memory instead of a file.
 #include "tiffmemory.h"
 
 #include <cstdio>
@@ -43,7 +44,7 @@ toff_t seek(thandle_t handle, toff_t offset, int from) {
 int close(thandle_t) { return 0; }
 toff_t size(thandle_t handle) { return static_cast<MemoryFile*>(handle)->size(); }
 
-// Messages are not printed; the calls that fail say so.
+// Messages are not printed: the failing call returns an error.
 int quiet(TIFF*, void*, const char*, const char*, va_list) { return 1; }
 
 } // namespace
@@ -52,7 +53,7 @@ TIFF* openTiff(MemoryFile& file, const char* mode) {
     std::unique_ptr<TIFFOpenOptions, void (*)(TIFFOpenOptions*)> options(TIFFOpenOptionsAlloc(),
                                                                          TIFFOpenOptionsFree);
     if (!options) return nullptr;
-    // No strip of an image that fits into memory is larger.
+    // No strip of an image within the limit is larger.
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), memoryLimit);
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), quiet, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), quiet, nullptr);

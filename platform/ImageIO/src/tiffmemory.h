@@ -17,7 +17,7 @@ struct MemoryFile {
     Bytes bytes;
     std::vector<std::uint8_t>* output = nullptr;
     std::uint64_t position = 0;
-    /// No memory for more output.
+    /// True once memory was too short for more output.
     bool failed = false;
 };
 

@@ -1,3 +1,4 @@
+// Reading WebP files, with libwebp.
 #include "decoder.h"
 
 #include <cstring>
@@ -18,7 +19,7 @@ Demuxer open(const Bytes& file) {
     return demuxer;
 }
 
-/// Calls `use` with the contents of a chunk, when there is one.
+/// Calls `use` with the contents of the chunk, if there is one.
 template <class Use>
 void withChunk(const Demuxer& demuxer, const char* name, Use use) {
     WebPChunkIterator chunk;
@@ -61,7 +62,7 @@ Decoded decode(Bytes file, std::size_t index, bool wantsPixels) {
         withChunk(demuxer, "EXIF", [&](Bytes exif) { setExif(info, exif); });
         return result;
     }
-    // The library needs a second copy of a still picture on the way, and three of an animation.
+    // While decoding, the library needs a second copy of a still picture, and three more of an animation.
     checkSize(info.width, info.height, features.has_animation ? 16 : 8);
     result.pixels.alpha = info.hasAlpha ? Alpha::straight : Alpha::none;
     result.pixels.allocate(info.width, info.height);

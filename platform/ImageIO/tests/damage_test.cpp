@@ -1,3 +1,4 @@
+// Files that are cut off, garbled or no images at all.
 #include "files.h"
 
 #include <gtest/gtest.h>
@@ -7,12 +8,12 @@
 
 namespace {
 
-struct Sample {
+struct TestFile {
     const char* name;
     Bytes file;
 };
 
-std::vector<Sample> samples() {
+std::vector<TestFile> testFiles() {
     return {{"JPEG", jpegFile(64, 64, 3)},
             {"CMYK JPEG", jpegFile(64, 64, 4)},
             {"PNG", pngFile(64, 64, PNG_COLOR_TYPE_RGB)},
@@ -24,40 +25,40 @@ std::vector<Sample> samples() {
 
 } // namespace
 
-TEST(Damage, CutOffFilesAreNoImages) {
-    for (const Sample& sample : samples()) {
-        ASSERT_TRUE(decode(sample.file)) << sample.name;
+TEST(Damage, CutOffFilesAreNotImages) {
+    for (const TestFile& test : testFiles()) {
+        ASSERT_TRUE(decode(test.file)) << test.name;
         for (double part : {0.99, 0.7, 0.5, 0.1}) {
-            auto size = static_cast<std::size_t>(static_cast<double>(sample.file.size()) * part);
-            if (sample.file.size() - size < 4) size = sample.file.size() - 4;
-            Bytes cut(sample.file.begin(), sample.file.begin() + static_cast<std::ptrdiff_t>(size));
-            EXPECT_FALSE(decode(cut)) << sample.name << " cut to " << part;
+            auto size = static_cast<std::size_t>(static_cast<double>(test.file.size()) * part);
+            if (test.file.size() - size < 4) size = test.file.size() - 4;
+            Bytes cut(test.file.begin(), test.file.begin() + static_cast<std::ptrdiff_t>(size));
+            EXPECT_FALSE(decode(cut)) << test.name << " cut to " << part;
         }
     }
 }
 
 TEST(Damage, AnyCutEndsCleanly) {
-    for (const Sample& sample : samples())
-        for (std::size_t size = 0; size < sample.file.size(); size += 1 + sample.file.size() / 200)
-            decode(Bytes(sample.file.begin(), sample.file.begin() + static_cast<std::ptrdiff_t>(size)));
+    for (const TestFile& test : testFiles())
+        for (std::size_t size = 0; size < test.file.size(); size += 1 + test.file.size() / 200)
+            decode(Bytes(test.file.begin(), test.file.begin() + static_cast<std::ptrdiff_t>(size)));
 }
 
 TEST(Damage, AnyFlippedByteEndsCleanly) {
-    for (const Sample& sample : samples()) {
-        bool isPNG = std::strstr(sample.name, "PNG");
-        for (std::size_t at = 0; at < sample.file.size(); at += 1 + sample.file.size() / 300) {
-            Bytes file = sample.file;
+    for (const TestFile& test : testFiles()) {
+        bool isPNG = std::strstr(test.name, "PNG");
+        for (std::size_t at = 0; at < test.file.size(); at += 1 + test.file.size() / 300) {
+            Bytes file = test.file;
             file[at] ^= 0x5A;
             auto image = decode(file);
-            // Every byte of a PNG is under a checksum (or its length, type or signature).
+            // Every byte of a PNG is covered by a checksum, or is part of a length, a type or the signature.
             if (isPNG) {
-                EXPECT_FALSE(image) << sample.name << " byte " << at;
+                EXPECT_FALSE(image) << test.name << " byte " << at;
             }
         }
     }
 }
 
-TEST(Damage, WhatIsNoImageAtAll) {
+TEST(Damage, OtherDataAreNotImages) {
     EXPECT_FALSE(source({}));
     const char* text = "Dear reader, this is a letter and not a photograph.";
     EXPECT_FALSE(source(Bytes(text, text + std::strlen(text))));

@@ -1,3 +1,4 @@
+// Files of every format, decoded.
 #include "files.h"
 
 #include <gtest/gtest.h>
@@ -22,11 +23,7 @@ Retained<CFDictionaryRef> properties(const Bytes& file) {
     return Retained<CFDictionaryRef>::adopt(CGImageSourceCopyPropertiesAtIndex(from.get(), 0, nullptr));
 }
 
-void expectNear(const Pixel& actual, const Pixel& expected, int tolerance) {
-    for (std::size_t k = 0; k < 4; ++k) EXPECT_NEAR(actual[k], expected[k], tolerance) << "component " << k;
-}
-
-/// What testPixels() has there, without alpha.
+/// The pixel of testPixels() there, without alpha.
 Pixel expected(const Bytes& pixels, int width, int samples, int x, int y) {
     const std::uint8_t* p = &pixels[static_cast<std::size_t>((y * width + x) * samples)];
     return samples == 1 ? Pixel{p[0], p[0], p[0], 255} : Pixel{p[0], p[1], p[2], 255};
@@ -56,7 +53,7 @@ TEST(Decode, JPEG) {
     EXPECT_EQ(CGColorSpaceGetModel(CGImageGetColorSpace(gray.get())), kCGColorSpaceModelMonochrome);
 }
 
-TEST(Decode, AdobesCMYKIsUpsideDown) {
+TEST(Decode, AdobesCMYKIsInverted) {
     // With Adobe's marker the stored values mean the opposite.
     Bytes pixels = testPixels(32, 32, 4);
     for (bool adobe : {true, false}) {
@@ -113,7 +110,7 @@ TEST(Decode, PNGPalettesAndFewBits) {
     EXPECT_EQ(indexed, 1);
 }
 
-TEST(Decode, PNGGammaMeansSomething) {
+TEST(Decode, PNGGammaIsApplied) {
     // Linear data: 50/255 is much brighter than it looks in sRGB.
     auto linear = decode(pngFile(16, 16, PNG_COLOR_TYPE_RGB, {.gamma = 1}));
     auto plain = decode(pngFile(16, 16, PNG_COLOR_TYPE_RGB, {.gamma = 1 / 2.2}));
@@ -122,7 +119,7 @@ TEST(Decode, PNGGammaMeansSomething) {
     EXPECT_NEAR(Drawn(linear.get()).at(0, 0)[2], expected, 1);
 }
 
-TEST(Decode, GIFFramesAreWhatIsSeen) {
+TEST(Decode, GIFFramesBuildOnTheOnesBefore) {
     Bytes file = gifFile();
     EXPECT_EQ(CGImageSourceGetCount(source(file).get()), 2u);
     Drawn first(decode(file, 0).get()), second(decode(file, 1).get());

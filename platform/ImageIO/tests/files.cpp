@@ -1,3 +1,4 @@
+// Image files made with the format libraries.
 #include "files.h"
 
 #include <cstdio>
@@ -76,7 +77,7 @@ Bytes pngFile(int width, int height, int colorType, const PngOptions& options) {
     Bytes pixels = testPixels(width, height, samples);
     if (colorType == PNG_COLOR_TYPE_PALETTE)
         for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = i % 4;
-    // 16-bit words whose high byte is the 8-bit value, and the low byte too.
+    // 16-bit words, with the 8-bit value in both bytes.
     if (options.bits == 16) {
         Bytes wide;
         for (std::uint8_t p : pixels) wide.insert(wide.end(), 2, p);
@@ -165,18 +166,9 @@ cg::Retained<CGImageRef> decode(const Bytes& file, std::size_t index) {
     return cg::Retained<CGImageRef>::adopt(CGImageSourceCreateImageAtIndex(from.get(), index, nullptr));
 }
 
-Drawn::Drawn(CGImageRef image) {
-    auto space = cg::Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
-    std::size_t width = CGImageGetWidth(image), height = CGImageGetHeight(image);
-    context_ = cg::Retained<CGContextRef>::adopt(CGBitmapContextCreate(
-        nullptr, width, height, 8, width * 4, space.get(), kCGImageAlphaPremultipliedLast));
-    CGContextDrawImage(context_.get(), CGRectMake(0, 0, CGFloat(width), CGFloat(height)), image);
-}
-
-Pixel Drawn::at(std::size_t x, std::size_t y) const {
-    auto* p = static_cast<std::uint8_t*>(CGBitmapContextGetData(context_.get())) +
-              y * CGBitmapContextGetBytesPerRow(context_.get()) + x * 4;
-    return {p[0], p[1], p[2], p[3]};
+Drawn::Drawn(CGImageRef image) : bitmap_(CGImageGetWidth(image), CGImageGetHeight(image)) {
+    auto width = CGFloat(CGImageGetWidth(image)), height = CGFloat(CGImageGetHeight(image));
+    CGContextDrawImage(bitmap_.get(), CGRectMake(0, 0, width, height), image);
 }
 
 double number(const cg::Retained<CFDictionaryRef>& properties, CFStringRef key) {

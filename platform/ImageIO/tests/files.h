@@ -1,19 +1,11 @@
-// Image files made with the format libraries themselves, and small helpers to read them back.
+// Image files made with the format libraries, and helpers to read them back.
 #pragma once
 
 #include <ImageIO/ImageIO.h>
 
-#include <cg/object.h>
+#include <testing/bitmap.h>
 
-#include <array>
-#include <cstdint>
-#include <string>
-#include <vector>
-
-using Bytes = std::vector<std::uint8_t>;
-using Pixel = std::array<int, 4>;
-
-/// A picture with soft and hard parts: gradients, and a checkerboard in blue.
+/// A picture with soft and hard edges: gradients, and a checkerboard in blue.
 Bytes testPixels(int width, int height, int samples);
 
 Bytes jpegFile(int width, int height, int components, bool adobeMarker = true);
@@ -25,7 +17,7 @@ struct PngOptions {
 };
 /// Color types as in libpng; the pixels of testPixels().
 Bytes pngFile(int width, int height, int colorType, const PngOptions& options = {});
-/// Two frames: a red 4x4 square on nothing, then a green 2x2 one in the middle.
+/// Two frames: a red 4x4 square on a transparent canvas, then a green 2x2 one in the middle.
 Bytes gifFile();
 Bytes webpFile(int width, int height, bool alpha);
 /// Three pixels wide, two high, bottom row first: R G B / white black gray.
@@ -37,9 +29,9 @@ cg::Retained<CGImageRef> decode(const Bytes& file, std::size_t index = 0);
 class Drawn {
   public:
     explicit Drawn(CGImageRef image);
-    Pixel at(std::size_t x, std::size_t y) const;
+    Pixel at(std::size_t x, std::size_t y) const { return bitmap_.pixel(x, y); }
 
   private:
-    cg::Retained<CGContextRef> context_;
+    Bitmap bitmap_;
 };
 double number(const cg::Retained<CFDictionaryRef>& properties, CFStringRef key);

@@ -1,4 +1,4 @@
-// What the properties of a file tell: EXIF written byte by byte here, in every format that carries it.
+// Properties of files: EXIF, written byte by byte here, in every format that carries it.
 #import <Foundation/Foundation.h>
 
 #include "files.h"
@@ -31,7 +31,7 @@ enum Directory { image, exif, gps };
 
 constexpr const char* names[] = {"{TIFF}", "{Exif}", "{GPS}"};
 
-/// A field and the property that it must become. Rationals are pairs of numbers; texts are numbers too.
+/// A field and the property that it must become. Rationals are pairs of numbers; texts are arrays of numbers.
 struct Field {
     Directory directory;
     std::uint16_t tag;
@@ -240,13 +240,13 @@ Bytes jpegWith(const Bytes& block) {
     marker.push_back(static_cast<std::uint8_t>(size));
     for (char c : {'E', 'x', 'i', 'f', '\0', '\0'}) marker.push_back(static_cast<std::uint8_t>(c));
     marker.insert(marker.end(), block.begin(), block.end());
-    // Behind the first marker, JFIF's.
+    // After the first marker, JFIF's.
     std::size_t at = 4 + file[4] * 256u + file[5];
     file.insert(file.begin() + static_cast<std::ptrdiff_t>(at), marker.begin(), marker.end());
     return file;
 }
 
-/// The container with features that holds a simple file's picture, and the block.
+/// An extended WebP container with the picture of a simple file and the block.
 Bytes webpWith(const Bytes& block) {
     Bytes simple = webpFile(64, 48, false), file(simple.begin(), simple.begin() + 12);
     auto put = [&](std::size_t value, int bytes) {
@@ -308,7 +308,7 @@ TEST(Metadata, EveryFieldOfEXIFInBothByteOrders) {
         std::vector<Field> fields = allFields(big);
         NSDictionary* properties = propertiesOf(jpegWith(Block(big).of(fields)));
         expectFields(properties, fields);
-        // Nothing is made up.
+        // And no field more.
         NSUInteger count = 0;
         for (const char* name : names)
             count += [[properties objectForKey:[NSString stringWithUTF8String:name]] count];
@@ -392,7 +392,7 @@ TEST(Metadata, TIFFHasDirectoriesOfItsOwn) {
     expect("{GPS}", "TimeStamp", @"23:05:07.50");
 }
 
-TEST(Metadata, WhatTheFormatsSayThemselves) {
+TEST(Metadata, TheFormatsOwnFields) {
     NSDictionary* jpeg = propertiesOf(jpegFile(16, 16, 3));
     expectSame(valueIn(jpeg, "{JFIF}", "JFIFVersion"), list({1, 0, 1}), "JFIFVersion");
     expectSame(valueIn(jpeg, "{JFIF}", "XDensity"), number(1), "XDensity");

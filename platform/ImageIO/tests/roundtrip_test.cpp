@@ -1,3 +1,4 @@
+// Images written to files and read back.
 #include "files.h"
 
 #include <gtest/gtest.h>

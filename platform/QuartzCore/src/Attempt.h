@@ -1,4 +1,5 @@
-// Where C++ exceptions of the engine end. For .cpp files only: Objective-C++ code cannot catch them.
+// Turns C++ exceptions of the engine into failures. For .cpp files only: Objective-C++ code cannot catch
+// them.
 #pragma once
 
 #include "Shim.h"
@@ -8,7 +9,7 @@
 
 namespace ci {
 
-/// Runs `body`; what it throws is told in `failure`, and its result is then empty.
+/// Runs `body`. If it throws, describes the exception in `failure` and returns an empty result.
 template <class Body>
 auto attempt(Failure& failure, Body body) noexcept -> decltype(body()) {
     using Result = decltype(body());

@@ -1,3 +1,4 @@
+// Automatic adjustment: measures a reduced copy of the picture and chooses filters by the measurements.
 #include "AutoAdjust.h"
 
 #include "Attempt.h"
@@ -13,81 +14,82 @@ using engine::Image;
 using engine::Point;
 using engine::Rect;
 
-/// A pixel that can be seen, in straight sRGB.
-struct Sample {
+/// A pixel in straight sRGB.
+struct Pixel {
     double r, g, b;
-    double x, y; // the middle of it, in the picture's coordinates
+    double x, y; // its centre, in the picture's coordinates
 
     double high() const { return std::max({r, g, b}); }
     double low() const { return std::min({r, g, b}); }
     double luma() const { return 0.2126 * r + 0.7152 * g + 0.0722 * b; }
 };
-using Samples = std::vector<Sample>;
+using Pixels = std::vector<Pixel>;
 
-/// The picture inside `area`, averaged down to at most `side` pixels each way.
-Samples look(const Image& image, const Rect& area, double side) {
+/// The pixels inside `area` that are at least half opaque, averaged down to at most `side` of them each way.
+Pixels look(const Image& image, const Rect& area, double side) {
     Rect seen = area.intersect(image->extent());
     if (seen.isEmpty()) return {};
     double scale = std::min(1.0, side / std::max(seen.width(), seen.height()));
     int width = std::max(1, static_cast<int>(seen.width() * scale));
     int height = std::max(1, static_cast<int>(seen.height() * scale));
-    std::vector<float> pixels(std::size_t(4) * width * height);
+    std::vector<float> rendered(std::size_t(4) * width * height);
     engine::Target target{
         {width, height, engine::Format::RGBAf, engine::Alpha::straight, color::ColorSpace::sRGB()},
-        pixels.data(),
+        rendered.data(),
         std::size_t(16) * width};
     engine::render(image, seen, target, Rect::ofSize(0, 0, width, height));
-    Samples samples;
+    Pixels pixels;
     for (int row = 0; row < height; ++row)
         for (int column = 0; column < width; ++column) {
-            const float* p = &pixels[std::size_t(4) * (std::size_t(row) * width + column)];
+            const float* p = &rendered[std::size_t(4) * (std::size_t(row) * width + column)];
             if (!(p[3] >= 0.5f)) continue;
             auto unit = [](float v) { return v > 0 ? std::min(double(v), 1.0) : 0.0; };
-            samples.push_back({unit(p[0]), unit(p[1]), unit(p[2]),
-                               seen.x0 + (column + 0.5) * seen.width() / width,
-                               seen.y1 - (row + 0.5) * seen.height() / height});
+            pixels.push_back({unit(p[0]), unit(p[1]), unit(p[2]),
+                              seen.x0 + (column + 0.5) * seen.width() / width,
+                              seen.y1 - (row + 0.5) * seen.height() / height});
         }
-    return samples;
+    return pixels;
 }
 
 template <class Measure>
-double mean(const Samples& samples, Measure measure) {
+double mean(const Pixels& pixels, Measure measure) {
     double sum = 0;
-    for (const Sample& s : samples) sum += measure(s);
-    return samples.empty() ? 0 : sum / static_cast<double>(samples.size());
+    for (const Pixel& p : pixels) sum += measure(p);
+    return pixels.empty() ? 0 : sum / static_cast<double>(pixels.size());
 }
 
-/// The value that a share of all samples stays below.
+/// The value below which this share of the pixels lies.
 template <class Measure>
-double percentile(const Samples& samples, double share, Measure measure) {
+double percentile(const Pixels& pixels, double share, Measure measure) {
     std::vector<double> values;
-    for (const Sample& s : samples) values.push_back(measure(s));
+    for (const Pixel& p : pixels) values.push_back(measure(p));
     auto nth = values.begin() + static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size() - 1));
     std::nth_element(values.begin(), nth, values.end());
     return *nth;
 }
 
-/// 0 below `low`, 1 above `high`, evenly in between.
+/// 0 below `low`, 1 above `high`, linear in between.
 double ramp(double x, double low, double high) { return std::clamp((x - low) / (high - low), 0.0, 1.0); }
 
-// ------------------------------------------------------------------------------------------- faces
+// --- faces ------------------------------------------------------------------------------------------------
 
-/// The circle of a pupil that a flash has lit: x, y and radius.
+/// The circle of a pupil that a flash has turned red: x, y and radius.
 std::optional<std::array<double, 3>> redPupil(const Image& image, const Face& face, Point eye) {
     double reach = std::max(3.0, 0.12 * face.bounds.intersect(image->extent()).width());
-    Samples around = look(image, {eye.x - reach, eye.y - reach, eye.x + reach, eye.y + reach}, 64);
-    // In coded colour, what is over three times as red in linear light is this much redder.
-    auto isRed = [](const Sample& s) { return s.r > 0.25 && s.r > 1.7 * std::max(s.g, s.b); };
+    Pixels around = look(image, {eye.x - reach, eye.y - reach, eye.x + reach, eye.y + reach}, 64);
+    // 1.7 times as much red in coded colour is over three times as much in linear light.
+    auto isRed = [](const Pixel& p) { return p.r > 0.25 && p.r > 1.7 * std::max(p.g, p.b); };
     auto red = static_cast<double>(std::count_if(around.begin(), around.end(), isRed));
     double area = red / static_cast<double>(std::max<std::size_t>(around.size(), 1)) * 4 * reach * reach;
     if (red < 4 || area > 2 * reach * reach) return {};
     double x = 0, y = 0;
-    for (const Sample& s : around)
-        if (isRed(s)) x += s.x / red, y += s.y / red;
-    // A pupil is a disc: most of the red lies in the circle of the same area. Skin and lids do not.
+    for (const Pixel& p : around)
+        if (isRed(p)) x += p.x / red, y += p.y / red;
+    // A pupil is a disc: most of its red lies inside the circle of the same area. That of skin and lids does
+    // not.
     double radius = std::sqrt(area / M_PI);
-    auto inside = std::count_if(around.begin(), around.end(), [&](const Sample& s) {
-        return isRed(s) && std::hypot(s.x - x, s.y - y) <= radius + 0.5;
+    auto inside = std::count_if(around.begin(), around.end(), [&](const Pixel& p) {
+        return isRed(p) && std::hypot(p.x - x, p.y - y) <= radius + 0.5;
     });
     if (static_cast<double>(inside) < 0.6 * red) return {};
     return std::array{x, y, 1.2 * radius + 0.5};
@@ -103,28 +105,28 @@ std::optional<Adjustment> redEyeCorrection(const Image& image, const std::vector
     return Adjustment{"CIRedEyeCorrections", {{"inputCorrectionInfo", std::move(pupils)}}};
 }
 
-/// The skin of all faces, in the middle of each, against the filter's own idea of skin.
+/// Moves the skin in the middle of the faces towards the filter's own idea of skin.
 std::optional<Adjustment> faceBalance(const Image& image, const std::vector<Face>& faces) {
-    Samples skin;
+    Pixels skin;
     for (const Face& face : faces) {
         const Rect& b = face.bounds;
-        Samples middle = look(image, b.grown(-0.25 * b.width(), -0.25 * b.height()), 48);
+        Pixels middle = look(image, b.grown(-0.25 * b.width(), -0.25 * b.height()), 48);
         std::copy_if(middle.begin(), middle.end(), std::back_inserter(skin),
-                     [](const Sample& s) { return s.luma() > 0.06 && s.low() < 0.95; });
+                     [](const Pixel& p) { return p.luma() > 0.06 && p.low() < 0.95; });
     }
     if (skin.empty()) return {};
-    double y = mean(skin, [](const Sample& s) { return 0.299 * s.r + 0.587 * s.g + 0.114 * s.b; });
-    double i = mean(skin, [](const Sample& s) { return 0.595716 * s.r - 0.274453 * s.g - 0.321263 * s.b; });
-    double q = mean(skin, [](const Sample& s) { return 0.211456 * s.r - 0.522591 * s.g + 0.311135 * s.b; });
+    double y = mean(skin, [](const Pixel& p) { return 0.299 * p.r + 0.587 * p.g + 0.114 * p.b; });
+    double i = mean(skin, [](const Pixel& p) { return 0.595716 * p.r - 0.274453 * p.g - 0.321263 * p.b; });
+    double q = mean(skin, [](const Pixel& p) { return 0.211456 * p.r - 0.522591 * p.g + 0.311135 * p.b; });
 
     const engine::FilterInfo& filter = *engine::findFilter("CIFaceBalance");
     auto standard = [&](const char* key) { return std::get<double>(*filter.findInput(key)->defaultValue); };
-    // Chroma comes with luminance: the filter's skin is of 0.6, and its shift fades towards black in its own
-    // way.
+    // Chroma grows with luminance. The filter's skin has a luminance of 0.6, and its shift fades towards
+    // black.
     constexpr double skinLuma = 0.6;
     double level = y / skinLuma, fading = 1 - (1 - y) * (1 - y);
     auto original = [&](double aim, double found) { return aim - (aim * level - found) / fading; };
-    // People differ; only what no skin has in neutral light is a cast.
+    // People differ: only chroma beyond that of any skin in neutral light is a cast.
     auto beyond = [](double v, double low, double high) { return std::max({0.0, low - v, v - high}); };
     double cast = std::hypot(beyond(i / level, 0.05, 0.18), beyond(q / level, -0.02, 0.06));
     return Adjustment{filter.name,
@@ -133,22 +135,22 @@ std::optional<Adjustment> faceBalance(const Image& image, const std::vector<Face
                        {"inputStrength", std::min(0.1 + 8 * cast, 0.8)}}};
 }
 
-// ------------------------------------------------------------------------------------------ tones
+// --- tones ------------------------------------------------------------------------------------------------
 
-/// From black to white in coded colour: linear between the two points, then a power.
+/// The curve from black to white in coded colour: linear between the two points, then a power.
 struct Tones {
     double black = 0, white = 1, power = 1;
 
     double of(double x) const { return std::pow(ramp(x, black, white), power); }
 };
 
-/// Brightens what is too dark as a longer exposure would, as far as its whites allow; the rest is up to the
-/// middle tones. Too dark is what is dark on the whole, or has no whites; what is dark on purpose keeps most
-/// of that.
-Tones tonesFor(const Samples& samples) {
-    auto luma = [](const Sample& s) { return s.luma(); };
-    double middle = mean(samples, luma);
-    double white = percentile(samples, 0.995, [](const Sample& s) { return s.high(); });
+/// Brightens a dark picture as a longer exposure would, as far as its whites allow, and leaves the rest to
+/// the middle tones. A picture is too dark if it is dark on average or has no whites; one that is dark on
+/// purpose stays mostly so.
+Tones tonesFor(const Pixels& pixels) {
+    auto luma = [](const Pixel& p) { return p.luma(); };
+    double middle = mean(pixels, luma);
+    double white = percentile(pixels, 0.995, [](const Pixel& p) { return p.high(); });
     double tooDark = std::max(ramp(0.4 - middle, 0, 0.16), ramp(0.8 - white, 0, 0.25));
     double wanted = middle + std::max(0.44 - middle, 0.0) * tooDark;
     double gain =
@@ -156,11 +158,11 @@ Tones tonesFor(const Samples& samples) {
 
     Tones tones;
     tones.white = 1 / gain;
-    double exposed = mean(samples, [&](const Sample& s) { return tones.of(s.luma()); });
+    double exposed = mean(pixels, [&](const Pixel& p) { return tones.of(p.luma()); });
     double aim = exposed + 0.4 * std::max(0.34 - exposed, 0.0) - 0.5 * std::max(exposed - 0.6, 0.0);
-    // Haze, or the light that a scanner scatters. The middle tones make up for what goes with it.
-    tones.black = std::min(0.8 * std::max(percentile(samples, 0.005, luma) - 0.01, 0.0), 0.12) / gain;
-    double deepened = mean(samples, [&](const Sample& s) { return tones.of(s.luma()); });
+    // Removes haze and scattered light. The middle tones make up for the darkening.
+    tones.black = std::min(0.8 * std::max(percentile(pixels, 0.005, luma) - 0.01, 0.0), 0.12) / gain;
+    double deepened = mean(pixels, [&](const Pixel& p) { return tones.of(p.luma()); });
     if (deepened > 0.005 && deepened < 0.995 && aim < 0.995)
         tones.power = std::clamp(std::log(aim) / std::log(deepened), 0.6, 1.8);
     return tones;
@@ -175,23 +177,23 @@ Adjustment toneCurve(const Tones& tones) {
     return curve;
 }
 
-/// Only colourful pictures get more of it: gray is no colour that was lost.
-Adjustment vibrance(const Samples& samples) {
+/// Dull colours get more saturation; gray pictures stay gray.
+Adjustment vibrance(const Pixels& pixels) {
     double sum = 0, weight = 0;
-    for (const Sample& s : samples) {
-        if (s.high() <= 0) continue;
-        sum += s.high() - s.low();
-        weight += s.high();
+    for (const Pixel& p : pixels) {
+        if (p.high() <= 0) continue;
+        sum += p.high() - p.low();
+        weight += p.high();
     }
     double saturation = weight > 0 ? sum / weight : 0;
     double amount = std::clamp(0.8 * (0.35 - saturation), 0.0, 0.25) * ramp(saturation, 0.02, 0.08);
     return {"CIVibrance", {{"inputAmount", amount}}};
 }
 
-/// More than a usual share of nearly black or nearly white, once the curve has been through.
-Adjustment highlightsAndShadows(const Samples& samples, const Tones& tones, const Rect& extent) {
-    double dark = mean(samples, [&](const Sample& s) { return tones.of(s.luma()) < 0.2; });
-    double bright = mean(samples, [&](const Sample& s) { return tones.of(s.luma()) > 0.92; });
+/// For pictures with an unusual share of nearly black or nearly white pixels after the curve.
+Adjustment highlightsAndShadows(const Pixels& pixels, const Tones& tones, const Rect& extent) {
+    double dark = mean(pixels, [&](const Pixel& p) { return tones.of(p.luma()) < 0.2; });
+    double bright = mean(pixels, [&](const Pixel& p) { return tones.of(p.luma()) > 0.92; });
     return {"CIHighlightShadowAdjust",
             {{"inputShadowAmount", std::clamp(0.8 * (dark - 0.35), 0.0, 0.4)},
              {"inputHighlightAmount", 1 - std::clamp(0.8 * (bright - 0.12), 0.0, 0.3)},
@@ -205,13 +207,13 @@ std::vector<Adjustment> analyse(const Image& image, const std::vector<Face>& fac
     if (options.redEye)
         if (auto correction = redEyeCorrection(image, faces)) found.push_back(std::move(*correction));
     if (!options.enhance) return found;
-    Samples samples = look(image, image->extent(), 256);
-    if (samples.empty()) return found;
+    Pixels pixels = look(image, image->extent(), 256);
+    if (pixels.empty()) return found;
     if (auto balance = faceBalance(image, faces)) found.push_back(std::move(*balance));
-    Tones tones = tonesFor(samples);
-    found.push_back(vibrance(samples));
+    Tones tones = tonesFor(pixels);
+    found.push_back(vibrance(pixels));
     found.push_back(toneCurve(tones));
-    found.push_back(highlightsAndShadows(samples, tones, image->extent()));
+    found.push_back(highlightsAndShadows(pixels, tones, image->extent()));
     return found;
 }
 

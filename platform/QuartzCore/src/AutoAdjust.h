@@ -1,4 +1,4 @@
-// What a picture needs: the analysis behind automatic adjustment, in plain C++.
+// The analysis behind automatic adjustment, in plain C++.
 #pragma once
 
 #include "Shim.h"
@@ -18,15 +18,15 @@ struct AdjustOptions {
     bool enhance = true, redEye = true;
 };
 
-/// A filter and the inputs that it needs beside the picture.
+/// A filter and its inputs besides the picture.
 struct Adjustment {
     std::string filter;
     engine::Values values;
 };
 
-/// The filters to apply to the picture, one after the other: red eyes and face balance only where a face asks
-/// for them, then vibrance, tone curve, highlights and shadows. Empty for a picture without bounds or without
-/// anything to see. Looks at a reduced copy, so that memory does not grow with the picture.
+/// The filters to apply to the picture, in order: red eyes and face balance if a face needs them, then
+/// vibrance, tone curve, highlights and shadows. Empty for a picture that is unbounded or transparent.
+/// Analyses a reduced copy, so that memory does not grow with the picture.
 std::vector<Adjustment> adjustments(const engine::Image& image, const std::vector<Face>& faces,
                                     const AdjustOptions& options, Failure& failure);
 

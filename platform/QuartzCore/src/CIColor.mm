@@ -1,3 +1,4 @@
+// CIColor: a CGColor.
 #import <QuartzCore/CIColor.h>
 
 #include "Numbers.h"
@@ -73,7 +74,7 @@ static cg::LiveCount live("CIColor");
     return _color;
 }
 
-/// Red, green or blue: the component of an RGB colour, otherwise that of the colour in sRGB.
+/// Red, green or blue of an RGB colour, or of any other colour converted to sRGB.
 static CGFloat component(CGColorRef color, size_t index) {
     if (CGColorSpaceGetModel(CGColorGetColorSpace(color)) == kCGColorSpaceModelRGB)
         return CGColorGetComponents(color)[index];

@@ -1,3 +1,4 @@
+// CIContext: options for the engine and a CGContext to draw to.
 #import <QuartzCore/CIContext.h>
 
 #include "Internal.h"
@@ -9,7 +10,7 @@ static cg::LiveCount live("CIContext");
 
 struct CIContextState {
     cg::Retained<CGContextRef> context;
-    /// For images that are made without telling a space.
+    /// For images that are made without naming a space.
     cg::Retained<CGColorSpaceRef> output;
     engine::Options options;
 };

@@ -1,3 +1,4 @@
+// CIFilter: a filter of the engine and the values that are set, by key.
 #import <QuartzCore/CIFilter.h>
 
 #include "FilterValues.h"
@@ -35,8 +36,7 @@ bool hasInput(const engine::FilterInfo& filter, NSString* key) {
                        [wanted](const engine::InputInfo& input) { return input.key == wanted; });
 }
 
-/// Every filter is a class of its own, named like the filter, so that it tells its name wherever classes are
-/// shown.
+/// Every filter has a class named after it, so that its name appears wherever class names do.
 Class classOf(const engine::FilterInfo& filter) {
     @synchronized([CIFilter class]) {
         Class known = objc_lookUpClass(filter.name.c_str());
@@ -47,7 +47,7 @@ Class classOf(const engine::FilterInfo& filter) {
     }
 }
 
-/// The attributes of one input, such as Core Image tells them: only those that it has.
+/// The attributes of one input: only those that it has.
 NSDictionary* describe(const engine::InputInfo& input) {
     NSMutableDictionary* attributes = [NSMutableDictionary dictionary];
     auto set = [&](NSString* key, id value) {
@@ -75,7 +75,7 @@ NSURL* documentationOf(const engine::FilterInfo& filter) {
     return [NSURL URLWithString:text(url)];
 }
 
-/// "CICategoryTileEffect" for people.
+/// "Tile Effect" for kCICategoryTileEffect; nil for an unknown category.
 NSString* categoryName(NSString* category) {
     static NSDictionary* names = [[NSDictionary alloc]
         initWithObjectsAndKeys:@"Distortion Effect", kCICategoryDistortionEffect, @"Geometry Adjustment",
@@ -145,7 +145,7 @@ NSString* categoryName(NSString* category) {
     return info ? documentationOf(*info) : nil;
 }
 
-/// Values come and go through the keys of the inputs only.
+/// Values are reached only through the keys of the inputs.
 + (BOOL)accessInstanceVariablesDirectly {
     return NO;
 }
@@ -157,7 +157,7 @@ NSString* categoryName(NSString* category) {
     return self;
 }
 
-/// A filter is made by its name.
+/// Filters are made by name.
 - (id)init {
     [self release];
     return nil;
@@ -232,7 +232,7 @@ NSString* categoryName(NSString* category) {
     return [CIImage imageWithRecipe:output];
 }
 
-// -------------------------------------------------------------------------------- key-value coding
+// --- key-value coding -------------------------------------------------------------------------------------
 
 - (id)valueForKey:(NSString*)key {
     if (hasInput(*_state->info, key)) return [_state->values objectForKey:key];

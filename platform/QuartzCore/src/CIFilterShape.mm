@@ -1,3 +1,4 @@
+// CIFilterShape: a Region.
 #import <QuartzCore/CIFilterShape.h>
 
 #include "Region.h"

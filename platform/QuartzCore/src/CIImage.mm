@@ -1,3 +1,4 @@
+// CIImage: a recipe of the engine, and the properties of its source.
 #import <QuartzCore/CIImage.h>
 
 #include "Internal.h"
@@ -16,7 +17,7 @@ struct CIImageState {
 
 namespace {
 
-/// The choice that the options make, if they make one.
+/// How the options say to read the pixels.
 ci::SpaceChoice spaceChoice(NSDictionary* options) {
     id space = [options objectForKey:kCIImageColorSpace];
     if (space == [NSNull null]) return {ci::SpaceChoice::Kind::none, {}};
@@ -86,7 +87,7 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
     return self;
 }
 
-/// Every initialiser ends here: takes the recipe, or answers nil when there is none.
+/// Every initialiser ends here. Takes the recipe; nil if there is none.
 - (id)finishWithRecipe:(const engine::Image&)recipe {
     _state->recipe = recipe;
     return recipe ? self : nil;
@@ -126,7 +127,7 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
 }
 
 - (id)initWithSource:(CGImageSourceRef)source url:(NSURL*)url options:(NSDictionary*)options {
-    // Before the pixels, so that no format needs memory for both at once.
+    // Read before the pixels, so that no format needs memory for both at once.
     auto properties =
         cg::Retained<CFDictionaryRef>::adopt(CGImageSourceCopyPropertiesAtIndex(source, 0, nullptr));
     // Decoded at once, so that a damaged file is not taken for an image.

@@ -1,4 +1,4 @@
-// Automatic adjustment: from Core Image's options and features to the analysis, and from what it finds to
+// Automatic adjustment: from Core Image's options and features to the analysis, and from its findings to
 // filters.
 #import <QuartzCore/CIDetector.h>
 
@@ -17,7 +17,7 @@ bool isWanted(NSDictionary* options, NSString* key) {
     return ![value respondsToSelector:@selector(boolValue)] || [value boolValue];
 }
 
-/// How the picture is turned, by the options or else by its file; nil when neither tells.
+/// The EXIF orientation by the options, or else by the picture's file; nil if neither has one.
 NSNumber* orientationOf(CIImage* image, NSDictionary* options) {
     id orientation = [options objectForKey:(NSString*)kCGImagePropertyOrientation];
     if (!orientation) orientation = [[image properties] objectForKey:(NSString*)kCGImagePropertyOrientation];

@@ -1,3 +1,4 @@
+// CISampler: an image and its options.
 #import <QuartzCore/CISampler.h>
 
 #include "Internal.h"
@@ -7,7 +8,7 @@
 
 static cg::LiveCount live("CISampler");
 
-/// Keys and values that end with nil.
+/// A dictionary of keys and values that end with nil.
 static NSDictionary* pairs(id first, va_list rest) {
     NSMutableDictionary* options = [NSMutableDictionary dictionary];
     for (id key = first; key; key = va_arg(rest, id)) {

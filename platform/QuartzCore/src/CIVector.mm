@@ -1,3 +1,4 @@
+// CIVector: an array of numbers.
 #import <QuartzCore/CIVector.h>
 
 #include "Numbers.h"

@@ -1,4 +1,4 @@
-// The names that Core Image's dictionaries use.
+// Core Image's constants: the keys and values of its dictionaries, and pixel formats.
 #import <QuartzCore/QuartzCore.h>
 
 #define TEXT(symbol, text) NSString* const symbol = @text

@@ -11,7 +11,7 @@ namespace ci {
 
 /// An autoreleased number, vector, colour, transform, image, string or data.
 id objectOf(const engine::Value& value);
-/// The object as an input of the class `className` takes it; empty when it cannot.
+/// The value of the object for an input of the class `className`; empty if the input cannot use it.
 std::optional<engine::Value> valueOf(id object, const std::string& className);
 
 } // namespace ci

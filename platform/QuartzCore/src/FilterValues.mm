@@ -1,3 +1,4 @@
+// The values of filter inputs, between Cocoa's classes and the engine's variant.
 #include "FilterValues.h"
 
 #include "Internal.h"
@@ -47,7 +48,7 @@ std::optional<engine::Value> valueOf(id object, const std::string& className) {
         if (is([CIImage class])) return [(CIImage*)object recipe];
         if (is([CISampler class])) return [(CISampler*)object recipe];
     } else if (className == "NSNumber") {
-        // Text counts as the number that it says, as everywhere in Cocoa.
+        // Text is parsed as a number, as everywhere in Cocoa.
         if (is([NSNumber class]) || is([NSString class])) return [object doubleValue];
     } else if (className == "CIVector") {
         if (!is([CIVector class])) return {};
@@ -65,7 +66,7 @@ std::optional<engine::Value> valueOf(id object, const std::string& className) {
     } else if (is([NSData class])) {
         return bytesOf((NSData*)object);
     } else if (cg::ColorSpace* space = cg::get<cg::ColorSpace>((CFTypeRef)object)) {
-        // An input that takes any object wants a colour space: its profile.
+        // The engine takes a colour space as the bytes of its profile.
         return space->space()->iccData();
     }
     return {};

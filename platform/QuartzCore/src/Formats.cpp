@@ -1,3 +1,4 @@
+// Pixel layouts under their three names.
 #include "Formats.h"
 
 namespace ci {

@@ -11,16 +11,16 @@ namespace ci {
 struct CoreImageFormat {
     int code;
     engine::Format layout;
-    /// As Core Graphics says it, premultiplied.
+    /// The same layout for Core Graphics, premultiplied.
     CGBitmapInfo info;
 };
 
 /// Null for a code that is not one of the kCIFormat constants.
 const CoreImageFormat* formatNamed(int code);
-/// The code of the format that keeps components of so many bits.
+/// The code of the format for components of that many bits.
 int formatForBits(int bits);
 
-/// The engine's name for a layout of Core Graphics, without a size; empty when it has none.
+/// The engine's layout for one of Core Graphics, without a size; empty if the engine has none.
 std::optional<engine::PixelLayout> layoutOf(const cg::PixelFormat& format, CGColorSpaceRef space);
 
 } // namespace ci

@@ -1,4 +1,4 @@
-// What Core Image's classes know of each other.
+// Methods that Core Image's classes share only among themselves.
 #pragma once
 
 #import <QuartzCore/QuartzCore.h>
@@ -17,6 +17,6 @@
 @end
 
 @interface CISampler (Internal)
-/// What the sampler reads. Raises for a matrix that is not finite.
+/// The image as the sampler reads it. Raises for a matrix that is not finite.
 - (engine::Image)recipe;
 @end

@@ -1,3 +1,4 @@
+// Lists of numbers as text.
 #include "Numbers.h"
 
 #include <charconv>

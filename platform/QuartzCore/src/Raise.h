@@ -1,3 +1,4 @@
+// From the engine's failures to NSExceptions.
 #pragma once
 
 #import <Foundation/Foundation.h>
@@ -6,8 +7,8 @@
 
 namespace ci {
 
-/// Raises the failure, if it is one, as NSMallocException or NSInvalidArgumentException; `who` comes first in
-/// the reason.
+/// Raises NSMallocException or NSInvalidArgumentException for a failure, with a reason that begins with
+/// `who`.
 inline void raise(const Failure& failure, NSString* who) {
     if (!failure) return;
     [NSException raise:failure.memory ? NSMallocException : NSInvalidArgumentException

@@ -1,3 +1,4 @@
+// Set operations on regions made of rectangles.
 #include "Region.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ std::vector<Rect> outside(const Rect& r, const Rect& hole) {
     return parts;
 }
 
-/// Where the outline of a convex polygon meets a horizontal line: from the left to the right crossing.
+/// The leftmost and rightmost points where the outline of a convex polygon crosses a horizontal line.
 std::pair<double, double> crossing(const engine::Point (&corners)[4], double y) {
     double left = Rect::inf, right = -Rect::inf;
     auto meet = [&](double x) {
@@ -34,8 +35,8 @@ std::pair<double, double> crossing(const engine::Point (&corners)[4], double y) 
     return {left, right};
 }
 
-/// Bands inside of the transformed rectangle: a convex shape contains what lies between its cuts at both ends
-/// of a band.
+/// Bands inside the transformed rectangle. A convex shape contains the whole of a band if it contains both of
+/// its ends.
 std::vector<Rect> bandsInside(const Rect& r, const engine::Affine& m) {
     constexpr int count = 64;
     auto corner = [&m](double x, double y) { return m.apply(engine::Point{x, y}); };
@@ -96,7 +97,7 @@ Region Region::intersect(const Region& other) const {
 }
 
 Region Region::inset(double dx, double dy) const {
-    // What is grown grows the region; what is shrunk is eaten away from outside, by a grown complement.
+    // Growing grows every rectangle; shrinking grows the complement.
     auto grow = [](const Region& region, double x, double y) {
         Region grown;
         for (const Rect& r : region.rects_) grown = grown.unite(Region(r.grown(x, y)));

@@ -26,7 +26,7 @@ class Region {
     /// Rectangles that a transform does not keep upright become their bounding boxes or, with `interior`,
     /// bands that lie inside.
     Region transform(const engine::Affine& matrix, bool interior) const;
-    /// The same points, however they are cut.
+    /// True for the same points, however they are divided into rectangles.
     bool operator==(const Region& other) const;
 
   private:

@@ -1,10 +1,11 @@
+// Calls of the engine with Core Graphics' types, in which its exceptions end.
 #include "Shim.h"
 
 #include "Attempt.h"
 #include "Formats.h"
 
+#include <cg/canvas.h>
 #include <cg/color.h>
-#include <cg/context.h>
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +17,7 @@ namespace {
 
 constexpr double largest = std::numeric_limits<CGFloat>::max();
 
-/// The pixels of an image that the engine cannot read where they are.
+/// The pixels of an image whose layout the engine cannot read in place.
 class ConvertedRows final : public engine::RowSource {
   public:
     /// Colours other than RGB become sRGB.
@@ -97,15 +98,16 @@ void renderAll(const engine::Image& image, CGRect area, const engine::Target& ta
                    options);
 }
 
-/// What of the drawing is not clipped away, in user space, with the part of the source that belongs to it.
+/// Reduces `dest` to the part that is not clipped away, in user space, and `source` to match. False if none
+/// is left.
 bool clip(CGContextRef context, CGRect& dest, CGRect& source) {
     CGRect bounds = CGContextGetClipBoundingBox(context);
     dest = CGRectStandardize(dest);
     source = CGRectStandardize(source);
     if (CGRectIsNull(bounds) || CGRectIsEmpty(dest) || CGRectIsEmpty(source)) return false;
     if (CGRectIsInfinite(source) || CGRectIsInfinite(dest)) {
-        // An infinite picture has no scale to an area, so it is drawn as it is; nothing fills an infinite
-        // area else.
+        // An infinite picture cannot be scaled to an area, so it is drawn as it is; a finite one cannot fill
+        // an infinite area.
         if (!CGRectIsInfinite(source)) return false;
         dest = source = CGRectIntersection(dest, bounds);
         return !CGRectIsEmpty(dest);
@@ -132,7 +134,7 @@ bool isPlain(const cg::GraphicsState& state) {
 
 } // namespace
 
-// ---------------------------------------------------------------------------------------- geometry
+// --- geometry ---------------------------------------------------------------------------------------------
 
 engine::Rect fromCG(CGRect r) {
     if (CGRectIsNull(r)) return {};
@@ -164,14 +166,14 @@ engine::Color fromCG(CGColorRef ref) {
     });
 }
 
-// ------------------------------------------------------------------------------------------ images
+// --- images -----------------------------------------------------------------------------------------------
 
 engine::Image imageOf(CGImageRef ref, const SpaceChoice& choice) {
     Failure ignored;
     return attempt(ignored, [&]() -> engine::Image {
         cg::Retained<CGImageRef> image(ref);
         if (choice.kind == SpaceChoice::Kind::given)
-            // A space of another model cannot be meant, and is passed over.
+            // A space of another model is ignored.
             if (auto copy =
                     cg::Retained<CGImageRef>::adopt(CGImageCreateCopyWithColorSpace(ref, choice.space.get())))
                 image = copy;
@@ -230,7 +232,7 @@ engine::Image apply(const engine::FilterInfo& filter, const engine::Values& valu
     return attempt(failure, [&] { return engine::apply(filter, values); });
 }
 
-// --------------------------------------------------------------------------------------- rendering
+// --- rendering --------------------------------------------------------------------------------------------
 
 CGImageRef makeCGImage(const engine::Image& image, CGRect area, int format, CGColorSpaceRef space,
                        const engine::Options& options, Failure& failure) {
@@ -265,7 +267,7 @@ void renderBitmap(const engine::Image& image, CGRect area, int format, CGColorSp
 
 void draw(const engine::Image& image, CGContextRef ref, CGRect dest, CGRect source, engine::Options options,
           Failure& failure) {
-    cg::Context* context = cg::get<cg::Context>(ref);
+    cg::Canvas* context = cg::get<cg::Canvas>(ref);
     if (!context || !clip(ref, dest, source)) return;
     attempt(failure, [&] {
         auto layout = layoutOf(context->format(), context->space());
@@ -281,7 +283,7 @@ void draw(const engine::Image& image, CGContextRef ref, CGRect dest, CGRect sour
                            fromCG(CGContextConvertRectToDeviceSpace(ref, dest)), options);
             return;
         }
-        // Otherwise a picture in the size that it will have on the device is drawn like any other.
+        // Otherwise the image is rendered at its size on the device, and drawn like any picture.
         const CGAffineTransform& m = context->state().ctm;
         CGRect area = CGRectMake(0, 0, std::ceil(std::hypot(m.a, m.b) * dest.size.width),
                                  std::ceil(std::hypot(m.c, m.d) * dest.size.height));

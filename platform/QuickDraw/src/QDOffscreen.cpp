@@ -1,3 +1,4 @@
+// Off-screen worlds on the caller's pixels.
 #include <QD/QDOffscreen.h>
 
 #include <new>
@@ -19,7 +20,7 @@ namespace {
 constexpr QDErr kParameterError = -50;
 constexpr QDErr kMemoryFull = -108;
 
-// Bytes a pixel; 0 for a format that is not known.
+// Bytes per pixel; 0 for an unknown format.
 SInt32 pixelSize(UInt32 format) {
     switch (format) {
     case k16BE555PixelFormat:

@@ -1,3 +1,4 @@
+// The global queues, served by one set of threads.
 #include <dispatch/dispatch.h>
 
 #include <algorithm>
@@ -47,7 +48,7 @@ class Threads {
     }
 
   private:
-    // A system that is out of threads is asked again while nobody is there to do the work.
+    // Retries while the system is out of threads and there is none to do the work.
     void start() {
         for (;;) {
             try {

@@ -1,3 +1,4 @@
+// The global queues: priorities, concurrency and the reuse of threads.
 #include <dispatch/dispatch.h>
 
 #include <gtest/gtest.h>
@@ -40,7 +41,7 @@ TEST(Queues, EachPriorityHasItsQueue) {
     EXPECT_NE(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_BACKGROUND, 0), queue());
 }
 
-TEST(Queues, AnUnknownPriorityOrAFlagGivesNone) {
+TEST(Queues, AnUnknownPriorityOrAFlagHasNoQueue) {
     EXPECT_EQ(dispatch_get_global_queue(1, 0), nullptr);
     EXPECT_EQ(dispatch_get_global_queue(0, 1), nullptr);
 }
@@ -59,7 +60,7 @@ TEST(Queues, WorkRunsOnAnotherThreadWithItsContext) {
 }
 
 TEST(Queues, TasksRunSideBySide) {
-    // Each waits for all the others: one after the other they would never end.
+    // Each waits for all the others, so that one after the other they would never end.
     constexpr int kTasks = 8;
     struct Context {
         Meeting arrived, left;

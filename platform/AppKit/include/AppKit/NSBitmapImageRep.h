@@ -1,3 +1,4 @@
+// A picture's pixels.
 #pragma once
 
 #import <AppKit/NSImageRep.h>
@@ -12,10 +13,10 @@ enum {
 };
 typedef NSUInteger NSBitmapFormat;
 
-/** Property: a number from 0 to 1, the quality of JPEG. */
+/** Property of JPEG files: the quality, a number from 0 to 1. */
 APPKIT_EXTERN NSString* const NSImageCompressionFactor;
 
-/** A picture of pixels. */
+/** A bitmap. */
 @interface NSBitmapImageRep : NSImageRep {
   @private
     CGImageRef _image;
@@ -26,14 +27,13 @@ APPKIT_EXTERN NSString* const NSImageCompressionFactor;
     NSBitmapFormat _format;
 }
 
-/** Nil when the data are no image. The array has one for each image in the data. */
+/** Nil if the data are not an image. The array has a representation for each image in the data. */
 + (id)imageRepWithData:(NSData*)data;
 + (NSArray*)imageRepsWithData:(NSData*)data;
 - (id)initWithData:(NSData*)data;
 /** Nil for a null image. */
 - (id)initWithCGImage:(CGImageRef)image;
-/** Pixels of its own, cleared, in 8-bit samples, meshed; `planes` must be null. Nil for a layout it cannot
- * hold. */
+/** Cleared pixels of its own in meshed 8-bit samples; `planes` must be null. Nil for any other layout. */
 - (id)initWithBitmapDataPlanes:(unsigned char**)planes
                     pixelsWide:(NSInteger)width
                     pixelsHigh:(NSInteger)height
@@ -45,7 +45,7 @@ APPKIT_EXTERN NSString* const NSImageCompressionFactor;
                    bytesPerRow:(NSInteger)rowBytes
                   bitsPerPixel:(NSInteger)pixelBits;
 
-/** The pixels for reading and writing, the top row first; what is written shows in later pictures. */
+/** The pixels, to be read and written, the top row first. */
 - (unsigned char*)bitmapData;
 - (NSInteger)bytesPerRow;
 - (NSInteger)bitsPerPixel;
@@ -54,7 +54,7 @@ APPKIT_EXTERN NSString* const NSImageCompressionFactor;
 - (BOOL)isPlanar;
 /** Borrowed. */
 - (CGImageRef)CGImage;
-/** An image file; nil for a type that cannot be written: TIFF, JPEG and PNG can. */
+/** An image file: TIFF, JPEG or PNG; nil for any other type. */
 - (NSData*)representationUsingType:(NSBitmapImageFileType)storageType properties:(NSDictionary*)properties;
 - (NSData*)TIFFRepresentation;
 

@@ -1,10 +1,11 @@
+// A Core Image recipe as a picture's representation.
 #pragma once
 
 #import <AppKit/NSImageRep.h>
 
 @class CIImage;
 
-/** A representation that computes its Core Image recipe when it is drawn. */
+/** A representation that renders its Core Image recipe when it is drawn. */
 @interface NSCIImageRep : NSImageRep {
   @private
     CIImage* _image;

@@ -1,3 +1,4 @@
+// Cocoa's colours.
 #pragma once
 
 #import <AppKit/NSGraphics.h>

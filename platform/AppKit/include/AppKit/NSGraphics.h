@@ -1,16 +1,13 @@
+// Compositing operations, the names of colour spaces, and filling a rectangle.
 #pragma once
 
 #import <Foundation/Foundation.h>
 
 #import <CoreGraphics/CoreGraphics.h>
 
-#ifdef __cplusplus
-#define APPKIT_EXTERN extern "C"
-#else
-#define APPKIT_EXTERN extern
-#endif
+#import <AppKit/AppKitDefines.h>
 
-/** How drawing combines with what is there. */
+/** How drawing combines with the destination. */
 enum {
     NSCompositeClear,
     NSCompositeCopy,

@@ -1,8 +1,9 @@
+// The context that Cocoa draws to.
 #pragma once
 
 #import <AppKit/NSGraphics.h>
 
-/** The Core Graphics context that Cocoa's drawing goes to. One is current for each thread. */
+/** A Core Graphics context for Cocoa to draw to. Each thread has a current one. */
 @interface NSGraphicsContext : NSObject {
   @private
     CGContextRef _port;
@@ -14,7 +15,8 @@
 + (NSGraphicsContext*)currentContext;
 + (void)setCurrentContext:(NSGraphicsContext*)context;
 
-/** The current context and its state onto this thread's stack, and back. A lone restore does nothing. */
+/** Save the current context and its state on this thread's stack and restore them. A lone restore does
+ * nothing. */
 + (void)saveGraphicsState;
 + (void)restoreGraphicsState;
 - (void)saveGraphicsState;

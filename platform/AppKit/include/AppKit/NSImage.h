@@ -1,3 +1,4 @@
+// Pictures.
 #pragma once
 
 #import <AppKit/NSImageRep.h>
@@ -12,7 +13,7 @@
 
 /** An empty picture of a size in points. */
 - (id)initWithSize:(NSSize)size;
-/** Nil when there is no readable image. */
+/** Nil if there is no readable image. */
 - (id)initWithData:(NSData*)data;
 - (id)initWithContentsOfFile:(NSString*)path;
 - (id)initWithContentsOfURL:(NSURL*)url;
@@ -27,7 +28,7 @@
 - (void)removeRepresentation:(NSImageRep*)representation;
 
 /**
- * Between the two, drawing goes into the picture: onto what it shows already, kept as one bitmap that
+ * Between the two, drawing goes into the picture, on top of its contents. The result is one bitmap that
  * replaces the representations. An empty size raises NSImageCacheException.
  */
 - (void)lockFocus;
@@ -51,5 +52,3 @@
                                hints:(NSDictionary*)hints;
 
 @end
-
-APPKIT_EXTERN NSString* const NSImageCacheException;

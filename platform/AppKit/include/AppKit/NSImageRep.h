@@ -1,8 +1,9 @@
+// The representations of pictures.
 #pragma once
 
 #import <AppKit/NSGraphicsContext.h>
 
-/** One representation of an image. Subclasses answer -draw. */
+/** One representation of an image. Subclasses implement -draw. */
 @interface NSImageRep : NSObject <NSCopying> {
   @private
     NSSize _size;
@@ -33,11 +34,12 @@
 - (NSString*)colorSpaceName;
 - (void)setColorSpaceName:(NSString*)name;
 
-/** Draws at the origin of the current context, in its own size. NO without context or picture. */
+/** Draws at the origin of the current context, in its own size. NO without a context or anything to draw. */
 - (BOOL)draw;
 - (BOOL)drawAtPoint:(NSPoint)point;
 - (BOOL)drawInRect:(NSRect)rect;
-/** A picture of the representation, autoreleased; `proposedRect` (or the size when null) says how large. */
+/** An image of the representation, autoreleased, in the size of `proposedRect` or, if that is null, its own.
+ */
 - (CGImageRef)CGImageForProposedRect:(NSRect*)proposedRect
                              context:(NSGraphicsContext*)context
                                hints:(NSDictionary*)hints;

@@ -1,3 +1,4 @@
+// The system's folders by type.
 #pragma once
 
 #include <Carbon/Files.h>
@@ -9,6 +10,6 @@ enum { kFrameworksFolderType = 0x6672616D }; // 'fram'
 enum { kDontCreateFolder = 0, kCreateFolder = 1 };
 
 // The folder of that type. Errors: fnfErr for a type that this system does not have.
-OSErr FSFindFolder(SInt16 domain, OSType folderType, Boolean create, FSRef* ref);
+OSErr FSFindFolder(FSVolumeRefNum domain, OSType folderType, Boolean create, FSRef* ref);
 
 CF_EXTERN_C_END

@@ -1,3 +1,4 @@
+// The version of the system.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -13,9 +14,5 @@ enum {
 
 // Errors: gestaltUndefSelectorErr for any other selector.
 OSErr Gestalt(OSType selector, SInt32* response);
-
-// Sets the version that Gestalt answers from now on (10.8.5 at start). Not Apple's: for programs that try the
-// plugin's behaviour on another system. A major version of 0 makes the three version selectors undefined.
-void GestaltSetSystemVersion(SInt32 major, SInt32 minor, SInt32 bugFix);
 
 CF_EXTERN_C_END

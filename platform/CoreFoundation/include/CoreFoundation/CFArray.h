@@ -1,3 +1,4 @@
+// Arrays of objects: a CFArray is an NSArray.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>

@@ -1,3 +1,4 @@
+// The basic types of Core Foundation, and the functions for every object.
 #pragma once
 
 #include <stddef.h>
@@ -34,6 +35,8 @@ typedef unsigned long CFOptionFlags;
 
 typedef const void* CFTypeRef;
 typedef const struct __CFAllocator* CFAllocatorRef;
+typedef const struct __CFString* CFStringRef;
+typedef struct __CFString* CFMutableStringRef;
 
 typedef struct {
     CFIndex location;
@@ -45,18 +48,17 @@ static inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
     return range;
 }
 
-// There is one allocator, the C heap: every allocator argument may be null.
-#define kCFAllocatorDefault ((CFAllocatorRef)0)
-#define kCFAllocatorNull ((CFAllocatorRef)-1) // as a deallocator: leave the memory alone
+// Null. There is only one allocator, the C heap, so allocator arguments are ignored.
+extern const CFAllocatorRef kCFAllocatorDefault;
 
 // Retains and returns `object`, which must not be null.
 CFTypeRef CFRetain(CFTypeRef object);
-// Gives one reference back; `object` must not be null.
+// Gives up one reference; `object` must not be null.
 void CFRelease(CFTypeRef object);
 CFIndex CFGetRetainCount(CFTypeRef object);
 Boolean CFEqual(CFTypeRef a, CFTypeRef b);
 CFHashCode CFHash(CFTypeRef object);
 // A new string, owned by the caller.
-const struct __CFString* CFCopyDescription(CFTypeRef object);
+CFStringRef CFCopyDescription(CFTypeRef object);
 
 CF_EXTERN_C_END

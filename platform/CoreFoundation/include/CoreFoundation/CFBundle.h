@@ -1,3 +1,4 @@
+// Folders that hold a shared library.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -8,9 +9,9 @@ CF_EXTERN_C_BEGIN
 
 typedef struct __CFBundle* CFBundleRef;
 
-// A bundle of the folder at `url`, owned by the caller; null when there is no folder.
+// The bundle of the folder at `url`, owned by the caller; null if there is no such folder.
 CFBundleRef CFBundleCreate(CFAllocatorRef allocator, CFURLRef url);
-// Loads the shared library inside the bundle that bears its name; false when there is none.
+// Loads the shared library in the bundle that has the bundle's name; false if there is none.
 Boolean CFBundleLoadExecutable(CFBundleRef bundle);
 // Null when the executable is not loaded or has no such function.
 void* CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef name);

@@ -1,3 +1,4 @@
+// Bytes: a CFData is an NSData.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -9,7 +10,7 @@ typedef struct __CFData* CFMutableDataRef;
 
 // A copy of `length` bytes, owned by the caller.
 CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
-// An empty data that grows; `capacity` is a hint.
+// Empty data that can grow; `capacity` is a hint.
 CFMutableDataRef CFDataCreateMutable(CFAllocatorRef allocator, CFIndex capacity);
 CFIndex CFDataGetLength(CFDataRef data);
 const UInt8* CFDataGetBytePtr(CFDataRef data);

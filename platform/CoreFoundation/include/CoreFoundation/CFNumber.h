@@ -1,3 +1,4 @@
+// Numbers: a CFNumber is an NSNumber.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -17,9 +18,9 @@ typedef enum {
     kCFNumberDoubleType = 13
 } CFNumberType;
 
-// A new number, owned by the caller; null for a type that is not in the list.
+// A new number, owned by the caller; null for any other type.
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
-// Writes the value as `type`; false for a type that is not in the list.
+// Writes the value as `type`; false for any other type.
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 
 CF_EXTERN_C_END

@@ -1,11 +1,9 @@
+// Text: a CFString is an NSString.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
 
 CF_EXTERN_C_BEGIN
-
-typedef const struct __CFString* CFStringRef;
-typedef struct __CFString* CFMutableStringRef;
 
 typedef UInt32 CFStringEncoding;
 
@@ -29,8 +27,8 @@ typedef enum {
     kCFStringNormalizationFormKC = 3
 } CFStringNormalizationForm;
 
-// Makers: a new string that the caller owns; null when the bytes are not text in that encoding, or the
-// encoding is not known. Lengths are in bytes, or in UTF-16 units where characters are given.
+// New strings, owned by the caller; null if the encoding is unknown or the bytes are not text in it. Lengths
+// are in bytes, or in UTF-16 units for characters.
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text, CFStringEncoding encoding);
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation);
@@ -41,11 +39,11 @@ CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex m
 // In UTF-16 units.
 CFIndex CFStringGetLength(CFStringRef string);
 void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
-// Writes the text and a NUL; false when it does not fit into `size` bytes or cannot be said in the encoding.
+// Writes the text and a NUL; false if it does not fit into `size` bytes or the encoding lacks a character.
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStringEncoding encoding);
 void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form);
 
-// A constant string; lives for the life of the process.
+// A constant string, alive as long as the process.
 CFStringRef __CFStringMakeConstantString(const char* text);
 #define CFSTR(text) __CFStringMakeConstantString("" text "")
 

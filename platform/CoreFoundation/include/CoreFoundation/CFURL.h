@@ -1,3 +1,4 @@
+// URLs: a CFURL is an NSURL.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -10,7 +11,7 @@ struct FSRef;
 
 typedef enum { kCFURLPOSIXPathStyle = 0 } CFURLPathStyle;
 
-// Makers: a new URL that the caller owns, or null when the text is not a URL or the item is not known.
+// New URLs, owned by the caller; null if the text is not a URL or the item is unknown.
 CFURLRef CFURLCreateWithString(CFAllocatorRef allocator, CFStringRef text, CFURLRef base);
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path, CFURLPathStyle style,
                                        Boolean isDirectory);
@@ -25,7 +26,7 @@ CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
 // Borrowed from the URL.
 CFStringRef CFURLGetString(CFURLRef url);
 
-// True when the URL names a file-system item that exists.
+// True if the URL names an existing item of the file system.
 Boolean CFURLGetFSRef(CFURLRef url, struct FSRef* ref);
 
 CF_EXTERN_C_END

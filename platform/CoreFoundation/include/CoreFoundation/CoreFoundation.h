@@ -1,4 +1,4 @@
-// Core Foundation. Every object is toll-free: it can be sent Cocoa messages and be kept by Cocoa collections.
+// Core Foundation. Every object is toll-free: it can be sent Cocoa messages and kept in Cocoa collections.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>

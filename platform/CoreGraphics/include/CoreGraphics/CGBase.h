@@ -1,6 +1,5 @@
+// Included by every Core Graphics header: the scalar type and the linkage of C functions.
 #pragma once
-
-// What every Core Graphics header builds on: the scalar type and the linkage of the C functions.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <stdbool.h>

@@ -1,6 +1,5 @@
-#pragma once
-
 // Colours: the components of a colour space and an alpha, immutable.
+#pragma once
 
 #include <CoreGraphics/CGColorSpace.h>
 

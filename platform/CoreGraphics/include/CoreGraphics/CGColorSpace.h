@@ -1,6 +1,5 @@
+// Colour spaces: the meaning of the components of a colour or a pixel.
 #pragma once
-
-// Colour spaces: what the components of a colour or a pixel mean.
 
 #include <CoreGraphics/CGBase.h>
 #include <CoreGraphics/CGDataProvider.h>
@@ -36,7 +35,7 @@ CG_EXTERN const CFStringRef kCGColorSpaceGenericCMYK;
 CG_EXTERN const CFStringRef kCGColorSpaceAdobeRGB1998;
 CG_EXTERN const CFStringRef kCGColorSpaceSRGB;
 
-/** The spaces of the display. Each call answers the same object, retained. */
+/** The spaces of the display. Each call returns the same object, retained. */
 CG_EXTERN CGColorSpaceRef CGColorSpaceCreateDeviceGray(void);
 CG_EXTERN CGColorSpaceRef CGColorSpaceCreateDeviceRGB(void);
 CG_EXTERN CGColorSpaceRef CGColorSpaceCreateDeviceCMYK(void);
@@ -59,7 +58,9 @@ CG_EXTERN CGColorSpaceRef CGColorSpaceCreateCalibratedRGB(const CGFloat whitePoi
                                                           const CGFloat matrix[9]);
 /** A space from the bytes of an ICC profile; null when they are not one. */
 CG_EXTERN CGColorSpaceRef CGColorSpaceCreateWithICCProfile(CFDataRef data);
-/** As above with the number of components checked; `range` is ignored, `alternate` answers for a bad profile.
+/**
+ * The space of the profile if it has that many components, else `alternate`, retained, if that has; null
+ * otherwise. `range` is ignored.
  */
 CG_EXTERN CGColorSpaceRef CGColorSpaceCreateICCBased(size_t componentCount, const CGFloat* range,
                                                      CGDataProviderRef profile, CGColorSpaceRef alternate);

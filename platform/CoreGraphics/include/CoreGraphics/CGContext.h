@@ -1,6 +1,5 @@
-#pragma once
-
 // Drawing. User space has its origin at the lower left, y upwards.
+#pragma once
 
 #include <CoreGraphics/CGAffineTransform.h>
 #include <CoreGraphics/CGColor.h>
@@ -53,7 +52,7 @@ typedef int32_t CGInterpolationQuality;
 
 CG_EXTERN CGContextRef CGContextRetain(CGContextRef context);
 CG_EXTERN void CGContextRelease(CGContextRef context);
-/** Bitmap contexts draw at once, so both have nothing left to do. */
+/** Bitmap contexts draw immediately, so these do nothing. */
 CG_EXTERN void CGContextFlush(CGContextRef context);
 CG_EXTERN void CGContextSynchronize(CGContextRef context);
 

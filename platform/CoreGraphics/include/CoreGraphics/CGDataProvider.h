@@ -1,6 +1,5 @@
+// Data providers: the bytes behind an image.
 #pragma once
-
-// Where the bytes of an image come from.
 
 #include <CoreGraphics/CGBase.h>
 
@@ -14,7 +13,7 @@ CG_EXTERN CGDataProviderRef CGDataProviderCreateWithData(void* info, const void*
                                                          CGDataProviderReleaseDataCallback releaseData);
 /** Retains `data`; null gives null. */
 CG_EXTERN CGDataProviderRef CGDataProviderCreateWithCFData(CFDataRef data);
-/** The contents of a file; null when it cannot be read, and for a URL of anything else. */
+/** The contents of a file; null if it cannot be read or the URL is not a file's. */
 CG_EXTERN CGDataProviderRef CGDataProviderCreateWithURL(CFURLRef url);
 /** All bytes of the provider as a new data object. */
 CG_EXTERN CFDataRef CGDataProviderCopyData(CGDataProviderRef provider);

@@ -1,9 +1,8 @@
-#pragma once
-
 // Points, sizes and rectangles, and the arithmetic on them.
 //
 // A rectangle with a negative size covers the same area as its standardized form; every function here
 // standardizes its arguments first, unless it says otherwise.
+#pragma once
 
 #include <CoreGraphics/CGBase.h>
 
@@ -31,7 +30,7 @@ typedef enum CGRectEdge { CGRectMinXEdge, CGRectMinYEdge, CGRectMaxXEdge, CGRect
 CG_EXTERN const CGPoint CGPointZero;
 CG_EXTERN const CGSize CGSizeZero;
 CG_EXTERN const CGRect CGRectZero;
-/** No rectangle at all: what an empty intersection answers. It differs from an empty rectangle. */
+/** No rectangle at all, the result of an empty intersection; not the same as an empty rectangle. */
 CG_EXTERN const CGRect CGRectNull;
 /** The rectangle without bounds. */
 CG_EXTERN const CGRect CGRectInfinite;

@@ -1,6 +1,5 @@
-#pragma once
-
 // Bitmap images and image masks, immutable. Row 0 is the top of the image.
+#pragma once
 
 #include <CoreGraphics/CGColorSpace.h>
 #include <CoreGraphics/CGDataProvider.h>
@@ -22,8 +21,7 @@ typedef uint32_t CGImageAlphaInfo;
 
 typedef uint32_t CGBitmapInfo;
 
-/* Plain numbers, because they are made to be or-ed with the alpha infos, which C++ frowns upon between enums.
- */
+/* Macros, because C++ warns about or-ing constants of two enums, and these are or-ed with the alpha infos. */
 #define kCGBitmapAlphaInfoMask ((CGBitmapInfo)0x1F)
 #define kCGBitmapFloatComponents ((CGBitmapInfo)(1 << 8))
 #define kCGBitmapByteOrderMask ((CGBitmapInfo)0x7000)
@@ -64,7 +62,7 @@ CG_EXTERN CGImageRef CGImageCreateWithMask(CGImageRef image, CGImageRef mask);
 /** The part of `image` inside `rect` (origin at the top left, grown to whole pixels); null when there is
  * none. */
 CG_EXTERN CGImageRef CGImageCreateWithImageInRect(CGImageRef image, CGRect rect);
-/** The same bytes read in another space; null when the number of components differs or for a mask. */
+/** The same bytes in another space; null for a mask, or a space with another number of components. */
 CG_EXTERN CGImageRef CGImageCreateCopyWithColorSpace(CGImageRef image, CGColorSpaceRef space);
 
 CG_EXTERN bool CGImageIsMask(CGImageRef image);

@@ -1,3 +1,4 @@
+// Core Graphics.
 #pragma once
 
 #include <CoreGraphics/CGAffineTransform.h>

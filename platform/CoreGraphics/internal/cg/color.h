@@ -1,3 +1,4 @@
+// The payload of CGColor objects.
 #pragma once
 
 #include <CoreGraphics/CGColor.h>

@@ -1,3 +1,4 @@
+// The payload of CGColorSpace objects.
 #pragma once
 
 #include <CoreGraphics/CGColorSpace.h>
@@ -33,7 +34,7 @@ class CG_INTERNAL ColorSpace final : public Payload {
 
 /// Gray with sRGB's curve, so that it is the same gray as equal parts of device RGB.
 CG_INTERNAL color::ColorSpacePtr deviceGray();
-/// What the reference stands for; null for null.
+/// The colour space behind the reference; null for null.
 CG_INTERNAL color::ColorSpacePtr spaceOf(CGColorSpaceRef ref);
 /// An object for `space`, with one reference: the shared one for sRGB and the device spaces, otherwise a new
 /// one.

@@ -1,3 +1,4 @@
+// The payload of CGDataProvider objects.
 #pragma once
 
 #include <CoreGraphics/CGDataProvider.h>
@@ -15,7 +16,7 @@ class CG_INTERNAL DataProvider final : public Payload {
   public:
     using Ref = CGDataProviderRef;
 
-    /// `release` is called in the end; it keeps alive what it captures.
+    /// `release` is called at the end, and until then keeps what it captures alive.
     DataProvider(const std::uint8_t* bytes, std::size_t size, std::function<void()> release);
     ~DataProvider() override;
 
@@ -29,7 +30,7 @@ class CG_INTERNAL DataProvider final : public Payload {
     std::function<void()> release_;
 };
 
-/// A provider that keeps `owner`, whose bytes they are. Null when memory is short.
+/// A provider of bytes that `owner` keeps alive. Null if memory is short.
 CG_INTERNAL CGDataProviderRef makeProvider(const std::uint8_t* bytes, std::size_t size,
                                            std::shared_ptr<const void> owner) noexcept;
 

@@ -45,7 +45,7 @@ struct Matrix {
     }
 };
 
-/// A whole number that an int holds, whatever the coordinate.
+/// Truncates to an int; coordinates out of range are clamped.
 inline int toInt(double v) { return static_cast<int>(std::clamp(v, -1e9, 1e9)); }
 
 } // namespace cg

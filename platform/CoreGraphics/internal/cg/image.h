@@ -1,3 +1,4 @@
+// The payload of CGImage objects, and their pixels row by row in any layout.
 #pragma once
 
 #include <cg/colorspace.h>
@@ -44,12 +45,11 @@ class CG_INTERNAL Image final : public Payload {
     const std::uint8_t* bytes_ = nullptr;
 };
 
-/// Rows of an image, its mask applied, in the layout and space of the caller. Not for several threads at
-/// once.
+/// Rows of an image, its mask applied, in the layout and space of the caller. For one thread at a time.
 class CG_INTERNAL ImageRows {
   public:
-    /// Pixels come in `format` (8 bits or more). They are matched to `space`, or left as numbers when it is
-    /// null, which takes as many components as the image has.
+    /// Pixels come in `format` (8 bits or more), matched to `space`. A null space leaves the numbers as they
+    /// are; the format must then have as many components as the image.
     ImageRows(CGImageRef image, const PixelFormat& format, CGColorSpaceRef space);
     ~ImageRows();
     /// Writes rows y to y+count-1, counted from the top, each `rowBytes` long.

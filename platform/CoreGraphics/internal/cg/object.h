@@ -1,8 +1,7 @@
-// What stands behind the opaque types of Core Graphics (and of the frameworks upon it). Not Apple's API.
+// The objects behind the opaque types of Core Graphics and of the frameworks built on it.
 //
-// Every such object is an Objective-C object of the class __NSCFType, so that it can be retained, put into
-// Cocoa collections and released like any other; what it holds is a C++ Payload. All the C functions
-// can so be written in C++.
+// Each is an Objective-C object of the class __NSCFType, which can be retained, released and put into Cocoa
+// collections like any other, and holds a C++ Payload. The C functions can therefore be written in C++.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -18,7 +17,7 @@
 
 namespace cg {
 
-/// The number of live instances of one class, for leak checks. Make them static; they list themselves.
+/// The number of live instances of one class, for leak checks. Make them static; they register themselves.
 class CG_INTERNAL LiveCount {
   public:
     explicit LiveCount(const char* name) noexcept;
@@ -27,7 +26,7 @@ class CG_INTERNAL LiveCount {
 
     const char* name() const { return name_; }
     int count() const { return count_.load(std::memory_order_relaxed); }
-    /// All counts there are: first() and then next() until null.
+    /// Goes through all counts: first(), then next() until null.
     static const LiveCount* first();
     const LiveCount* next() const { return next_; }
 
@@ -37,7 +36,7 @@ class CG_INTERNAL LiveCount {
     std::atomic<int> count_ = 0;
 };
 
-/// What an object holds.
+/// The C++ object that a reference holds.
 class CG_INTERNAL Payload {
   public:
     /// `count` may be null for objects that live as long as the process.
@@ -66,15 +65,14 @@ CG_INTERNAL CFTypeRef makeObject(std::unique_ptr<Payload> payload);
 /// Null for null and for any object that was not made by makeObject.
 CG_INTERNAL Payload* payloadOf(CFTypeRef object);
 
-/// What a reference of the type T::Ref holds; null for null and for an object of another type.
+/// The payload behind a reference of the type T::Ref; null for null and for an object of another type.
 template <class T>
 T* get(CFTypeRef object) {
     return dynamic_cast<T*>(payloadOf(object));
 }
 
-/// Runs `body` and gives its result; the empty result when memory is short or an argument is impossible. For
-/// the C functions, which must not throw. (In C++ sources only: Objective-C++ code cannot catch what C++
-/// throws.)
+/// Runs `body` and returns its result, or an empty one if memory is short or an argument is invalid. For the
+/// C functions, which must not throw. (In C++ sources only: Objective-C++ code cannot catch C++ exceptions.)
 template <class Body>
 auto guarded(Body body) noexcept -> decltype(body()) {
     using Result = decltype(body());
@@ -96,7 +94,7 @@ typename T::Ref make(Args&&... args) noexcept {
     });
 }
 
-/// A reference that is kept: retains what it is given, releases in the end.
+/// A strong reference: retains the object that it is given, and releases it at the end.
 template <class Ref>
 class Retained {
   public:

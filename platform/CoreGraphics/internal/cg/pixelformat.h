@@ -1,3 +1,4 @@
+// Pixel layouts in memory, and rows of pixels as floats.
 #pragma once
 
 #include <CoreGraphics/CGImage.h>
@@ -23,13 +24,12 @@ struct CG_INTERNAL PixelFormat {
     int pixelBits = 32;
     /// Colour components, without alpha: 0 (coverage only), 1, 3 or 4.
     int colors = 3;
-    /// Where component k is, counted in samples from the start of the pixel; the last one is alpha's, -1
-    /// without.
+    /// The position of component k, in samples from the start of the pixel; alpha comes last. -1 for none.
     std::array<int, 5> offset = {0, 1, 2, 3, -1};
-    /// A sample that means nothing, written as full; -1 without.
+    /// The position of the filler sample, which is written as its maximum; -1 for none.
     int padding = -1;
     Alpha alpha = Alpha::none;
-    /// Samples of more than a byte in the order that is not the machine's.
+    /// Samples of several bytes are in the byte order that is not the machine's.
     bool swapped = false;
 
     std::size_t rowBytes(std::size_t width) const {
@@ -37,15 +37,15 @@ struct CG_INTERNAL PixelFormat {
     }
     bool hasAlpha() const { return alpha != Alpha::none; }
 
-    /// What Core Graphics' numbers mean, with `colors` components in the colour space; empty for a layout
-    /// that is not supported.
+    /// The layout that Core Graphics' numbers describe, with `colors` components in the colour space; empty
+    /// for an unsupported one.
     static std::optional<PixelFormat> of(std::size_t bits, std::size_t pixelBits, int colors,
                                          CGBitmapInfo info);
 
-    /// Pixels x to x+n-1 of the row to floats, as they are stored: premultiplied or straight. Alpha is 1
-    /// without.
+    /// Converts pixels x to x+n-1 of the row to floats, premultiplied or straight as they are stored. A
+    /// missing alpha is 1.
     void unpack(const std::uint8_t* row, std::size_t x, std::size_t n, const Planes& out) const;
-    /// The way back, rounded and clipped. For 8 bits and more only.
+    /// The reverse, rounded and clipped. For 8 bits and more only.
     void pack(std::uint8_t* row, std::size_t x, std::size_t n, const Planes& in) const;
 };
 

@@ -1,6 +1,5 @@
-#pragma once
-
 // Writing image files: "public.png", "public.jpeg" and "public.tiff".
+#pragma once
 
 #include <ImageIO/CGImageProperties.h>
 
@@ -18,6 +17,6 @@ IMAGEIO_EXTERN CGImageDestinationRef CGImageDestinationCreateWithData(CFMutableD
  * `properties`. */
 IMAGEIO_EXTERN void CGImageDestinationAddImage(CGImageDestinationRef destination, CGImageRef image,
                                                CFDictionaryRef properties);
-/** Writes everything; false when the number of images is wrong, an image cannot be encoded or the file
+/** Writes the file; false if the number of images is wrong, one cannot be encoded or the file cannot be
  * written. */
 IMAGEIO_EXTERN bool CGImageDestinationFinalize(CGImageDestinationRef destination);

@@ -1,6 +1,5 @@
-#pragma once
-
 // The keys of an image's properties.
+#pragma once
 
 #include <ImageIO/ImageIOBase.h>
 
@@ -10,7 +9,7 @@ IMAGEIO_EXTERN const CFStringRef kCGImagePropertyPixelHeight;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyDepth;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyDPIWidth;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyDPIHeight;
-/** A number from 1 to 8, as in TIFF and EXIF: 1 is upright, 6 wants a quarter turn to the right. */
+/** A number from 1 to 8, as in TIFF and EXIF: 1 is upright, 6 needs a quarter turn to the right. */
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyOrientation;
 /** Booleans. */
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyHasAlpha;
@@ -26,10 +25,11 @@ IMAGEIO_EXTERN const CFStringRef kCGImagePropertyColorModelGray;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyColorModelCMYK;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyColorModelLab;
 
-/** The keys of the metadata dictionaries, each there when the file has such metadata. Inside, numbers,
- * strings and arrays of numbers stand under the names of the fields without their prefixes: "ExposureTime"
- * and "ISOSpeedRatings" in Exif, "Make" in TIFF, "Latitude" (degrees, north or south as "LatitudeRef" says)
- * in GPS. */
+/**
+ * The dictionaries of metadata, present if the file has such metadata. They hold numbers, strings and arrays
+ * of numbers under the names of the fields without their prefixes: "ExposureTime" and "ISOSpeedRatings" in
+ * Exif, "Make" in TIFF, "Latitude" (in degrees, north or south by "LatitudeRef") in GPS.
+ */
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyTIFFDictionary;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyExifDictionary;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyGPSDictionary;

@@ -1,6 +1,5 @@
-#pragma once
-
 // Reading image files: JPEG, PNG, TIFF, GIF, BMP and WebP, recognised by their bytes.
+#pragma once
 
 #include <ImageIO/CGImageProperties.h>
 
@@ -11,12 +10,12 @@ IMAGEIO_EXTERN CGImageSourceRef CGImageSourceCreateWithData(CFDataRef data, CFDi
 IMAGEIO_EXTERN CGImageSourceRef CGImageSourceCreateWithURL(CFURLRef url, CFDictionaryRef options);
 /** The uniform type identifier, such as "public.jpeg"; borrowed. */
 IMAGEIO_EXTERN CFStringRef CGImageSourceGetType(CGImageSourceRef source);
-/** The number of images: frames of a GIF, pages of a TIFF, 1 for the rest; 0 when the structure is damaged.
- */
+/** The number of images: frames of a GIF or WebP, pages of a TIFF, 1 otherwise; 0 if the structure is
+ * damaged. */
 IMAGEIO_EXTERN size_t CGImageSourceGetCount(CGImageSourceRef source);
-/** Decodes one image, in the colour space that the file tells; null when it is damaged or too large. */
+/** Decodes one image, in the colour space that the file names; null if it is damaged or too large. */
 IMAGEIO_EXTERN CGImageRef CGImageSourceCreateImageAtIndex(CGImageSourceRef source, size_t index,
                                                           CFDictionaryRef options);
-/** What the file tells about one image, under the keys of CGImageProperties.h; null for a damaged image. */
+/** The properties of one image, under the keys of CGImageProperties.h; null for a damaged image. */
 IMAGEIO_EXTERN CFDictionaryRef CGImageSourceCopyPropertiesAtIndex(CGImageSourceRef source, size_t index,
                                                                   CFDictionaryRef options);

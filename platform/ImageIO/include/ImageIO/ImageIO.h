@@ -1,3 +1,4 @@
+// Image I/O.
 #pragma once
 
 #include <ImageIO/CGImageDestination.h>

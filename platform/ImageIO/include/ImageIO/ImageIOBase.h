@@ -1,3 +1,4 @@
+// Included by every Image I/O header: Core Graphics and the linkage of C functions.
 #pragma once
 
 #include <CoreGraphics/CoreGraphics.h>

@@ -1,3 +1,4 @@
+// Colours.
 #pragma once
 
 #import <QuartzCore/CoreImageDefines.h>
@@ -13,8 +14,7 @@
 /** In sRGB, alpha 1 unless given. */
 + (CIColor*)colorWithRed:(CGFloat)r green:(CGFloat)g blue:(CGFloat)b alpha:(CGFloat)a;
 + (CIColor*)colorWithRed:(CGFloat)r green:(CGFloat)g blue:(CGFloat)b;
-/** From three or four numbers, "0.5 0.7 0.3 1.0". Text that is something else gives opaque black, nil gives
- * nil. */
+/** From three or four numbers, "0.5 0.7 0.3 1.0". Any other text gives opaque black, nil gives nil. */
 + (CIColor*)colorWithString:(NSString*)representation;
 
 - (id)initWithCGColor:(CGColorRef)color;
@@ -26,7 +26,7 @@
 - (CGFloat)alpha;
 /** Borrowed. */
 - (CGColorSpaceRef)colorSpace;
-/** Not premultiplied: the components of an RGB colour as they are, any other colour converted to sRGB. */
+/** Not premultiplied: the components of an RGB colour; any other colour is converted to sRGB. */
 - (CGFloat)red;
 - (CGFloat)green;
 - (CGFloat)blue;

@@ -1,3 +1,4 @@
+// Filters, their attributes and their catalogue.
 #pragma once
 
 #import <QuartzCore/CoreImageDefines.h>
@@ -8,7 +9,7 @@
 CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterName;
 CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterDisplayName;
 CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterCategories;
-/** The first system that has the filter, such as "10.4". */
+/** The first version of the system with the filter, such as "10.4". */
 CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterAvailable_Mac;
 /** An NSURL. */
 CORE_IMAGE_EXTERN NSString* const kCIAttributeReferenceDocumentation;
@@ -74,13 +75,13 @@ CORE_IMAGE_EXTERN NSString* const kCIInputBackgroundImageKey;
 CORE_IMAGE_EXTERN NSString* const kCIOutputImageKey;
 
 /**
- * A filter: inputs under their keys, and the image that comes of them. Inputs are read and written by
- * key-value coding; the key "outputImage" is read only. Inputs have no value until they are set or
- * setDefaults is sent; an input without value counts with its default when the output is made.
+ * A filter: inputs by key, and the image that it makes of them. Inputs are read and written by key-value
+ * coding; the key "outputImage" is read only. Inputs have no value until they are set or -setDefaults is
+ * called; without a value, the output is made with the default.
  *
- * Any object can be set as a value. When it cannot serve for its input, asking for the output raises
- * NSInvalidArgumentException with a reason that names filter and input. A key that the filter does not
- * have raises NSUnknownKeyException.
+ * Any object can be set as a value. If the input cannot use it, asking for the output raises
+ * NSInvalidArgumentException with a reason that names the filter and the input. Unknown keys raise
+ * NSUnknownKeyException.
  */
 @interface CIFilter : NSObject <NSCopying> {
   @private
@@ -94,10 +95,10 @@ CORE_IMAGE_EXTERN NSString* const kCIOutputImageKey;
 
 /** The names in alphabetical order; nil means all filters. */
 + (NSArray*)filterNamesInCategory:(NSString*)category;
-/** The filters that are in every one of the categories; none given means all filters. */
+/** The filters that are in all of the categories; nil or an empty array means all filters. */
 + (NSArray*)filterNamesInCategories:(NSArray*)categories;
 
-/** Texts for people; nil for an unknown name. */
+/** Texts for users; nil for an unknown name. */
 + (NSString*)localizedNameForFilterName:(NSString*)filterName;
 + (NSString*)localizedNameForCategory:(NSString*)category;
 + (NSString*)localizedDescriptionForFilterName:(NSString*)filterName;
@@ -110,11 +111,11 @@ CORE_IMAGE_EXTERN NSString* const kCIOutputImageKey;
 /** Sets every input that has a default to it. */
 - (void)setDefaults;
 /**
- * The filter's own keys, and for each input a dictionary with the kCIAttribute keys that apply. Of the output
- * only the class is told.
+ * The filter's own keys, and for each input a dictionary of the kCIAttribute keys that apply. The output's
+ * dictionary has only its class.
  */
 - (NSDictionary*)attributes;
-/** Nil when an image that the filter needs is missing. */
+/** Nil if an image that the filter needs is missing. */
 - (CIImage*)outputImage;
 
 @end

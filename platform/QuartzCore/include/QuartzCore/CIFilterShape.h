@@ -1,3 +1,4 @@
+// Regions of the plane.
 #pragma once
 
 #import <QuartzCore/CoreImageDefines.h>
@@ -12,8 +13,8 @@
 - (id)initWithRect:(CGRect)r;
 
 /**
- * The transformed shape. Where a transform does not keep rectangles upright the result is, with `interior`, a
- * region inside the exact one (made of bands), otherwise the bounding boxes of the rectangles.
+ * The transformed shape. If the transform does not keep rectangles upright, the result is made of bands that
+ * lie inside the exact shape (`interior`) or of the rectangles' bounding boxes (otherwise).
  */
 - (CIFilterShape*)transformBy:(CGAffineTransform)m interior:(BOOL)interior;
 /** Every boundary moved inwards by `dx` and `dy`, or outwards when negative. */

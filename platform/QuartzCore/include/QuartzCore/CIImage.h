@@ -1,3 +1,4 @@
+// Images, and their automatic adjustment.
 #pragma once
 
 #import <QuartzCore/CoreImageDefines.h>
@@ -12,13 +13,13 @@ CORE_IMAGE_EXTERN CIFormat kCIFormatRGBA8;  /* 24: bytes R G B A */
 CORE_IMAGE_EXTERN CIFormat kCIFormatRGBA16; /* 27: 16 bits each */
 CORE_IMAGE_EXTERN CIFormat kCIFormatRGBAf;  /* 34: floats */
 
-/** Option: the CGColorSpace in which to read the data, instead of their own; NSNull for no colour matching.
+/** Option: the CGColorSpace in which to read the data instead of their own, or NSNull for no colour matching.
  */
 CORE_IMAGE_EXTERN NSString* const kCIImageColorSpace;
-/** Option: the dictionary that `properties` answers. */
+/** Option: the dictionary that `properties` returns. */
 CORE_IMAGE_EXTERN NSString* const kCIImageProperties;
 
-/** Options of the automatic adjustment: NSNumbers, NO to leave out what enhances or the correction of red
+/** Options of the automatic adjustment: NSNumbers, NO to leave out the enhancement or the correction of red
  * eyes; and an NSArray of features to use instead of detecting faces. */
 CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustEnhance;
 CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustRedEye;
@@ -44,24 +45,24 @@ CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustFeatures;
 + (CIImage*)imageWithContentsOfURL:(NSURL*)url options:(NSDictionary*)options;
 + (CIImage*)imageWithData:(NSData*)data;
 + (CIImage*)imageWithData:(NSData*)data options:(NSDictionary*)options;
-/** One colour everywhere; nil for nil. */
+/** One colour everywhere. Nil for a nil colour. */
 + (CIImage*)imageWithColor:(CIColor*)color;
-/** Nothing anywhere. */
+/** Transparent everywhere. */
 + (CIImage*)emptyImage;
 
 /** Nil for a null image. */
 - (id)initWithCGImage:(CGImageRef)image;
 - (id)initWithCGImage:(CGImageRef)image options:(NSDictionary*)options;
-/** Nil when the format is unknown, the size is not positive, the data are too few or the space is no RGB. */
+/** Nil if the format is unknown, the size is not positive, there are too few data or the space is not RGB. */
 - (id)initWithBitmapData:(NSData*)data
              bytesPerRow:(size_t)bytesPerRow
                     size:(CGSize)size
                   format:(CIFormat)format
               colorSpace:(CGColorSpaceRef)colorSpace;
-/** Nil when there is no readable image file. */
+/** Nil if there is no readable image file. */
 - (id)initWithContentsOfURL:(NSURL*)url;
 - (id)initWithContentsOfURL:(NSURL*)url options:(NSDictionary*)options;
-/** Nil when the bytes are not an undamaged image file. */
+/** Nil unless the bytes are an undamaged image file. */
 - (id)initWithData:(NSData*)data;
 - (id)initWithData:(NSData*)data options:(NSDictionary*)options;
 - (id)initWithColor:(CIColor*)color;
@@ -70,30 +71,30 @@ CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustFeatures;
 - (CIImage*)imageByApplyingTransform:(CGAffineTransform)matrix;
 - (CIImage*)imageByCroppingToRect:(CGRect)r;
 
-/** Where the image can be other than transparent; CGRectInfinite for no bounds, CGRectZero for an empty
- * image. */
+/** The rectangle outside of which the image is transparent; CGRectInfinite if unbounded, CGRectZero if empty.
+ */
 - (CGRect)extent;
 - (CIFilterShape*)definition;
-/** What the file told about itself, or the dictionary given as kCIImageProperties; empty for other images. */
+/** The properties of the file, or the dictionary given as kCIImageProperties; empty for other images. */
 - (NSDictionary*)properties;
 /** The file that the image was read from, or nil. */
 - (NSURL*)url;
-/** The space of the pixels that the image was made of; null for anything computed. Borrowed. */
+/** The space of the pixels that the image was made from; null for a computed image. Borrowed. */
 - (CGColorSpaceRef)colorSpace;
 
 @end
 
 @interface CIImage (AutoAdjustment)
 /**
- * The filters that would improve the picture, as CIFilters with every input set but the image; each is meant
- * to get the output of the one before. In order: CIRedEyeCorrections and CIFaceBalance, where a face asks for
- * them, then CIVibrance, CIToneCurve and CIHighlightShadowAdjust. Empty when the extent is empty or infinite.
- * Analyses the picture at once.
+ * The filters that would improve the picture, with every input set but the image; chain them in their order.
+ * First CIRedEyeCorrections and CIFaceBalance, if a face needs them, then CIVibrance, CIToneCurve and
+ * CIHighlightShadowAdjust. Empty if the extent is empty or infinite. Analyses the picture immediately.
  */
 - (NSArray*)autoAdjustmentFilters;
 /**
- * The same with the kCIImageAutoAdjust options, and under kCGImagePropertyOrientation how the picture is
- * turned, for the detection of faces; without it the picture's own properties tell. The options may be nil.
+ * The same with the kCIImageAutoAdjust options and, under kCGImagePropertyOrientation, the picture's
+ * orientation for the detection of faces; it defaults to that in the picture's own properties. The options
+ * may be nil.
  */
 - (NSArray*)autoAdjustmentFiltersWithOptions:(NSDictionary*)options;
 @end

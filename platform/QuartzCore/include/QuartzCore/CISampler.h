@@ -1,3 +1,4 @@
+// Images with the way they are read.
 #pragma once
 
 #import <QuartzCore/CoreImageDefines.h>
@@ -19,9 +20,9 @@ CORE_IMAGE_EXTERN NSString* const kCISamplerFilterLinear;
 /**
  * An image with the transform and the modes by which it is read. Immutable.
  *
- * Beyond the image's edge "black" (the default) reads nothing and "clamp" the nearest pixel of the edge.
- * Between the centres of pixels "linear" (the default) mixes the four around and "nearest" takes the one of
- * them. A filter takes a sampler where it takes an image, and works on what the sampler reads.
+ * Beyond the image's edge "black" (the default) reads transparent pixels and "clamp" the nearest pixel of the
+ * edge. Between the centres of pixels "linear" (the default) mixes the four around and "nearest" takes the
+ * nearest. A filter takes a sampler in place of an image.
  */
 @interface CISampler : NSObject <NSCopying> {
   @private
@@ -36,16 +37,16 @@ CORE_IMAGE_EXTERN NSString* const kCISamplerFilterLinear;
 /** Nil for a nil image. */
 - (id)initWithImage:(CIImage*)image;
 - (id)initWithImage:(CIImage*)image keysAndValues:(id)key, ...;
-/** The options are kept as they are; unknown modes are read as the defaults. */
+/** Unknown modes count as the defaults. */
 - (id)initWithImage:(CIImage*)image options:(NSDictionary*)options;
 
 /**
- * Every place where something other than nothing can be read: infinite for "clamp", and half a pixel of the
- * image more on each side where "linear" fades out. Raises NSInvalidArgumentException for a matrix that is
- * not finite.
+ * Where the sampler can read something other than transparent: everywhere for "clamp", and half a pixel
+ * beyond the image where "linear" fades out. Raises NSInvalidArgumentException for a matrix that is not
+ * finite.
  */
 - (CIFilterShape*)definition;
-/** Where the transformed image is; the wrap mode counts outside of it. */
+/** The rectangle of the transformed image, whatever the wrap mode. */
 - (CGRect)extent;
 
 @end

@@ -1,3 +1,4 @@
+// Lists of numbers.
 #pragma once
 
 #import <QuartzCore/CoreImageDefines.h>
@@ -10,7 +11,7 @@
     CGFloat* _values;
 }
 
-/** A null `values` or a count of 0 gives a vector without elements. */
+/** Null `values` or a count of 0 give a vector without elements. */
 + (CIVector*)vectorWithValues:(const CGFloat*)values count:(size_t)count;
 + (CIVector*)vectorWithX:(CGFloat)x;
 + (CIVector*)vectorWithX:(CGFloat)x Y:(CGFloat)y;
@@ -22,7 +23,7 @@
 + (CIVector*)vectorWithCGRect:(CGRect)r;
 /** a, b, c, d, tx, ty. */
 + (CIVector*)vectorWithCGAffineTransform:(CGAffineTransform)t;
-/** From text like "[1 2 3]"; the brackets may be missing, commas count as blanks. Nil for anything else. */
+/** From text like "[1 2 3]"; brackets are optional and commas count as blanks. Nil for any other text. */
 + (CIVector*)vectorWithString:(NSString*)representation;
 
 - (id)initWithValues:(const CGFloat*)values count:(size_t)count;

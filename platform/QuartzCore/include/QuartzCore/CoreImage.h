@@ -1,3 +1,4 @@
+// Core Image, all but the detectors.
 #pragma once
 
 #import <QuartzCore/CoreImageDefines.h>

@@ -1,3 +1,4 @@
+// The part of QuartzCore that is Core Image.
 #pragma once
 
 #import <QuartzCore/CoreImage.h>

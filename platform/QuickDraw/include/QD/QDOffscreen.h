@@ -1,5 +1,4 @@
-// QuickDraw's off-screen worlds, as far as Core Graphics and Core Image meet them: a rectangle of pixels and
-// the functions that tell about it.
+// QuickDraw's off-screen worlds: a rectangle of pixels and the functions that describe it.
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -24,20 +23,20 @@ enum {
     k32ARGBPixelFormat = 32,
 };
 
-// Makes a world upon the caller's pixels, which must outlive it; pixels of one row follow each other, rows
-// are `rowBytes` apart. The colour table and the device do not matter here. Errors: paramErr (-50) for no
-// pixels, an empty rectangle, rows too short or another format, memFullErr (-108).
+// Makes a world on the caller's pixels, which must outlive it; rows are `rowBytes` apart. The colour table
+// and the device are ignored. Errors: paramErr (-50) for null pixels, an empty rectangle, short rows or an
+// unknown format; memFullErr (-108).
 QDErr NewGWorldFromPtr(GWorldPtr* world, UInt32 pixelFormat, const Rect* bounds, CTabHandle colors,
                        GDHandle device, GWorldFlags flags, Ptr pixels, SInt32 rowBytes);
-// Null is fine.
+// Null is ignored.
 void DisposeGWorld(GWorldPtr world);
 
 // The world's pixel map, which lives as long as the world; null for null. The functions below take it.
 PixMapHandle GetGWorldPixMap(GWorldPtr world);
 
-// Bits a pixel.
+// Bits per pixel.
 SInt16 GetPixDepth(PixMapHandle map);
-// Pins the pixels to their place until they are unlocked as often; always true here.
+// Keeps the pixels in place until they have been unlocked as often as locked. Always true.
 Boolean LockPixels(PixMapHandle map);
 void UnlockPixels(PixMapHandle map);
 // Null unless the pixels are locked.

@@ -1,0 +1,8 @@
+// The linkage of AppKit's functions and constants.
+#pragma once
+
+#ifdef __cplusplus
+#define APPKIT_EXTERN extern "C"
+#else
+#define APPKIT_EXTERN extern
+#endif

@@ -1,0 +1,26 @@
+// AppKit's drawing: the current context, and bitmaps for pictures of a size in points.
+#pragma once
+
+#import <AppKit/NSGraphicsContext.h>
+
+#include <cg/object.h>
+
+#include <cmath>
+
+namespace appkit {
+
+/// The Core Graphics context that this thread draws to, borrowed; null without a current context.
+inline CGContextRef currentPort() {
+    return static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
+}
+
+/// A cleared bitmap in device RGB with one pixel for each point, rounded up; null for an empty or absurd
+/// size.
+inline cg::Retained<CGContextRef> makeBitmap(NSSize size) {
+    auto space = cg::Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
+    auto pixels = [](CGFloat v) { return v > 0 && v < 1e6f ? static_cast<size_t>(std::ceil(v)) : 0; };
+    return cg::Retained<CGContextRef>::adopt(CGBitmapContextCreate(
+        nullptr, pixels(size.width), pixels(size.height), 8, 0, space.get(), kCGImageAlphaPremultipliedLast));
+}
+
+} // namespace appkit

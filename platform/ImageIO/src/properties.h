@@ -1,0 +1,16 @@
+// Property dictionaries.
+#pragma once
+
+#include <ImageIO/CGImageProperties.h>
+
+#include "decoder.h"
+
+namespace imageio {
+
+/// The dictionary that describes an image, owned by the caller.
+CFDictionaryRef makeProperties(const Info& info);
+
+/// A number of a properties dictionary; `missing` when the dictionary is null or has no such number.
+double numberProperty(CFDictionaryRef properties, CFStringRef key, double missing);
+
+} // namespace imageio
