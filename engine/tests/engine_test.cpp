@@ -1130,11 +1130,11 @@ TEST(Engine, HostileNumbersEndInPixels) {
              {double(NAN), double(INFINITY), -double(INFINITY), -1e9, 1e9, 1e300, -1e-300, 0.0}) {
             Values values;
             for (const InputInfo& input : info->inputs) {
-                if (input.className == "CIImage") values[input.key] = image;
-                if (input.className == "NSNumber") values[input.key] = bad;
-                if (input.className == "CIVector") values[input.key] = Numbers{bad, bad, bad, bad};
-                if (input.className == "CIColor") values[input.key] = Color{bad, bad, bad, bad};
-                if (input.className == "NSAffineTransform") values[input.key] = Affine{bad, 0, 0, 1, bad, 0};
+                if (input.kind == InputKind::image) values[input.key] = image;
+                if (input.kind == InputKind::number) values[input.key] = bad;
+                if (input.kind == InputKind::vector) values[input.key] = Numbers{bad, bad, bad, bad};
+                if (input.kind == InputKind::color) values[input.key] = Color{bad, bad, bad, bad};
+                if (input.kind == InputKind::transform) values[input.key] = Affine{bad, 0, 0, 1, bad, 0};
             }
             Image result = engine::apply(*info, values);
             ASSERT_NE(result, nullptr) << info->name;
@@ -1167,8 +1167,8 @@ TEST(Engine, FiltersDescribeThemselves) {
         for (const InputInfo& input : info->inputs) {
             EXPECT_FALSE(input.displayName.empty());
             // Pictures, a message and a colour space have to be given.
-            bool given =
-                input.className == "CIImage" || input.key == "inputMessage" || input.key == "inputColorSpace";
+            bool given = input.kind == InputKind::image || input.key == "inputMessage" ||
+                         input.key == "inputColorSpace";
             if (!given) EXPECT_TRUE(input.defaultValue) << info->name << input.key;
         }
     }
