@@ -1,6 +1,6 @@
+// CIRedEyeCorrections: pupils without the red of a flash.
+#include "kernel.h"
 #include "registry.h"
-
-#include <color/vecmath.h>
 
 #include <cmath>
 
@@ -8,32 +8,24 @@ namespace engine {
 
 namespace {
 
-SIMD_INLINE inline float smooth(float t) {
-    t = color::simd::unit(t);
-    return t * t * (3 - 2 * t);
-}
-
 /// Takes the red out of a pupil: what is much redder than skin, in a circle that fades out between 0.8
 /// and 1.2 of the radius. In linear light skin has up to three times as much red as green or blue, a
-/// flash-lit pupil many times.
+/// flash-lit pupil many times. (Our own formula.)
 SpanFunction correctionStep(Point centre, double radius) {
     return [=](const Span& s, int x, int y, int n) {
         double dy = (y + 0.5 - centre.y) / radius;
         if (std::abs(dy) >= 1.2) return;
         int first = std::max(0, static_cast<int>(std::max(std::floor(centre.x - 1.2 * radius) - x, 0.0)));
         int last = static_cast<int>(std::clamp(std::ceil(centre.x + 1.2 * radius) - x, 0.0, double(n)));
-        float x0 = static_cast<float>((x + 0.5 - centre.x) / radius), step = static_cast<float>(1 / radius);
-        color::simd::run([=, r = s.plane[0], g = s.plane[1], b = s.plane[2],
-                          y2 = static_cast<float>(dy * dy)]() SIMD_INLINE {
-            namespace simd = color::simd;
-            SIMD_LOOP
-            for (int i = first; i < last; ++i) {
-                float dx = x0 + static_cast<float>(i) * step;
-                float inside = smooth((1.2f - simd::sqrt(dx * dx + y2)) * 2.5f);
-                float other = simd::max(simd::max(g[i], b[i]), 1e-6f);
-                float red = smooth((r[i] / other - 3) * (1 / 3.f));
-                r[i] = simd::mix(r[i], 0.5f * (g[i] + b[i]), inside * red);
-            }
+        if (first >= last) return;
+        eachIndex(last - first, [=, row = ScaledFrom{centre, 1 / radius}.row(x, y)](int k) SIMD_INLINE {
+            int i = first + k;
+            Position from = row.at(i);
+            Pixel q = load(s, i);
+            float inside = smoothstep((1.2f - simd::sqrt(from.x * from.x + from.y * from.y)) * 2.5f);
+            float other = simd::max(simd::max(q.g, q.b), 1e-6f);
+            float red = smoothstep((q.r / other - 3) * (1 / 3.f));
+            s.plane[0][i] = simd::mix(q.r, 0.5f * (q.g + q.b), inside * red);
         });
     };
 }
