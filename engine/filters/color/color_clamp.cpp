@@ -1,30 +1,15 @@
+// CIColorClamp: components kept between limits.
+#include "kernel.h"
 #include "registry.h"
-
-#include <color/vecmath.h>
 
 namespace engine {
 
-/// Each component of the straight colour is kept between two limits; the upper one wins.
+/// Each component of the straight colour is kept between two limits; the upper one wins. (Public definition.)
 static Image build(const Inputs& in) {
-    std::array<float, 4> low, high;
-    Numbers least = in.vector("inputMinComponents", 4), most = in.vector("inputMaxComponents", 4);
-    std::transform(least.begin(), least.end(), low.begin(), [](double v) { return static_cast<float>(v); });
-    std::transform(most.begin(), most.end(), high.begin(), [](double v) { return static_cast<float>(v); });
-    return pointStep(in.image("inputImage"), "color clamp", [=](const RenderContext&) -> SpanFunction {
-        return [=](const Span& s, int, int, int n) {
-            namespace simd = color::simd;
-            simd::run([=, r = s.plane[0], g = s.plane[1], b = s.plane[2], a = s.plane[3]]() SIMD_INLINE {
-                SIMD_LOOP
-                for (int i = 0; i < n; ++i) {
-                    float inverse = a[i] > 0 ? 1 / a[i] : 0;
-                    float alpha = simd::clamp(a[i], low[3], high[3]);
-                    r[i] = alpha * simd::clamp(r[i] * inverse, low[0], high[0]);
-                    g[i] = alpha * simd::clamp(g[i] * inverse, low[1], high[1]);
-                    b[i] = alpha * simd::clamp(b[i] * inverse, low[2], high[2]);
-                    a[i] = alpha;
-                }
-            });
-        };
+    auto low = floats<4>(in, "inputMinComponents"), high = floats<4>(in, "inputMaxComponents");
+    return eachStraightPixel(in.image("inputImage"), "color clamp", [=](Pixel p) SIMD_INLINE -> Pixel {
+        return {simd::clamp(p.r, low[0], high[0]), simd::clamp(p.g, low[1], high[1]),
+                simd::clamp(p.b, low[2], high[2]), simd::clamp(p.a, low[3], high[3])};
     });
 }
 

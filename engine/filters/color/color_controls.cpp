@@ -1,14 +1,16 @@
+// CIColorControls: saturation, brightness and contrast.
+#include "kernel.h"
 #include "registry.h"
 
 namespace engine {
 
-/// Saturation mixes with the luminance of Rec. 709, brightness adds, contrast scales around one half.
+/// Saturation mixes with the luminance, brightness adds, contrast scales around one half. (Public
+/// definition.)
 static Image build(const Inputs& in) {
     double s = in.number("inputSaturation", -1000, 1000), c = in.number("inputContrast", -1000, 1000);
     double bias = (in.number("inputBrightness", -1000, 1000) - 0.5) * c + 0.5;
-    constexpr double luma[3] = {0.2126, 0.7152, 0.0722};
     std::array<double, 9> m;
-    for (int i = 0; i < 9; ++i) m[i] = c * ((1 - s) * luma[i % 3] + (i % 4 == 0 ? s : 0));
+    for (int i = 0; i < 9; ++i) m[i] = c * ((1 - s) * luminanceWeights[i % 3] + (i % 4 == 0 ? s : 0));
     return colorMatrix(in.image("inputImage"), colorsOnly(m, bias));
 }
 

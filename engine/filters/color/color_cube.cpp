@@ -1,3 +1,5 @@
+// CIColorCube, CIColorCubeWithColorSpace: colours looked up in a table with three dimensions.
+#include "kernel.h"
 #include "registry.h"
 
 #include <cmath>
@@ -53,7 +55,7 @@ struct Cube {
 /// The straight colour finds its place in the cube; alpha multiplies what is found there.
 void lookUp(const Cube& cube, const Span& s, int n) {
     for (int i = 0; i < n; ++i) {
-        float a = s.plane[3][i], inverse = a > 0 ? 1 / a : 0;
+        float a = s.plane[3][i], inverse = unpremultiply(a);
         Rgba found = cube.at(s.plane[0][i] * inverse, s.plane[1][i] * inverse, s.plane[2][i] * inverse);
         for (int c = 0; c < 4; ++c) s.plane[c][i] = a * found[c];
     }
@@ -74,7 +76,7 @@ Image build(const Inputs& in) {
 template <class F>
 void onStraight(const Span& s, int n, F step) {
     for (int c = 0; c < 3; ++c)
-        for (int i = 0; i < n; ++i) s.plane[c][i] *= s.plane[3][i] > 0 ? 1 / s.plane[3][i] : 0;
+        for (int i = 0; i < n; ++i) s.plane[c][i] *= unpremultiply(s.plane[3][i]);
     step();
     for (int c = 0; c < 3; ++c)
         for (int i = 0; i < n; ++i) s.plane[c][i] *= s.plane[3][i];
@@ -126,12 +128,11 @@ std::vector<InputInfo> cubeInputs() {
             dataInput("inputCubeData", "Cube Data", identity(), identity())};
 }
 
-/// Of any class; what counts is the profile of a colour space.
 InputInfo spaceInput() {
     InputInfo info;
     info.key = "inputColorSpace";
     info.displayName = "Color Space";
-    info.className = "NSObject";
+    info.kind = InputKind::colorSpace;
     return info;
 }
 

@@ -1,8 +1,9 @@
+// CIColorInvert: the negative.
 #include "registry.h"
 
 namespace engine {
 
-/// 1 - rgb, alpha as it was.
+/// 1 - rgb on straight colour; alpha stays. (Public definition.)
 static Image build(const Inputs& in) {
     return colorMatrix(in.image("inputImage"), colorsOnly({-1, 0, 0, 0, -1, 0, 0, 0, -1}, 1));
 }

@@ -1,16 +1,15 @@
+// CIColorMap: the colours of a gradient, by brightness.
+#include "kernel.h"
 #include "registry.h"
 #include "sample.h"
-
-#include <color/vecmath.h>
-
-#include <cmath>
 
 namespace engine {
 
 namespace {
 
 /// Looks the light of each pixel up in the lowest row of a gradient, from its left end for black to its right
-/// one for white. (Core Image does not tell its own formula; light is seen as eyes do, in sRGB's coded form.)
+/// one for white. (Core Image does not publish its formula; here light is looked up as eyes see it, in sRGB's
+/// coded form.)
 class ColorMapNode : public Node {
   public:
     ColorMapNode(const Image& image, const Image& gradient)
@@ -35,27 +34,18 @@ class ColorMapNode : public Node {
             : input_(std::move(input)), gradient_(std::move(gradient)) {}
 
         void row(int x, int y, int n, const Span& out) override {
-            namespace simd = color::simd;
-            alignas(32) float place[maxSpan], zero[maxSpan], alpha[maxSpan];
+            alignas(32) float place[maxSpan], zero[maxSpan] = {}, alpha[maxSpan];
             input_->row(x, y, n, out);
             float last = static_cast<float>(gradient_.area.width() - 1);
-            simd::run([=, place = place, zero = zero, alpha = alpha, r = out.plane[0], g = out.plane[1],
-                       b = out.plane[2], a = out.plane[3]]() SIMD_INLINE {
-                SIMD_LOOP
-                for (int i = 0; i < n; ++i) {
-                    float inverse = a[i] > 0 ? 1 / a[i] : 0;
-                    float light = (0.2126f * r[i] + 0.7152f * g[i] + 0.0722f * b[i]) * inverse;
-                    place[i] = last * simd::linearToSrgb(simd::unit(light));
-                    zero[i] = 0;
-                    alpha[i] = a[i];
-                }
+            eachIndex(n, [=, place = place, alpha = alpha](int i) SIMD_INLINE {
+                Pixel p = load(out, i);
+                float light = luminance(p) * unpremultiply(p.a);
+                place[i] = last * simd::linearToSrgb(simd::unit(light));
+                alpha[i] = p.a;
             });
             sample(gradient_, place, zero, n, out);
             for (float* p : out.plane)
-                simd::run([=, alpha = alpha]() SIMD_INLINE {
-                    SIMD_LOOP
-                    for (int i = 0; i < n; ++i) p[i] *= alpha[i];
-                });
+                eachIndex(n, [=, alpha = alpha](int i) SIMD_INLINE { p[i] *= alpha[i]; });
         }
 
       private:

@@ -1,3 +1,4 @@
+// CIColorMatrix: components as weighted sums of components.
 #include "registry.h"
 
 namespace engine {

@@ -1,30 +1,21 @@
+// CIColorMonochrome: shades of one colour.
+#include "kernel.h"
 #include "registry.h"
-
-#include <color/vecmath.h>
 
 namespace engine {
 
-/// Mixes each pixel with its luminance times the colour.
+/// Mixes each pixel with its luminance times the colour. (Our own formula.)
 static Image build(const Inputs& in) {
     double intensity = in.number("inputIntensity", -10, 10);
     if (intensity == 0) return in.image("inputImage");
-    return pointStep(in.image("inputImage"), "monochrome",
-                     [t = static_cast<float>(intensity),
-                      tint = in.color("inputColor")](const RenderContext& context) -> SpanFunction {
-                         Rgba k = context.color({tint.r, tint.g, tint.b, 1});
-                         return [=](const Span& s, int, int, int n) {
-                             namespace simd = color::simd;
-                             simd::run([=, r = s.plane[0], g = s.plane[1], b = s.plane[2]]() SIMD_INLINE {
-                                 SIMD_LOOP
-                                 for (int i = 0; i < n; ++i) {
-                                     float y = 0.2126f * r[i] + 0.7152f * g[i] + 0.0722f * b[i];
-                                     r[i] = simd::mix(r[i], y * k[0], t);
-                                     g[i] = simd::mix(g[i], y * k[1], t);
-                                     b[i] = simd::mix(b[i], y * k[2], t);
-                                 }
-                             });
-                         };
-                     });
+    Color color = in.color("inputColor");
+    color.a = 1;
+    return eachPixel(in.image("inputImage"), "monochrome", [=](const RenderContext& context) {
+        return [tint = pixel(context.color(color)), t = static_cast<float>(intensity)](Pixel p) SIMD_INLINE {
+            float y = luminance(p);
+            return eachColor(p, tint, [=](float v, float k) SIMD_INLINE { return simd::mix(v, y * k, t); });
+        };
+    });
 }
 
 static const Registrar filter{

@@ -1,10 +1,11 @@
+// CIExposureAdjust: more or less light.
 #include "registry.h"
 
 #include <cmath>
 
 namespace engine {
 
-/// rgb * 2^EV: one stop is a doubling of light.
+/// rgb * 2^EV, the public definition: one stop is a doubling of light.
 static Image build(const Inputs& in) {
     double f = std::exp2(in.number("inputEV", -64, 64));
     return colorMatrix(in.image("inputImage"), colorsOnly({f, 0, 0, 0, f, 0, 0, 0, f}));

@@ -1,29 +1,16 @@
+// CIGammaAdjust: a power curve.
+#include "kernel.h"
 #include "registry.h"
-
-#include <color/vecmath.h>
 
 namespace engine {
 
-/// rgb to the power p on straight colour; negative components keep their sign.
-static SpanFunction gammaStep(float p) {
-    return [=](const Span& s, int, int, int n) {
-        const float* alpha = s.plane[3];
-        for (int c = 0; c < 3; ++c)
-            color::simd::run([=, v = s.plane[c]]() SIMD_INLINE {
-                SIMD_LOOP
-                for (int i = 0; i < n; ++i) {
-                    float a = alpha[i], x = a > 0 ? v[i] / a : 0;
-                    v[i] = a * color::simd::copySign(color::simd::pow(color::simd::abs(x), p), x);
-                }
-            });
-    };
-}
-
+/// rgb to the power p on straight colour: the public definition. Negative components keep their sign.
 static Image build(const Inputs& in) {
     double power = in.number("inputPower", 0, 1000);
     if (power == 1) return in.image("inputImage");
-    return pointStep(in.image("inputImage"), "gamma",
-                     [p = static_cast<float>(power)](const RenderContext&) { return gammaStep(p); });
+    return eachStraightColor(in.image("inputImage"), "gamma",
+                             [p = static_cast<float>(power)](float v)
+                                 SIMD_INLINE { return simd::copySign(simd::pow(simd::abs(v), p), v); });
 }
 
 static const Registrar filter{

@@ -1,3 +1,5 @@
+// CIHueAdjust: hues turned around the circle.
+#include "kernel.h"
 #include "registry.h"
 
 #include <cmath>
@@ -28,10 +30,8 @@ static const Registrar filter{
      "Turns all hues around the colour circle by an angle.",
      "10.4",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
-     {imageInput(),
-      numberInput(
-          "inputAngle", "Angle", "Angle",
-          {.value = 0, .identity = 0, .sliderMin = -3.141592653589793, .sliderMax = 3.141592653589793})},
+     {imageInput(), numberInput("inputAngle", "Angle", "Angle",
+                                {.value = 0, .identity = 0, .sliderMin = -pi, .sliderMax = pi})},
      build}};
 
 } // namespace engine

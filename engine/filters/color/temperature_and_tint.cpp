@@ -1,3 +1,4 @@
+// CITemperatureAndTint: the white of one light as that of another.
 #include "registry.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
+// CIToneCurve: brightness along a curve through five points.
+#include "kernel.h"
 #include "registry.h"
-
-#include <color/vecmath.h>
 
 #include <cmath>
 
@@ -53,27 +53,7 @@ Curve through(std::array<Point, points> p) {
 }
 
 /// Each component goes through the curve in its coded form, as eyes see it; beyond the ends it stays at their
-/// height.
-SpanFunction curveStep(const Curve& curve) {
-    return [=](const Span& s, int, int, int n) {
-        namespace simd = color::simd;
-        for (int c = 0; c < 3; ++c)
-            simd::run([=, v = s.plane[c], alpha = s.plane[3], k = curve]() SIMD_INLINE {
-                SIMD_LOOP
-                for (int i = 0; i < n; ++i) {
-                    float a = alpha[i];
-                    float x = simd::clamp(simd::linearToSrgb(a > 0 ? v[i] / a : 0), k.x[0], k.x[4]);
-                    bool past1 = x > k.x[1], past2 = x > k.x[2], past3 = x > k.x[3];
-                    auto of = [=](const auto& list) SIMD_INLINE {
-                        return past3 ? list[3] : past2 ? list[2] : past1 ? list[1] : list[0];
-                    };
-                    float t = x - of(k.x);
-                    v[i] = a * simd::srgbToLinear(of(k.y) + t * (of(k.c1) + t * (of(k.c2) + t * of(k.c3))));
-                }
-            });
-    };
-}
-
+/// height. (The public definition tells of a spline through the points; which one is our choice.)
 Image build(const Inputs& in) {
     constexpr const char* keys[] = {"inputPoint0", "inputPoint1", "inputPoint2", "inputPoint3",
                                     "inputPoint4"};
@@ -86,8 +66,15 @@ Image build(const Inputs& in) {
     }
     // A curve that changes nothing does not clip either.
     if (straight) return in.image("inputImage");
-    return pointStep(in.image("inputImage"), "tone curve",
-                     [curve = through(p)](const RenderContext&) { return curveStep(curve); });
+    return eachStraightColor(in.image("inputImage"), "tone curve", [k = through(p)](float v) SIMD_INLINE {
+        float x = simd::clamp(simd::linearToSrgb(v), k.x[0], k.x[4]);
+        bool past1 = x > k.x[1], past2 = x > k.x[2], past3 = x > k.x[3];
+        auto of = [=](const auto& list) SIMD_INLINE {
+            return past3 ? list[3] : past2 ? list[2] : past1 ? list[1] : list[0];
+        };
+        float t = x - of(k.x);
+        return simd::srgbToLinear(of(k.y) + t * (of(k.c1) + t * (of(k.c2) + t * of(k.c3))));
+    });
 }
 
 InputInfo pointInput(const std::string& number, double value) {

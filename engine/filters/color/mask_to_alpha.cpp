@@ -1,0 +1,24 @@
+// CIMaskToAlpha: brightness as alpha.
+#include "kernel.h"
+#include "registry.h"
+
+namespace engine {
+
+/// White that is as opaque as the pixel is bright. (Public definition; that brightness is luminance is ours.)
+static Image build(const Inputs& in) {
+    return eachPixel(in.image("inputImage"), "mask to alpha", [](Pixel p) SIMD_INLINE {
+        float bright = simd::unit(luminance(p));
+        return gray(bright, bright);
+    });
+}
+
+static const Registrar filter{
+    {"CIMaskToAlpha",
+     "Mask to Alpha",
+     "Turns a picture in grays into white that is opaque where the picture is bright.",
+     "10.4",
+     categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
+     {imageInput()},
+     build}};
+
+} // namespace engine
