@@ -2,13 +2,13 @@
 #pragma once
 
 #include <coreimage/classes.h>
-#include <model/wrapper.h>
+#include <objects/wrapper.h>
 
 #import <QuartzCore/QuartzCore.h>
 
 namespace coreimage {
 
-using namespace model;
+using namespace objects;
 
 inline constexpr WrapperType kColor = {"CIColorKaz", "CIColor"};
 inline constexpr WrapperType kContext = {"CIContextKaz", "CIContext"};

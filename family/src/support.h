@@ -1,11 +1,11 @@
 // What more than one class of this plugin needs.
 #pragma once
 
-#include <model/wrapper.h>
+#include <objects/wrapper.h>
 
 namespace family {
 
-using namespace model;
+using namespace objects;
 
 // True, and a NilObjectException raised, when the argument is null.
 inline bool raisesWhenNull(const void* argument, const char* message) {

@@ -1,7 +1,7 @@
 // Files and folders, by path.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <string>
 

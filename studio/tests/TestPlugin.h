@@ -2,7 +2,7 @@
 // when they are asked to.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 // Announces the given record version and registers in that layout.
 void testPlugin12(REALResolver resolver);

@@ -1,7 +1,7 @@
 // The load-time rewriting of class records, on records made for the test.
-#include <host/records.h>
-#include <host/registration.h>
-#include <host/services.h>
+#include <hostapi/records.h>
+#include <hostapi/registration.h>
+#include <hostapi/services.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The bridge inside a host of the test's choice: the test program itself is the plugin.
 #pragma once
 
-#include <host/services.h>
+#include <hostapi/services.h>
 #include <studio/host.h>
 
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 
 #include <bridge/registry.h>
 #include <bridge/wrapping.h>
-#include <host/records.h>
-#include <host/registration.h>
+#include <hostapi/records.h>
+#include <hostapi/registration.h>
 
 #import <AppKit/AppKit.h>
 #include <objc/runtime.h>

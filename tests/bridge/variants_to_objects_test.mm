@@ -1,8 +1,8 @@
 #include "conversion_test.h"
 
 #include <bridge/wrapping.h>
-#include <host/records.h>
-#include <host/registration.h>
+#include <hostapi/records.h>
+#include <hostapi/registration.h>
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // Host arrays, memory blocks, files and dates against their Cocoa counterparts.
 #pragma once
 
-#include <host/services.h>
+#include <hostapi/services.h>
 
 @class NSAffineTransform, NSArray, NSData, NSDate, NSImage, NSURL;
 

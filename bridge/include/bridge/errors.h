@@ -2,7 +2,7 @@
 // result right after.
 #pragma once
 
-#include <host/services.h>
+#include <hostapi/services.h>
 
 @class NSException;
 

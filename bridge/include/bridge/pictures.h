@@ -3,7 +3,7 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 #include <bridge/owned.h>
-#include <host/services.h>
+#include <hostapi/services.h>
 
 struct PixMap; // QuickDraw's
 

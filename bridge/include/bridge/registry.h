@@ -3,7 +3,7 @@
 // as class methods of NSException.
 #pragma once
 
-#include <host/services.h>
+#include <hostapi/services.h>
 
 namespace bridge {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
-#include <host/services.h>
+#include <hostapi/services.h>
 
 // A new platform string that the caller releases; null for null, and when no conversion works.
 CFStringRef RBString2CFString(REALstring string);

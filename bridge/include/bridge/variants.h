@@ -1,7 +1,7 @@
 // Host variants and dictionaries against any Cocoa object, both ways.
 #pragma once
 
-#include <host/services.h>
+#include <hostapi/services.h>
 
 #import <Foundation/Foundation.h>
 

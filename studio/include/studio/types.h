@@ -1,7 +1,7 @@
 // The types of the language and the untyped bits of their values.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <cstdint>
 #include <string>

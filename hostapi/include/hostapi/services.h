@@ -2,7 +2,7 @@
 // first use; while the host does not offer it, a call does nothing and answers 0, null or false.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <type_traits>
 

@@ -1,6 +1,6 @@
-#include <host/records.h>
-#include <host/registration.h>
-#include <host/services.h>
+#include <hostapi/records.h>
+#include <hostapi/registration.h>
+#include <hostapi/services.h>
 
 #include <cstdlib>
 #include <cstring>

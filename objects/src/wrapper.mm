@@ -1,10 +1,10 @@
-#include <model/wrapper.h>
+#include <objects/wrapper.h>
 
 #include <objc/runtime.h>
 
 #include <cstdio>
 
-namespace model {
+namespace objects {
 
 void constructWrapper(REALobject) { bridge::ensureFamily(); }
 
@@ -97,4 +97,4 @@ REALobject newColorSpace(CGColorSpaceRef colorSpace) {
 
 REALobject newCGImage(CGImageRef image) { return newUnregistered("CGImageKaz", image); }
 
-} // namespace model
+} // namespace objects

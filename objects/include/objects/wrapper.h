@@ -7,9 +7,9 @@
 #include <bridge/guard.h>
 #include <bridge/strings.h>
 #include <bridge/wrapping.h>
-#include <host/records.h>
+#include <hostapi/records.h>
 
-namespace model {
+namespace objects {
 
 using bridge::guarded;
 using bridge::guardedInPool;
@@ -120,4 +120,4 @@ REALobject newCGImage(CGImageRef image);              // null for null; retains 
 // A new wrapper of `native`, which it retains and does not register; null for null.
 REALobject newUnregistered(const char* hostClass, CFTypeRef native);
 
-} // namespace model
+} // namespace objects

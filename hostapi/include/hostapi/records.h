@@ -1,7 +1,7 @@
 // Makers for the class definition records, so that a class file reads like its table of declarations.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <iterator>
 

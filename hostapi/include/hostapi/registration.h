@@ -1,7 +1,7 @@
 // Fitting the class records to the host that runs, and registering them.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 // The record version in use: 9 to 12.
 extern std::int32_t CurrentREALControlVersion;

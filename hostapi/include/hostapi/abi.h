@@ -91,7 +91,8 @@ enum REALTextEncoding : std::uint32_t {
     kREALTextEncodingUTF8 = 0x08000100,
 };
 
-// The bytes of a host string, NUL-terminated, a block of the C heap. Given back with "PluginDisposeStringData".
+// The bytes of a host string, NUL-terminated, a block of the C heap. Given back with
+// "PluginDisposeStringData".
 struct REALstringData {
     void* data;
     std::uint32_t length; // in bytes, without the terminator
