@@ -5,8 +5,9 @@
 #include <studio/host.h>
 
 #include <Carbon/Carbon.h>
+#include <bridge/dictionaries.h>
 #include <bridge/pictures.h>
-#include <bridge/strings.h>
+#include <bridge/text.h>
 #include <bridge/variants.h>
 #include <string>
 #include <vector>

@@ -24,3 +24,17 @@ function(kaz_tests name)
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES ENVIRONMENT "${KAZ_TEST_ENVIRONMENT}" TIMEOUT ${arg_TIMEOUT})
 endfunction()
+
+# kaz_host_tests(NAME SOURCES file... LIBRARIES target...)
+# Likewise in the studio's host: the tests may load the plugin and its family, at KAZ_PLUGIN and KAZ_FAMILY.
+function(kaz_host_tests name)
+  if(NOT BUILD_TESTING)
+    return()
+  endif()
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  kaz_tests(${name} SOURCES ${arg_SOURCES} LIBRARIES ${arg_LIBRARIES} studio_runtime)
+  target_compile_definitions(${name} PRIVATE
+    KAZ_PLUGIN="$<TARGET_FILE:CoreImageKaz>"
+    KAZ_FAMILY="$<TARGET_FILE:FamilyKaz>")
+  add_dependencies(${name} CoreImageKaz FamilyKaz)
+endfunction()

@@ -1,3 +1,4 @@
+#include <hostapi/arrays.h>
 #include <hostapi/records.h>
 #include <hostapi/registration.h>
 #include <hostapi/services.h>

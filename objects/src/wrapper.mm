@@ -26,6 +26,12 @@ bool raisesWhenInitialized(REALobject wrapper) {
     return true;
 }
 
+bool raisesWhenNull(const void* argument, const char* message) {
+    if (argument) return false;
+    RaiseException(bridge::kNilObject, message);
+    return true;
+}
+
 void adopt(REALobject wrapper, id native) {
     if (!native) return;
     instanceData<id>(wrapper) = native;
@@ -57,44 +63,12 @@ REALstring description(REALobject wrapper, std::uint32_t) {
     return stringResult([&] { return [nativeHandle(wrapper) description]; });
 }
 
-CGRect rectangleOf(REALobject rect) {
-    if (!rect) return CGRectMake(0, 0, 0, 0);
-    const RectangleFields& fields = instanceData<RectangleFields>(rect);
-    return CGRectMake(static_cast<CGFloat>(fields.x), static_cast<CGFloat>(fields.y),
-                      static_cast<CGFloat>(fields.width), static_cast<CGFloat>(fields.height));
+REALclassDefinition wrapperClass(const char* hostClass, host::Table<REALproperty> properties,
+                                 host::Table<REALmethodDefinition> methods,
+                                 host::Table<REALconstant> constants,
+                                 host::Table<REALmethodDefinition> sharedMethods) {
+    return classDefinition({.name = hostClass, .constructor = constructWrapper, .destructor = destroyWrapper},
+                           properties, methods, constants, sharedMethods);
 }
-
-CGRect sourceRectangle(REALobject rect, CGRect extent) {
-    CGRect source = rectangleOf(rect);
-    if (source.size.width < 1) source.size.width = extent.size.width;
-    if (source.size.height < 1) source.size.height = extent.size.height;
-    return source;
-}
-
-REALobject newRectangle(CGRect rect) {
-    REALobject object = REALnewInstance("CGRectKaz");
-    if (object)
-        instanceData<RectangleFields>(object) = {rect.origin.x, rect.origin.y, rect.size.width,
-                                                 rect.size.height};
-    return object;
-}
-
-REALobject newPoint(CGPoint point) {
-    REALobject object = REALnewInstance("CGPointKaz");
-    if (object) instanceData<PointFields>(object) = {point.x, point.y};
-    return object;
-}
-
-REALobject newUnregistered(const char* hostClass, CFTypeRef native) {
-    REALobject object = native ? bridge::newWrapper(hostClass, native) : nullptr;
-    if (object) CFRetain(native);
-    return object;
-}
-
-REALobject newColorSpace(CGColorSpaceRef colorSpace) {
-    return newUnregistered("CGColorSpaceKaz", colorSpace);
-}
-
-REALobject newCGImage(CGImageRef image) { return newUnregistered("CGImageKaz", image); }
 
 } // namespace objects

@@ -1,12 +1,11 @@
-// The plugin's way to the host: one wrapper per host service. A wrapper asks the resolver for its entry on
-// first use; while the host does not offer it, a call does nothing and answers 0, null or false.
+// The host's services, one function object each. A service asks the resolver for its entry on first use;
+// while the host does not offer it, a call does nothing and answers 0, null or false.
 #pragma once
 
 #include <hostapi/abi.h>
+#include <hostapi/lookup.h>
 
-#include <type_traits>
-
-// The host's lookup function, set once by REALPluginMain before any wrapper is called.
+// The host's lookup function, set once by REALPluginMain before any service is called.
 extern REALResolver gResolver;
 
 // What the host says of itself: its version as a double such as 2013.03, 0.0 when it does not say.
@@ -14,39 +13,15 @@ extern double rbversion_rbversion;
 
 namespace host {
 
+inline void* askResolver(const char* entryName) { return gResolver(entryName); }
+
 template <class Function>
-class Service;
-
-template <class Result, class... Arguments>
-class Service<Result (*)(Arguments...)> {
-  public:
-    using Function = Result (*)(Arguments...);
-
-    explicit constexpr Service(const char* entryName) : entryName(entryName) {}
-
-    // The service's address, or null. A null answer is not kept for good: the next call asks again.
-    Function resolve() {
-        if (!cached) cached = reinterpret_cast<Function>(gResolver(entryName));
-        return cached;
-    }
-
-    Result operator()(Arguments... arguments) {
-        if (Function function = resolve()) return function(arguments...);
-        return Result();
-    }
-
-  private:
-    const char* entryName;
-    Function cached = nullptr;
-};
-
-// Whether the host shows the element storage of its arrays (REALarrayStruct).
-bool showsArrayStorage();
+using Service = LookedUpFunction<Function, askResolver>;
 
 } // namespace host
 
-#define HOST_SERVICE(wrapper, entry)                                                                         \
-    inline constinit host::Service<host::service::entry> wrapper { #entry }
+#define HOST_SERVICE(name, entry)                                                                            \
+    inline constinit host::Service<host::service::entry> name { #entry }
 
 HOST_SERVICE(PluginGetStringData, PluginGetStringData); // reached through REALGetStringData of the bridge
 HOST_SERVICE(StringGetCString, StringGetCString);       // likewise
@@ -130,70 +105,23 @@ inline void* REALLoadFrameworkMethod(const char* declaration) {
 
 namespace host {
 
-// Reads an element through the accessor that the host hands out for the array, asked for again for every
-// element. Strings and objects come locked; 0 or null when the host hands out none.
-template <class Value>
-struct ArrayGetter {
-    Value operator()(REALarray array, std::int32_t index) const {
-        using Get = void (*)(REALarray, std::int32_t, Value*);
-        Value value = {};
-        if (Get get = reinterpret_cast<Get>(REALGetArrayGetProc(array))) get(array, index, &value);
-        return value;
+// A function of the host's framework, by its declaration.
+template <class Function>
+using FrameworkMethod = LookedUpFunction<Function, REALLoadFrameworkMethod>;
+
+// A class of the host by its name; the host may come to know it later than the plugin first asks.
+class NamedClass {
+  public:
+    constexpr NamedClass(const char* name) : name(name) {}
+
+    bool hasMember(REALobject object) {
+        REALclassRef found = reference.get([this] { return REALGetClassRef(name); });
+        return found && REALObjectIsA(object, found);
     }
+
+  private:
+    const char* name;
+    LookedUp<REALclassRef> reference;
 };
 
-// Stores `value` at `index` of a host array through the array's own insert routine, which locks what it
-// keeps. Nothing is inserted when the host hands out no routine.
-template <class Value>
-void insertArrayValue(REALarray array, std::int32_t index, Value value) {
-    using Insert = void (*)(REALarray, std::int32_t, Value);
-    if (Insert insert = reinterpret_cast<Insert>(REALGetArrayInsertProc(array))) insert(array, index, value);
-}
-
-// The element in the storage that the host shows, not locked; null storage when it shows none.
-template <class Value>
-const Value* shownElement(REALarray array, std::int32_t index) {
-    if (!showsArrayStorage() || !array->storage) return nullptr;
-    return static_cast<const Value*>(array->storage) + index;
-}
-
-// Locks a string or an object; leaves other values and null alone.
-template <class Value>
-Value locked(Value value) {
-    if constexpr (std::is_same_v<Value, REALstring>) {
-        if (value) REALLockString(value);
-    } else if constexpr (std::is_same_v<Value, REALobject>) {
-        if (value) REALLockObject(value);
-    }
-    return value;
-}
-
-// Reads an element: from the array's storage where the host shows it, else through its accessor.
-template <class Value>
-Value arrayValue(REALarray array, std::int32_t index) {
-    if (const Value* element = shownElement<Value>(array, index)) return locked(*element);
-    return ArrayGetter<Value>()(array, index);
-}
-
-// Likewise for a string array, which has a host service of its own.
-inline REALstring stringArrayValue(REALstringArray array, std::int32_t index) {
-    if (const REALstring* element = shownElement<REALstring>(array, index)) return locked(*element);
-    return REALGetArrayString(array, index);
-}
-
 } // namespace host
-
-// The names by which the host's own documentation knows the array accessors.
-inline constexpr host::ArrayGetter<std::int64_t> REALGetArrayValueInt64;
-inline constexpr host::ArrayGetter<std::int32_t> REALGetArrayValueInt32;
-inline constexpr host::ArrayGetter<std::uint8_t> REALGetArrayValueUInt8;
-inline constexpr host::ArrayGetter<float> REALGetArrayValueSingle;
-inline constexpr host::ArrayGetter<double> REALGetArrayValueDouble;
-inline constexpr host::ArrayGetter<REALstring> REALGetArrayValueString;
-inline constexpr host::ArrayGetter<REALobject> REALGetArrayValueObject;
-inline void REALInsertArrayValueString(REALarray array, std::int32_t index, REALstring value) {
-    host::insertArrayValue(array, index, value);
-}
-inline void REALInsertArrayValueObject(REALarray array, std::int32_t index, REALobject value) {
-    host::insertArrayValue(array, index, value);
-}

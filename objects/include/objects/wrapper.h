@@ -1,11 +1,9 @@
-// The object model that all wrapper classes share: a host object whose first data word holds a retained
-// native object, or nil while the wrapper is empty.
+// The object model that all wrapper classes of the plugin family share: a host object whose first data word
+// holds a retained native object, or nil while the wrapper is empty.
 #pragma once
 
-#include <CoreGraphics/CoreGraphics.h>
-#include <bridge/containers.h>
 #include <bridge/guard.h>
-#include <bridge/strings.h>
+#include <bridge/text.h>
 #include <bridge/wrapping.h>
 #include <hostapi/records.h>
 
@@ -32,19 +30,24 @@ struct WrapperType {
 void constructWrapper(REALobject wrapper);
 void destroyWrapper(REALobject wrapper);
 
-// True, and the exception raised, when the wrapper already holds an object.
+// True, and an exception raised, when the wrapper already holds an object.
 bool raisesWhenInitialized(REALobject wrapper);
+
+// True, and a NilObjectException raised, when the argument is null.
+bool raisesWhenNull(const void* argument, const char* message);
 
 // Puts a native object, whose one reference the wrapper takes over, into an empty wrapper and the registry.
 // Nil leaves the wrapper empty.
 void adopt(REALobject wrapper, id native);
 
-// "Constructor(Handle as Integer)".
 void constructWithHandle(const WrapperType& type, REALobject wrapper, std::int32_t handle);
 
+// The constructor that takes a native object by its address.
 template <const WrapperType& Type>
-void constructorWithHandle(REALobject wrapper, std::int32_t handle) {
-    constructWithHandle(Type, wrapper, handle);
+REALmethodDefinition constructorWithHandle() {
+    return method(
+        "Constructor(Handle as Integer)",
+        +[](REALobject wrapper, std::int32_t handle) { constructWithHandle(Type, wrapper, handle); });
 }
 
 // The frame of a constructor that makes its native object itself: `make` returns it with the reference that
@@ -68,21 +71,6 @@ REALobject wrappedResult(const WrapperType& type, Make&& make) {
     return guardedInPool([&] { return wrapped(type, make()); });
 }
 
-// Fills an empty object array with the wrappers that `wrap` finds for the objects in the NSArray that `list`
-// returns.
-template <class List>
-REALarray filledWithWrappers(REALarray array, List&& list, REALobject (*wrap)(id native)) {
-    bridge::ensureFamily();
-    guardedInPool([&] { FillObjectArray(array, list(), wrap); });
-    return array;
-}
-
-// The frame of a function that returns such an array: always an array.
-template <class List>
-REALarray wrappersResult(List&& list, REALobject (*wrap)(id native)) {
-    return filledWithWrappers(REALCreateArray(kREALArrayObject, -1), list, wrap);
-}
-
 // The "description" property of every class.
 REALstring description(REALobject wrapper, std::uint32_t parameter);
 
@@ -96,28 +84,16 @@ REALstring stringResult(Make&& make) {
 // "Handle", in every class's property table.
 inline REALproperty handleProperty() { return field("Handle", "Integer", 0); }
 
-// The fields of the family's value classes.
-struct RectangleFields {
-    double x, y, width, height;
-};
-struct PointFields {
-    double x, y;
-};
+// A property's getter: what `read` reads from the native object, which may be nil.
+template <class Value, auto read>
+Value getter(REALobject wrapper, std::uint32_t) {
+    return guarded([&] { return static_cast<Value>(read(nativeHandle(wrapper))); });
+}
 
-// The rectangle of a CGRectKaz, narrowed to single precision; all zero for null.
-CGRect rectangleOf(REALobject rect);
-
-// The part of an image that CreateCGImage renders: the rectangle, with each size below 1 taken from the
-// extent.
-CGRect sourceRectangle(REALobject rect, CGRect extent);
-
-// New objects of the family's classes with a reference for the caller; null when the family lacks the class.
-REALobject newRectangle(CGRect rect);
-REALobject newPoint(CGPoint point);
-REALobject newColorSpace(CGColorSpaceRef colorSpace); // null for null; retains the colour space
-REALobject newCGImage(CGImageRef image);              // null for null; retains the image
-
-// A new wrapper of `native`, which it retains and does not register; null for null.
-REALobject newUnregistered(const char* hostClass, CFTypeRef native);
+// The record of a class with the object model's own constructor and destructor.
+REALclassDefinition wrapperClass(const char* hostClass, host::Table<REALproperty> properties,
+                                 host::Table<REALmethodDefinition> methods,
+                                 host::Table<REALconstant> constants = {},
+                                 host::Table<REALmethodDefinition> sharedMethods = {});
 
 } // namespace objects

@@ -1,6 +1,7 @@
 #include "conversion_test.h"
 
 #include <bridge/pictures.h>
+#include <bridge/worlds.h>
 
 #include <Carbon/Carbon.h>
 

@@ -2,12 +2,9 @@
 // some calls of the bridge to the functions below, which watch them or make them fail.
 #include "bridge_test.h"
 
-#include <bridge/guard.h>
 #include <bridge/threads.h>
 
 #include <Carbon/Carbon.h>
-
-#import <QuartzCore/QuartzCore.h>
 
 #include <atomic>
 #include <cerrno>
@@ -16,7 +13,6 @@
 #include <dispatch/dispatch.h>
 #include <dlfcn.h>
 #include <memory>
-#include <objc/runtime.h>
 #include <optional>
 #include <thread>
 #include <vector>
@@ -403,15 +399,15 @@ TEST_F(Threads, AFailureToCreateTheThreadLeavesTheResultEmptyAndRaisesNothing) {
     for (bool* failure : {&watch.failAttributes, &watch.failThread}) {
         *failure = true;
         yields = 0;
-        bridge::AutoreleasePool pool;
-        ImageLoadRequest request = {.data = [NSData data]};
+        int result = 0;
         bool ran = false;
-        RunThreaded(&request, DoWork, nullptr);
+        RunThreaded(
+            &result, [](void* data) { *static_cast<int*>(data) = 1; }, nullptr);
         RunThreaded(
             &ran, [](void* flag) { *static_cast<bool*>(flag) = true; },
             [](void*) { FAIL() << "idle was called"; });
         *failure = false;
-        EXPECT_EQ(request.result, nil);
+        EXPECT_EQ(result, 0);
         EXPECT_FALSE(ran) << "the work ran after all";
         EXPECT_EQ(yields, 0);
         EXPECT_TRUE(host.takePendingException().isNil());
@@ -425,25 +421,16 @@ TEST_F(Threads, AFailureToCreateTheThreadLeavesTheResultEmptyAndRaisesNothing) {
 
 #endif
 
-// --- loading an image -------------------------------------------------------------------------------------
+// --- the name of a thread ---------------------------------------------------------------------------------
 
-// Looked into once, however many images are loaded.
+// Looked into once, however many threads are named.
 const std::vector<std::pair<std::string, int>> kNamingLibrary = {{"/usr/lib/libpthread.dylib", RTLD_NOW}};
 
-class Loading : public Threads {
+class Naming : public Threads {
   protected:
-    ~Loading() override { [request.result release]; }
-
-    static NSURL* photo() {
-        const char* folder = std::getenv("KAZ_PHOTOS");
-        return [NSURL fileURLWithPath:[NSString stringWithFormat:@"%s/astronaut.png", folder ? folder : "."]];
-    }
-
-    // What the work wrote to the log.
-    std::string load() {
-        testing::internal::CaptureStderr();
-        RunThreaded(&request, DoWork, nullptr);
-        return testing::internal::GetCapturedStderr();
+    static void nameWorker() {
+        RunThreaded(
+            nullptr, [](void*) { bridge::nameCurrentThread("Worker"); }, nullptr);
     }
 
     static std::string nameOfThisThread() {
@@ -451,81 +438,38 @@ class Loading : public Threads {
         pthread_getname_np(pthread_self(), name, sizeof name);
         return name;
     }
-    // After a load of nothing.
+    // Of one that was given a name.
     static std::string nameOfWorker() {
-        struct Named {
-            ImageLoadRequest request;
-            std::string name;
-        } named;
+        std::string name;
         RunThreaded(
-            &named,
+            &name,
             [](void* data) {
-                auto* self = static_cast<Named*>(data);
-                DoWork(&self->request);
-                self->name = nameOfThisThread();
+                bridge::nameCurrentThread("Worker");
+                *static_cast<std::string*>(data) = nameOfThisThread();
             },
             nullptr);
-        return named.name;
+        return name;
     }
-
-    CGFloat width() const { return [request.result extent].size.width; }
-
-    bridge::AutoreleasePool pool;
-    ImageLoadRequest request;
 };
 
-TEST_F(Loading, DataGivesAnImage) {
-    request.data = [NSData dataWithContentsOfURL:photo()];
-    EXPECT_EQ(load(), "");
-    EXPECT_EQ(width(), 512);
-    EXPECT_EQ([request.result retainCount], 1u);
-}
+TEST_F(Naming, TheWorkerIsNamed) { EXPECT_EQ(nameOfWorker(), "Worker"); }
 
-TEST_F(Loading, AURLGivesAnImage) {
-    request.url = photo();
-    EXPECT_EQ(load(), "");
-    EXPECT_EQ(width(), 512);
-    EXPECT_EQ([request.result retainCount], 1u);
-}
-
-TEST_F(Loading, OptionsGoWithTheURL) {
-    NSDictionary* properties = [NSDictionary dictionaryWithObject:@"yes" forKey:@"mine"];
-    request.url = photo();
-    request.options = [NSDictionary dictionaryWithObject:properties forKey:kCIImageProperties];
-    EXPECT_EQ(load(), "");
-    EXPECT_EQ(width(), 512);
-    EXPECT_TRUE([[[request.result properties] objectForKey:@"mine"] isEqual:@"yes"]);
-}
-
-TEST_F(Loading, NothingGivesNothing) {
-    EXPECT_EQ(load(), "");
-    EXPECT_EQ(request.result, nil);
-}
-
-TEST_F(Loading, WhatIsNoPictureGivesNothing) {
-    request.data = [NSData dataWithBytes:"no picture" length:10];
-    EXPECT_EQ(load(), "");
-    EXPECT_EQ(request.result, nil);
-}
-
-TEST_F(Loading, TheWorkerIsNamed) { EXPECT_EQ(nameOfWorker(), "CIImageLoad"); }
-
-TEST_F(Loading, TheNamingFunctionIsLookedForOnce) {
-    load();
-    load();
+TEST_F(Naming, TheNamingFunctionIsLookedForOnce) {
+    nameWorker();
+    nameWorker();
     EXPECT_EQ(watch.libraries, kNamingLibrary);
 }
 
-TEST_F(Loading, TheLibrarysNamingFunctionIsCalledWithTheNameAloneEachTime) {
+TEST_F(Naming, TheLibrarysNamingFunctionIsCalledWithTheNameAloneEachTime) {
     watch.naming = Watch::Library;
-    load();
-    load();
-    EXPECT_EQ(watch.names, (std::vector<std::string>{"CIImageLoad", "CIImageLoad"}));
+    nameWorker();
+    nameWorker();
+    EXPECT_EQ(watch.names, (std::vector<std::string>{"Worker", "Worker"}));
     EXPECT_EQ(watch.libraries, kNamingLibrary);
     EXPECT_EQ(watch.namingLookups, std::vector<void*>{&watch});
 }
 
-TEST_F(Loading, WithALibraryThatLacksTheNamingFunctionTheWorkerStaysUnnamed) {
+TEST_F(Naming, WithALibraryThatLacksTheNamingFunctionTheWorkerStaysUnnamed) {
     watch.naming = Watch::EmptyLibrary;
     EXPECT_EQ(nameOfWorker(), nameOfThisThread());
     EXPECT_EQ(nameOfWorker(), nameOfThisThread());
@@ -533,154 +477,12 @@ TEST_F(Loading, WithALibraryThatLacksTheNamingFunctionTheWorkerStaysUnnamed) {
     EXPECT_EQ(watch.namingLookups, std::vector<void*>{&watch});
 }
 
-TEST_F(Loading, OnASystemWithoutTheNamingFunctionTheWorkerStaysUnnamed) {
+TEST_F(Naming, OnASystemWithoutTheNamingFunctionTheWorkerStaysUnnamed) {
     watch.naming = Watch::Nowhere;
     EXPECT_EQ(nameOfWorker(), nameOfThisThread());
     EXPECT_EQ(nameOfWorker(), nameOfThisThread());
     EXPECT_EQ(watch.libraries, kNamingLibrary);
     EXPECT_EQ(watch.namingLookups, std::vector<void*>{RTLD_DEFAULT});
-}
-
-} // namespace
-
-namespace {
-
-// Core Image's loaders as functions of the test, which write down what they were sent and answer an image
-// each.
-class SentLoad : public Loading {
-  protected:
-    SentLoad() {
-        auto replace = [](SEL selector, auto* function) {
-            class_replaceMethod(object_getClass([CIImage class]), selector, reinterpret_cast<IMP>(function),
-                                "@@:@@");
-        };
-        replace(
-            @selector(imageWithData:),
-            +[](id, SEL selector, id data) -> id { return answer(selector, data); });
-        replace(
-            @selector(imageWithContentsOfURL:),
-            +[](id, SEL selector, id url) -> id { return answer(selector, url); });
-        replace(
-            @selector(imageWithContentsOfURL:options:), +[](id, SEL selector, id url, id options) -> id {
-                EXPECT_EQ(options, theOptions);
-                return answer(selector, url);
-            });
-        sent.clear();
-        images.clear();
-        request.data = theData;
-        request.url = theURL;
-        request.options = theOptions = [NSDictionary dictionary];
-    }
-    ~SentLoad() override {
-        for (id image : images) [image release];
-    }
-
-    static id answer(SEL selector, id argument) {
-        sent.emplace_back(sel_getName(selector), argument);
-        id image = [[CIImage alloc] init]; // the test's; the loader's own reference ends with its pool
-        images.push_back(image);
-        return [[image retain] autorelease];
-    }
-
-    using Sent = std::vector<std::pair<std::string, id>>;
-    static inline Sent sent;
-    static inline std::vector<id> images;
-    NSData* theData = [NSData data];
-    NSURL* theURL = [NSURL URLWithString:@"file:///picture"];
-    static inline NSDictionary* theOptions = nil;
-};
-
-TEST_F(SentLoad, DataAloneIsSentToItsLoader) {
-    request.url = nil;
-    load();
-    EXPECT_EQ(sent, (Sent{{"imageWithData:", theData}}));
-    EXPECT_EQ(request.result, images[0]);
-    EXPECT_EQ([request.result retainCount], 2u);
-}
-
-TEST_F(SentLoad, AURLWithoutOptionsIsSentToTheLoaderWithoutOptions) {
-    request.data = nil;
-    request.options = nil;
-    load();
-    EXPECT_EQ(sent, (Sent{{"imageWithContentsOfURL:", theURL}}));
-    EXPECT_EQ(request.result, images[0]);
-    EXPECT_EQ([request.result retainCount], 2u);
-}
-
-TEST_F(SentLoad, AURLWithOptionsIsSentToTheLoaderWithOptions) {
-    request.data = nil;
-    load();
-    EXPECT_EQ(sent, (Sent{{"imageWithContentsOfURL:options:", theURL}}));
-    EXPECT_EQ(request.result, images[0]);
-    EXPECT_EQ([request.result retainCount], 2u);
-}
-
-// Which no caller asks for.
-TEST_F(SentLoad, OfBothTheURLsImageStandsAndTheDatasIsNotGivenBack) {
-    load();
-    EXPECT_EQ(sent, (Sent{{"imageWithData:", theData}, {"imageWithContentsOfURL:options:", theURL}}));
-    EXPECT_EQ(request.result, images[1]);
-    EXPECT_EQ([images[1] retainCount], 2u);
-    EXPECT_EQ([images[0] retainCount], 2u);
-    [images[0] release];
-}
-
-} // namespace
-
-// Options that cannot be read, and say so in the way they are told.
-@interface UnreadableOptions : NSObject {
-  @public
-    id thrown;
-}
-@end
-
-@implementation UnreadableOptions
-- (id)objectForKey:(id)key {
-    @throw thrown;
-}
-@end
-
-namespace {
-
-class FailingLoad : public Loading {
-  public:
-    void fail(id thrown) {
-        UnreadableOptions* options = [[[UnreadableOptions alloc] init] autorelease];
-        options->thrown = thrown;
-        request.url = photo();
-        request.options = (NSDictionary*)options;
-    }
-};
-
-TEST_F(FailingLoad, ACocoaExceptionIsLoggedOnceAndGivesNil) {
-    NSException* exception = [NSException exceptionWithName:@"Unreadable"
-                                                     reason:@"the disk is gone"
-                                                   userInfo:nil];
-    fail(exception);
-    std::string log = load();
-    EXPECT_EQ(request.result, nil);
-    EXPECT_TRUE(host.takePendingException().isNil());
-
-    // After the log's own prefix comes the exception's description and the end of the line, nothing more.
-    std::string line = std::string("] ") + [[exception description] UTF8String] + "\n";
-    ASSERT_GE(log.size(), line.size());
-    EXPECT_EQ(log.substr(log.size() - line.size()), line);
-    EXPECT_EQ(log.find("the disk is gone"), log.rfind("the disk is gone")) << "logged twice:\n" << log;
-    expectClean();
-}
-
-TEST_F(FailingLoad, AnythingElseThatIsThrownPasses) {
-    fail(@"not an exception");
-    testing::internal::CaptureStderr();
-    bool passed = false;
-    @try {
-        DoWork(&request);
-    } @catch (NSString*) {
-        passed = true;
-    }
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_TRUE(passed);
-    EXPECT_EQ(request.result, nil);
 }
 
 } // namespace

@@ -1,10 +1,12 @@
-#include <bridge/strings.h>
+#include <bridge/text.h>
+#include <hostapi/handles.h>
 
 #import <Foundation/Foundation.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 namespace {
 
@@ -16,18 +18,12 @@ constexpr CFIndex kShortText = 99;       // UTF-16 units that fit the buffer on 
 constexpr CFIndex kBytesPerUnit = 6;     // the worst case of UTF-8, generously
 constexpr std::uint32_t kTerminator = 4; // zero bytes after the text, enough for any encoding
 
-// The host's own LenB, or null.
-std::int32_t (*lenB())(REALstring) {
-    using LenB = std::int32_t (*)(REALstring);
-    static LenB function = nullptr;
-    if (!function)
-        function = reinterpret_cast<LenB>(REALLoadFrameworkMethod("LenB( s as string ) as integer"));
-    return function;
-}
+// The host's own.
+constinit host::FrameworkMethod<std::int32_t (*)(REALstring)> lenB{"LenB( s as string ) as integer"};
 
 // Copies the text of `string` to a new block with room for `capacity` bytes and the terminator.
 bool copyText(REALstring string, std::uint32_t capacity, std::uint32_t encoding, REALstringData* out) {
-    std::uint32_t length = static_cast<std::uint32_t>(lenB()(string));
+    std::uint32_t length = static_cast<std::uint32_t>(lenB(string));
     if (length > capacity) return false;
     char* text = static_cast<char*>(std::malloc(std::size_t{capacity} + kTerminator));
     if (!text) return false;
@@ -40,20 +36,18 @@ bool copyText(REALstring string, std::uint32_t capacity, std::uint32_t encoding,
 // The bytes of a host string while they are read.
 class StringBytes {
   public:
-    explicit StringBytes(REALstring source) : string(source) {
+    explicit StringBytes(REALstring string) {
         if (rbversion_rbversion < kHidesStringStorage) {
-            REALLockString(string);
-            locked = true;
+            held.emplace(host::locked(string));
             if (string->buffer) view = {string->buffer + 1, string->length, 0};
         } else {
-            if (auto measure = PluginGetStringData.resolve() ? nullptr : lenB())
+            if (auto measure = PluginGetStringData.resolve() ? nullptr : lenB.resolve())
                 view.length = static_cast<std::uint32_t>(measure(string));
             fetched = REALGetStringData(string, kREALTextEncodingUnknown, &view);
             if (!fetched) view = {};
         }
     }
     ~StringBytes() {
-        if (locked) REALUnlockString(string);
         if (fetched) bridge::disposeStringData(view);
     }
     StringBytes(const StringBytes&) = delete;
@@ -63,17 +57,13 @@ class StringBytes {
     std::uint32_t length() const { return view.length; }
 
   private:
-    REALstring string;
+    std::optional<host::Held<REALstring>> held;
     REALstringData view = {};
-    bool locked = false;
     bool fetched = false;
 };
 
 REALstring buildUTF8(const char* text) {
-    if (!*text) return nullptr;
-    REALstring result = REALBuildString(text, static_cast<std::int32_t>(std::strlen(text)));
-    if (result) REALSetStringEncoding(result, kREALTextEncodingUTF8);
-    return result;
+    return *text ? bridge::newString(text, std::strlen(text), kREALTextEncodingUTF8) : nullptr;
 }
 
 } // namespace
@@ -88,18 +78,22 @@ void bridge::disposeStringData(REALstringData& data) {
 
 bool REALGetStringData(REALstring string, std::uint32_t encoding, REALstringData* out) {
     if (PluginGetStringData.resolve()) return PluginGetStringData(string, encoding, out);
-    if (!string || !StringGetCString.resolve() || !lenB()) return false;
+    if (!string || !StringGetCString.resolve() || !lenB.resolve()) return false;
 
     // The string's own encoding: the caller said how much room to make.
     if (encoding == kREALTextEncodingUnknown) return copyText(string, out->length, encoding, out);
 
     if (REALGetStringEncoding(string) == encoding)
-        return copyText(string, static_cast<std::uint32_t>(lenB()(string)), encoding, out);
-    REALstring converted = REALConvertString(string, encoding);
-    if (!converted) return false;
-    bool copied = copyText(converted, static_cast<std::uint32_t>(lenB()(converted)), encoding, out);
-    REALUnlockString(converted);
-    return copied;
+        return copyText(string, static_cast<std::uint32_t>(lenB(string)), encoding, out);
+    host::Held converted(REALConvertString(string, encoding));
+    return converted &&
+           copyText(converted.get(), static_cast<std::uint32_t>(lenB(converted.get())), encoding, out);
+}
+
+REALstring bridge::newString(const char* text, std::size_t length, std::uint32_t encoding) {
+    REALstring string = REALBuildString(text, static_cast<std::int32_t>(length));
+    if (string) REALSetStringEncoding(string, encoding);
+    return string;
 }
 
 CFStringRef RBString2CFString(REALstring string) {
@@ -118,8 +112,8 @@ CFStringRef RBString2CFString(REALstring string) {
     return CFStringCreateWithCString(kCFAllocatorDefault, bytes.text(), encoding);
 }
 
-CFStringRef bridge::temporaryString(REALstring string) {
-    return (CFStringRef)[(id)RBString2CFString(string) autorelease];
+NSString* bridge::temporaryString(REALstring string) {
+    return [(NSString*)RBString2CFString(string) autorelease];
 }
 
 REALstring CFString2RBString(CFStringRef string) {
@@ -141,18 +135,4 @@ REALstring CFString2RBString(CFStringRef string) {
     if (!CFStringGetCString(string, buffer.bytes, length * kBytesPerUnit, kCFStringEncodingUTF8))
         return nullptr;
     return buildUTF8(buffer.bytes);
-}
-
-rbData::rbData(REALmemoryBlock source) : block(source) {
-    if (!block) return;
-    REALLockObject(reinterpret_cast<REALobject>(block));
-    std::int32_t measured = REALMemoryBlockGetSize(block);
-    void* address = REALMemoryBlockGetPtr(block);
-    if (!address) return;
-    bytes = address;
-    size = measured > 0 ? static_cast<std::uint32_t>(measured) : 0;
-}
-
-rbData::~rbData() {
-    if (block) REALUnlockObject(reinterpret_cast<REALobject>(block));
 }

@@ -1,8 +1,10 @@
-// Text between the host and Cocoa, and the bytes of memory blocks.
+// Text between the host and Cocoa.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <hostapi/services.h>
+
+@class NSString;
 
 // A new platform string that the caller releases; null for null, and when no conversion works.
 CFStringRef RBString2CFString(REALstring string);
@@ -22,25 +24,10 @@ namespace bridge {
 // Either way the bytes are a block of the C heap.
 void disposeStringData(REALstringData& data);
 
-// Like RBString2CFString, but the caller does not own the result: it lives as long as the autorelease pool.
-CFStringRef temporaryString(REALstring string);
+// Like RBString2CFString, but autoreleased.
+NSString* temporaryString(REALstring string);
+
+// A new host string of `length` bytes, with one reference for the caller; null when the host makes none.
+REALstring newString(const char* text, std::size_t length, std::uint32_t encoding);
 
 } // namespace bridge
-
-// A view of a memory block's bytes. The block is locked while the view lives; data is null and length 0 when
-// the host shows no bytes.
-class rbData {
-  public:
-    explicit rbData(REALmemoryBlock block);
-    ~rbData();
-    rbData(const rbData&) = delete;
-    rbData& operator=(const rbData&) = delete;
-
-    const void* data() const { return bytes; }
-    std::uint32_t length() const { return size; }
-
-  private:
-    REALmemoryBlock block;
-    void* bytes = nullptr;
-    std::uint32_t size = 0;
-};

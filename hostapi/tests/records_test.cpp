@@ -1,4 +1,5 @@
 // The load-time rewriting of class records, on records made for the test.
+#include <hostapi/arrays.h>
 #include <hostapi/records.h>
 #include <hostapi/registration.h>
 #include <hostapi/services.h>
@@ -209,7 +210,7 @@ TEST_F(Records, RecordVersionsFollowTheHostsVersion) {
     EXPECT_EQ(RecordVersionForHost(0.0), 9);
 }
 
-// --- the service wrappers ---------------------------------------------------------------------------------
+// --- services ---------------------------------------------------------------------------------------------
 
 std::uint32_t encodingOf(REALstring) { return 0x0600; }
 
@@ -232,19 +233,19 @@ TEST_F(Records, AServiceIsLookedUpOnce) {
     EXPECT_EQ(asked["REALGetStringEncoding"], 1);
 }
 
-TEST_F(Records, TheTwoPlatformStringWrappersKeepTheirOwnCaches) {
+TEST_F(Records, TheTwoPlatformStringServicesKeepTheirOwnCaches) {
     REALCopyStringCFString(nullptr, 0);
     REALGetStringCFString(nullptr, 0);
     EXPECT_EQ(asked["REALGetStringCFString"], 2);
 }
 
-struct WrapperCase {
+struct ServiceCase {
     const char* entry;
     void* (*resolve)();
 };
 
-// Each wrapper asks for its own entry, and for no other.
-const WrapperCase wrapperCases[] = {
+// Each service asks for its own entry, and for no other.
+const ServiceCase serviceCases[] = {
     {"PluginDisposeStringData", [] { return reinterpret_cast<void*>(REALDisposeStringData.resolve()); }},
     {"REALGetStringCFString", [] { return reinterpret_cast<void*>(REALCopyStringCFString.resolve()); }},
     {"REALGetStringCFString", [] { return reinterpret_cast<void*>(REALGetStringCFString.resolve()); }},
@@ -316,12 +317,12 @@ const WrapperCase wrapperCases[] = {
      }},
 };
 
-TEST_F(Records, EveryWrapperAsksForItsEntry) {
+TEST_F(Records, EveryServiceAsksForItsEntry) {
     offered.clear();
-    for (const WrapperCase& wrapper : wrapperCases) {
+    for (const ServiceCase& service : serviceCases) {
         asked.clear();
-        EXPECT_EQ(wrapper.resolve(), nullptr);
-        EXPECT_EQ(asked, (std::map<std::string, int>{{wrapper.entry, 1}}));
+        EXPECT_EQ(service.resolve(), nullptr);
+        EXPECT_EQ(asked, (std::map<std::string, int>{{service.entry, 1}}));
     }
 }
 

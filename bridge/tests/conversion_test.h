@@ -3,11 +3,13 @@
 
 #include "bridge_test.h"
 
+#include <bridge/dictionaries.h>
 #include <bridge/guard.h>
 #include <bridge/variants.h>
 
 #include <map>
 #include <objc/runtime.h>
+#include <optional>
 
 // GNUstep counts objects in every build and declares it in debug builds alone.
 extern "C" {
@@ -100,13 +102,12 @@ class ConversionTest : public BridgeTest {
 
     // Cocoa objects may hold host objects, so they go first.
     void TearDown() override {
-        [pool release];
-        pool = nil;
+        pool.reset();
         EXPECT_TRUE(host.takePendingException().isNil());
         expectClean();
     }
 
-    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    std::optional<bridge::AutoreleasePool> pool{std::in_place};
 
   private:
     // Since the count was turned on.

@@ -1,7 +1,7 @@
 #include "bridge_test.h"
 
 #include <bridge/guard.h>
-#include <bridge/strings.h>
+#include <bridge/text.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -50,7 +50,7 @@ class Strings : public BridgeTest, public testing::WithParamInterface<Path> {
     std::string cross(std::string_view bytes, std::uint32_t encoding) {
         Value value = Value::string(bytes, encoding);
         bridge::AutoreleasePool pool;
-        NSString* text = (NSString*)bridge::temporaryString(value.stringHandle());
+        NSString* text = bridge::temporaryString(value.stringHandle());
         if (!text) return "(null)";
         NSData* utf8 = [text dataUsingEncoding:NSUTF8StringEncoding];
         return std::string(static_cast<const char*>([utf8 bytes]), [utf8 length]);
@@ -333,49 +333,6 @@ TEST_F(PlatformStringsWithoutTags, TheUntaggedStringIsReturned) {
     ASSERT_NE(string, nullptr);
     EXPECT_NE(REALGetStringEncoding(string), kREALTextEncodingUTF8);
     REALUnlockString(string);
-    expectClean();
-}
-
-// --- memory blocks ----------------------------------------------------------------------------------------
-
-class MemoryBlockView : public BridgeTest {
-  protected:
-    explicit MemoryBlockView(std::set<std::string> withheld = {})
-        : BridgeTest({.withheld = std::move(withheld)}) {}
-
-    static REALmemoryBlock handle(const Value& block) {
-        return reinterpret_cast<REALmemoryBlock>(block.object());
-    }
-};
-
-TEST_F(MemoryBlockView, ShowsTheBytesAndLocksTheBlock) {
-    Value block = host.memoryBlock("bytes");
-    {
-        rbData view(handle(block));
-        block = {}; // the view keeps it
-        EXPECT_EQ(std::string(static_cast<const char*>(view.data()), view.length()), "bytes");
-    }
-    expectClean();
-}
-
-TEST_F(MemoryBlockView, NullIsEmpty) {
-    rbData view(nullptr);
-    EXPECT_EQ(view.data(), nullptr);
-    EXPECT_EQ(view.length(), 0u);
-}
-
-class MemoryBlockViewWithoutPointer : public MemoryBlockView {
-  protected:
-    MemoryBlockViewWithoutPointer() : MemoryBlockView({"memoryBlockGetPtr"}) {}
-};
-
-TEST_F(MemoryBlockViewWithoutPointer, IsEmptyAndStillUnlocks) {
-    {
-        Value block = host.memoryBlock("bytes");
-        rbData view(handle(block));
-        EXPECT_EQ(view.data(), nullptr);
-        EXPECT_EQ(view.length(), 0u);
-    }
     expectClean();
 }
 
