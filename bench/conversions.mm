@@ -6,8 +6,9 @@
 
 #include <Carbon/Carbon.h>
 #include <Carbon/CarbonTesting.h>
+#include <bridge/dictionaries.h>
 #include <bridge/pictures.h>
-#include <bridge/strings.h>
+#include <bridge/text.h>
 #include <bridge/variants.h>
 #include <string>
 #include <vector>

@@ -48,3 +48,17 @@ function(kaz_program_tests name program)
     set_tests_properties(${name}.${sub} PROPERTIES ENVIRONMENT "${KAZ_TEST_ENVIRONMENT}" TIMEOUT ${arg_TIMEOUT})
   endforeach()
 endfunction()
+
+# kaz_host_tests(NAME SOURCES file... LIBRARIES target...)
+# Likewise in the studio's host: the tests may load the plugin and its family, at KAZ_PLUGIN and KAZ_FAMILY.
+function(kaz_host_tests name)
+  if(NOT BUILD_TESTING)
+    return()
+  endif()
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  kaz_tests(${name} SOURCES ${arg_SOURCES} LIBRARIES ${arg_LIBRARIES} studio_host)
+  target_compile_definitions(${name} PRIVATE
+    KAZ_PLUGIN="$<TARGET_FILE:CoreImageKaz>"
+    KAZ_FAMILY="$<TARGET_FILE:FamilyKaz>")
+  add_dependencies(${name} CoreImageKaz FamilyKaz)
+endfunction()

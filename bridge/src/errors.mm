@@ -1,33 +1,55 @@
 #include <bridge/errors.h>
-#include <bridge/registry.h>
+#include <bridge/text.h>
+#include <hostapi/handles.h>
 
 #import <Foundation/Foundation.h>
+
+#include <objc/runtime.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 
 @interface NSException (KazFamily)
 + (REALobject)NewNSExceptionKaz:(NSException*)exception;
 @end
 
-void RaiseException(const char* exceptionClassName, const char* message, unsigned long) {
-    REALstring text = nullptr;
-    std::size_t length = message ? std::strlen(message) : 0;
-    if (length >= 1 && length <= 0x7FFFFFFE) {
-        text = REALBuildString(message, static_cast<std::int32_t>(length));
-        if (text) REALSetStringEncoding(text, kREALTextEncodingASCII);
-    }
+namespace {
 
-    REALobject exception = REALnewInstance(exceptionClassName);
-    if (!exception) exception = REALnewInstance("RuntimeException");
-    if (exception) {
-        REALSetPropValueString(exception, "Message", text);
-        REALRaiseException(exception);
-        REALUnlockObject(exception);
-    }
-    if (text) REALUnlockString(text);
+// NewNSExceptionKaz: of this plugin.
+REALobject makeException(Class, SEL, NSException* exception) {
+    return bridge::newRuntimeException([exception reason]);
+}
+
+// Gives NSException a maker of host exceptions if no part of the family brought one, so that a Cocoa
+// exception never unwinds into the host.
+void provideExceptionMaker() {
+    SEL selector = @selector(NewNSExceptionKaz:);
+    if (![NSException respondsToSelector:selector])
+        class_addMethod(object_getClass([NSException class]), selector, reinterpret_cast<IMP>(makeException),
+                        "^v12@0:4@8");
+}
+
+} // namespace
+
+REALobject bridge::newRuntimeException(NSString* message) {
+    REALobject made = REALnewInstance("RuntimeException");
+    if (!made) return nullptr;
+    host::Held text(CFString2RBString((CFStringRef)message));
+    REALSetPropValueString(made, "Message", text.get());
+    return made;
+}
+
+void RaiseException(const char* exceptionClassName, const char* message, unsigned long) {
+    std::size_t length = message ? std::strlen(message) : 0;
+    bool fits = length >= 1 && length <= 0x7FFFFFFE;
+    host::Held text(fits ? bridge::newString(message, length, kREALTextEncodingASCII) : nullptr);
+
+    REALobject made = REALnewInstance(exceptionClassName);
+    host::Held exception(made ? made : REALnewInstance("RuntimeException"));
+    if (!exception) return;
+    REALSetPropValueString(exception.get(), "Message", text.get());
+    REALRaiseException(exception.get());
 }
 
 void RaiseOutOfBoundsException(std::int64_t value, std::int64_t, std::int64_t count,
@@ -51,9 +73,7 @@ void RaiseOutOfBoundsException(std::int64_t value, std::int64_t, std::int64_t co
 
 void RaiseNSExceptionKaz(NSException* exception) {
     NSLog(@"A %@: %@, Info: %@\n", [exception name], [exception reason], [exception userInfo]);
-    bridge::provideExceptionMaker();
-    REALobject raised = [NSException NewNSExceptionKaz:exception];
-    if (!raised) return;
-    REALRaiseException(raised);
-    REALUnlockObject(raised);
+    provideExceptionMaker();
+    host::Held raised([NSException NewNSExceptionKaz:exception]);
+    if (raised) REALRaiseException(raised.get());
 }

@@ -6,58 +6,10 @@
 
 namespace {
 
+using bridge::LockedDescription;
 using bridge::Owned;
 
 constexpr double kFailedLocksNeedNoUnlock = 2012.0;
-
-REALobject object(REALpicture picture) { return reinterpret_cast<REALobject>(picture); }
-
-// A picture that is unlocked at the end of its scope.
-struct LockedPicture {
-    REALpicture picture;
-    explicit LockedPicture(REALpicture picture) : picture(picture) {}
-    ~LockedPicture() {
-        if (picture) REALUnlockObject(object(picture));
-    }
-    LockedPicture(const LockedPicture&) = delete;
-    LockedPicture& operator=(const LockedPicture&) = delete;
-    explicit operator bool() const { return picture != nullptr; }
-};
-
-// A picture's description, locked for a scope. A lock that fails must still be undone on older hosts.
-class Description {
-  public:
-    Description(REALpicture picture, std::int32_t kind) : picture(picture) {
-        locked = REALLockPictureDescription(picture, &record, kind);
-        if (!locked) bridge::undoFailedLock(picture);
-    }
-    ~Description() {
-        if (locked) REALUnlockPictureDescription(picture);
-    }
-    Description(const Description&) = delete;
-    Description& operator=(const Description&) = delete;
-
-    explicit operator bool() const { return locked; }
-
-    // A new image of the bitmap context, owned by the caller; null when another kind was delivered.
-    CGImageRef createImage() const {
-        if (!locked || record.kind != kREALPictureCGContext) return nullptr;
-        return CGBitmapContextCreateImage(static_cast<CGContextRef>(record.handle));
-    }
-
-    // The handle of another kind points at something that is no pixel buffer and may be shorter, so that
-    // not even its format can be read.
-    const REALpixelBuffer* pixels() const {
-        return locked && record.kind == kREALPicturePixelBuffer
-                   ? static_cast<const REALpixelBuffer*>(record.handle)
-                   : nullptr;
-    }
-
-  private:
-    REALpicture picture;
-    REALpictureDescription record = {};
-    bool locked;
-};
 
 struct Size {
     std::int32_t width = 0, height = 0;
@@ -66,8 +18,8 @@ struct Size {
 // A failed read counts as 0.
 Size sizeOf(REALpicture picture) {
     Size size;
-    REALGetPropValueInt32(object(picture), "Width", &size.width);
-    REALGetPropValueInt32(object(picture), "Height", &size.height);
+    REALGetPropValueInt32(host::asObject(picture), "Width", &size.width);
+    REALGetPropValueInt32(host::asObject(picture), "Height", &size.height);
     return size;
 }
 
@@ -84,12 +36,11 @@ bool isSystemWithPictureCopies() {
 // The host's image of a copy of the picture and its mask; null when the host makes none.
 CGImageRef createImageByHostCopy(REALpicture picture, REALpicture mask) {
     Size size = sizeOf(picture);
-    LockedPicture copy(REALNewPicture(size.width, size.height, 32));
+    host::Held copy(REALNewPicture(size.width, size.height, 32));
     if (!copy) return nullptr;
-    drawWhole(copy.picture, picture, size);
-    if (LockedPicture copyMask{REALGetPictureMask(copy.picture, true)})
-        drawWhole(copyMask.picture, mask, size);
-    return static_cast<CGImageRef>(REALCopyPictureCGImage(copy.picture));
+    drawWhole(copy.get(), picture, size);
+    if (host::Held copyMask{REALGetPictureMask(copy.get(), true)}) drawWhole(copyMask.get(), mask, size);
+    return static_cast<CGImageRef>(REALCopyPictureCGImage(copy.get()));
 }
 
 // Complements the bytes of a gray bitmap; what lies beyond the width in each row stays.
@@ -115,12 +66,17 @@ CGImageRef createInvertedGrayImage(CGImageRef image) {
     return CGBitmapContextCreateImage(gray.get());
 }
 
+// A new image of the bitmap context; null when the description is of another kind.
+CGImageRef createImage(const LockedDescription& description) {
+    return description.context() ? CGBitmapContextCreateImage(description.context()) : nullptr;
+}
+
 CGImageRef createImageByDescription(REALpicture picture, REALpicture mask) {
-    Description description(picture, kREALPictureCGContext);
-    Owned<CGImageRef> image(description.createImage());
+    LockedDescription description(picture, kREALPictureCGContext);
+    Owned<CGImageRef> image(createImage(description));
     if (!image || !mask) return image.release();
-    Description maskDescription(mask, kREALPictureCGContext);
-    Owned<CGImageRef> maskImage(maskDescription.createImage());
+    LockedDescription maskDescription(mask, kREALPictureCGContext);
+    Owned<CGImageRef> maskImage(createImage(maskDescription));
     Owned<CGImageRef> gray(maskImage ? createInvertedGrayImage(maskImage.get()) : nullptr);
     if (!gray) return image.release();
     // Dark is opaque. From here on there is no way back to the image alone: null stays null.
@@ -135,9 +91,9 @@ bool copyable(const REALpixelBuffer* source, const REALpixelBuffer* destination)
 
 void copyRows(REALpicture destination, REALpicture source) {
     {
-        Description from(source, kREALPicturePixelBuffer);
+        LockedDescription from(source, kREALPicturePixelBuffer);
         if (!from) return;
-        Description to(destination, kREALPicturePixelBuffer);
+        LockedDescription to(destination, kREALPicturePixelBuffer);
         if (to && copyable(from.pixels(), to.pixels()))
             for (std::int32_t y = 0; y < from.pixels()->height; ++y)
                 std::memcpy(to.pixels()->rows[y], from.pixels()->rows[y],
@@ -145,50 +101,6 @@ void copyRows(REALpicture destination, REALpicture source) {
     }
     REALPictureClearCache(destination);
 }
-
-// --- QuickDraw, looked up at run time because not every system has it --------------------------------------
-
-CFBundleRef frameworkBundle() {
-    static CFBundleRef bundle = nullptr; // kept for good once it is loaded
-    if (!bundle) bundle = LoadFrameworkBundle();
-    return bundle;
-}
-
-template <class Function>
-class FrameworkFunction;
-
-// A function of the bundle, looked up on first use. While it cannot be found a call answers 0 or null, and
-// the next call looks again.
-template <class Result, class... Arguments>
-class FrameworkFunction<Result(Arguments...)> {
-  public:
-    explicit constexpr FrameworkFunction(const char* name) : name(name) {}
-
-    Result operator()(Arguments... arguments) {
-        if (Function function = resolve()) return function(arguments...);
-        return Result();
-    }
-
-  private:
-    using Function = Result (*)(Arguments...);
-
-    Function resolve() {
-        if (cached || !frameworkBundle()) return cached;
-        Owned<CFStringRef> key(CFStringCreateWithCString(nullptr, name, kCFStringEncodingASCII));
-        cached = reinterpret_cast<Function>(CFBundleGetFunctionPointerForName(frameworkBundle(), key.get()));
-        return cached;
-    }
-
-    const char* name;
-    Function cached = nullptr;
-};
-
-constinit FrameworkFunction<PixMap**(void* world)> getGWorldPixMap{"GetGWorldPixMap"};
-constinit FrameworkFunction<SInt16(PixMap**)> getPixDepth{"GetPixDepth"};
-constinit FrameworkFunction<Boolean(PixMap**)> lockPixels{"LockPixels"};
-constinit FrameworkFunction<char*(PixMap**)> getPixBaseAddr{"GetPixBaseAddr"};
-constinit FrameworkFunction<SInt32(PixMap**)> getPixRowBytes{"GetPixRowBytes"};
-constinit FrameworkFunction<void(PixMap**)> unlockPixels{"UnlockPixels"};
 
 } // namespace
 
@@ -201,21 +113,15 @@ CGImageRef CreateCGImageInternal(REALpicture picture, REALpicture mask) {
 
 void GraphicsDrawPicture(REALpicture destination, REALpicture source, int, int, int w, int h, int, int,
                          int sw, int sh) {
-    struct Graphics {
-        REALobject object;
-        ~Graphics() {
-            if (object) REALUnlockObject(object);
-        }
-    } graphics = {REALGetPictureGraphics(destination)};
-
-    if (graphics.object && source) {
+    host::Held graphics(REALGetPictureGraphics(destination));
+    if (graphics && source) {
         using Draw = void (*)(REALobject, REALpicture, std::int32_t, std::int32_t, std::int32_t, std::int32_t,
                               std::int32_t, std::int32_t, std::int32_t, std::int32_t);
         if (auto draw = reinterpret_cast<Draw>(REALLoadObjectMethod(
-                graphics.object,
+                graphics.get(),
                 "DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, "
                 "sx as Integer = 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)"))) {
-            draw(graphics.object, source, 0, 0, w, h, 0, 0, sw, sh);
+            draw(graphics.get(), source, 0, 0, w, h, 0, 0, sw, sh);
             return;
         }
         // Older hosts are asked for their drawing entry, whose answer has no use.
@@ -224,49 +130,54 @@ void GraphicsDrawPicture(REALpicture destination, REALpicture source, int, int, 
     if (source && destination && w == sw && h == sh) copyRows(destination, source);
 }
 
-void bridge::undoFailedLock(REALpicture picture) {
+bridge::LockedDescription::LockedDescription(REALpicture picture)
+    : picture(picture), locked(REALLockPictureDescription(picture, &record)) {
+    if (!locked) undoFailedLock();
+}
+
+bridge::LockedDescription::LockedDescription(REALpicture picture, std::int32_t kind)
+    : picture(picture), locked(REALLockPictureDescription(picture, &record, kind)) {
+    if (!locked) undoFailedLock();
+}
+
+bridge::LockedDescription::~LockedDescription() {
+    if (locked) REALUnlockPictureDescription(picture);
+}
+
+void bridge::LockedDescription::undoFailedLock() {
     if (rbversion_rbversion < kFailedLocksNeedNoUnlock) REALUnlockPictureDescription(picture);
+}
+
+CGContextRef bridge::LockedDescription::context() const {
+    return locked && record.kind == kREALPictureCGContext ? static_cast<CGContextRef>(record.handle)
+                                                          : nullptr;
+}
+
+void* bridge::LockedDescription::world() const {
+    return locked && record.kind == kREALPictureGWorld ? record.handle : nullptr;
+}
+
+// The handle of another kind points at something that is no pixel buffer and may be shorter, so that not even
+// its format can be read.
+const REALpixelBuffer* bridge::LockedDescription::pixels() const {
+    return locked && record.kind == kREALPicturePixelBuffer
+               ? static_cast<const REALpixelBuffer*>(record.handle)
+               : nullptr;
 }
 
 CGImageRef bridge::copyCGImage(REALpicture picture) {
     if (CGImageRef image = static_cast<CGImageRef>(REALCopyPictureCGImage(picture))) return image;
 
-    LockedPicture mask(REALGetPictureMask(picture, true));
-    if (CGImageRef image = CreateCGImageInternal(picture, mask.picture)) return image;
+    host::Held mask(REALGetPictureMask(picture, true));
+    if (CGImageRef image = CreateCGImageInternal(picture, mask.get())) return image;
 
     Size size = sizeOf(picture);
     if (size.width < 1 || size.height < 1) return nullptr;
-    LockedPicture copy(REALNewPicture(size.width, size.height, 32));
+    host::Held copy(REALNewPicture(size.width, size.height, 32));
     if (!copy) return nullptr;
-    drawWhole(copy.picture, picture, size);
-    LockedPicture copyMask(mask ? REALGetPictureMask(copy.picture, true) : nullptr);
-    if (copyMask) drawWhole(copyMask.picture, mask.picture, size);
-    if (CGImageRef image = static_cast<CGImageRef>(REALCopyPictureCGImage(copy.picture))) return image;
-    return CreateCGImageInternal(copy.picture, copyMask.picture);
-}
-
-bridge::WorldPixels::WorldPixels(void* world) : map(getGWorldPixMap(world)) {
-    if (!map || getPixDepth(map) != 32) return;
-    locked = lockPixels(map);
-    if (!locked) return;
-    address = getPixBaseAddr(map);
-    bytesPerRow = static_cast<std::size_t>(getPixRowBytes(map));
-}
-
-bridge::WorldPixels::~WorldPixels() {
-    if (locked) unlockPixels(map);
-}
-
-CFBundleRef LoadFrameworkBundle() {
-    constexpr SInt16 systemDisk = -32767;
-    FSRef folder = {};
-    if (FSFindFolder(systemDisk, kFrameworksFolderType, kCreateFolder, &folder) != noErr) return nullptr;
-    Owned<CFURLRef> frameworks(CFURLCreateFromFSRef(kCFAllocatorDefault, &folder));
-    if (!frameworks) return nullptr;
-    Owned<CFURLRef> url(CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, frameworks.get(),
-                                                              CFSTR("ApplicationServices.framework"), false));
-    if (!url) return nullptr;
-    Owned<CFBundleRef> bundle(CFBundleCreate(kCFAllocatorDefault, url.get()));
-    if (!bundle || !CFBundleLoadExecutable(bundle.get())) return nullptr;
-    return bundle.release();
+    drawWhole(copy.get(), picture, size);
+    host::Held copyMask(mask ? REALGetPictureMask(copy.get(), true) : nullptr);
+    if (copyMask) drawWhole(copyMask.get(), mask.get(), size);
+    if (CGImageRef image = static_cast<CGImageRef>(REALCopyPictureCGImage(copy.get()))) return image;
+    return CreateCGImageInternal(copy.get(), copyMask.get());
 }

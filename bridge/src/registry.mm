@@ -1,9 +1,7 @@
 #include <bridge/registry.h>
-#include <bridge/strings.h>
+#include <hostapi/handles.h>
 
 #import <Foundation/Foundation.h>
-
-#include <objc/runtime.h>
 
 @interface NSException (KazFamily)
 + (CFMutableDictionaryRef)GetInstancesDictionaryKaz;
@@ -12,25 +10,20 @@
 
 namespace {
 
-CFMutableDictionaryRef instances = nullptr;
-bool exceptionsPrepared = false;
+// Native object to wrapper, by address; retains neither.
+constinit host::LookedUp<CFMutableDictionaryRef> wrapperRegistry;
 
-REALobject makeRuntimeException(Class, SEL, NSException* exception) {
-    REALobject made = REALnewInstance("RuntimeException");
-    if (!made) return nullptr;
-    REALstring reason = CFString2RBString((CFStringRef)[exception reason]);
-    REALSetPropValueString(made, "Message", reason);
-    if (reason) REALUnlockString(reason);
-    return made;
-}
+bool exceptionsPrepared = false;
 
 } // namespace
 
 namespace bridge {
 
 void ensureFamily() {
-    if (!instances && [NSException respondsToSelector:@selector(GetInstancesDictionaryKaz)])
-        instances = [NSException GetInstancesDictionaryKaz];
+    wrapperRegistry.get([]() -> CFMutableDictionaryRef {
+        if (![NSException respondsToSelector:@selector(GetInstancesDictionaryKaz)]) return nullptr;
+        return [NSException GetInstancesDictionaryKaz];
+    });
     if (!exceptionsPrepared && [NSException respondsToSelector:@selector(PrepareNSExceptionKaz)]) {
         [NSException PrepareNSExceptionKaz];
         exceptionsPrepared = true;
@@ -38,25 +31,17 @@ void ensureFamily() {
 }
 
 REALobject lockRegisteredWrapper(const void* native) {
-    if (!instances) return nullptr;
-    REALobject wrapper = static_cast<REALobject>(const_cast<void*>(CFDictionaryGetValue(instances, native)));
-    if (wrapper) REALLockObject(wrapper);
-    return wrapper;
+    CFMutableDictionaryRef registry = wrapperRegistry.known();
+    if (!registry) return nullptr;
+    return host::locked(static_cast<REALobject>(const_cast<void*>(CFDictionaryGetValue(registry, native))));
 }
 
 void registerWrapper(const void* native, REALobject wrapper) {
-    if (instances) CFDictionarySetValue(instances, native, wrapper);
+    if (auto registry = wrapperRegistry.known()) CFDictionarySetValue(registry, native, wrapper);
 }
 
 void unregisterWrapper(const void* native) {
-    if (instances) CFDictionaryRemoveValue(instances, native);
-}
-
-void provideExceptionMaker() {
-    SEL selector = @selector(NewNSExceptionKaz:);
-    if (![NSException respondsToSelector:selector])
-        class_addMethod(object_getClass([NSException class]), selector,
-                        reinterpret_cast<IMP>(makeRuntimeException), "^v12@0:4@8");
+    if (auto registry = wrapperRegistry.known()) CFDictionaryRemoveValue(registry, native);
 }
 
 } // namespace bridge

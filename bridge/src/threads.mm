@@ -1,10 +1,8 @@
-#include <bridge/guard.h>
 #include <bridge/threads.h>
+#include <hostapi/services.h>
 
 #include <Carbon/Carbon.h>
 #include <dispatch/dispatch.h>
-
-#import <QuartzCore/QuartzCore.h>
 
 #include <cstdlib>
 #include <dlfcn.h>
@@ -34,7 +32,7 @@ void deleteMutex(ThreadedCall& call) {
     call.mutex = nullptr;
 }
 
-// Holds a mutex for a scope; none is none.
+// Locks the mutex for a scope; null is ignored.
 class Lock {
   public:
     explicit Lock(pthread_mutex_t* mutex) : mutex(mutex) {
@@ -119,7 +117,7 @@ void runOnThread(void* data, Function work, Function idle) {
     call.running = false;
 }
 
-// --- the worker's name ------------------------------------------------------------------------------------
+// --- the name of a thread-----------------------------------------------------------------------------------
 
 // As a Mac has it: names the calling thread.
 using SetName = int (*)(const char* name);
@@ -135,11 +133,6 @@ SetName findSetName() {
     setNameOfThread = reinterpret_cast<SetNameOfThread>(dlsym(RTLD_DEFAULT, kFunction));
     if (!setNameOfThread) return nullptr;
     return [](const char* name) { return setNameOfThread(pthread_self(), name); };
-}
-
-void nameCurrentThread(const char* name) {
-    static const SetName setName = findSetName(); // looked for once; systems before 10.6 have none
-    if (setName) setName(name);
 }
 
 } // namespace
@@ -159,17 +152,8 @@ void* threadfunction(void* argument) {
     return nullptr;
 }
 
-void DoWork(void* argument) {
-    auto& request = *static_cast<ImageLoadRequest*>(argument);
-    nameCurrentThread("CIImageLoad");
-    bridge::AutoreleasePool pool;
-    @try {
-        if (request.data) request.result = [[CIImage imageWithData:request.data] retain];
-        if (request.url)
-            request.result = [(request.options ? [CIImage imageWithContentsOfURL:request.url
-                                                                         options:request.options]
-                                               : [CIImage imageWithContentsOfURL:request.url]) retain];
-    } @catch (NSException* exception) {
-        NSLog(@"%@\n", exception);
-    }
+void bridge::nameCurrentThread(const char* name) {
+    static const SetName setName =
+        findSetName(); // looked for once, found or not: systems before 10.6 have none
+    if (setName) setName(name);
 }

@@ -1,8 +1,6 @@
 // CIAttributeKaz: a read-only view of the description of one filter parameter.
 #include "CIAttributeKaz.h"
 
-#include <bridge/containers.h>
-
 namespace coreimage {
 namespace {
 

@@ -8,26 +8,6 @@ CIColor* color(REALobject self) { return nativeHandle<CIColor*>(self); }
 
 // --- properties -------------------------------------------------------------------------------------------
 
-std::int32_t numberOfComponents(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<std::int32_t>([color(self) numberOfComponents]); });
-}
-
-double alpha(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<double>([color(self) alpha]); });
-}
-
-double red(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<double>([color(self) red]); });
-}
-
-double green(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<double>([color(self) green]); });
-}
-
-double blue(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<double>([color(self) blue]); });
-}
-
 REALstring stringRepresentation(REALobject self, std::uint32_t) {
     return stringResult([&] { return [color(self) stringRepresentation]; });
 }
@@ -41,10 +21,7 @@ REALobject copy(REALobject self) {
 void initWithCGColor(REALobject self, REALobject colorValue) {
     if (raisesWhenInitialized(self)) return;
     CGColorRef cgColor = nativeHandle<CGColorRef>(colorValue);
-    if (!cgColor) {
-        RaiseException(bridge::kNilObject, "color is nil");
-        return;
-    }
+    if (raisesWhenNull(cgColor, "color is nil")) return;
     construct(self, [&] { return [[CIColor alloc] initWithCGColor:cgColor]; });
 }
 
@@ -85,18 +62,19 @@ double component(REALobject self, std::uint32_t index) {
 
 REALproperty properties[] = {
     handleProperty(),
-    property("NumberOfComponents", "Integer", numberOfComponents),
-    property("Alpha", "Double", alpha),
-    property("Red", "Double", red),
-    property("Green", "Double", green),
-    property("Blue", "Double", blue),
+    property("NumberOfComponents", "Integer",
+             getter<std::int32_t, [](CIColor* c) { return [c numberOfComponents]; }>),
+    property("Alpha", "Double", getter<double, [](CIColor* c) { return [c alpha]; }>),
+    property("Red", "Double", getter<double, [](CIColor* c) { return [c red]; }>),
+    property("Green", "Double", getter<double, [](CIColor* c) { return [c green]; }>),
+    property("Blue", "Double", getter<double, [](CIColor* c) { return [c blue]; }>),
     property("description", "String", description),
     property("StringRepresentation", "String", stringRepresentation),
 };
 
 REALmethodDefinition methods[] = {
     method("copy as CIColorKaz", copy),
-    method("Constructor(Handle as Integer)", constructorWithHandle<kColor>),
+    constructorWithHandle<kColor>(),
     method("Constructor(ColorValue as CGColorKaz)", initWithCGColor),
     method("Constructor(Red as double, Green as Double, Blue as double)", initWithRGB),
     method("Constructor(Red as double, Green as Double, Blue as double, Alpha as Double)", initWithRGBA),
@@ -106,9 +84,7 @@ REALmethodDefinition methods[] = {
 
 } // namespace
 
-REALclassDefinition CIColorKazClass =
-    classDefinition({.name = "CIColorKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
-                    properties, methods);
+REALclassDefinition CIColorKazClass = wrapperClass(kColor.hostClass, properties, methods);
 
 // --- global functions -------------------------------------------------------------------------------------
 
@@ -118,8 +94,7 @@ REALobject colorWithComponents(float r, float g, float b, float a) {
 
 REALobject colorWithString(REALstring text) {
     if (!text) return nullptr;
-    return wrappedResult(kColor,
-                         [&] { return [CIColor colorWithString:(NSString*)bridge::temporaryString(text)]; });
+    return wrappedResult(kColor, [&] { return [CIColor colorWithString:bridge::temporaryString(text)]; });
 }
 
 REALobject colorWithCGColor(REALobject value) {

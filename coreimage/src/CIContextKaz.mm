@@ -33,16 +33,12 @@ NSDictionary* contextOptions(REALobject outputColorSpace, REALobject workingColo
 template <class Options>
 void initWithCGContextAnd(REALobject self, REALobject cgContext, Options&& options) {
     CGContextRef native = nativeHandle<CGContextRef>(cgContext);
-    if (!native) {
-        RaiseException(bridge::kNilObject, "CGContext is nil");
-        return;
-    }
+    if (raisesWhenNull(native, "CGContext is nil")) return;
     construct(self, [&]() -> CIContext* {
         CIContext* context = [CIContext contextWithCGContext:native options:options()];
         if (!context) return nil;
         data(self).cgContext = CGContextRetain(native);
-        data(self).cgContextObject = cgContext;
-        REALLockObject(cgContext);
+        data(self).cgContextObject = host::locked(cgContext);
         return [context retain];
     });
 }
@@ -60,27 +56,21 @@ void initWithCGContext(REALobject self, REALobject cgContext) {
 
 // Leaves the picture's description locked for the context's life, and is not tested for a second call.
 void initWithPicture(REALobject self, REALpicture picture) {
-    if (!picture) {
-        RaiseException(bridge::kNilObject, "Picture is nil");
-        return;
-    }
+    if (raisesWhenNull(picture, "Picture is nil")) return;
     bridge::ensureFamily();
     guardedInPool([&] {
-        REALpictureDescription description = {};
-        bool locked = REALLockPictureDescription(picture, &description, kREALPictureCGContext);
-        if (!locked) bridge::undoFailedLock(picture);
-        if (!locked || description.kind != kREALPictureCGContext || !description.handle) {
+        bridge::LockedDescription description(picture, kREALPictureCGContext);
+        CGContextRef native = description.context();
+        description.release();
+        if (!native) {
             RaiseException(bridge::kUnsupportedOperation, "Only supported on Mac OS X in Cocoa target.");
             return;
         }
-        CGContextRef native = static_cast<CGContextRef>(description.handle);
         CIContext* context = [CIContext contextWithCGContext:native options:nil];
         if (!context) return;
-        data(self).picture = picture;
-        REALLockObject(reinterpret_cast<REALobject>(picture));
+        data(self).picture = host::locked(picture);
         data(self).cgContext = CGContextRetain(native);
-        data(self).cgContextObject = bridge::newWrapper("CGContextKaz", native);
-        if (data(self).cgContextObject) CGContextRetain(native);
+        data(self).cgContextObject = newUnregistered("CGContextKaz", native);
         adopt(self, [context retain]);
     });
 }
@@ -90,10 +80,8 @@ void destructor(REALobject self) {
     guarded([&] {
         if (fields.cgContext) CGContextRelease(fields.cgContext);
         fields.cgContext = nullptr;
-        if (fields.picture) REALUnlockObject(reinterpret_cast<REALobject>(fields.picture));
-        fields.picture = nullptr;
-        if (fields.cgContextObject) REALUnlockObject(fields.cgContextObject);
-        fields.cgContextObject = nullptr;
+        host::unlock(std::exchange(fields.picture, nullptr));
+        host::unlock(std::exchange(fields.cgContextObject, nullptr));
     });
 }
 
@@ -147,10 +135,9 @@ template <class Render>
 REALobject createCGImageWith(REALobject self, REALobject image, REALobject rect, Render&& render) {
     return guardedInPool([&]() -> REALobject {
         if (!imageOf(image) || !data(self).context) return nullptr;
-        CGImageRef result = render(imageOf(image), sourceRectangle(rect, [imageOf(image) extent]));
-        REALobject wrapper = newCGImage(result);
-        if (result) CGImageRelease(result);
-        return wrapper;
+        bridge::Owned<CGImageRef> result(
+            render(imageOf(image), sourceRectangle(rect, [imageOf(image) extent])));
+        return newCGImage(result.get());
     });
 }
 
@@ -193,7 +180,7 @@ REALmethodDefinition methods[] = {
     method("CreateCGImage(image as CIImageKaz, r as CGRectKaz = nil) as CGImageKaz", createCGImage),
     method("CreateCGImage(image as CIImageKaz, r as CGRectKaz, ColorSpace as CGColorSpaceKaz) as CGImageKaz",
            createCGImageInColorSpace),
-    method("Constructor(Handle as Integer)", constructorWithHandle<kContext>),
+    constructorWithHandle<kContext>(),
     method("ReclaimResources", reclaimResources),
     method("ClearCaches", clearCaches),
     method("Constructor(cgcontext as CGContextKaz, OutputColorSpace as CGColorSpaceKaz, WorkingColorSpace as "

@@ -1,7 +1,7 @@
 // CIDetectorKaz: finds faces in images.
 #include "CIFeatureKaz.h"
 
-#include <bridge/variants.h>
+#include <bridge/dictionaries.h>
 
 #import <QuartzCore/CIDetector.h>
 
@@ -12,17 +12,15 @@ namespace {
 
 CIDetector* detector(REALobject self) { return nativeHandle<CIDetector*>(self); }
 
-// The registry never learns of a detector made here, and a second call replaces the first one's reference.
+// The wrapper registry never learns of a detector made here, and a second call replaces the first one's
+// reference.
 void initWithType(REALobject self, REALstring type, REALobject context, REALobject options) {
-    if (!type) {
-        RaiseException(bridge::kNilObject, "type is empty");
-        return;
-    }
+    if (raisesWhenNull(type, "type is empty")) return;
     bridge::ensureFamily();
     guardedInPool([&] {
         // By name: systems before 10.7 have no detectors.
         Class detectorClass = static_cast<Class>(objc_getClass("CIDetector"));
-        instanceData<id>(self) = [[detectorClass detectorOfType:(NSString*)bridge::temporaryString(type)
+        instanceData<id>(self) = [[detectorClass detectorOfType:bridge::temporaryString(type)
                                                         context:nativeHandle<CIContext*>(context)
                                                         options:NewNSDictionary(options)] retain];
     });
@@ -31,15 +29,11 @@ void initWithType(REALobject self, REALstring type, REALobject context, REALobje
 // `find` returns the features in the image. The array is made before the image is looked at.
 template <class Find>
 REALarray featuresWith(REALobject image, Find&& find) {
-    REALarray array = REALCreateArray(kREALArrayObject, -1);
+    host::Held array(REALCreateArray(kREALArrayObject, -1));
     CIImage* native = nativeHandle<CIImage*>(image);
-    if (!native) {
-        RaiseException(bridge::kNilObject, "image is nil");
-        if (array) REALUnlockObject(&array->object);
-        return nullptr;
-    }
+    if (raisesWhenNull(native, "image is nil")) return nullptr;
     return filledWithWrappers(
-        array, [&] { return find(native); }, NewCIFeatureKaz);
+        array.release(), [&] { return find(native); }, NewCIFeatureKaz);
 }
 
 REALarray featuresInImage(REALobject self, REALobject image) {
@@ -61,7 +55,7 @@ REALproperty properties[] = {handleProperty()};
 
 REALmethodDefinition methods[] = {
     method("Constructor(type as string, context as CIContextKaz, options as dictionary)", initWithType),
-    method("Constructor(Handle as Integer)", constructorWithHandle<kDetector>),
+    constructorWithHandle<kDetector>(),
     method("featuresInImage(image as CIImageKaz) as CIFeatureKaz()", featuresInImage),
     method("featuresInImage(image as CIImageKaz, options as dictionary) as CIFeatureKaz()", featuresInImage2),
 };
@@ -76,7 +70,6 @@ REALmethodDefinition sharedMethods[] = {
 } // namespace
 
 REALclassDefinition CIDetectorKazClass =
-    classDefinition({.name = "CIDetectorKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
-                    properties, methods, {}, sharedMethods);
+    wrapperClass(kDetector.hostClass, properties, methods, {}, sharedMethods);
 
 } // namespace coreimage

@@ -36,7 +36,7 @@ REALstring featureTypeFace() { return systemConstant(&CIFeatureTypeFace); }
 REALproperty featureProperties[] = {handleProperty()};
 
 REALmethodDefinition featureMethods[] = {
-    method("Constructor(Handle as Integer)", constructorWithHandle<kFeature>),
+    constructorWithHandle<kFeature>(),
     method("bounds as CGRectKaz", bounds),
     method("type as string", type),
 };
@@ -88,7 +88,7 @@ std::int32_t trackingFrameCount(REALobject self) {
 }
 
 REALmethodDefinition faceMethods[] = {
-    method("Constructor(Handle as Integer)", constructorWithHandle<kFaceFeature>),
+    constructorWithHandle<kFaceFeature>(),
     method("leftEyePosition as CGPointKaz", leftEyePosition),
     method("rightEyePosition as CGPointKaz", rightEyePosition),
     method("mouthPosition as CGPointKaz", mouthPosition),
@@ -104,8 +104,7 @@ REALmethodDefinition faceMethods[] = {
 } // namespace
 
 REALclassDefinition CIFeatureKazClass =
-    classDefinition({.name = "CIFeatureKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
-                    featureProperties, featureMethods, {}, featureSharedMethods);
+    wrapperClass(kFeature.hostClass, featureProperties, featureMethods, {}, featureSharedMethods);
 
 REALclassDefinition CIFaceFeatureKazClass = classDefinition(
     {.name = "CIFaceFeatureKaz", .superclass = "CIFeatureKaz", .dataSize = 0}, {}, faceMethods);

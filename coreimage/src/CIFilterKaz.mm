@@ -1,8 +1,8 @@
 // CIFilterKaz: a filter, found by name or category, with its attributes and its values by key.
 #include "CIAttributeKaz.h"
 
-#include <bridge/containers.h>
-#include <bridge/variants.h>
+#include <bridge/dictionaries.h>
+#include <bridge/memoryblocks.h>
 
 namespace coreimage {
 namespace {
@@ -72,7 +72,7 @@ REALobject attributesItemAt(REALobject self, std::int32_t index) {
 
 REALobject attributesItemNamed(REALobject self, REALstring name) {
     return guardedInPool([&]() -> REALobject {
-        NSString* key = (NSString*)bridge::temporaryString(name);
+        NSString* key = bridge::temporaryString(name);
         NSDictionary* attribute = key ? [cachedAttributes(self) objectForKey:key] : nil;
         return describesParameter(attribute) ? newAttribute(attribute, key) : nullptr;
     });
@@ -124,7 +124,7 @@ auto valueForKey(REALobject self, REALstring key, Convert&& convert) -> decltype
     using Result = decltype(convert(id()));
     bridge::ensureFamily();
     return guardedInPool([&]() -> Result {
-        NSString* name = filter(self) ? (NSString*)bridge::temporaryString(key) : nil;
+        NSString* name = filter(self) ? bridge::temporaryString(key) : nil;
         if (!name) return Result();
         return convert([filter(self) valueForKey:name]);
     });
@@ -134,7 +134,7 @@ auto valueForKey(REALobject self, REALstring key, Convert&& convert) -> decltype
 template <class Convert>
 void setValueForKey(REALobject self, REALstring key, Convert&& convert) {
     guardedInPool([&] {
-        NSString* name = filter(self) ? (NSString*)bridge::temporaryString(key) : nil;
+        NSString* name = filter(self) ? bridge::temporaryString(key) : nil;
         if (name) [filter(self) setValue:convert() forKey:name];
     });
 }
@@ -158,10 +158,9 @@ REALmemoryBlock dataValue(REALobject self, REALstring key) {
 }
 
 void setDataValue(REALobject self, REALstring key, REALmemoryBlock value) {
-    setValueForKey(self, key, [&]() -> NSData* {
-        rbData bytes(value);
-        if (bytes.length() == 0) return nil;
-        return [NSData dataWithBytes:bytes.data() length:bytes.length()];
+    setValueForKey(self, key, [&] {
+        NSData* data = NewNSData(value);
+        return [data length] ? data : nil; // an empty block clears the key
     });
 }
 
@@ -178,7 +177,7 @@ REALstring stringValue(REALobject self, REALstring key) {
 }
 
 void setStringValue(REALobject self, REALstring key, REALstring value) {
-    setValueForKey(self, key, [&] { return (NSString*)bridge::temporaryString(value); });
+    setValueForKey(self, key, [&] { return bridge::temporaryString(value); });
 }
 
 // --- shared methods ---------------------------------------------------------------------------------------
@@ -189,13 +188,12 @@ REALobject filterWithHandle(std::int32_t handle) {
 
 REALobject filterWithName(REALstring name) {
     if (!name) return nullptr;
-    return wrappedResult(kFilter,
-                         [&] { return [CIFilter filterWithName:(NSString*)bridge::temporaryString(name)]; });
+    return wrappedResult(kFilter, [&] { return [CIFilter filterWithName:bridge::temporaryString(name)]; });
 }
 
 REALstringArray filterNamesInCategory(REALstring category) {
     return stringArrayResult([&]() -> NSArray* {
-        NSString* name = (NSString*)bridge::temporaryString(category);
+        NSString* name = bridge::temporaryString(category);
         return name ? [CIFilter filterNamesInCategory:name] : nil;
     });
 }
@@ -207,10 +205,8 @@ REALstringArray filterNamesInCategories(REALstringArray categoryNames) {
         NSMutableArray* names = [NSMutableArray arrayWithCapacity:static_cast<NSUInteger>(upperBound + 1)];
         if (!names) return nil;
         for (std::int32_t i = 0; i <= upperBound; ++i) {
-            REALstring element = host::stringArrayValue(categoryNames, i);
-            if (!element) continue;
-            if (id name = (id)bridge::temporaryString(element)) [names addObject:name];
-            REALUnlockString(element);
+            host::Held element(host::stringArrayValue(categoryNames, i));
+            if (NSString* name = bridge::temporaryString(element.get())) [names addObject:name];
         }
         return [CIFilter filterNamesInCategories:names];
     });
@@ -220,7 +216,7 @@ REALstringArray filterNamesInCategories(REALstringArray categoryNames) {
 template <class Make>
 REALstring textForName(REALstring name, Make&& make) {
     return stringResult([&]() -> NSString* {
-        NSString* text = (NSString*)bridge::temporaryString(name);
+        NSString* text = bridge::temporaryString(name);
         return text ? make(text) : nil;
     });
 }
@@ -253,7 +249,7 @@ REALproperty properties[] = {
 
 REALmethodDefinition methods[] = {
     method("attributesDictionary as dictionary", attributesDictionary),
-    method("Constructor(Handle as Integer)", constructorWithHandle<kFilter>),
+    constructorWithHandle<kFilter>(),
     method("AttributesItem(index as integer) as CIAttributeKaz", attributesItemAt),
     method("AttributesItem(name as string) as CIAttributeKaz", attributesItemNamed),
     method("AttributesCount as integer", attributesCount),

@@ -58,7 +58,7 @@ REALproperty properties[] = {
 };
 
 REALmethodDefinition methods[] = {
-    method("Constructor(Handle as Integer)", constructorWithHandle<kFilterShape>),
+    constructorWithHandle<kFilterShape>(),
     method("Constructor(cgrect as CGRectKaz)", initWithRect),
     method("TransformBy(CGAffineTransform as NSAffineTransformKaz, flag as boolean) as CIFilterShapeKaz",
            transformBy),
@@ -71,8 +71,6 @@ REALmethodDefinition methods[] = {
 
 } // namespace
 
-REALclassDefinition CIFilterShapeKazClass = classDefinition(
-    {.name = "CIFilterShapeKaz", .constructor = constructWrapper, .destructor = destroyWrapper}, properties,
-    methods);
+REALclassDefinition CIFilterShapeKazClass = wrapperClass(kFilterShape.hostClass, properties, methods);
 
 } // namespace coreimage

@@ -1,11 +1,13 @@
 // CIImageKaz: the recipe of a picture. This file makes images; CIImageKazRendering.mm turns them into
 // something the host can show, and measures them.
 #include "CIImageKaz.h"
+#include "CIImageLoading.h"
 
-#include <bridge/containers.h>
+#include <bridge/dictionaries.h>
+#include <bridge/files.h>
+#include <bridge/memoryblocks.h>
 #include <bridge/pictures.h>
 #include <bridge/threads.h>
-#include <bridge/variants.h>
 
 #import <AppKit/AppKit.h>
 
@@ -14,12 +16,6 @@ namespace {
 
 constexpr char kMemoryBlockIsNil[] = "Memoryblock is nil";
 constexpr char kImageIsNil[] = "image is nil";
-
-bool raisesWhenNull(const void* argument, const char* message) {
-    if (argument) return false;
-    RaiseException(bridge::kNilObject, message);
-    return true;
-}
 
 // --- what the Core Image calls take -----------------------------------------------------------------------
 
@@ -31,15 +27,9 @@ NSDictionary* optionsWithColorSpace(REALobject colorSpace) {
 }
 
 NSURL* urlOfString(REALstring text) {
-    CFStringRef string = bridge::temporaryString(text);
+    CFStringRef string = (CFStringRef)bridge::temporaryString(text);
     if (!string) return nil;
     return [(NSURL*)CFURLCreateWithString(kCFAllocatorDefault, string, nullptr) autorelease];
-}
-
-// A copy of the block's bytes: the host may change or free it afterwards.
-NSData* dataOfBlock(REALmemoryBlock block) {
-    rbData bytes(block);
-    return [NSData dataWithBytes:bytes.data() length:bytes.length()];
 }
 
 // The block's own bytes. The length is the caller's word; the caller keeps the block alive and unchanged.
@@ -104,13 +94,13 @@ void initWithFileAndColorSpace(REALobject self, REALfolderItem file, REALobject 
 
 void initWithData(REALobject self, REALmemoryBlock data) {
     if (raisesWhenInitialized(self) || raisesWhenNull(data, kMemoryBlockIsNil)) return;
-    construct(self, [&] { return [[CIImage alloc] initWithData:dataOfBlock(data)]; });
+    construct(self, [&] { return [[CIImage alloc] initWithData:NewNSData(data)]; });
 }
 
 void initWithDataAndColorSpace(REALobject self, REALmemoryBlock data, REALobject colorSpace) {
     if (raisesWhenInitialized(self) || raisesWhenNull(data, kMemoryBlockIsNil)) return;
     construct(self, [&] {
-        return [[CIImage alloc] initWithData:dataOfBlock(data) options:optionsWithColorSpace(colorSpace)];
+        return [[CIImage alloc] initWithData:NewNSData(data) options:optionsWithColorSpace(colorSpace)];
     });
 }
 
@@ -118,7 +108,7 @@ void initWithBitmapData(REALobject self, REALmemoryBlock data, std::int32_t byte
                         std::int32_t height, std::int32_t format, REALobject colorSpace) {
     if (raisesWhenInitialized(self) || raisesWhenNull(data, kMemoryBlockIsNil)) return;
     construct(self, [&] {
-        return newBitmapImage(dataOfBlock(data), {bytesPerRow, width, height, format, colorSpace});
+        return newBitmapImage(NewNSData(data), {bytesPerRow, width, height, format, colorSpace});
     });
 }
 
@@ -133,11 +123,12 @@ void initWithBitmapMemory(REALobject self, REALmemoryBlock data, std::int32_t le
 
 // --- automatic adjustment ---------------------------------------------------------------------------------
 
-// `find` returns the filters for the image, which may be nil.
+// `find` returns the filters for the image, which may be nil. Always an array.
 template <class Find>
 REALarray adjustmentsWith(REALobject self, Find&& find) {
-    return wrappersResult([&] { return find(nativeHandle<CIImage*>(self)); },
-                          [](id filter) { return wrapped(kFilter, filter); });
+    return filledWithWrappers(
+        REALCreateArray(kREALArrayObject, -1), [&] { return find(nativeHandle<CIImage*>(self)); },
+        [](id filter) { return wrapped(kFilter, filter); });
 }
 
 REALarray autoAdjustmentFilters(REALobject self) {
@@ -183,7 +174,7 @@ REALobject imageWithPicture(REALpicture picture) {
 
 REALobject imageWithContentsOfPath(REALstring path, REALobject colorSpace) {
     return wrappedResult(kImage, [&] {
-        NSString* text = (NSString*)bridge::temporaryString(path);
+        NSString* text = bridge::temporaryString(path);
         return [CIImage imageWithContentsOfURL:[NSURL fileURLWithPath:text isDirectory:NO]
                                        options:optionsWithColorSpace(colorSpace)];
     });
@@ -211,7 +202,7 @@ REALobject loadOnWorker(Make&& make) {
 
 REALobject imageWithDataMT(REALmemoryBlock data) {
     if (!data) return nullptr;
-    return loadOnWorker([&] { return ImageLoadRequest{.data = dataOfBlock(data)}; });
+    return loadOnWorker([&] { return ImageLoadRequest{.data = NewNSData(data)}; });
 }
 
 REALobject imageWithContentsOfFileMT(REALfolderItem file) {
@@ -238,7 +229,7 @@ REALconstant constants[] = {
 };
 
 REALmethodDefinition methods[] = {
-    method("Constructor(Handle as Integer)", constructorWithHandle<kImage>),
+    constructorWithHandle<kImage>(),
     method("Constructor(cgimage as CGImageKaz)", initWithCGImage),
     method("Constructor(cgimage as CGImageKaz, cgcolorspace as CGColorSpaceKaz)",
            initWithCGImageAndColorSpace),
@@ -306,8 +297,7 @@ REALmethodDefinition sharedMethods[] = {
 } // namespace
 
 REALclassDefinition CIImageKazClass =
-    classDefinition({.name = "CIImageKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
-                    properties, methods, constants, sharedMethods);
+    wrapperClass(kImage.hostClass, properties, methods, constants, sharedMethods);
 
 // --- functions that are also global -----------------------------------------------------------------------
 
@@ -338,13 +328,13 @@ REALobject imageWithContentsOfURLAndColorSpace(REALstring url, REALobject colorS
 
 REALobject imageWithData(REALmemoryBlock data) {
     if (raisesWhenNull(data, kMemoryBlockIsNil)) return nullptr;
-    return wrappedResult(kImage, [&] { return [CIImage imageWithData:dataOfBlock(data)]; });
+    return wrappedResult(kImage, [&] { return [CIImage imageWithData:NewNSData(data)]; });
 }
 
 REALobject imageWithDataAndColorSpace(REALmemoryBlock data, REALobject colorSpace) {
     if (raisesWhenNull(data, kMemoryBlockIsNil)) return nullptr;
     return wrappedResult(kImage, [&] {
-        return [CIImage imageWithData:dataOfBlock(data) options:optionsWithColorSpace(colorSpace)];
+        return [CIImage imageWithData:NewNSData(data) options:optionsWithColorSpace(colorSpace)];
     });
 }
 
@@ -363,7 +353,7 @@ REALobject imageWithBitmapData(REALmemoryBlock data, std::int32_t bytesPerRow, s
                                std::int32_t height, std::int32_t format, REALobject colorSpace) {
     if (raisesWhenNull(data, kMemoryBlockIsNil)) return nullptr;
     return wrappedResult(kImage, [&] {
-        return bitmapImage(dataOfBlock(data), {bytesPerRow, width, height, format, colorSpace});
+        return bitmapImage(NewNSData(data), {bytesPerRow, width, height, format, colorSpace});
     });
 }
 

@@ -1,10 +1,10 @@
 // CIImageKaz: images rendered into pictures, NSImages and CGImages, and their geometry.
 #include "CIImageKaz.h"
 
-#include <bridge/containers.h>
+#include <bridge/dictionaries.h>
 #include <bridge/owned.h>
 #include <bridge/pictures.h>
-#include <bridge/variants.h>
+#include <bridge/worlds.h>
 
 #import <AppKit/AppKit.h>
 
@@ -42,14 +42,13 @@ bool drawFilling(CIImage* image, CGContextRef bitmap, CGRect extent, std::int32_
 }
 
 // Renders into a picture whose description is locked; false when the host described it in no known way.
-bool drawIntoPicture(CIImage* image, const REALpictureDescription& description, CGRect extent,
+bool drawIntoPicture(CIImage* image, const bridge::LockedDescription& description, CGRect extent,
                      std::int32_t width, std::int32_t height, CGColorSpaceRef outputSpace,
                      bool useSoftwareRenderer) {
-    if (description.kind == kREALPictureCGContext && description.handle)
-        return drawFilling(image, static_cast<CGContextRef>(description.handle), extent, width, height,
-                           outputSpace, useSoftwareRenderer);
-    if (description.kind == kREALPictureGWorld && description.handle) {
-        bridge::WorldPixels pixels(description.handle);
+    if (CGContextRef bitmap = description.context())
+        return drawFilling(image, bitmap, extent, width, height, outputSpace, useSoftwareRenderer);
+    if (void* world = description.world()) {
+        bridge::WorldPixels pixels(world);
         if (!pixels) return false;
         Owned<CGContextRef> bitmap(CGBitmapContextCreate(pixels.base(), static_cast<size_t>(width),
                                                          static_cast<size_t>(height), 8, pixels.rowBytes(),
@@ -150,29 +149,20 @@ REALpicture renderPicture(REALobject self, std::int32_t width, std::int32_t heig
 
         Owned<CGColorSpaceRef> deviceRGB(CGColorSpaceCreateDeviceRGB());
         if (!deviceRGB) return nullptr;
-        REALpicture picture = REALNewPicture(width, height, 32);
+        host::Held picture(REALNewPicture(width, height, 32));
         if (!picture) return nullptr;
 
         bool drawn = false;
-        REALpictureDescription description = {};
-        if (REALLockPictureDescription(picture, &description)) {
-            // The description and the picture are given back even when Core Image raises.
-            @try {
-                drawn = drawIntoPicture(image(self), description, extent, width, height, deviceRGB.get(),
-                                        useSoftwareRenderer);
-            } @catch (NSException* exception) {
-                RaiseNSExceptionKaz(exception);
-            }
-            REALUnlockPictureDescription(picture);
-        } else {
-            bridge::undoFailedLock(picture);
-        }
-        if (drawn) {
-            REALPictureClearCache(picture);
-            return picture;
-        }
-        REALUnlockObject(reinterpret_cast<REALobject>(picture));
-        return nullptr;
+        if (bridge::LockedDescription description{picture.get()})
+            // Guarded by itself, so that the description and the picture are given back after the exception
+            // is raised.
+            drawn = guarded([&] {
+                return drawIntoPicture(image(self), description, extent, width, height, deviceRGB.get(),
+                                       useSoftwareRenderer);
+            });
+        if (!drawn) return nullptr;
+        REALPictureClearCache(picture.get());
+        return picture.release();
     });
 }
 

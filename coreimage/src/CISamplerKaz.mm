@@ -12,8 +12,8 @@ NSDictionary* samplerOptions(REALobject matrix, REALstring wrapMode, REALstring 
         if (value) [options setObject:value forKey:key];
     };
     add(@"affine_matrix", nativeHandle(matrix));
-    add(@"wrap_mode", (id)bridge::temporaryString(wrapMode));
-    add(@"filter_mode", (id)bridge::temporaryString(filterMode));
+    add(@"wrap_mode", bridge::temporaryString(wrapMode));
+    add(@"filter_mode", bridge::temporaryString(filterMode));
     return options;
 }
 
@@ -48,7 +48,7 @@ REALproperty properties[] = {
 };
 
 REALmethodDefinition methods[] = {
-    method("Constructor(Handle as Integer)", constructorWithHandle<kSampler>),
+    constructorWithHandle<kSampler>(),
     method("Definiton as CIFilterShapeKaz", definition), // the name's spelling is the class's own
     method("Extent as CGRectKaz", extent),
     method("Constructor", initEmpty),
@@ -67,9 +67,7 @@ REALconstant constants[] = {
 
 } // namespace
 
-REALclassDefinition CISamplerKazClass =
-    classDefinition({.name = "CISamplerKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
-                    properties, methods, constants);
+REALclassDefinition CISamplerKazClass = wrapperClass(kSampler.hostClass, properties, methods, constants);
 
 REALobject samplerWithImage(REALobject image) {
     return wrappedResult(kSampler,

@@ -10,26 +10,6 @@ CIVector* vector(REALobject self) { return nativeHandle<CIVector*>(self); }
 
 // --- properties -------------------------------------------------------------------------------------------
 
-double x(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<double>([vector(self) X]); });
-}
-
-double y(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<double>([vector(self) Y]); });
-}
-
-double z(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<double>([vector(self) Z]); });
-}
-
-double w(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<double>([vector(self) W]); });
-}
-
-std::int32_t count(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<std::int32_t>([vector(self) count]); });
-}
-
 REALstring stringRepresentation(REALobject self, std::uint32_t) {
     return stringResult([&] { return [vector(self) stringRepresentation]; });
 }
@@ -93,7 +73,7 @@ void initWithXYZW(REALobject self, float a, float b, float c, float d) {
 void initWithString(REALobject self, REALstring text) {
     construct(self, [&]() -> CIVector* {
         if (!text) return nil;
-        return [[CIVector alloc] initWithString:(NSString*)bridge::temporaryString(text)];
+        return [[CIVector alloc] initWithString:bridge::temporaryString(text)];
     });
 }
 
@@ -101,18 +81,18 @@ void initWithString(REALobject self, REALstring text) {
 
 REALproperty properties[] = {
     handleProperty(),
-    property("X", "Double", x),
-    property("Y", "Double", y),
-    property("Z", "Double", z),
-    property("W", "Double", w),
-    property("Count", "Integer", count),
+    property("X", "Double", getter<double, [](CIVector* v) { return [v X]; }>),
+    property("Y", "Double", getter<double, [](CIVector* v) { return [v Y]; }>),
+    property("Z", "Double", getter<double, [](CIVector* v) { return [v Z]; }>),
+    property("W", "Double", getter<double, [](CIVector* v) { return [v W]; }>),
+    property("Count", "Integer", getter<std::int32_t, [](CIVector* v) { return [v count]; }>),
     property("Description", "String", description),
     property("stringRepresentation", "String", stringRepresentation),
 };
 
 REALmethodDefinition methods[] = {
     method("copy as CIVectorKaz", copy),
-    method("Constructor(Handle as Integer)", constructorWithHandle<kVector>),
+    constructorWithHandle<kVector>(),
     method("Value(index as integer) as single", value),
     method("Constructor(values() as single)", initWithArray<float>),
     method("Constructor(values() as double)", initWithArray<double>),
@@ -135,8 +115,7 @@ REALmethodDefinition sharedMethods[] = {
 } // namespace
 
 REALclassDefinition CIVectorKazClass =
-    classDefinition({.name = "CIVectorKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
-                    properties, methods, {}, sharedMethods);
+    wrapperClass(kVector.hostClass, properties, methods, {}, sharedMethods);
 
 // --- functions that are also global -----------------------------------------------------------------------
 
@@ -158,8 +137,7 @@ REALobject vectorWithXYZW(float a, float b, float c, float d) {
 
 REALobject vectorWithString(REALstring text) {
     if (!text) return nullptr;
-    return wrappedResult(
-        kVector, [&] { return [CIVector vectorWithString:(NSString*)bridge::temporaryString(text)]; });
+    return wrappedResult(kVector, [&] { return [CIVector vectorWithString:bridge::temporaryString(text)]; });
 }
 
 } // namespace coreimage

@@ -1,14 +1,16 @@
 // The wrapper classes of Core Image, in terms of the object model that the family shares.
 #pragma once
 
+#include <bridge/arrays.h>
 #include <coreimage/classes.h>
-#include <model/wrapper.h>
+#include <objects/graphics.h>
+#include <objects/wrapper.h>
 
 #import <QuartzCore/QuartzCore.h>
 
 namespace coreimage {
 
-using namespace model;
+using namespace objects;
 
 inline constexpr WrapperType kColor = {"CIColorKaz", "CIColor"};
 inline constexpr WrapperType kContext = {"CIContextKaz", "CIContext"};
@@ -21,9 +23,27 @@ inline constexpr WrapperType kImage = {"CIImageKaz", "CIImage"};
 inline constexpr WrapperType kSampler = {"CISamplerKaz", "CISampler"};
 inline constexpr WrapperType kVector = {"CIVectorKaz", "CIVector"};
 
-// A new wrapper of a shape that it retains, not looked up in the registry; null for nil.
+// A new wrapper of a shape that it retains, not looked up in the wrapper registry; null for nil.
 inline REALobject newFilterShape(CIFilterShape* shape) {
     return newUnregistered(kFilterShape.hostClass, shape);
+}
+
+// The part of an image that CreateCGImage renders: the rectangle, with each size below 1 taken from the
+// extent.
+inline CGRect sourceRectangle(REALobject rect, CGRect extent) {
+    CGRect source = rectangleOf(rect);
+    if (source.size.width < 1) source.size.width = extent.size.width;
+    if (source.size.height < 1) source.size.height = extent.size.height;
+    return source;
+}
+
+// Fills an empty object array with the wrappers that `wrap` finds for the objects in the NSArray that `list`
+// returns.
+template <class List>
+REALarray filledWithWrappers(REALarray array, List&& list, REALobject (*wrap)(id native)) {
+    bridge::ensureFamily();
+    guardedInPool([&] { FillObjectArray(array, list(), wrap); });
+    return array;
 }
 
 } // namespace coreimage

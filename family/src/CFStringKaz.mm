@@ -29,8 +29,6 @@ REALmethodDefinition methods[] = {
 
 } // namespace
 
-REALclassDefinition CFStringKazClass =
-    classDefinition({.name = "CFStringKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
-                    properties, methods);
+REALclassDefinition CFStringKazClass = wrapperClass("CFStringKaz", properties, methods);
 
 } // namespace family

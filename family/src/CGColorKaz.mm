@@ -1,6 +1,8 @@
 // CGColorKaz: a Core Graphics colour.
 #include "support.h"
 
+#include <hostapi/arrays.h>
+
 #include <vector>
 
 namespace family {
@@ -11,11 +13,10 @@ CGColorRef color(REALobject self) { return nativeHandle<CGColorRef>(self); }
 void initWithRGBA(REALobject self, double red, double green, double blue, double alpha) {
     if (raisesWhenInitialized(self)) return;
     guardedInPool([&] {
-        CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+        Owned<CGColorSpaceRef> space(CGColorSpaceCreateDeviceRGB());
         const CGFloat components[] = {static_cast<CGFloat>(red), static_cast<CGFloat>(green),
                                       static_cast<CGFloat>(blue), static_cast<CGFloat>(alpha)};
-        instanceData<CGColorRef>(self) = CGColorCreate(space, components);
-        CGColorSpaceRelease(space);
+        instanceData<CGColorRef>(self) = CGColorCreate(space.get(), components);
     });
 }
 
@@ -40,14 +41,10 @@ void initWithComponents(REALobject self, REALobject space, REALarray components)
     });
 }
 
-std::int32_t numberOfComponents(REALobject self, std::uint32_t) {
-    return color(self) ? static_cast<std::int32_t>(CGColorGetNumberOfComponents(color(self))) : 0;
-}
-
 double alpha(REALobject self, std::uint32_t) { return color(self) ? CGColorGetAlpha(color(self)) : 0.0; }
 
 double component(REALobject self, std::int32_t index) {
-    std::int32_t count = numberOfComponents(self, 0);
+    std::int32_t count = number<CGColorGetNumberOfComponents>(self, 0);
     if (!color(self)) return 0.0;
     if (index < 0 || index >= count) {
         RaiseOutOfBoundsException(index, 0, count, "index", "Component");
@@ -62,7 +59,7 @@ REALobject colorSpace(REALobject self) {
 
 REALproperty properties[] = {
     handleProperty(),
-    property("NumberOfComponents", "Integer", numberOfComponents),
+    property("NumberOfComponents", "Integer", number<CGColorGetNumberOfComponents>),
     property("Alpha", "Double", alpha),
 };
 

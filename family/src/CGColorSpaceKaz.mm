@@ -1,35 +1,29 @@
 // CGColorSpaceKaz: a Core Graphics colour space.
 #include "support.h"
 
+#include <bridge/memoryblocks.h>
+
 namespace family {
 namespace {
 
 CGColorSpaceRef space(REALobject self) { return nativeHandle<CGColorSpaceRef>(self); }
 
-// A new wrapper that takes over the created space; null for null.
-REALobject wrappedCreated(CGColorSpaceRef created) {
-    REALobject wrapper = newColorSpace(created);
-    if (created) CGColorSpaceRelease(created);
-    return wrapper;
-}
-
 template <CGColorSpaceRef (*Create)()>
 REALobject device() {
-    return guardedInPool([] { return wrappedCreated(Create()); });
+    return guardedInPool([] { return newColorSpace(Owned<CGColorSpaceRef>(Create()).get()); });
 }
 
 template <const CFStringRef& Name>
 REALobject named() {
-    return guardedInPool([] { return wrappedCreated(CGColorSpaceCreateWithName(Name)); });
+    return guardedInPool(
+        [] { return newColorSpace(Owned<CGColorSpaceRef>(CGColorSpaceCreateWithName(Name)).get()); });
 }
 
 // Stays empty when the block holds no profile.
 void initWithProfile(REALobject self, REALmemoryBlock profile) {
     if (raisesWhenInitialized(self) || raisesWhenNull(profile, "Memoryblock is nil")) return;
     guardedInPool([&] {
-        rbData bytes(profile);
-        NSData* data = [NSData dataWithBytes:bytes.data() length:bytes.length()];
-        instanceData<CGColorSpaceRef>(self) = CGColorSpaceCreateWithICCProfile((CFDataRef)data);
+        instanceData<CGColorSpaceRef>(self) = CGColorSpaceCreateWithICCProfile((CFDataRef)NewNSData(profile));
     });
 }
 
@@ -37,10 +31,6 @@ REALstring name(REALobject self, std::uint32_t) {
     return stringResult([&]() -> NSString* {
         return space(self) ? [(NSString*)CGColorSpaceCopyName(space(self)) autorelease] : nil;
     });
-}
-
-std::int32_t numberOfComponents(REALobject self, std::uint32_t) {
-    return space(self) ? static_cast<std::int32_t>(CGColorSpaceGetNumberOfComponents(space(self))) : 0;
 }
 
 // 0 gray, 1 RGB, 2 CMYK, 3 Lab; -1 unknown and for an empty wrapper.
@@ -51,7 +41,7 @@ std::int32_t model(REALobject self, std::uint32_t) {
 REALproperty properties[] = {
     handleProperty(),
     property("Name", "String", name),
-    property("NumberOfComponents", "Integer", numberOfComponents),
+    property("NumberOfComponents", "Integer", number<CGColorSpaceGetNumberOfComponents>),
     property("Model", "Integer", model),
 };
 

@@ -1,12 +1,8 @@
 // CGContextKaz: a bitmap to draw into, 8 bits a component, premultiplied RGBA. The origin is the lower left.
 #include "support.h"
 
-#include <bridge/owned.h>
-
 namespace family {
 namespace {
-
-using bridge::Owned;
 
 CGContextRef context(REALobject self) { return nativeHandle<CGContextRef>(self); }
 
@@ -23,11 +19,6 @@ void initWithSpace(REALobject self, std::int32_t width, std::int32_t height, REA
             CGBitmapContextCreate(nullptr, static_cast<std::size_t>(width), static_cast<std::size_t>(height),
                                   8, 0, native.get(), kCGImageAlphaPremultipliedLast);
     });
-}
-
-template <std::size_t (*Get)(CGContextRef)>
-std::int32_t number(REALobject self, std::uint32_t) {
-    return context(self) ? static_cast<std::int32_t>(Get(context(self))) : 0;
 }
 
 // The frame of the drawing methods: nothing happens on an empty wrapper.

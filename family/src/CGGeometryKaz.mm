@@ -17,15 +17,7 @@ REALproperty doubleField(const char* name, std::size_t offset) {
 }
 
 REALstring asciiString(const char* text) {
-    REALstring string = REALBuildString(text, static_cast<std::int32_t>(std::strlen(text)));
-    if (string) REALSetStringEncoding(string, kREALTextEncodingASCII);
-    return string;
-}
-
-REALobject newRect(const RectangleFields& fields) {
-    REALobject object = REALnewInstance("CGRectKaz");
-    if (object) rect(object) = fields;
-    return object;
+    return bridge::newString(text, std::strlen(text), kREALTextEncodingASCII);
 }
 
 // --- CGPointKaz -------------------------------------------------------------------------------------------
@@ -75,12 +67,12 @@ bool containsPoint(REALobject self, REALobject p) {
 
 REALobject insetBy(REALobject self, double dx, double dy) {
     const RectangleFields& r = rect(self);
-    return newRect({r.x + dx, r.y + dy, r.width - 2 * dx, r.height - 2 * dy});
+    return newRectangle(RectangleFields{r.x + dx, r.y + dy, r.width - 2 * dx, r.height - 2 * dy});
 }
 
 REALobject offsetBy(REALobject self, double dx, double dy) {
     const RectangleFields& r = rect(self);
-    return newRect({r.x + dx, r.y + dy, r.width, r.height});
+    return newRectangle(RectangleFields{r.x + dx, r.y + dy, r.width, r.height});
 }
 
 // Null when the two have nothing in common.
@@ -90,16 +82,16 @@ REALobject intersection(REALobject self, REALobject other) {
     double left = std::max(a.x, b.x), bottom = std::max(a.y, b.y);
     double right = std::min(a.x + a.width, b.x + b.width), top = std::min(a.y + a.height, b.y + b.height);
     if (right <= left || top <= bottom) return nullptr;
-    return newRect({left, bottom, right - left, top - bottom});
+    return newRectangle(RectangleFields{left, bottom, right - left, top - bottom});
 }
 
 // The smallest rectangle around both.
 REALobject unionWith(REALobject self, REALobject other) {
-    if (!other) return newRect(rect(self));
+    if (!other) return newRectangle(rect(self));
     const RectangleFields &a = rect(self), &b = rect(other);
     double left = std::min(a.x, b.x), bottom = std::min(a.y, b.y);
     double right = std::max(a.x + a.width, b.x + b.width), top = std::max(a.y + a.height, b.y + b.height);
-    return newRect({left, bottom, right - left, top - bottom});
+    return newRectangle(RectangleFields{left, bottom, right - left, top - bottom});
 }
 
 REALproperty rectProperties[] = {

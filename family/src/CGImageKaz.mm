@@ -1,8 +1,7 @@
 // CGImageKaz: a Core Graphics image, from a file or another class, to a file or a picture.
 #include "support.h"
 
-#include <bridge/containers.h>
-#include <bridge/owned.h>
+#include <bridge/files.h>
 #include <bridge/pictures.h>
 
 #include <ImageIO/ImageIO.h>
@@ -10,14 +9,7 @@
 namespace family {
 namespace {
 
-using bridge::Owned;
-
 CGImageRef image(REALobject self) { return nativeHandle<CGImageRef>(self); }
-
-template <std::size_t (*Get)(CGImageRef)>
-std::int32_t number(REALobject self, std::uint32_t) {
-    return image(self) ? static_cast<std::int32_t>(Get(image(self))) : 0;
-}
 
 REALobject colorSpace(REALobject self) {
     return image(self) ? newColorSpace(CGImageGetColorSpace(image(self))) : nullptr;
@@ -107,24 +99,17 @@ REALpicture newPictureOf(CGImageRef image) {
     if (!image) return nullptr;
     std::int32_t width = static_cast<std::int32_t>(CGImageGetWidth(image));
     std::int32_t height = static_cast<std::int32_t>(CGImageGetHeight(image));
-    REALpicture picture = REALNewPicture(width, height, 32);
+    host::Held picture(REALNewPicture(width, height, 32));
     if (!picture) return nullptr;
-    bool drawn = false;
-    REALpictureDescription description = {};
-    if (REALLockPictureDescription(picture, &description, kREALPictureCGContext)) {
-        drawn = description.kind == kREALPictureCGContext && description.handle;
-        if (drawn)
-            CGContextDrawImage(static_cast<CGContextRef>(description.handle),
-                               CGRectMake(0, 0, static_cast<CGFloat>(width), static_cast<CGFloat>(height)),
-                               image);
-        REALUnlockPictureDescription(picture);
+    {
+        bridge::LockedDescription description(picture.get(), kREALPictureCGContext);
+        if (!description.context()) return nullptr;
+        CGContextDrawImage(description.context(),
+                           CGRectMake(0, 0, static_cast<CGFloat>(width), static_cast<CGFloat>(height)),
+                           image);
     }
-    if (drawn) {
-        REALPictureClearCache(picture);
-        return picture;
-    }
-    REALUnlockObject(reinterpret_cast<REALobject>(picture));
-    return nullptr;
+    REALPictureClearCache(picture.get());
+    return picture.release();
 }
 
 } // namespace family

@@ -44,8 +44,6 @@ REALmethodDefinition methods[] = {
 
 } // namespace
 
-REALclassDefinition NSColorKazClass =
-    classDefinition({.name = "NSColorKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
-                    properties, methods);
+REALclassDefinition NSColorKazClass = wrapperClass("NSColorKaz", properties, methods);
 
 } // namespace family

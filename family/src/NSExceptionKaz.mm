@@ -2,6 +2,8 @@
 // object through Cocoa collections.
 #include "support.h"
 
+#include <hostapi/handles.h>
+
 @interface NSException (KazFamily)
 + (CFMutableDictionaryRef)GetInstancesDictionaryKaz;
 + (void)PrepareNSExceptionKaz;
@@ -10,7 +12,7 @@
 
 @implementation NSException (KazFamily)
 
-// The registry of all parts: native object to wrapper, by address, retaining neither.
+// The wrapper registry of all parts: native object to wrapper, by address, retaining neither.
 + (CFMutableDictionaryRef)GetInstancesDictionaryKaz {
     static CFMutableDictionaryRef instances =
         CFDictionaryCreateMutable(kCFAllocatorDefault, 0, nullptr, nullptr);
@@ -23,13 +25,7 @@
 
 // A host exception with the reason, or else the name, as its message; one reference for the caller.
 + (REALobject)NewNSExceptionKaz:(NSException*)exception {
-    REALobject made = REALnewInstance("RuntimeException");
-    if (!made) return nullptr;
-    NSString* text = [[exception reason] length] ? [exception reason] : [exception name];
-    REALstring message = CFString2RBString((CFStringRef)text);
-    REALSetPropValueString(made, "Message", message);
-    if (message) REALUnlockString(message);
-    return made;
+    return bridge::newRuntimeException([[exception reason] length] ? [exception reason] : [exception name]);
 }
 
 @end
@@ -44,22 +40,20 @@
 
 @implementation KazREALobjectWrapper
 
-// Autoreleased; locks the object until the wrapper goes. Nil for null.
+// Autoreleased; locks the object until the carrier goes. Nil for null.
 + (id)wrap:(REALobject)object {
     if (!object) return nil;
-    KazREALobjectWrapper* wrapper = [[[self alloc] init] autorelease];
-    REALLockObject(object);
-    wrapper->object = object;
-    return wrapper;
+    KazREALobjectWrapper* carrier = [[[self alloc] init] autorelease];
+    carrier->object = host::locked(object);
+    return carrier;
 }
 
 // The object, locked once more for the caller.
 - (REALobject)unwrap {
-    REALLockObject(object);
-    return object;
+    return host::locked(object);
 }
 
-// Two wrappers of one host object are the same key in a Cocoa dictionary.
+// Two carriers of one host object are the same key in a Cocoa dictionary.
 - (BOOL)isEqual:(id)other {
     return [other isKindOfClass:[KazREALobjectWrapper class]] &&
            static_cast<KazREALobjectWrapper*>(other)->object == object;
@@ -74,7 +68,7 @@
 }
 
 - (void)dealloc {
-    REALUnlockObject(object);
+    host::unlock(object);
     [super dealloc];
 }
 

@@ -1,8 +1,8 @@
 // NSImageKaz: a Cocoa image.
 #include "support.h"
 
-#include <bridge/containers.h>
-#include <bridge/owned.h>
+#include <bridge/files.h>
+#include <bridge/memoryblocks.h>
 
 #import <AppKit/AppKit.h>
 
@@ -18,14 +18,6 @@ void initWithFile(REALobject self, REALfolderItem file) {
         NSString* path = [NewNSURLfile(file) path];
         return path ? [[NSImage alloc] initWithContentsOfFile:path] : nil;
     });
-}
-
-double width(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<double>([image(self) size].width); });
-}
-
-double height(REALobject self, std::uint32_t) {
-    return guarded([&] { return static_cast<double>([image(self) size].height); });
 }
 
 CGImageRef cgImage(REALobject self) {
@@ -46,8 +38,8 @@ REALmemoryBlock tiffRepresentation(REALobject self) {
 
 REALproperty properties[] = {
     handleProperty(),
-    property("Width", "Double", width),
-    property("Height", "Double", height),
+    property("Width", "Double", getter<double, [](NSImage* i) { return [i size].width; }>),
+    property("Height", "Double", getter<double, [](NSImage* i) { return [i size].height; }>),
 };
 
 REALmethodDefinition methods[] = {
@@ -59,8 +51,6 @@ REALmethodDefinition methods[] = {
 
 } // namespace
 
-REALclassDefinition NSImageKazClass =
-    classDefinition({.name = "NSImageKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
-                    properties, methods);
+REALclassDefinition NSImageKazClass = wrapperClass("NSImageKaz", properties, methods);
 
 } // namespace family

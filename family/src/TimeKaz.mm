@@ -55,10 +55,8 @@ struct Names<QTTimeRange> {
 };
 
 template <class Structure>
-REALobject newObject(const Structure& fields) {
-    REALobject object = REALnewInstance(Names<Structure>::hostClass);
-    if (object) instanceData<Structure>(object) = fields;
-    return object;
+REALobject newStructure(const Structure& fields) {
+    return bridge::newObject(Names<Structure>::hostClass, fields);
 }
 
 template <class Structure>
@@ -70,7 +68,7 @@ template <class Structure>
 REALobject objectOf(NSValue* value) {
     Structure fields = {};
     [value getValue:&fields];
-    return newObject(fields);
+    return newStructure(fields);
 }
 
 // --- times ------------------------------------------------------------------------------------------------
@@ -126,7 +124,7 @@ void initPair(REALobject self, REALobject first, REALobject second) {
 
 template <class Part, Part Pair<Part>::*part>
 REALobject partOf(REALobject self) {
-    return newObject(instanceData<Pair<Part>>(self).*part);
+    return newStructure(instanceData<Pair<Part>>(self).*part);
 }
 
 REALmethodDefinition cmTimeRangeMethods[] = {

@@ -1,7 +1,7 @@
 // The entry of the sibling plugin: it agrees on a record version as every plugin does, then registers its
 // classes.
-#include <host/registration.h>
-#include <host/services.h>
+#include <hostapi/registration.h>
+#include <hostapi/services.h>
 
 #include <initializer_list>
 

@@ -1,7 +1,7 @@
 #include "globals.h"
 
 #include <coreimage/classes.h>
-#include <host/records.h>
+#include <hostapi/records.h>
 
 using namespace coreimage;
 using host::method;

@@ -1,7 +1,7 @@
 // The plugin's global functions, in the order in which the host learns of them.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <span>
 

@@ -3,8 +3,8 @@
 #include "globals.h"
 
 #include <coreimage/classes.h>
-#include <host/registration.h>
-#include <host/services.h>
+#include <hostapi/registration.h>
+#include <hostapi/services.h>
 
 #include <initializer_list>
 

@@ -3,7 +3,7 @@
 
 #include "pixels.h"
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <memory>
 

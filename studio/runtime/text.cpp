@@ -1,6 +1,6 @@
 #include "runtime/text.h"
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <cstring>
 

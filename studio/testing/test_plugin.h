@@ -2,7 +2,7 @@
 // on request.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <string>
 

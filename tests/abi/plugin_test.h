@@ -1,7 +1,7 @@
 // The plugin loaded into a host of the test's choice, with its family or without.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 #include <studio/host.h>
 
 #include <dlfcn.h>

@@ -1,5 +1,5 @@
 // What hosts of each version receive when the plugin is loaded: read back from the host, class by class.
-#include <host/abi.h>
+#include <hostapi/abi.h>
 #include <studio/host.h>
 
 #include <gtest/gtest.h>

@@ -2,9 +2,9 @@
 // result right after.
 #pragma once
 
-#include <host/services.h>
+#include <hostapi/services.h>
 
-@class NSException;
+@class NSException, NSString;
 
 // Raises a host exception of the named class, or a "RuntimeException" where the host does not know that
 // class.
@@ -23,5 +23,8 @@ inline constexpr char kNilObject[] = "NilObjectException";
 inline constexpr char kUnsupportedOperation[] = "UnsupportedOperationException";
 inline constexpr char kOutOfBounds[] = "OutOfBoundsException";
 inline constexpr char kOutOfMemory[] = "OutOfMemoryException";
+
+// A new "RuntimeException" with a message, locked for the caller; null when the host makes none.
+REALobject newRuntimeException(NSString* message);
 
 } // namespace bridge

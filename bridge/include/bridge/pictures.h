@@ -3,9 +3,7 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 #include <bridge/owned.h>
-#include <host/services.h>
-
-struct PixMap; // QuickDraw's
+#include <hostapi/handles.h>
 
 // A new image of a picture with its mask applied, owned by the caller; null when the host shows no pixels.
 // The mask may be null.
@@ -16,36 +14,38 @@ CGImageRef CreateCGImageInternal(REALpicture picture, REALpicture mask);
 void GraphicsDrawPicture(REALpicture destination, REALpicture source, int x, int y, int w, int h, int sx,
                          int sy, int sw, int sh);
 
-// The system's "ApplicationServices.framework", loaded; owned by the caller, null when it cannot be loaded.
-CFBundleRef LoadFrameworkBundle();
-
 namespace bridge {
 
 // The picture's image by every way there is: the host's own copy, the picture's description, and a copy of
 // the picture. Owned by the caller; null when all fail.
 CGImageRef copyCGImage(REALpicture picture);
 
-// After a lock of a picture's description that failed: hosts before 2012.0 want it undone all the same.
-void undoFailedLock(REALpicture picture);
-
-// The pixels of a QuickDraw off-screen world, 4 bytes each, locked for a scope. False when the world has
-// another depth or does not show its pixels, and on a system without QuickDraw.
-class WorldPixels {
+// A picture's description, locked for a scope: in the kind that the host prefers, or in a kind asked for.
+// False when the lock failed, which hosts before 2012.0 want undone all the same.
+class LockedDescription {
   public:
-    explicit WorldPixels(void* world);
-    ~WorldPixels();
-    WorldPixels(const WorldPixels&) = delete;
-    WorldPixels& operator=(const WorldPixels&) = delete;
+    explicit LockedDescription(REALpicture picture);
+    LockedDescription(REALpicture picture, std::int32_t kind);
+    ~LockedDescription();
+    LockedDescription(const LockedDescription&) = delete;
+    LockedDescription& operator=(const LockedDescription&) = delete;
 
-    explicit operator bool() const { return address != nullptr; }
-    void* base() const { return address; }
-    std::size_t rowBytes() const { return bytesPerRow; }
+    explicit operator bool() const { return locked; }
+
+    // What the description holds, each null when it is of another kind.
+    CGContextRef context() const;
+    void* world() const; // QuickDraw's
+    const REALpixelBuffer* pixels() const;
+
+    // Leaves the description locked; what it held stays valid.
+    void release() { locked = false; }
 
   private:
-    PixMap** map;
-    bool locked = false;
-    void* address = nullptr;
-    std::size_t bytesPerRow = 0;
+    void undoFailedLock();
+
+    REALpicture picture;
+    REALpictureDescription record = {};
+    bool locked;
 };
 
 } // namespace bridge

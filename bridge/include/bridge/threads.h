@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <pthread.h>
 
-@class CIImage, NSData, NSDictionary, NSURL;
-
 // What the calling thread and the worker share.
 struct ThreadedCall {
     pthread_t thread = {};            // null while dispatched, and after the join
@@ -27,14 +25,10 @@ void RunThreaded(void* data, void (*work)(void* data), void (*idle)(void* data))
 // The worker's body; takes the ThreadedCall, answers null.
 void* threadfunction(void* call);
 
-// An image to load from data or from a URL.
-struct ImageLoadRequest {
-    NSData* data = nullptr;
-    NSURL* url = nullptr;
-    CIImage* result = nullptr;       // retained; nil when nothing could be loaded
-    NSDictionary* options = nullptr; // for the URL
-};
-static_assert(sizeof(ImageLoadRequest) == 4 * 4);
+namespace bridge {
 
-// The work of loading: takes the ImageLoadRequest and fills in its result. A Cocoa exception ends in the log.
-void DoWork(void* request);
+// Gives the calling thread a name for debuggers and crash reports. Does nothing on a system that cannot name
+// threads.
+void nameCurrentThread(const char* name);
+
+} // namespace bridge

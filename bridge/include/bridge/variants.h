@@ -1,7 +1,8 @@
-// Host variants and dictionaries against any Cocoa object, both ways.
+// Host variants against any Cocoa object, both ways. Each direction is a table of rules in the order in which
+// types are tested; that order is part of the behaviour.
 #pragma once
 
-#include <host/services.h>
+#include <hostapi/services.h>
 
 #import <Foundation/Foundation.h>
 
@@ -9,13 +10,6 @@
 // counterpart of. An array with an element that converts to nil raises Cocoa's invalid-argument exception.
 id GetVariantAsNSObject(REALobject variant);
 
-// An autoreleased dictionary of a host Dictionary's entries; the immutable empty one for no entries. A value
-// without a counterpart becomes NSNull; an entry whose key cannot be read is dropped.
-NSDictionary* NewNSDictionary(REALobject dictionary);
-
 // A variant, locked for the caller, for any Cocoa object; null for nil, NSNull and what the host has no
-// counterpart of. The order in which classes are tested is part of the behaviour.
+// counterpart of.
 REALobject NewVariantFromNSObject(id object);
-
-// A new host Dictionary, locked for the caller; null for nil and when the host makes none.
-REALobject NSDictionaryRB(NSDictionary* dictionary);

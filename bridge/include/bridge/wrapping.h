@@ -1,10 +1,11 @@
-// The layout that every wrapper object of the family shares: its first instance data word is the native
-// handle.
+// Wrappers: host objects whose first instance data word is the handle of a native object.
 #pragma once
 
 #include <bridge/registry.h>
 
 #import <Foundation/Foundation.h>
+
+@class NSImage;
 
 namespace bridge {
 
@@ -12,6 +13,15 @@ namespace bridge {
 template <class Data>
 Data& instanceData(REALobject object) {
     return *reinterpret_cast<Data*>(reinterpret_cast<char*>(object) + kREALInstanceDataOffset);
+}
+
+// A new object of that host class whose instance data begins with `data`, with a reference for the caller;
+// null when the class is not known.
+template <class Data>
+REALobject newObject(const char* hostClass, const Data& data) {
+    REALobject object = REALnewInstance(hostClass);
+    if (object) instanceData<Data>(object) = data;
+    return object;
 }
 
 // The native handle of a wrapper; nil for a null wrapper.
@@ -24,9 +34,7 @@ Native nativeHandle(const void* wrapper) {
 // A new wrapper of that host class that takes over one reference to `native`; null when the class is not
 // known, and then the reference stays the caller's.
 inline REALobject newWrapper(const char* hostClass, const void* native) {
-    REALobject wrapper = REALnewInstance(hostClass);
-    if (wrapper) instanceData<const void*>(wrapper) = native;
-    return wrapper;
+    return newObject(hostClass, native);
 }
 
 // The one wrapper of a native object, with a reference for the caller: the registered one, or a new one that
@@ -43,3 +51,8 @@ inline REALobject wrapperOf(const char* hostClass, id native) {
 }
 
 } // namespace bridge
+
+// The one wrapper of a Cocoa object whose class belongs to another part of the family; null when that part is
+// not loaded.
+REALobject NewNSImageKaz(NSImage* image);
+REALobject NewNSAffineTransformKaz(NSAffineTransform* transform);

@@ -1,7 +1,7 @@
 // The eleven host classes, one record each, and the functions behind the global ones.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 namespace coreimage {
 

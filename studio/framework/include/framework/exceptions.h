@@ -1,7 +1,7 @@
 // The data that every exception carries.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <string>
 #include <vector>

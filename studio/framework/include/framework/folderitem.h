@@ -1,7 +1,7 @@
 // FolderItem: a file or folder, by path.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <string>
 

@@ -1,7 +1,7 @@
 // MemoryBlock: raw bytes in a program.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <cstdint>
 #include <string_view>

@@ -1,7 +1,7 @@
 // What the picture services do. Objects are borrowed as arguments and owned as results.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <cstdint>
 

@@ -12,7 +12,7 @@
 #include "runtime/report.h"
 #include "runtime/value.h"
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <memory>
 #include <optional>

@@ -1,7 +1,7 @@
 // Reads plugins' records into the class model.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 namespace studio {
 

@@ -1,7 +1,7 @@
 // The language's types, and the untyped bits of a value.
 #pragma once
 
-#include <host/abi.h>
+#include <hostapi/abi.h>
 
 #include <cstdint>
 #include <string>

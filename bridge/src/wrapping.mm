@@ -1,0 +1,7 @@
+#include <bridge/wrapping.h>
+
+REALobject NewNSImageKaz(NSImage* image) { return bridge::wrapperOf("NSImageKaz", (id)image); }
+
+REALobject NewNSAffineTransformKaz(NSAffineTransform* transform) {
+    return bridge::wrapperOf("NSAffineTransformKaz", transform);
+}

@@ -1,0 +1,21 @@
+#include "CIImageLoading.h"
+
+#include <bridge/guard.h>
+#include <bridge/threads.h>
+
+#import <QuartzCore/QuartzCore.h>
+
+void coreimage::DoWork(void* argument) {
+    auto& request = *static_cast<ImageLoadRequest*>(argument);
+    bridge::nameCurrentThread("CIImageLoad");
+    bridge::AutoreleasePool pool;
+    @try {
+        if (request.data) request.result = [[CIImage imageWithData:request.data] retain];
+        if (request.url)
+            request.result = [(request.options ? [CIImage imageWithContentsOfURL:request.url
+                                                                         options:request.options]
+                                               : [CIImage imageWithContentsOfURL:request.url]) retain];
+    } @catch (NSException* exception) {
+        NSLog(@"%@\n", exception);
+    }
+}

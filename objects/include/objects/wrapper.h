@@ -1,0 +1,99 @@
+// The object model that all wrapper classes of the plugin family share: a host object whose first data word
+// holds a retained native object, or nil while the wrapper is empty.
+#pragma once
+
+#include <bridge/guard.h>
+#include <bridge/text.h>
+#include <bridge/wrapping.h>
+#include <hostapi/records.h>
+
+namespace objects {
+
+using bridge::guarded;
+using bridge::guardedInPool;
+using bridge::instanceData;
+using bridge::nativeHandle;
+using host::accessor;
+using host::classDefinition;
+using host::constant;
+using host::field;
+using host::method;
+using host::property;
+
+// The host class of a wrapper and the Cocoa class of what it holds.
+struct WrapperType {
+    const char* hostClass;
+    const char* nativeClass;
+};
+
+// Class constructor and destructor.
+void constructWrapper(REALobject wrapper);
+void destroyWrapper(REALobject wrapper);
+
+// True, and an exception raised, when the wrapper already holds an object.
+bool raisesWhenInitialized(REALobject wrapper);
+
+// True, and a NilObjectException raised, when the argument is null.
+bool raisesWhenNull(const void* argument, const char* message);
+
+// Puts a native object, whose one reference the wrapper takes over, into an empty wrapper and the registry.
+// Nil leaves the wrapper empty.
+void adopt(REALobject wrapper, id native);
+
+void constructWithHandle(const WrapperType& type, REALobject wrapper, std::int32_t handle);
+
+// The constructor that takes a native object by its address.
+template <const WrapperType& Type>
+REALmethodDefinition constructorWithHandle() {
+    return method(
+        "Constructor(Handle as Integer)",
+        +[](REALobject wrapper, std::int32_t handle) { constructWithHandle(Type, wrapper, handle); });
+}
+
+// The frame of a constructor that makes its native object itself: `make` returns it with the reference that
+// the wrapper keeps.
+template <class Make>
+void construct(REALobject wrapper, Make&& make) {
+    if (raisesWhenInitialized(wrapper)) return;
+    bridge::ensureFamily();
+    guardedInPool([&] { adopt(wrapper, make()); });
+}
+
+// The factory: the one wrapper of a native object.
+inline REALobject wrapped(const WrapperType& type, id native) {
+    return bridge::wrapperOf(type.hostClass, native);
+}
+
+// The frame of a function that returns what `make` makes, an object it does not own, through the factory.
+template <class Make>
+REALobject wrappedResult(const WrapperType& type, Make&& make) {
+    bridge::ensureFamily();
+    return guardedInPool([&] { return wrapped(type, make()); });
+}
+
+// The "description" property of every class.
+REALstring description(REALobject wrapper, std::uint32_t parameter);
+
+// A string result: `make` returns an NSString that it does not own, or nil.
+template <class Make>
+REALstring stringResult(Make&& make) {
+    bridge::ensureFamily();
+    return guardedInPool([&] { return CFString2RBString((CFStringRef)make()); });
+}
+
+// "Handle", in every class's property table.
+inline REALproperty handleProperty() { return field("Handle", "Integer", 0); }
+
+// A property's getter: what `read` reads from the native object, which may be nil.
+template <class Value, auto read>
+Value getter(REALobject wrapper, std::uint32_t) {
+    return guarded([&] { return static_cast<Value>(read(nativeHandle(wrapper))); });
+}
+
+// The record of a class with the object model's own constructor and destructor.
+REALclassDefinition wrapperClass(const char* hostClass, host::Table<REALproperty> properties,
+                                 host::Table<REALmethodDefinition> methods,
+                                 host::Table<REALconstant> constants = {},
+                                 host::Table<REALmethodDefinition> sharedMethods = {});
+
+} // namespace objects
