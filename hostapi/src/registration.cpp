@@ -1,3 +1,4 @@
+// Fitting the class records to the running host, and registering them.
 #include <hostapi/arrays.h>
 #include <hostapi/records.h>
 #include <hostapi/registration.h>
