@@ -6,7 +6,7 @@
 namespace host {
 
 // Whether the host shows the element storage of its arrays (REALarrayStruct).
-bool showsArrayStorage();
+inline bool showsArrayStorage() { return rbversion_rbversion <= 2013.9; }
 
 // Reads an element through the array's accessor, which the host is asked for each time. Strings and objects
 // come locked; 0 or null when the host has no accessor.

@@ -36,9 +36,8 @@ bool raisesWhenInitialized(REALobject wrapper);
 // True, and a NilObjectException raised, when the argument is null.
 bool raisesWhenNull(const void* argument, const char* message);
 
-// Puts a native object, whose one reference the wrapper takes over, into an empty wrapper and into
-// the wrapper registry.
-// Nil leaves the wrapper empty.
+// Puts a native object, whose one reference the wrapper takes over, into an empty wrapper and into the
+// wrapper registry. Nil leaves the wrapper empty.
 void adopt(REALobject wrapper, id native);
 
 void constructWithHandle(const WrapperType& type, REALobject wrapper, std::int32_t handle);
