@@ -39,13 +39,13 @@ REALobject fileOrTextOf(NSURL* url) {
 }
 
 // An object of the host class named after the object's class, or after the nearest superclass that has one.
-// Not looked up in the registry, nor entered there.
+// The wrapper registry is neither searched nor told.
 REALobject wrappedByClassName(id object) {
     constexpr std::size_t longestName = 199;
     for (Class c = [object class]; c; c = class_getSuperclass(c)) {
         const char* name = class_getName(c);
         if (!name || std::strlen(name) > longestName) continue;
-        char hostClass[longestName + 1]; // whose end is cut off where it does not fit
+        char hostClass[longestName + 1]; // a name that does not fit is cut off
         std::snprintf(hostClass, sizeof hostClass, "%sKaz", name);
         if (REALobject wrapper = bridge::newWrapper(hostClass, object)) {
             [object retain];
@@ -58,7 +58,7 @@ REALobject wrappedByClassName(id object) {
 } // namespace
 
 REALobject NewVariantFromNSObject(id object) {
-    // A class is looked up by its name wherever it is named, so each is named once.
+    // Naming a class costs a lookup, so each is named once.
     struct ObjectRule {
         Class kind;
         REALobject (*convert)(id object);
@@ -78,7 +78,7 @@ REALobject NewVariantFromNSObject(id object) {
     if (!object || object == null) return nullptr;
     for (const ObjectRule& rule : rules)
         if ([object isKindOfClass:rule.kind]) return rule.convert(object);
-    Class wrapper = static_cast<Class>(objc_getClass("KazREALobjectWrapper"));
-    if (wrapper && [object isKindOfClass:wrapper]) return [object unwrap];
+    Class carrier = static_cast<Class>(objc_getClass("KazREALobjectWrapper"));
+    if (carrier && [object isKindOfClass:carrier]) return [object unwrap];
     return wrappedByClassName(object);
 }

@@ -46,8 +46,8 @@ NSDate* dateOf(REALobject variant) {
 constinit host::NamedClass memoryBlockClass = {"MemoryBlock"};
 constinit host::NamedClass dictionaryClass = {"Dictionary"};
 
-// Siblings whose wrappers give up their handle, tested before the structures. One name stands three times:
-// the order is as the family's parts were added, and kept.
+// Classes of the family whose wrappers stand for their native object, tested before the structures. One name
+// occurs three times: the table has the order in which the parts of the family were added.
 constinit host::NamedClass wrapperClasses[] = {
     {"QuartzFilterKaz"},
     {"NSImageKaz"},
@@ -74,13 +74,13 @@ constinit host::NamedClass wrapperClasses[] = {
     {"PDFActionKaz"},
 };
 
-// And those tested after them.
+// The ones that are tested after the structures.
 constinit host::NamedClass laterWrapperClasses[] = {
     {"WebPolicyDelegateKaz"}, {"CFStringKaz"},     {"CFNumberKaz"}, {"CFBinaryDataKaz"}, {"CFURLKaz"},
     {"CFArrayKaz"},           {"CFDictionaryKaz"}, {"CFDateKaz"},
 };
 
-// The instance data of a sibling's wrapper, when the object is a member of one of the classes.
+// True, and the native object in `handle`, when the object is a member of one of the classes.
 template <std::size_t N>
 bool takeHandle(REALobject object, host::NamedClass (&classes)[N], id& handle) {
     for (host::NamedClass& hostClass : classes) {
@@ -104,8 +104,8 @@ id objectOf(REALobject object) {
     if (auto value = bridge::valueOfStructure(object)) return *value;
     if (takeHandle(object, laterWrapperClasses, handle)) return handle;
 
-    Class wrapper = static_cast<Class>(objc_getClass("KazREALobjectWrapper"));
-    return [wrapper wrap:object];
+    Class carrier = static_cast<Class>(objc_getClass("KazREALobjectWrapper"));
+    return [carrier wrap:object];
 }
 
 } // namespace
@@ -113,7 +113,7 @@ id objectOf(REALobject object) {
 id GetVariantAsNSObject(REALobject variant) {
     if (!variant) return nil;
     constexpr std::int32_t array = kREALVariantArray;
-    REALarray values = reinterpret_cast<REALarray>(variant); // where it is one
+    REALarray values = reinterpret_cast<REALarray>(variant); // read only for the array types
     switch (typeCode(variant)) {
     case kREALVariantInt32:
     case kREALVariantColor:
@@ -137,8 +137,8 @@ id GetVariantAsNSObject(REALobject variant) {
     case kREALVariantObject:
         return objectOf(variant);
     case kREALVariantBoolean:
-        return
-            [NSNumber numberWithBool:static_cast<BOOL>(bridge::int32InVariant(variant))]; // a byte, as ever
+        return [NSNumber
+            numberWithBool:static_cast<BOOL>(bridge::int32InVariant(variant))]; // Cocoa keeps one byte
     case array + kREALVariantInt32:
         return bridge::arrayOf<std::int32_t>(
             values, [](std::int32_t value) { return [NSNumber numberWithLong:value]; });

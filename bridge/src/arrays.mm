@@ -1,3 +1,4 @@
+// Host arrays against NSArray.
 #include <bridge/arrays.h>
 #include <bridge/text.h>
 

@@ -1,3 +1,4 @@
+// Host dates against NSDate.
 #include <bridge/dates.h>
 
 #import <Foundation/Foundation.h>

@@ -1,3 +1,4 @@
+// Host dictionaries against NSDictionary.
 #include <bridge/dictionaries.h>
 #include <bridge/variants.h>
 #include <hostapi/handles.h>

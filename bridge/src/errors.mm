@@ -1,3 +1,4 @@
+// Errors and Cocoa exceptions, raised as host exceptions.
 #include <bridge/errors.h>
 #include <bridge/text.h>
 #include <hostapi/handles.h>
@@ -16,12 +17,12 @@
 
 namespace {
 
-// NewNSExceptionKaz: of this plugin.
+// This plugin's own NewNSExceptionKaz:.
 REALobject makeException(Class, SEL, NSException* exception) {
     return bridge::newRuntimeException([exception reason]);
 }
 
-// Gives NSException a maker of host exceptions if no part of the family brought one, so that a Cocoa
+// Gives NSException a maker of host exceptions unless a part of the family brought one, so that a Cocoa
 // exception never unwinds into the host.
 void provideExceptionMaker() {
     SEL selector = @selector(NewNSExceptionKaz:);

@@ -1,3 +1,4 @@
+// Folder items against file URLs.
 #include <bridge/files.h>
 #include <bridge/owned.h>
 

@@ -1,3 +1,4 @@
+// Memory blocks against NSData.
 #include <bridge/errors.h>
 #include <bridge/memoryblocks.h>
 

@@ -1,3 +1,4 @@
+// Numbers in variants against NSNumber.
 #include <bridge/numbers.h>
 
 #import <Foundation/Foundation.h>
@@ -11,7 +12,8 @@ struct NumberRule {
     REALobject (*convert)(NSNumber* number);
 };
 
-// A char is a Boolean, and a 64-bit unsigned number keeps its low 32 bits: both are how it has always been.
+// A char becomes a Boolean, and an unsigned 64-bit number keeps its low 32 bits. Both are long-standing
+// behaviour.
 constexpr NumberRule kNumberRules[] = {
     {"c", [](NSNumber* n) { return REALNewVariantBoolean([n boolValue]); }},
     {"C", [](NSNumber* n) { return REALNewVariantInteger([n unsignedCharValue]); }},

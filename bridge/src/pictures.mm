@@ -1,3 +1,4 @@
+// Host pictures against Core Graphics images.
 #include <bridge/pictures.h>
 
 #include <Carbon/Carbon.h>
@@ -43,7 +44,7 @@ CGImageRef createImageByHostCopy(REALpicture picture, REALpicture mask) {
     return static_cast<CGImageRef>(REALCopyPictureCGImage(copy.get()));
 }
 
-// Complements the bytes of a gray bitmap; what lies beyond the width in each row stays.
+// Complements the bytes of a gray bitmap; the padding of each row stays.
 void invert(CGContextRef gray) {
     std::uint8_t* row = static_cast<std::uint8_t*>(CGBitmapContextGetData(gray));
     std::size_t width = CGBitmapContextGetWidth(gray);
@@ -124,7 +125,7 @@ void GraphicsDrawPicture(REALpicture destination, REALpicture source, int, int, 
             draw(graphics.get(), source, 0, 0, w, h, 0, 0, sw, sh);
             return;
         }
-        // Older hosts are asked for their drawing entry, whose answer has no use.
+        // Older hosts expect to be asked for their drawing entry; it is not called.
         if (rbversion_rbversion < kFailedLocksNeedNoUnlock) gResolver("RuntimeGraphicsDrawPicture");
     }
     if (source && destination && w == sw && h == sh) copyRows(destination, source);
@@ -157,8 +158,8 @@ void* bridge::LockedDescription::world() const {
     return locked && record.kind == kREALPictureGWorld ? record.handle : nullptr;
 }
 
-// The handle of another kind points at something that is no pixel buffer and may be shorter, so that not even
-// its format can be read.
+// The handle of any other kind does not point to a pixel buffer, so not even the format may be read through
+// it.
 const REALpixelBuffer* bridge::LockedDescription::pixels() const {
     return locked && record.kind == kREALPicturePixelBuffer
                ? static_cast<const REALpixelBuffer*>(record.handle)

@@ -1,3 +1,4 @@
+// The wrapper registry, as the family publishes it.
 #include <bridge/registry.h>
 #include <hostapi/handles.h>
 

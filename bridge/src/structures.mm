@@ -1,3 +1,4 @@
+// The family's structure classes against NSValue.
 #include <bridge/structures.h>
 #include <bridge/wrapping.h>
 
@@ -39,7 +40,7 @@ constinit StructureClass structureClasses[] = {
 
 // --- to the host ------------------------------------------------------------------------------------------
 
-// Times are built by categories of sibling parts; null without them.
+// Other parts of the family make the times, in a category of NSValue; null without them.
 #define TIME_RULE(getter)                                                                                    \
     REALobject getter(NSValue* value) {                                                                      \
         return [value respondsToSelector:@selector(getter)] ? [value getter] : nullptr;                      \

@@ -1,3 +1,4 @@
+// Text between the host and Cocoa.
 #include <bridge/text.h>
 #include <hostapi/handles.h>
 
@@ -18,7 +19,7 @@ constexpr CFIndex kShortText = 99;       // UTF-16 units that fit the buffer on 
 constexpr CFIndex kBytesPerUnit = 6;     // the worst case of UTF-8, generously
 constexpr std::uint32_t kTerminator = 4; // zero bytes after the text, enough for any encoding
 
-// The host's own.
+// The length of a string in bytes.
 constinit host::FrameworkMethod<std::int32_t (*)(REALstring)> lenB{"LenB( s as string ) as integer"};
 
 // Copies the text of `string` to a new block with room for `capacity` bytes and the terminator.
@@ -80,7 +81,7 @@ bool REALGetStringData(REALstring string, std::uint32_t encoding, REALstringData
     if (PluginGetStringData.resolve()) return PluginGetStringData(string, encoding, out);
     if (!string || !StringGetCString.resolve() || !lenB.resolve()) return false;
 
-    // The string's own encoding: the caller said how much room to make.
+    // In the string's own encoding, the caller says how much room to make.
     if (encoding == kREALTextEncodingUnknown) return copyText(string, out->length, encoding, out);
 
     if (REALGetStringEncoding(string) == encoding)
@@ -129,7 +130,7 @@ REALstring CFString2RBString(CFStringRef string) {
     if (length > std::numeric_limits<std::int32_t>::max() / kBytesPerUnit) return nullptr;
     struct HeapBuffer {
         char* bytes;
-        ~HeapBuffer() { std::free(bytes); } // also when the conversion raises
+        ~HeapBuffer() { std::free(bytes); } // even when the conversion raises
     } buffer = {static_cast<char*>(std::calloc(static_cast<std::size_t>(length), kBytesPerUnit))};
     if (!buffer.bytes) return nullptr;
     if (!CFStringGetCString(string, buffer.bytes, length * kBytesPerUnit, kCFStringEncodingUTF8))

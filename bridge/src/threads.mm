@@ -1,3 +1,4 @@
+// Work on another thread: on a dispatch queue where the system has them, else on a thread of our own.
 #include <bridge/threads.h>
 #include <hostapi/services.h>
 
@@ -60,7 +61,7 @@ void pauseForAMillisecond() {
     MPDelayUntil(&until);
 }
 
-// Polls rather than waits, to give time to the host; yields before the first look and after the last.
+// Polls instead of waiting, so that the host gets time; yields before the first check and after the last.
 void waitUntilDone(const ThreadedCall& call, Function idle) {
     REALYieldToRB();
     while (!isDone(call)) {
@@ -112,17 +113,17 @@ void runOnThread(void* data, Function work, Function idle) {
     waitUntilDone(call, idle);
     deleteMutex(call);
     pthread_join(thread, nullptr);
-    pthread_detach(thread); // on purpose, although it was joined; the answer does not matter
+    pthread_detach(thread); // kept although the thread was joined; the error is ignored
     call.thread = {};
     call.running = false;
 }
 
 // --- the name of a thread-----------------------------------------------------------------------------------
 
-// As a Mac has it: names the calling thread.
+// The Mac's form: names the calling thread.
 using SetName = int (*)(const char* name);
 
-// Where the function belongs to the process itself it takes the thread first.
+// A function that belongs to the process itself takes the thread first.
 using SetNameOfThread = int (*)(pthread_t thread, const char* name);
 SetNameOfThread setNameOfThread = nullptr;
 

@@ -1,3 +1,4 @@
+// QuickDraw's off-screen worlds.
 #include <bridge/owned.h>
 #include <bridge/worlds.h>
 #include <hostapi/lookup.h>
@@ -8,7 +9,7 @@ using bridge::Owned;
 
 namespace {
 
-// QuickDraw is looked up at run time, because not every system has it.
+// Looked up at run time, because not every system has QuickDraw.
 void* findInQuickDraw(const char* name) {
     static constinit host::LookedUp<CFBundleRef> bundle; // kept for good
     CFBundleRef quickDraw = bundle.get(LoadFrameworkBundle);

@@ -1,3 +1,4 @@
+// Filling host arrays from NSArray.
 #include "conversion_test.h"
 
 #include <bridge/arrays.h>

@@ -1,3 +1,4 @@
+// Host dates read as NSDate.
 #include "conversion_test.h"
 
 #include <bridge/dates.h>

@@ -22,7 +22,7 @@ class DictionaryCache : public ConversionTest {
             });
     }
 
-    // How many methods were loaded meanwhile, those of the conversion's own tests of objects aside.
+    // How many methods were loaded meanwhile. The conversion's own tests of objects do not count.
     template <class Work>
     int loadsOf(Work&& work) {
         loads.clear();

@@ -1,3 +1,4 @@
+// Raising host exceptions, and the frame that turns Cocoa exceptions into them.
 #include "bridge_test.h"
 
 #include <bridge/errors.h>
@@ -11,7 +12,7 @@
 
 // The heap refuses blocks of this size while it is not 0.
 static std::size_t refusedSize = 0;
-// And counts those of six bytes for each of so many units.
+// Blocks of six bytes for each of so many units are counted.
 std::size_t bufferUnits = 0;
 int buffers = 0;
 
@@ -214,7 +215,7 @@ TEST_F(Errors, AResultPassesThroughUntouched) {
     EXPECT_TRUE(host.takePendingException().isNil());
 }
 
-// Counts its deallocations, to see that pools are drained.
+// Counts its deallocations, to show that autorelease pools are drained.
 } // namespace
 
 @interface NSException (FamilyOfTheTest)
@@ -245,7 +246,8 @@ TEST_F(Errors, ThePoolIsDrainedOnEveryPath) {
         failingBody();
     });
     EXPECT_EQ(drained, 2);
-    // Another object than an NSException is not the guard's: it passes, and the pool is drained on its way.
+    // Another object than an NSException is not the guard's: it passes, and the autorelease pool is drained
+    // on its way.
     bool passed = false;
     @try {
         bridge::guardedInPool([] {

@@ -1,3 +1,4 @@
+// Folder items to file URLs and back.
 #include "conversion_test.h"
 
 #include <bridge/files.h>
@@ -18,7 +19,7 @@ OSErr __real_FSGetCatalogInfo(const FSRef*, FSCatalogInfoBitmap, FSCatalogInfo*,
                               FSRef*);
 OSErr __wrap_FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, FSCatalogInfo* info,
                               HFSUniStr255* name, FSSpec* old, FSRef* parent) {
-    bool asksForNothing = !info && !name && !old && !parent; // but whether the reference is good
+    bool asksForNothing = !info && !name && !old && !parent; // only whether the reference is valid
     if ((name && namesAreUnknown) || (old && recordsAreUnknown) || (asksForNothing && parentsAreUnknown))
         return paramErr;
     OSErr result = __real_FSGetCatalogInfo(ref, which, info, name, old, parent);
@@ -58,14 +59,14 @@ class Files : public OnEveryHost {
 
     void makeFile(const std::string& name) { std::ofstream(path + "/" + name) << "content"; }
 
-    // The path of the item's URL below the folder; "(nil)" for none.
+    // The path of the item's URL, relative to the folder; "(nil)" for none.
     std::string crossed(const Value& item) {
         NSURL* url = NewNSURLfile(handle(item));
         if (!url) return "(nil)";
         EXPECT_TRUE([url isFileURL]);
         return below([[url path] UTF8String]);
     }
-    // Likewise of the URL's item.
+    // The same for the URL's item.
     std::string itemOf(NSURL* url) {
         Value item = Value::received(reinterpret_cast<REALobject>(NSURLRBFile(url)));
         return item.isNil() ? "(nil)" : below(host.get(item, "NativePath").text());
@@ -186,7 +187,7 @@ TEST_P(Files, AVolumeIsAnItemBelowAParentOfZeroes) {
     static bool zeroes;
     static std::string name;
     zeroes = false;
-    volumesHaveAParent = true; // a file system may have one, which is not the host's
+    volumesHaveAParent = true; // a file system may give a volume a parent, which the host must not see
     replace(
         "REALFolderItemFromParentFSRef", +[](const FSRef* parent, const HFSUniStr255* leaf) {
             const FSRef none = {};

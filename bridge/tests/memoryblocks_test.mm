@@ -1,3 +1,4 @@
+// NSData as memory blocks, and the view of a block.
 #include "conversion_test.h"
 
 #include <bridge/memoryblocks.h>

@@ -1,3 +1,4 @@
+// Cocoa objects as host variants, rule by rule.
 #include "conversion_test.h"
 
 #include <bridge/registry.h>
@@ -15,7 +16,8 @@
 #include <cstring>
 #include <deque>
 
-// Says which classes it is asked for, and is kind of none of them but itself and what the test names.
+// Notes which classes it is asked about, and claims to be of no kind but its own and the one that the test
+// names.
 @interface AskedObject : NSObject
 @end
 
@@ -189,7 +191,7 @@ TEST_P(Outward, ANumberOfAnyOtherTypeIsADouble) {
 INSTANTIATE_TEST_SUITE_P(Hosts, Outward, testing::ValuesIn(kHostVersions),
                          [](const auto& info) { return info.param.name; });
 
-// The studio's variants hold unsigned numbers as 64 bits, so which maker was called is seen at the makers.
+// The studio's variants hold every unsigned number in 64 bits, so the calls of the makers are noted instead.
 class NumberMakers : public ConversionTest {
   protected:
     struct Made {
@@ -319,7 +321,7 @@ class Dates : public OnEveryHost {
 };
 
 TEST_P(Dates, ComeAsLocalWallClockFields) {
-    // The start of 2001 in Greenwich, seen two hours further east.
+    // The start of 2001 in UTC, on a clock two hours ahead.
     EXPECT_EQ(fields([NSDate dateWithTimeIntervalSinceReferenceDate:0]), "2001-01-01 02:00:00");
     EXPECT_EQ(fields([NSDate dateWithTimeIntervalSinceReferenceDate:86400 * 58 + 79199]),
               "2001-02-28 23:59:59");
@@ -559,7 +561,7 @@ class Wrapped : public ConversionTest {
   protected:
     void SetUp() override { NegotiateRecordVersion(host.resolver()); }
 
-    // A host class whose destructor gives up the handle.
+    // A host class whose destructor releases the handle.
     void registerHostClass(const std::string& name) {
         static std::deque<std::pair<std::string, REALclassDefinition>> definitions;
         auto& [kept, definition] = definitions.emplace_back(name, REALclassDefinition());

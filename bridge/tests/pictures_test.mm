@@ -1,3 +1,4 @@
+// Images of host pictures, by every way there is, and drawing pictures into pictures.
 #include "conversion_test.h"
 
 #include <bridge/pictures.h>
@@ -18,8 +19,8 @@ static std::string failingCall;
 static int goodCalls = 0;
 static std::vector<std::uint8_t> maskBytes;
 static std::size_t maskBytesPerRow = 0;
-static std::vector<std::string> contexts;    // that were made, with all that was asked for
-static std::vector<std::string> bundleParts; // what was asked for on the way to the framework
+static std::vector<std::string> contexts;    // that were made, with their arguments
+static std::vector<std::string> bundleParts; // what was called to find the framework
 
 static bool fails(const char* call) {
     if (failingCall != call || goodCalls-- > 0) return false;
@@ -205,7 +206,7 @@ class Pictures : public ConversionTest {
 
     enum Mode { Fails, OtherKind, OtherFormat, NoRows, NoHeight };
 
-    // Locks and unlocks are written down under the picture's name, and do as the test says.
+    // Locks and unlocks are logged under the picture's name, and succeed or fail as the test says.
     void watchDescriptions() {
         replace(
             "REALLockPictureDescription",
@@ -482,8 +483,8 @@ INSTANTIATE_TEST_SUITE_P(Hosts, ImagesByCopy, testing::ValuesIn(kHostVersions),
 
 // --- images by every way there is -------------------------------------------------------------------------
 
-// What the host is asked for is written down among the locks: P is the picture, PM its mask, C the copy, CM
-// the copy's mask. The host's own images are 1 pixel wide.
+// The services that the host is asked for are logged among the locks: P is the picture, PM its mask, C the
+// copy, CM the copy's mask. The host's own images are 1 pixel wide.
 class ImagesOfPictures : public Pictures, public testing::WithParamInterface<HostVersion> {
   protected:
     ImagesOfPictures() : Pictures(GetParam().version) {}
@@ -542,14 +543,14 @@ class ImagesOfPictures : public Pictures, public testing::WithParamInterface<Hos
         Owned<CGImageRef> image(bridge::copyCGImage(handle(picture)));
         return image ? CGImageGetWidth(image.get()) : 0;
     }
-    // A mask that leaves nothing half-way: a masked picture looks the same when it is drawn and masked again.
+    // A mask without intermediate grays: a masked picture looks the same when it is drawn and masked again.
     static Pixels blackAndWhite() {
         Pixels result = grays();
         for (std::size_t i = 0; i < result.size(); ++i)
             result[i] = i % 2 ? Pixel{255, 255, 255, 255} : Pixel{255, 0, 0, 0};
         return result;
     }
-    // What is always done before a copy is made of a picture that cannot be locked.
+    // The calls that always come before the copy of a picture that cannot be locked.
     static Log upToTheCopy(Log entries) {
         entries.insert(entries.begin(), {"copy P", "make mask of P", "fail P8"});
         return entries;

@@ -1,4 +1,4 @@
-// Random trees of values cross to Cocoa and back, and come back as what the conversions promise. Set
+// Random trees of values cross to Cocoa and back, and come back as the conversions promise. Set
 // KAZ_SEED for other trees than the usual ones, or to see again what failed.
 #include "conversion_test.h"
 
@@ -84,7 +84,7 @@ class RoundTrip : public OnEveryHost {
             bool b = below(2);
             return {b, {.type = kREALVariantBoolean, .integer = b}};
         }
-        case 5: { // a colour comes back as the integer that it went over as
+        case 5: { // a colour crosses as an integer
             auto color = static_cast<std::uint32_t>(random());
             return {Value::color(color),
                     {.type = kREALVariantInt32, .integer = static_cast<std::int32_t>(color)}};
@@ -177,7 +177,7 @@ class RoundTrip : public OnEveryHost {
             Node node = {.type = kREALVariantObject, .className = "Dictionary"};
             std::uint32_t count = below(6);
             for (std::uint32_t i = 0; i < count; ++i) {
-                // Keys that neither side takes for one another.
+                // Keys that are distinct on both sides.
                 Made value = below(10) ? any(depth - 1) : Made();
                 Made key = {"key " + std::to_string(i),
                             {.type = kREALVariantString, .text = "key " + std::to_string(i)}};
@@ -267,7 +267,7 @@ TEST_P(RoundTrip, GivesEveryTreeBack) {
     }
 }
 
-// What came back crosses once more: on Cocoa's side nothing has changed.
+// The result crosses once more: nothing has changed on Cocoa's side.
 TEST_P(RoundTrip, GivesCocoaTheSameAgain) {
     for (int tree = 0; tree < kTrees / 2 && !HasFailure(); ++tree) {
         SCOPED_TRACE("tree " + std::to_string(tree) + ", KAZ_SEED=" + std::to_string(seed));

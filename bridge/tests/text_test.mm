@@ -1,3 +1,4 @@
+// Text between the host and Cocoa, on hosts of every kind.
 #include "bridge_test.h"
 
 #include <bridge/guard.h>
@@ -46,7 +47,7 @@ class Strings : public BridgeTest, public testing::WithParamInterface<Path> {
   protected:
     Strings() : BridgeTest({.version = GetParam().version, .withheld = GetParam().withheld}) {}
 
-    // What arrives of the bytes; "(null)" for none.
+    // The text that the bytes become; "(null)" for none.
     std::string cross(std::string_view bytes, std::uint32_t encoding) {
         Value value = Value::string(bytes, encoding);
         bridge::AutoreleasePool pool;
@@ -156,7 +157,7 @@ TEST_F(StringBytes, ItsOwnEncodingIsSizedByTheLengthThatComesIn) {
     EXPECT_EQ(data.encoding, kREALTextEncodingUnknown);
     EXPECT_EQ(std::memcmp(data.data, "text\0\0\0\0", 8), 0);
     std::free(data.data);
-    // Room for less than the text is refused rather than overrun.
+    // A buffer that is too small for the text is refused rather than overrun.
     data = {.data = nullptr, .length = 3, .encoding = 0};
     EXPECT_FALSE(REALGetStringData(value.stringHandle(), kREALTextEncodingUnknown, &data));
 }

@@ -1,5 +1,5 @@
-// Threaded calls. Built twice: with the dispatch library (KAZ_DISPATCH is 1) and without. The linker leads
-// some calls of the bridge to the functions below, which watch them or make them fail.
+// Threaded calls. Built twice: with the dispatch library (KAZ_DISPATCH is 1) and without. The linker
+// redirects some calls of the bridge to the functions below, which watch them or make them fail.
 #include "bridge_test.h"
 
 #include <bridge/threads.h>
@@ -19,14 +19,14 @@
 
 namespace {
 
-// What the calls below saw, and which of them are to fail.
+// What the functions below saw, and which of them fail.
 struct Watch {
     bool failAttributes = false, failThread = false, failMutex = false;
     int threads = 0;
     std::size_t stackSize = 0;
     void* (*entry)(void*) = nullptr;
     std::vector<Duration> pauses;  // on the calling thread
-    std::vector<std::string> ends; // what was given up, in order
+    std::vector<std::string> ends; // what was released, in order
     ThreadedCall* call = nullptr;  // what the thread was given
     pthread_t thread = {};
     pthread_mutex_t* mutexAtJoin = nullptr;
@@ -37,14 +37,14 @@ struct Watch {
         std::weak_ptr<ThreadedCall> shared; // and what became of it
     } dispatch;
     std::atomic<int> unlocks{0};                        // of mutexes, on other threads
-    std::vector<std::pair<std::string, int>> libraries; // that were looked for, and how
+    std::vector<std::pair<std::string, int>> libraries; // that were opened, with the mode
     int mutexes = 0, mutexesDestroyed = 0;
 
     // Where to find the function that names threads: as it is, in a library, in a library that lacks it,
     // nowhere.
     enum { Here, Library, EmptyLibrary, Nowhere } naming = Here;
     std::vector<void*> namingLookups; // the libraries that were searched for it
-    std::vector<std::string> names;   // that were given through the library's
+    std::vector<std::string> names;   // given to the library's function
 };
 Watch watch;
 
@@ -182,7 +182,7 @@ class Threads : public BridgeTest {
         });
     }
 
-    // Work that lasts until the host was given time so often.
+    // Work that lasts until the host has been given time `releaseAt` times.
     static void waitForRelease(void* test) {
         while (!static_cast<Threads*>(test)->released) std::this_thread::yield();
         static_cast<Threads*>(test)->finished = true;
@@ -423,7 +423,7 @@ TEST_F(Threads, AFailureToCreateTheThreadLeavesTheResultEmptyAndRaisesNothing) {
 
 // --- the name of a thread ---------------------------------------------------------------------------------
 
-// Looked into once, however many threads are named.
+// Opened once, however many threads are named.
 const std::vector<std::pair<std::string, int>> kNamingLibrary = {{"/usr/lib/libpthread.dylib", RTLD_NOW}};
 
 class Naming : public Threads {
@@ -438,7 +438,7 @@ class Naming : public Threads {
         pthread_getname_np(pthread_self(), name, sizeof name);
         return name;
     }
-    // Of one that was given a name.
+    // The name of a worker that names itself.
     static std::string nameOfWorker() {
         std::string name;
         RunThreaded(

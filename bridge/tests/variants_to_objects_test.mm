@@ -1,3 +1,4 @@
+// Host variants as Cocoa objects, rule by rule.
 #include "conversion_test.h"
 
 #include <bridge/wrapping.h>
@@ -87,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(Hosts, Scalars, testing::ValuesIn(kHostVersions),
 
 // --- type codes -------------------------------------------------------------------------------------------
 
-// A host whose VarType answers what the test wants, so that codes come by which no value of this host has.
+// A host whose VarType returns what the test wants, even codes that no value of this host has.
 class TypeCodes : public ConversionTest {
   protected:
     TypeCodes() {
@@ -145,7 +146,7 @@ TEST_F(TypeCodes, Code11IsABoolean) {
     EXPECT_EQ([as(11, 7) intValue], 1);
     EXPECT_EQ([as(11, 0) intValue], 0);
     EXPECT_EQ([as(11, -1) intValue], 1);
-    // Cocoa takes a byte, which is all that is left of a larger value.
+    // Cocoa keeps one byte of a larger value.
     EXPECT_EQ([as(11, 0x100) intValue], 0);
     EXPECT_EQ([as(11, 0x180) intValue], 1);
 }
@@ -419,7 +420,7 @@ TEST_P(Arrays, WithoutStorageToSeeAreReadThroughTheAccessorOnceForEachElement) {
         SCOPED_TRACE(type);
         Value array = host.array(type, elements);
         id expected = cocoa(array);
-        Value held = boxed(array); // so that nothing stores into the array any more
+        Value held = boxed(array); // nothing is stored into the array from here on
         void*& storage = reinterpret_cast<REALarray>(held.object())->storage;
         void* shown = std::exchange(storage, nullptr);
         getterAsked = 0;
@@ -588,7 +589,7 @@ TEST_F(WithoutTheFamily, AnyOtherObjectGivesNil) { EXPECT_EQ(cocoa(host.create("
 
 // --- the order of the rules -------------------------------------------------------------------------------
 
-// A host in which one object is a member of the classes that the test names; what is asked is written down.
+// A host in which one object is a member of the classes that the test names. The questions are logged.
 class Rules : public ConversionTest {
   protected:
     // Room for the fields of every class; the first word is a handle.
@@ -680,7 +681,7 @@ TEST_F(Rules, EndAtTheFirstThatMatches) {
     auto named = [](std::size_t i) { return std::find(kOrder.begin(), kOrder.end(), kOrder[i]); };
     for (std::size_t i = kFirstWrapper; i < kOrder.size(); ++i) {
         auto first = kOrder.begin() + static_cast<std::ptrdiff_t>(i);
-        if (named(i) != first) continue; // a repetition, which an object never gets to
+        if (named(i) != first) continue; // a repetition, which no object ever reaches
         SCOPED_TRACE(kOrder[i]);
         // A member of this class and of all that are named later only.
         std::set<std::string> classes(first, kOrder.end());

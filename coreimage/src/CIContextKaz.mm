@@ -54,7 +54,7 @@ void initWithCGContext(REALobject self, REALobject cgContext) {
     initWithCGContextAnd(self, cgContext, [] { return static_cast<NSDictionary*>(nil); });
 }
 
-// Leaves the picture's description locked for the context's life, and is not tested for a second call.
+// Leaves the picture's description locked for the context's life. A second call is not refused.
 void initWithPicture(REALobject self, REALpicture picture) {
     if (raisesWhenNull(picture, "Picture is nil")) return;
     bridge::ensureFamily();
@@ -130,7 +130,7 @@ void drawImage(REALobject self, REALobject image) {
 
 // --- rendering --------------------------------------------------------------------------------------------
 
-// Each size below 1 is the extent's; the origin stays the rectangle's.
+// The origin is the rectangle's; each size below 1 is taken from the extent.
 template <class Render>
 REALobject createCGImageWith(REALobject self, REALobject image, REALobject rect, Render&& render) {
     return guardedInPool([&]() -> REALobject {

@@ -12,8 +12,7 @@ namespace {
 
 CIDetector* detector(REALobject self) { return nativeHandle<CIDetector*>(self); }
 
-// The wrapper registry never learns of a detector made here, and a second call replaces the first one's
-// reference.
+// A detector made here is not registered, and a second call overwrites the first one's reference.
 void initWithType(REALobject self, REALstring type, REALobject context, REALobject options) {
     if (raisesWhenNull(type, "type is empty")) return;
     bridge::ensureFamily();

@@ -32,7 +32,7 @@ void destroyFilter(REALobject self) {
 
 REALstringArray newStringArray() { return REALCreateArray(kREALArrayString, -1); }
 
-// The frame of the functions that return a string array: always an array, filled with what `make` returns.
+// Returns a new string array, filled with the NSArray that `make` returns.
 template <class Make>
 REALstringArray stringArrayResult(Make&& make) {
     REALstringArray array = newStringArray();
@@ -118,7 +118,7 @@ void setDefaults(REALobject self) {
 
 // --- values by key ----------------------------------------------------------------------------------------
 
-// The frame of the getters: `convert` gets what the filter holds under the key, perhaps nil.
+// The getters: `convert` gets the filter's value for the key, which may be nil.
 template <class Convert>
 auto valueForKey(REALobject self, REALstring key, Convert&& convert) -> decltype(convert(id())) {
     using Result = decltype(convert(id()));
@@ -130,7 +130,7 @@ auto valueForKey(REALobject self, REALstring key, Convert&& convert) -> decltype
     });
 }
 
-// The frame of the setters: `convert` returns the Cocoa value, which it does not own; nil clears the key.
+// The setters: `convert` returns the Cocoa value, which is not owned; nil clears the key.
 template <class Convert>
 void setValueForKey(REALobject self, REALstring key, Convert&& convert) {
     guardedInPool([&] {
@@ -139,7 +139,7 @@ void setValueForKey(REALobject self, REALstring key, Convert&& convert) {
     });
 }
 
-// What the key holds, wrapped as the class that the method names; its class is not tested.
+// The key's value, wrapped as the class that the method names; the value's own class is not checked.
 template <const WrapperType& Type>
 REALobject objectValue(REALobject self, REALstring key) {
     return valueForKey(self, key, [](id value) { return wrapped(Type, value); });
@@ -212,7 +212,7 @@ REALstringArray filterNamesInCategories(REALstringArray categoryNames) {
     });
 }
 
-// The frame of the shared methods that turn a name into a text: `make` gets the name and returns the text.
+// The shared methods that return a text for a name; nil gives the empty string.
 template <class Make>
 REALstring textForName(REALstring name, Make&& make) {
     return stringResult([&]() -> NSString* {
@@ -283,7 +283,7 @@ REALmethodDefinition sharedMethods[] = {
            localizedReferenceDocumentationForFilterName),
 };
 
-// Most keys are their constant's name without the leading k.
+// Most keys are the name of their constant without the leading k.
 #define KEY_CONSTANT(key) constant("k" #key " = \"" #key "\"")
 
 REALconstant constants[] = {

@@ -15,7 +15,7 @@ CGAffineTransform transformOf(REALobject transform) {
                                  static_cast<CGFloat>(fields[4]), static_cast<CGFloat>(fields[5]));
 }
 
-// The frame of the combining methods: nothing for an empty wrapper.
+// The combining methods: an empty wrapper gives nil.
 template <class Combine>
 REALobject combined(REALobject self, Combine&& combine) {
     if (!shape(self)) return nullptr;

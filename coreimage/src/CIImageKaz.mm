@@ -1,5 +1,5 @@
-// CIImageKaz: the recipe of a picture. This file makes images; CIImageKazRendering.mm turns them into
-// something the host can show, and measures them.
+// CIImageKaz: the recipe of a picture. This file makes images; CIImageKazRendering.mm renders and measures
+// them, and CIImageLoading.mm loads them on a worker.
 #include "CIImageKaz.h"
 #include "CIImageLoading.h"
 
@@ -32,7 +32,7 @@ NSURL* urlOfString(REALstring text) {
     return [(NSURL*)CFURLCreateWithString(kCFAllocatorDefault, string, nullptr) autorelease];
 }
 
-// The block's own bytes. The length is the caller's word; the caller keeps the block alive and unchanged.
+// The block's own bytes. The caller vouches for the length, and keeps the block alive and unchanged.
 NSData* dataOnBlock(REALmemoryBlock block, std::int32_t length) {
     return [NSData dataWithBytesNoCopy:REALMemoryBlockGetPtr(block)
                                 length:static_cast<NSUInteger>(length)
@@ -180,8 +180,8 @@ REALobject imageWithContentsOfPath(REALstring path, REALobject colorSpace) {
     });
 }
 
-// The frame of the loaders that leave decoding to a worker. `make` returns a request whose objects it does
-// not own; they are kept through the call, because the host may run code that drains a pool.
+// Loads an image on a worker. `make` returns a request whose objects are not owned; they are retained during
+// the call, because the host may run code that drains an autorelease pool.
 template <class Make>
 REALobject loadOnWorker(Make&& make) {
     bridge::ensureFamily();

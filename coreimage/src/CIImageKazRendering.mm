@@ -41,7 +41,7 @@ bool drawFilling(CIImage* image, CGContextRef bitmap, CGRect extent, std::int32_
     return true;
 }
 
-// Renders into a picture whose description is locked; false when the host described it in no known way.
+// Renders into a picture whose description is locked; false when the description is of no known kind.
 bool drawIntoPicture(CIImage* image, const bridge::LockedDescription& description, CGRect extent,
                      std::int32_t width, std::int32_t height, CGColorSpaceRef outputSpace,
                      bool useSoftwareRenderer) {
@@ -59,8 +59,7 @@ bool drawIntoPicture(CIImage* image, const bridge::LockedDescription& descriptio
     return false;
 }
 
-// The frame of both CreateCGImage forms: a scratch bitmap of the source's size, and what `render` makes of
-// it.
+// Both forms of CreateCGImage: `render` renders with a context on a scratch bitmap of the source's size.
 template <class Render>
 REALobject createCGImageWith(REALobject self, REALobject rect, CGColorSpaceRef bitmapSpace, Render&& render) {
     CGRect source = sourceRectangle(rect, [image(self) extent]);

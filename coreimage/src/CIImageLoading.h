@@ -16,7 +16,7 @@ struct ImageLoadRequest {
 };
 static_assert(sizeof(ImageLoadRequest) == 4 * 4);
 
-// The work of loading: takes the ImageLoadRequest and fills in its result. A Cocoa exception ends in the log.
+// The work of loading: takes the ImageLoadRequest and fills in its result. A Cocoa exception is logged.
 void DoWork(void* request);
 
 } // namespace coreimage

@@ -1,3 +1,4 @@
+// Loading an image on a worker thread.
 #include "CIImageLoading.h"
 
 #include <bridge/guard.h>

@@ -37,8 +37,8 @@ inline CGRect sourceRectangle(REALobject rect, CGRect extent) {
     return source;
 }
 
-// Fills an empty object array with the wrappers that `wrap` finds for the objects in the NSArray that `list`
-// returns.
+// Fills an empty object array from the NSArray that `list` returns, with the wrapper that `wrap` finds for
+// each object.
 template <class List>
 REALarray filledWithWrappers(REALarray array, List&& list, REALobject (*wrap)(id native)) {
     bridge::ensureFamily();

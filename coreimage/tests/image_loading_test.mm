@@ -3,7 +3,6 @@
 #include "bridge_test.h"
 
 #include <bridge/guard.h>
-
 #include <bridge/threads.h>
 
 #import <QuartzCore/QuartzCore.h>

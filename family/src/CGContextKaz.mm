@@ -21,7 +21,7 @@ void initWithSpace(REALobject self, std::int32_t width, std::int32_t height, REA
     });
 }
 
-// The frame of the drawing methods: nothing happens on an empty wrapper.
+// The drawing methods do nothing on an empty wrapper.
 template <class Draw>
 void drawing(REALobject self, Draw&& draw) {
     if (!context(self)) return;

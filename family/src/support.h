@@ -1,4 +1,4 @@
-// What more than one class of this plugin needs.
+// Helpers that several classes of this plugin share.
 #pragma once
 
 #include <bridge/owned.h>

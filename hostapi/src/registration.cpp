@@ -1,4 +1,4 @@
-#include <hostapi/arrays.h>
+// Fitting the class records to the running host, and registering them.
 #include <hostapi/records.h>
 #include <hostapi/registration.h>
 #include <hostapi/services.h>
@@ -10,8 +10,6 @@
 REALResolver gResolver = nullptr;
 double rbversion_rbversion = 0.0;
 std::int32_t CurrentREALControlVersion = 12;
-
-bool host::showsArrayStorage() { return rbversion_rbversion <= 2013.9; }
 
 namespace {
 

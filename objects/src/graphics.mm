@@ -1,3 +1,4 @@
+// The family's classes of Core Graphics values.
 #include <bridge/wrapping.h>
 #include <objects/graphics.h>
 

@@ -1,3 +1,4 @@
+// The object model of the wrapper classes.
 #include <objects/wrapper.h>
 
 #include <objc/runtime.h>

@@ -1,4 +1,4 @@
-// The object model: handles, the registry and reference counts, on colours.
+// The object model: handles, the wrapper registry and reference counts, on colours.
 #include "plugin_test.h"
 
 #include <cstring>
@@ -111,7 +111,7 @@ TEST_F(Wrappers, OneNativeObjectHasOneWrapper) {
 TEST_F(Wrappers, ADestroyedWrapperLeavesTheRegistry) {
     Value filter = host.shared("CIFilterKaz", "FilterWithName", {"CISepiaTone"});
     // A second wrapper of the same object keeps it alive beyond the first, and takes its place in the
-    // registry.
+    // wrapper registry.
     Value keeper = host.create("CIFilterKaz", {host.get(filter, "Handle")});
     int native = handle(filter);
     filter = {};

@@ -1,3 +1,4 @@
+// The table of the plugin's global functions.
 #include "globals.h"
 
 #include <coreimage/classes.h>

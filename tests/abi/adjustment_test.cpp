@@ -111,7 +111,7 @@ TEST_F(Adjustment, OptionsReachCoreImage) {
 }
 
 TEST_F(Adjustment, ExceptionsOfCocoaReachTheHost) {
-    // Cocoa has no arrays with nil in them.
+    // An NSArray holds no nil.
     Value bad =
         options("kCIImageAutoAdjustFeatures", host.array("Variant", {host.memoryBlock("kept"), nullptr}));
     Value image = square();

@@ -84,7 +84,7 @@ TEST_F(Attributes, TwoItemsOfOneEntryAreTwoObjects) {
     Value filter = sepia();
     Value first = host.call(filter, "AttributesItem", {0}), second = host.call(filter, "AttributesItem", {0});
     EXPECT_NE(first.object(), second.object());
-    EXPECT_EQ(first.word(0), second.word(0)); // one dictionary, as it was fetched once
+    EXPECT_EQ(first.word(0), second.word(0)); // one dictionary, because it is fetched once
     EXPECT_EQ(text(first, "Name"), text(second, "Name"));
     filter = first = second = {};
     expectClean();

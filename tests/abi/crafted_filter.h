@@ -1,4 +1,4 @@
-// A filter whose attributes a test writes itself; a unit of its own, because a C++ catch matches nothing in
+// A filter whose attributes a test writes itself; a unit of its own, because no C++ catch works in
 // Objective-C++.
 #pragma once
 

@@ -1,3 +1,4 @@
+// A filter class that the tests wrote, with attributes of every kind.
 #include "crafted_filter.h"
 
 #import <QuartzCore/QuartzCore.h>

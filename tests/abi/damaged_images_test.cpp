@@ -1,4 +1,4 @@
-// Files that are no pictures, or no longer: a nil image, and no crash.
+// Files that are not pictures, or are damaged ones: each gives nil, and nothing crashes.
 #include "plugin_test.h"
 
 #include <cstdlib>

@@ -1,5 +1,5 @@
-// What the tests of detection do to Core Image itself; a unit of its own, because a C++ catch matches nothing
-// in Objective-C++.
+// Replaces parts of Core Image for the tests of detection; a unit of its own, because no C++ catch works in
+// Objective-C++.
 #pragma once
 
 #include <string>
@@ -22,7 +22,7 @@ struct DetectorArguments {
     void* context = nullptr;
     std::string accuracy;
 };
-// From now on they are written down (and no detector comes about).
+// From now on these are noted, and no detector is made.
 void recordDetectors();
 DetectorArguments lastDetector();
 // The orientation in the options of the last search; 0 without options.

@@ -1,3 +1,4 @@
+// Detectors and features that the tests control.
 #include "detection_coreimage.h"
 
 #import <QuartzCore/CIDetector.h>

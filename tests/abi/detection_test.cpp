@@ -118,7 +118,7 @@ TEST_F(Detection, FeaturesInNilMakeTheirArrayFirstAndGiveItBack) {
     host.failService("RuntimeArrayCreateSingleDimBoundedArray");
     EXPECT_EQ(raisedBy([&] { host.call(detector, "featuresInImage", {Value()}); }),
               "NilObjectException: image is nil");
-    // The failure was used up: the array had been asked for.
+    // The failure was used up: the array had been made before.
     Value found = host.call(detector, "featuresInImage", {host.shared("CIImageKaz", "emptyImage")});
     EXPECT_FALSE(found.isNil());
     detector = found = {};

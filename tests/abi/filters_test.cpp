@@ -1,4 +1,4 @@
-// Filters: what a program cannot see of them.
+// Filters, as far as a program cannot see.
 #include "plugin_test.h"
 
 #include <cstdio>
@@ -25,7 +25,7 @@ class Filters : public PluginTest {
                                  {host.array("String", std::move(categories))}));
     }
     std::size_t countOfAll() { return inCategories({"CICategoryBuiltIn"}).size(); }
-    // What Cocoa says of an unknown key.
+    // Cocoa's message about an unknown key.
     static std::string reason(const Value& filter, const char* method, const char* key) {
         char text[200];
         std::snprintf(

@@ -27,7 +27,7 @@ using studio::Value;
 using Bytes = std::string;
 
 #if __has_feature(address_sanitizer)
-// The sanitizer keeps freed memory and shadows the rest.
+// The sanitizer keeps freed memory, and needs memory for its shadows.
 constexpr long memoryGrowth = 2000;
 #else
 constexpr long memoryGrowth = 700;
@@ -187,7 +187,7 @@ Bytes gifHeader(std::uint32_t width, std::uint32_t height) {
     return file;
 }
 
-// Its pixels are one of index 1; a larger frame lacks all others.
+// The data holds one pixel, of index 1; a larger frame lacks all others.
 Bytes gifFrame(std::uint32_t width, std::uint32_t height) {
     Bytes frame(",\0\0\0\0\0\0\0\0\0\x02\x02\x4C\x01\0", 15);
     put(frame, 5, width, 2);
@@ -246,7 +246,7 @@ class HostileImages : public PluginTest {
                          height = host.call(image, "Height").integer();
             EXPECT_GE(width, 1);
             EXPECT_GE(height, 1);
-            // Also its pixels can be used.
+            // Its pixels can be used, too.
             if (width * height < 1000000) {
                 EXPECT_FALSE(host.call(image, "RenderPicture", {8, 8}).isNil());
             }
@@ -267,7 +267,7 @@ class HostileImages : public PluginTest {
         }
     }
 
-    // Some bits flipped, half of the time in the first bytes, where the structure is.
+    // A few bits are flipped, half of the time in the first bytes, where the structure is.
     void flipBits(const Bytes& original, int times, void (*mend)(Bytes&) = nullptr) {
         for (int i = 0; i < times; ++i) {
             Bytes file = original;
@@ -391,12 +391,12 @@ TEST_F(HostileImages, GIF) {
     cutShort(animation, 1);
     flipBits(animation, 60);
     expectPicture(gifHeader(1, 1) + gifFrame(1, 1) + ";", "one pixel");
-    // No sizes above 65535 can be said.
+    // The format has no sizes above 65535.
     for (auto [width, height] : {std::pair(0u, 10u), std::pair(65535u, 65535u), std::pair(20000u, 20000u)}) {
         expectNil(gifHeader(width, height) + gifFrame(1, 1) + ";", "absurd canvas");
         expectNil(gifHeader(10, 10) + gifFrame(width, height) + ";", "absurd frame");
     }
-    // What is claimed and not drawn costs nothing.
+    // A size that is claimed but not drawn costs nothing.
     long before = peakMemory();
     Bytes many = gifHeader(11000, 11000) + gifFrame(1, 1);
     for (int i = 0; i < 1000; ++i) many += gifFrame(11000, 11000);
@@ -437,7 +437,7 @@ TEST_F(HostileImages, WebP) {
         cutShort(file, 1);
         flipBits(file, 50);
     }
-    // The largest size that can be said without a container: 14 bits each.
+    // The largest size without a container: 14 bits each.
     Bytes file = webp(200, 150, true);
     std::size_t header = file.find("VP8L");
     ASSERT_NE(header, Bytes::npos);

@@ -1,5 +1,5 @@
-// What the tests of loading do to Core Image itself; a unit of its own, because a C++ catch matches nothing
-// in Objective-C++.
+// Replaces parts of Core Image for the tests of loading; a unit of its own, because no C++ catch works in
+// Objective-C++.
 #pragma once
 
 #include <string>

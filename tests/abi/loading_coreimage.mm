@@ -1,3 +1,4 @@
+// Core Image's loaders, watched and made to fail.
 #include "loading_coreimage.h"
 
 #import <QuartzCore/QuartzCore.h>

@@ -17,7 +17,7 @@ std::atomic<bool> threadsFail{false};
 
 } // namespace
 
-// Stands before the system's own in every library of the process.
+// Replaces the system's own in every library of the process.
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*entry)(void*),
                               void* argument) {
     static const auto real = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));

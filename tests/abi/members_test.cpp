@@ -1,6 +1,6 @@
 // Every member that the plugin registers, read from its records and called: with good arguments, with nil for
-// each object in turn, and on an empty wrapper. A member with a type that no argument is known for fails its
-// test, so a new member cannot be left out.
+// each object in turn, and on an empty wrapper. A member with a type for which the test has no argument fails
+// its test, so a new member cannot be forgotten.
 #include "plugin_test.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Watches what the plugin sends to Core Image, and makes Core Image answer otherwise.
+// Watches the messages that the plugin sends to Core Image, and replaces some of the answers.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@ extern const void* lastBitmapBytes;
 // From here on messages are noted. Bitmaps are not made, since their length may be a lie.
 void watchNativeCalls();
 
-// Answers of the class or the object instead of its own.
+// Replace the answers of the class or the object.
 void answerUnionsWithTheOther();
 void answerDefinitionsWith(int shape);
 void answerContextsWith(int context); // 0 for nil

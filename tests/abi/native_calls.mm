@@ -1,3 +1,4 @@
+// Watches the messages that the plugin sends to Core Image, and answers some of them instead.
 #include "native_calls.h"
 
 #import <AppKit/AppKit.h>

@@ -1,4 +1,4 @@
-// What reaches Core Image: options, rectangles and lengths as the plugin passes them on.
+// The options, rectangles and lengths that the plugin passes on to Core Image.
 #include "native_calls.h"
 #include "plugin_test.h"
 
@@ -23,7 +23,7 @@ class NativeCalls : public PluginTest {
     Value rect(double x, double y, double width, double height) {
         return host.create("CGRectKaz", {x, y, width, height});
     }
-    // What making it sends is not noted.
+    // The messages that make it are not noted.
     Value image(const Value& extent) {
         std::vector<std::string> before = calls();
         Value endless =
@@ -37,9 +37,9 @@ class NativeCalls : public PluginTest {
     Value cgImage() { return host.call(canvas(), "CreateImage"); }
     static Value nil() { return {}; }
 
-    // The calls that were noted, and none from here on.
+    // The calls that were noted; stops noting.
     static std::vector<std::string> calls() { return std::exchange(nativeCalls, {}); }
-    // Without those that make URLs, which the platform makes of the same messages.
+    // Calls that make URLs are left out: the platform uses the same messages.
     static std::vector<std::string> imageCalls() {
         std::vector<std::string> sent = calls();
         std::erase_if(sent, [](const std::string& call) { return call.starts_with("fileURLWithPath:"); });

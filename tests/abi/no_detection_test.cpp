@@ -1,4 +1,4 @@
-// A system before detectors: nothing in this process brings their library.
+// A system without detectors: nothing in this process loads their library.
 #include "plugin_test.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// What a CIContextKaz keeps alive and gives back, and what RenderPicture asks of the host. The test stands
+// The objects that a CIContextKaz keeps alive, and the services that RenderPicture calls. The test stands
 // between the plugin and the services for pictures, and before some functions of Core Graphics.
 #include "plugin_test.h"
 
@@ -32,7 +32,7 @@ Function next(Function, const char* name) {
 
 } // namespace
 
-// These stand before the platform's own in every library of the process.
+// These replace the platform's own in every library of the process.
 
 void CGContextFlush(CGContextRef context) {
     services.flushed.push_back(context);
@@ -244,7 +244,7 @@ TEST_F(Contexts, OnASecondPictureReplaceTheFirstUntested) {
     EXPECT_EQ(host.get(context, "Picture").object(), second.object());
     EXPECT_NE(host.get(context, "Handle").integer(), before);
     context = second = {};
-    // What the first call stored is nobody's any more.
+    // Nobody owns what the first call stored.
     EXPECT_EQ(host.report().alive("Picture"), 1);
     EXPECT_EQ(host.report().alive("CGContextKaz"), 1);
     EXPECT_EQ(living("CIContext"), 1);

@@ -36,7 +36,7 @@ class PluginTest : public testing::Test {
         });
     }
 
-    // The host's own service, for those that stand before it.
+    // The host's own service, for the functions that replace it.
     template <class Function>
     static Function hostService(const char* name) {
         return reinterpret_cast<Function>(hostResolver()(name));
@@ -52,7 +52,7 @@ class PluginTest : public testing::Test {
     int living(std::string_view className) const {
         for (const auto& [name, count] : host.report().platformObjects)
             if (name == className) return count;
-        return 0; // those without any are not listed
+        return 0; // a class with none alive is not listed
     }
 
     // The exception that `call` raised, as "Class: message"; "(none)" for none.

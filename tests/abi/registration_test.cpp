@@ -1,4 +1,4 @@
-// What hosts of each version receive when the plugin is loaded: read back from the host, class by class.
+// The records that hosts of each version receive from the plugin, read back from the host class by class.
 #include <hostapi/abi.h>
 #include <studio/host.h>
 

@@ -1,4 +1,4 @@
-// Samplers: what a program cannot see of them, and what a filter makes of one.
+// Samplers, as far as a program cannot see, and samplers as inputs of filters.
 #include "plugin_test.h"
 
 namespace {

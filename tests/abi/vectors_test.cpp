@@ -1,4 +1,4 @@
-// Vectors: what a program cannot see of them.
+// Vectors, as far as a program cannot see.
 #include "plugin_test.h"
 
 #include <algorithm>
@@ -107,7 +107,7 @@ TEST_F(VectorsWithoutUBound, AnArrayHasOneElement) {
     expectClean();
 }
 
-// A host of that version that hands out no accessors.
+// A host of that version without accessors for arrays.
 struct Storage : Vectors {
     explicit Storage(double version)
         : Vectors({.version = version, .withheld = {"RuntimeArrayDirectGetGetProc"}}) {}

@@ -1,6 +1,6 @@
-// RenderPicture into each kind of description that a host may deliver, QuickDraw worlds above all. The test
-// stands between the plugin and three things: the host's "lockPictureDescription", the system's frameworks
-// folder and the functions of the bundle.
+// RenderPicture into every kind of description that a host may deliver, above all into QuickDraw worlds. The
+// test stands between the plugin and three things: the host's "lockPictureDescription", the system's
+// frameworks folder and the functions of the bundle.
 #include "plugin_test.h"
 
 #include <Carbon/Carbon.h>
@@ -54,7 +54,7 @@ void countedUnlock(PixMapHandle map) {
 
 } // namespace
 
-// These stand before the platform's own in every library of the process.
+// These replace the platform's own in every library of the process.
 
 OSErr FSFindFolder(SInt16 domain, OSType type, Boolean create, FSRef* ref) {
     test.folders.push_back(std::to_string(domain) + " " + std::to_string(type) + " " +

@@ -1,4 +1,4 @@
-// The entry of test programs that need a pool around their tests.
+// The entry of test programs that need an autorelease pool around their tests.
 #import <Foundation/Foundation.h>
 
 #include <gtest/gtest.h>

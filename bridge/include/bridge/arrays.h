@@ -8,8 +8,8 @@
 // Fills a host string array from element 0 on. The array is neither cleared nor resized first.
 void FillStringArray(REALstringArray array, NSArray* strings);
 
-// Likewise an object array, with what `convert` makes of each element: a host object with a reference for us,
-// which is given back once the array has its own, or null.
+// The same for an object array. `convert` makes a host object of each element, or null; the reference that it
+// returns is given back once the array holds its own.
 void FillObjectArray(REALarray array, NSArray* elements, REALobject (*convert)(id element));
 
 namespace bridge {

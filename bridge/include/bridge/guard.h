@@ -21,8 +21,8 @@ class AutoreleasePool {
     NSAutoreleasePool* pool;
 };
 
-// Runs `body`. A Cocoa exception becomes a host exception, and the result is the empty one of the body's
-// type.
+// Runs `body`. A Cocoa exception becomes a host exception, and the result is then the empty value of the
+// body's type.
 template <class Body>
 auto guarded(Body&& body) -> decltype(body()) {
     @try {

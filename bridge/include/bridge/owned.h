@@ -1,4 +1,4 @@
-// Ownership of Core Foundation objects by scope.
+// Core Foundation objects that are released at the end of a scope.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -16,12 +16,12 @@ void GraphicsDrawPicture(REALpicture destination, REALpicture source, int x, int
 
 namespace bridge {
 
-// The picture's image by every way there is: the host's own copy, the picture's description, and a copy of
-// the picture. Owned by the caller; null when all fail.
+// The picture's image. Tries the host's own copy, then the picture's description, then a copy of the picture.
+// Owned by the caller; null when all fail.
 CGImageRef copyCGImage(REALpicture picture);
 
-// A picture's description, locked for a scope: in the kind that the host prefers, or in a kind asked for.
-// False when the lock failed, which hosts before 2012.0 want undone all the same.
+// A picture's description, locked for a scope, in the kind that the host prefers or in a given kind. False
+// when the lock failed; hosts before 2012.0 expect even a failed lock to be undone.
 class LockedDescription {
   public:
     explicit LockedDescription(REALpicture picture);
@@ -32,7 +32,7 @@ class LockedDescription {
 
     explicit operator bool() const { return locked; }
 
-    // What the description holds, each null when it is of another kind.
+    // The handle, null when the description is of another kind.
     CGContextRef context() const;
     void* world() const; // QuickDraw's
     const REALpixelBuffer* pixels() const;

@@ -18,11 +18,11 @@ struct ThreadedCall {
 static_assert(sizeof(ThreadedCall) == 6 * 4 && offsetof(ThreadedCall, data) == 3 * 4);
 
 // Runs work(data) on another thread and returns when it has finished. Meanwhile the calling thread, which
-// must be the host's, yields to the host about once in a millisecond and then calls idle(data). `work` must
+// must be the host's, yields to the host about once a millisecond and then calls idle(data). `work` must
 // not call the host, and neither function may throw. When no thread can be started, `work` does not run.
 void RunThreaded(void* data, void (*work)(void* data), void (*idle)(void* data));
 
-// The worker's body; takes the ThreadedCall, answers null.
+// The worker's body: takes the ThreadedCall and returns null.
 void* threadfunction(void* call);
 
 namespace bridge {

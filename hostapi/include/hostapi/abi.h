@@ -251,7 +251,7 @@ struct HFSUniStr255;
 // Services
 // ---------------------------------------------------------------------------------------------------------
 
-// The host hands this to REALPluginMain; it answers the address of a service, or null.
+// The host hands this to REALPluginMain; it returns the address of a service, or null.
 using REALResolver = void* (*)(const char* entryName);
 
 namespace host::service {

@@ -6,10 +6,10 @@
 namespace host {
 
 // Whether the host shows the element storage of its arrays (REALarrayStruct).
-bool showsArrayStorage();
+inline bool showsArrayStorage() { return rbversion_rbversion <= 2013.9; }
 
-// Reads an element through the accessor that the host hands out for the array, asked for again for every
-// element. Strings and objects come locked; 0 or null when the host hands out none.
+// Reads an element through the array's accessor, which the host is asked for each time. Strings and objects
+// come locked; 0 or null when the host has no accessor.
 template <class Value>
 struct ArrayGetter {
     Value operator()(REALarray array, std::int32_t index) const {
@@ -20,22 +20,22 @@ struct ArrayGetter {
     }
 };
 
-// Stores `value` at `index` of a host array through the array's own insert routine, which locks what it
-// keeps. Nothing is inserted when the host hands out no routine.
+// Inserts `value` at `index` through the array's own routine, which locks what it keeps. Does nothing when
+// the host has no such routine.
 template <class Value>
 void insertArrayValue(REALarray array, std::int32_t index, Value value) {
     using Insert = void (*)(REALarray, std::int32_t, Value);
     if (Insert insert = reinterpret_cast<Insert>(REALGetArrayInsertProc(array))) insert(array, index, value);
 }
 
-// The element in the storage that the host shows, not locked; null storage when it shows none.
+// The element in the array's storage, not locked; null when the host does not show the storage.
 template <class Value>
 const Value* shownElement(REALarray array, std::int32_t index) {
     if (!showsArrayStorage() || !array->storage) return nullptr;
     return static_cast<const Value*>(array->storage) + index;
 }
 
-// Reads an element: from the array's storage where the host shows it, else through its accessor.
+// Reads an element from the array's storage, or through its accessor where the host hides the storage.
 template <class Value>
 Value arrayValue(REALarray array, std::int32_t index) {
     if (const Value* element = shownElement<Value>(array, index)) return locked(*element);

@@ -1,4 +1,4 @@
-// Handles of host objects and strings, and references that end with a scope.
+// Handles of host objects and strings, and references that are given back at the end of a scope.
 #pragma once
 
 #include <hostapi/services.h>
@@ -8,7 +8,7 @@
 
 namespace host {
 
-// The handles of things that are objects: each begins with the object header.
+// Handles of objects: everything that begins with the object header.
 template <class Handle>
 concept ObjectHandle = std::same_as<Handle, REALobject> || std::same_as<Handle, REALarray> ||
     std::same_as<Handle, REALmemoryBlock> || std::same_as<Handle, REALfolderItem> ||
@@ -22,7 +22,7 @@ REALobject asObject(Handle handle) {
     return reinterpret_cast<REALobject>(handle);
 }
 
-// Takes one more reference; null is ignored, and so are values that are not counted.
+// Locks a string or an object and returns it. Null and values that have no reference count are left alone.
 template <class Value>
 Value locked(Value value) {
     if constexpr (ObjectHandle<Value>) {
@@ -33,7 +33,7 @@ Value locked(Value value) {
     return value;
 }
 
-// Gives one reference back; null is ignored, and so are values that are not counted.
+// Unlocks a string or an object. Null and values that have no reference count are left alone.
 template <class Value>
 void unlock(Value value) {
     if constexpr (ObjectHandle<Value>) {
@@ -43,7 +43,8 @@ void unlock(Value value) {
     }
 }
 
-// A value that came with a reference, which is given back at the end of the scope, also when Cocoa raises.
+// Owns the reference that a value came with, and gives it back at the end of the scope, even when Cocoa
+// raises.
 template <class Value>
 class Held {
   public:
@@ -55,7 +56,7 @@ class Held {
     Value get() const { return value; }
     explicit operator bool() const { return bool(value); }
 
-    // The value with its reference, which becomes the caller's.
+    // The value; its reference becomes the caller's.
     Value release() { return std::exchange(value, Value()); }
 
   private:

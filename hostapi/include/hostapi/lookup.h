@@ -1,9 +1,9 @@
-// What is looked up on first use and kept once it is found.
+// Pointers and functions that are looked up on first use.
 #pragma once
 
 namespace host {
 
-// A pointer that `find` returns when it is first asked for. Null is not kept: the next use looks again.
+// A pointer that is looked up on first use and then kept. Null is not kept: the next use looks again.
 template <class Pointer>
 class LookedUp {
   public:
@@ -13,7 +13,7 @@ class LookedUp {
         return found;
     }
 
-    // What was found so far, without a look.
+    // The pointer if it has been found; does not look.
     Pointer known() const { return found; }
 
   private:
@@ -23,7 +23,7 @@ class LookedUp {
 template <class Function, void* (*find)(const char* name)>
 class LookedUpFunction;
 
-// A function that `find` finds by its name. While it is missing, a call does nothing and returns 0, null or
+// A function that `find` looks up by name. While it is missing, a call does nothing and returns 0, null or
 // false.
 template <class Result, class... Arguments, void* (*find)(const char* name)>
 class LookedUpFunction<Result (*)(Arguments...), find> {

@@ -22,7 +22,7 @@ REALmethodDefinition method(const char* declaration, Function* function, std::ui
     return {reinterpret_cast<void*>(function), nullptr, declaration, flags, {}};
 }
 
-// A method on both sides of an assignment.
+// A method that can be read and assigned to.
 template <class Getter, class Setter>
 REALmethodDefinition accessor(const char* declaration, Getter* getter, Setter* setter) {
     return {reinterpret_cast<void*>(getter), reinterpret_cast<void*>(setter), declaration, kMethodFlags, {}};
@@ -38,7 +38,7 @@ inline REALproperty field(const char* name, const char* type, std::uint32_t offs
     return {nullptr, name, type, kPropertyFlags, kREALStandardAccessor, nullptr, offset, {}};
 }
 
-// Likewise, and written by the host as well.
+// The same for a property that the host writes, too.
 inline REALproperty settableField(const char* name, const char* type, std::uint32_t offset,
                                   std::uint32_t flags = kPropertyFlags) {
     return {nullptr, name, type, flags, kREALStandardAccessor, kREALStandardAccessor, offset, {}};
@@ -46,7 +46,7 @@ inline REALproperty settableField(const char* name, const char* type, std::uint3
 
 inline REALconstant constant(const char* declaration) { return {declaration, {}}; }
 
-// What a class is made of. Tables are optional; a null pointer stands for none.
+// A class but for its tables. A null pointer means that the class has no such function.
 struct ClassDescription {
     const char* name;
     const char* superclass = nullptr;

@@ -1,4 +1,4 @@
-// Fitting the class records to the host that runs, and registering them.
+// Fitting the class records to the running host, and registering them.
 #pragma once
 
 #include <hostapi/abi.h>
@@ -20,5 +20,6 @@ void FixConsoleFlags(REALclassDefinition* definition);
 // A copy of a property table in the layout of record version 9; null for an empty table. Lives for good.
 REALproperty9* FixProperties(const REALproperty* table, std::int32_t count);
 
-// Prepares the record for the running host and registers it. Silent when the host offers no registration.
+// Prepares the record for the running host and registers it. Does nothing when the host has no registration
+// service.
 void MyREALRegisterClass(REALclassDefinition* definition);

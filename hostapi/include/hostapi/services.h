@@ -1,5 +1,5 @@
 // The host's services, one function object each. A service asks the resolver for its entry on first use;
-// while the host does not offer it, a call does nothing and answers 0, null or false.
+// while the host does not offer it, a call does nothing and returns 0, null or false.
 #pragma once
 
 #include <hostapi/abi.h>
@@ -8,7 +8,7 @@
 // The host's lookup function, set once by REALPluginMain before any service is called.
 extern REALResolver gResolver;
 
-// What the host says of itself: its version as a double such as 2013.03, 0.0 when it does not say.
+// The host's version as a double such as 2013.03; 0.0 when the host does not tell.
 extern double rbversion_rbversion;
 
 namespace host {
@@ -87,7 +87,7 @@ HOST_SERVICE(REALFolderItemFromParentFSRef, REALFolderItemFromParentFSRef);
 
 #undef HOST_SERVICE
 
-// A lock on a picture's description: in the kind that the host prefers, or in a kind asked for. Two entries.
+// Locks a picture's description, in the kind that the host prefers or in a given kind. Two entries.
 inline constinit struct {
     host::Service<host::service::lockPictureDescription> preferred{"lockPictureDescription"};
     host::Service<host::service::REALLockPictureDescription> ofKind{"REALLockPictureDescription"};
@@ -105,11 +105,11 @@ inline void* REALLoadFrameworkMethod(const char* declaration) {
 
 namespace host {
 
-// A function of the host's framework, by its declaration.
+// A function of the host's framework, found by its declaration.
 template <class Function>
 using FrameworkMethod = LookedUpFunction<Function, REALLoadFrameworkMethod>;
 
-// A class of the host by its name; the host may come to know it later than the plugin first asks.
+// A host class, found by its name. A class that is missing now may be registered later.
 class NamedClass {
   public:
     constexpr NamedClass(const char* name) : name(name) {}

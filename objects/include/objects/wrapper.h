@@ -36,8 +36,8 @@ bool raisesWhenInitialized(REALobject wrapper);
 // True, and a NilObjectException raised, when the argument is null.
 bool raisesWhenNull(const void* argument, const char* message);
 
-// Puts a native object, whose one reference the wrapper takes over, into an empty wrapper and the registry.
-// Nil leaves the wrapper empty.
+// Puts a native object, whose one reference the wrapper takes over, into an empty wrapper and into the
+// wrapper registry. Nil leaves the wrapper empty.
 void adopt(REALobject wrapper, id native);
 
 void constructWithHandle(const WrapperType& type, REALobject wrapper, std::int32_t handle);
@@ -50,8 +50,8 @@ REALmethodDefinition constructorWithHandle() {
         +[](REALobject wrapper, std::int32_t handle) { constructWithHandle(Type, wrapper, handle); });
 }
 
-// The frame of a constructor that makes its native object itself: `make` returns it with the reference that
-// the wrapper keeps.
+// A constructor that makes its native object itself: `make` returns the object with the reference that the
+// wrapper keeps.
 template <class Make>
 void construct(REALobject wrapper, Make&& make) {
     if (raisesWhenInitialized(wrapper)) return;
@@ -59,12 +59,12 @@ void construct(REALobject wrapper, Make&& make) {
     guardedInPool([&] { adopt(wrapper, make()); });
 }
 
-// The factory: the one wrapper of a native object.
+// The one wrapper of a native object, made if need be.
 inline REALobject wrapped(const WrapperType& type, id native) {
     return bridge::wrapperOf(type.hostClass, native);
 }
 
-// The frame of a function that returns what `make` makes, an object it does not own, through the factory.
+// Returns the wrapper of the object that `make` returns, which is not owned.
 template <class Make>
 REALobject wrappedResult(const WrapperType& type, Make&& make) {
     bridge::ensureFamily();
@@ -74,7 +74,7 @@ REALobject wrappedResult(const WrapperType& type, Make&& make) {
 // The "description" property of every class.
 REALstring description(REALobject wrapper, std::uint32_t parameter);
 
-// A string result: `make` returns an NSString that it does not own, or nil.
+// Returns the NSString that `make` returns, which is not owned and may be nil, as a host string.
 template <class Make>
 REALstring stringResult(Make&& make) {
     bridge::ensureFamily();
