@@ -17,12 +17,12 @@ Registry& registry() {
 
 double finite(double v) { return std::isfinite(v) ? v : 0; }
 
-InputInfo input(std::string key, std::string displayName, std::string className, std::string_view type) {
+InputInfo input(std::string key, std::string displayName, InputKind kind, std::string_view type) {
     InputInfo info;
     info.key = std::move(key);
     info.displayName = std::move(displayName);
-    info.className = std::move(className);
-    if (!type.empty()) info.type = "CIAttributeType" + std::string(type);
+    info.kind = kind;
+    info.type = type;
     return info;
 }
 
@@ -37,19 +37,19 @@ std::vector<std::string> categories(std::string_view names) {
     std::vector<std::string> out;
     for (std::size_t begin = 0; begin < names.size();) {
         std::size_t end = std::min(names.find(' ', begin), names.size());
-        out.push_back("CICategory" + std::string(names.substr(begin, end - begin)));
+        out.push_back(std::string(names.substr(begin, end - begin)));
         begin = end + 1;
     }
     return out;
 }
 
 InputInfo imageInput(std::string key, std::string displayName) {
-    return input(std::move(key), std::move(displayName), "CIImage", "Image");
+    return input(std::move(key), std::move(displayName), InputKind::image, "Image");
 }
 
 InputInfo numberInput(std::string key, std::string displayName, std::string_view type,
                       const NumberFacts& facts) {
-    InputInfo info = input(std::move(key), std::move(displayName), "NSNumber", type);
+    InputInfo info = input(std::move(key), std::move(displayName), InputKind::number, type);
     if (facts.value) info.defaultValue = *facts.value;
     if (facts.identity) info.identity = *facts.identity;
     info.min = facts.min, info.max = facts.max;
@@ -59,7 +59,7 @@ InputInfo numberInput(std::string key, std::string displayName, std::string_view
 
 InputInfo vectorInput(std::string key, std::string displayName, std::string_view type, Numbers value,
                       std::optional<Numbers> identity) {
-    InputInfo info = input(std::move(key), std::move(displayName), "CIVector", type);
+    InputInfo info = input(std::move(key), std::move(displayName), InputKind::vector, type);
     info.defaultValue = std::move(value);
     if (identity) info.identity = std::move(*identity);
     return info;
@@ -67,20 +67,20 @@ InputInfo vectorInput(std::string key, std::string displayName, std::string_view
 
 InputInfo colorInput(std::string key, std::string displayName, std::string_view type, const Color& value,
                      std::optional<Color> identity) {
-    InputInfo info = input(std::move(key), std::move(displayName), "CIColor", type);
+    InputInfo info = input(std::move(key), std::move(displayName), InputKind::color, type);
     info.defaultValue = value;
     if (identity) info.identity = *identity;
     return info;
 }
 
 InputInfo transformInput(std::string key, std::string displayName, std::string_view type) {
-    InputInfo info = input(std::move(key), std::move(displayName), "NSAffineTransform", type);
+    InputInfo info = input(std::move(key), std::move(displayName), InputKind::transform, type);
     info.defaultValue = info.identity = Affine{};
     return info;
 }
 
 InputInfo dataInput(std::string key, std::string displayName, Bytes value, Bytes identity) {
-    InputInfo info = input(std::move(key), std::move(displayName), "NSData", "");
+    InputInfo info = input(std::move(key), std::move(displayName), InputKind::data, "");
     info.defaultValue = std::move(value);
     info.identity = std::move(identity);
     return info;

@@ -9,14 +9,14 @@ struct Registrar {
     explicit Registrar(FilterInfo info);
 };
 
-/// From their names without "CICategory", separated by blanks.
+/// From their names, separated by blanks.
 std::vector<std::string> categories(std::string_view names);
 
 struct NumberFacts {
     std::optional<double> value, identity, min, max, sliderMin, sliderMax;
 };
 
-/// A type is given without "CIAttributeType"; it may be empty.
+/// For `type` see InputInfo; it may be empty.
 InputInfo imageInput(std::string key = "inputImage", std::string displayName = "Image");
 InputInfo numberInput(std::string key, std::string displayName, std::string_view type,
                       const NumberFacts& facts);

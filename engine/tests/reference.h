@@ -169,4 +169,21 @@ inline Pixel bilinear(const Picture& p, double x, double y) {
     return out;
 }
 
+/// What a sampler reads at a place: the pixel it lies in, or a mix of the four around it, with nothing or the
+/// nearest pixel of the edge beyond.
+inline Pixel readAt(const Picture& p, double x, double y, Wrap wrap, Interpolation interpolation) {
+    Picture around = filled(int(std::floor(x)) - 1, int(std::floor(y)) - 1, 3, 3, [&](int i, int j) {
+        return wrap == Wrap::black ? p.get(i, j) : clamped(p, i, j);
+    });
+    if (interpolation == Interpolation::linear) return bilinear(around, x, y);
+    return around.get(int(std::floor(x)), int(std::floor(y)));
+}
+
+/// Turned around the origin, in radians.
+inline Point turned(Point p, double angle) {
+    return {p.x * std::cos(angle) - p.y * std::sin(angle), p.x * std::sin(angle) + p.y * std::cos(angle)};
+}
+
+constexpr double placeError = 5e-5; // places are kept in single precision
+
 } // namespace reference

@@ -128,12 +128,11 @@ std::vector<InputInfo> cubeInputs() {
             dataInput("inputCubeData", "Cube Data", identity(), identity())};
 }
 
-/// Of any class; what counts is the profile of a colour space.
 InputInfo spaceInput() {
     InputInfo info;
     info.key = "inputColorSpace";
     info.displayName = "Color Space";
-    info.className = "NSObject";
+    info.kind = InputKind::colorSpace;
     return info;
 }
 

@@ -39,7 +39,7 @@ InputInfo levelInput() {
     InputInfo info;
     info.key = "inputCorrectionLevel";
     info.displayName = "Correction Level";
-    info.className = "NSString";
+    info.kind = InputKind::text;
     info.defaultValue = std::string("M");
     return info;
 }

@@ -234,13 +234,17 @@ using Bytes = std::vector<std::uint8_t>;
 using Value = std::variant<double, Numbers, Color, Affine, Image, std::string, Bytes>;
 using Values = std::map<std::string, Value, std::less<>>;
 
-/// What is known of one input of a filter.
+/// What an input holds. Each kind is one alternative of Value; a colour space is given as the bytes of its
+/// ICC profile.
+enum class InputKind { number, vector, color, transform, image, text, data, colorSpace };
+
+/// What is known about one input of a filter.
 struct InputInfo {
     std::string key;
     std::string displayName;
-    /// CIImage, NSNumber, CIVector, CIColor, NSAffineTransform, NSString or NSData.
-    std::string className;
-    /// CIAttributeTypeScalar and so on; empty where there is none.
+    InputKind kind = InputKind::number;
+    /// What the values mean, in Core Image's words: Scalar, Distance, Angle, Position ...; empty when there
+    /// is nothing more to say.
     std::string type;
     std::optional<Value> defaultValue, identity;
     std::optional<double> min, max, sliderMin, sliderMax;
@@ -286,7 +290,7 @@ struct ENGINE_API FilterInfo {
     std::string description;
     /// First system that has it, such as "10.4".
     std::string since;
-    /// CICategoryBlur and so on.
+    /// In Core Image's words: Blur, StillImage ...
     std::vector<std::string> categories;
     std::vector<InputInfo> inputs;
     /// The graph for these inputs; null when an image it needs is missing.

@@ -24,9 +24,12 @@ const engine::FilterInfo* filterNamed(NSString* name) {
     return name ? engine::findFilter([name UTF8String]) : nullptr;
 }
 
+/// "CICategoryBlur" for the engine's "Blur".
+NSString* categoryKey(const std::string& category) { return text("CICategory" + category); }
+
 bool isIn(const engine::FilterInfo& filter, NSString* category) {
-    return std::find(filter.categories.begin(), filter.categories.end(), [category UTF8String]) !=
-           filter.categories.end();
+    return std::any_of(filter.categories.begin(), filter.categories.end(),
+                       [&](const std::string& own) { return [category isEqualToString:categoryKey(own)]; });
 }
 
 bool hasInput(const engine::FilterInfo& filter, NSString* key) {
@@ -35,7 +38,7 @@ bool hasInput(const engine::FilterInfo& filter, NSString* key) {
                        [wanted](const engine::InputInfo& input) { return input.key == wanted; });
 }
 
-/// Every filter is a class of its own, named like the filter, so that it tells its name wherever classes are
+/// Every filter is a class of its own, named like the filter, so that its name shows wherever classes are
 /// shown.
 Class classOf(const engine::FilterInfo& filter) {
     @synchronized([CIFilter class]) {
@@ -47,7 +50,7 @@ Class classOf(const engine::FilterInfo& filter) {
     }
 }
 
-/// The attributes of one input, such as Core Image tells them: only those that it has.
+/// The attributes of one input, as Core Image lists them: only those that it has.
 NSDictionary* describe(const engine::InputInfo& input) {
     NSMutableDictionary* attributes = [NSMutableDictionary dictionary];
     auto set = [&](NSString* key, id value) {
@@ -56,8 +59,8 @@ NSDictionary* describe(const engine::InputInfo& input) {
     auto setValue = [&](NSString* key, const auto& value) {
         if (value) set(key, ci::objectOf(*value));
     };
-    set(kCIAttributeClass, text(input.className));
-    if (!input.type.empty()) set(kCIAttributeType, text(input.type));
+    set(kCIAttributeClass, ci::classNameOf(input.kind));
+    if (!input.type.empty()) set(kCIAttributeType, text("CIAttributeType" + input.type));
     if (!input.displayName.empty()) set(kCIAttributeDisplayName, text(input.displayName));
     setValue(kCIAttributeDefault, input.defaultValue);
     setValue(kCIAttributeIdentity, input.identity);
@@ -200,7 +203,7 @@ NSString* categoryName(NSString* category) {
 - (NSDictionary*)attributes {
     const engine::FilterInfo& info = *_state->info;
     NSMutableArray* categories = [NSMutableArray array];
-    for (const std::string& category : info.categories) [categories addObject:text(category)];
+    for (const std::string& category : info.categories) [categories addObject:categoryKey(category)];
     NSMutableDictionary* attributes = [NSMutableDictionary
         dictionaryWithObjectsAndKeys:text(info.name), kCIAttributeFilterName, text(info.displayName),
                                      kCIAttributeFilterDisplayName, categories, kCIAttributeFilterCategories,
@@ -219,11 +222,11 @@ NSString* categoryName(NSString* category) {
     for (const engine::InputInfo& input : _state->info->inputs) {
         id object = [_state->values objectForKey:text(input.key)];
         if (!object) continue;
-        auto value = ci::valueOf(object, input.className);
+        auto value = ci::valueOf(object, input.kind);
         if (!value)
             [NSException raise:NSInvalidArgumentException
-                        format:@"%@: the value of %s must be a %s, not a %@", [self name], input.key.c_str(),
-                               input.className.c_str(), NSStringFromClass([object class])];
+                        format:@"%@: the value of %s must be a %@, not a %@", [self name], input.key.c_str(),
+                               ci::classNameOf(input.kind), NSStringFromClass([object class])];
         values.emplace(input.key, std::move(*value));
     }
     ci::Failure failure;

@@ -11,7 +11,9 @@ namespace ci {
 
 /// An autoreleased number, vector, colour, transform, image, string or data.
 id objectOf(const engine::Value& value);
-/// The object as an input of the class `className` takes it; empty when it cannot.
-std::optional<engine::Value> valueOf(id object, const std::string& className);
+/// The class that Core Image names for inputs of a kind.
+NSString* classNameOf(engine::InputKind kind);
+/// The object as an input of that kind takes it; empty when it cannot.
+std::optional<engine::Value> valueOf(id object, engine::InputKind kind);
 
 } // namespace ci

@@ -32,43 +32,91 @@ struct ToObject {
     id operator()(const engine::Bytes& v) const { return [NSData dataWithBytes:v.data() length:v.size()]; }
 };
 
-engine::Bytes bytesOf(NSData* data) {
-    auto* bytes = static_cast<const std::uint8_t*>([data bytes]);
-    return engine::Bytes(bytes, bytes + [data length]);
+using MaybeValue = std::optional<engine::Value>;
+
+MaybeValue imageIn(id object) {
+    if ([object isKindOfClass:[CISampler class]]) return [(CISampler*)object recipe];
+    if ([object isKindOfClass:[CIImage class]]) return [(CIImage*)object recipe];
+    return {};
+}
+
+/// Text counts as the number that it says, as everywhere in Cocoa.
+MaybeValue numberIn(id object) {
+    bool says = [object isKindOfClass:[NSNumber class]] || [object isKindOfClass:[NSString class]];
+    return says ? MaybeValue([object doubleValue]) : std::nullopt;
+}
+
+MaybeValue vectorIn(id object) {
+    if (![object isKindOfClass:[CIVector class]]) return {};
+    engine::Numbers numbers([(CIVector*)object count]);
+    for (size_t i = 0; i < numbers.size(); ++i) numbers[i] = [(CIVector*)object valueAtIndex:i];
+    return numbers;
+}
+
+MaybeValue colorIn(id object) {
+    if (![object isKindOfClass:[CIColor class]]) return {};
+    return fromCG([(CIColor*)object CGColor]);
+}
+
+MaybeValue transformIn(id object) {
+    if (![object isKindOfClass:[NSAffineTransform class]]) return {};
+    NSAffineTransformStruct m = [(NSAffineTransform*)object transformStruct];
+    return engine::Affine{m.m11, m.m12, m.m21, m.m22, m.tX, m.tY};
+}
+
+MaybeValue textIn(id object) {
+    if (![object isKindOfClass:[NSString class]]) return {};
+    return std::string([(NSString*)object UTF8String]);
+}
+
+MaybeValue dataIn(id object) {
+    if (![object isKindOfClass:[NSData class]]) return {};
+    auto* bytes = static_cast<const std::uint8_t*>([(NSData*)object bytes]);
+    return engine::Bytes(bytes, bytes + [(NSData*)object length]);
+}
+
+/// A colour space, or the data of its profile.
+MaybeValue profileIn(id object) {
+    if (MaybeValue data = dataIn(object)) return data;
+    cg::ColorSpace* space = cg::get<cg::ColorSpace>((CFTypeRef)object);
+    return space ? MaybeValue(space->space()->iccData()) : std::nullopt;
+}
+
+/// How a kind of input appears in Cocoa.
+struct Face {
+    NSString* className;
+    MaybeValue (*valueIn)(id object);
+};
+
+Face faceOf(engine::InputKind kind) {
+    switch (kind) {
+    case engine::InputKind::number:
+        return {@"NSNumber", numberIn};
+    case engine::InputKind::vector:
+        return {@"CIVector", vectorIn};
+    case engine::InputKind::color:
+        return {@"CIColor", colorIn};
+    case engine::InputKind::transform:
+        return {@"NSAffineTransform", transformIn};
+    case engine::InputKind::image:
+        return {@"CIImage", imageIn};
+    case engine::InputKind::text:
+        return {@"NSString", textIn};
+    case engine::InputKind::data:
+        return {@"NSData", dataIn};
+    case engine::InputKind::colorSpace:
+        return {@"NSObject", profileIn}; // which is not a class that Cocoa knows
+    }
 }
 
 } // namespace
 
 id objectOf(const engine::Value& value) { return std::visit(ToObject(), value); }
 
-std::optional<engine::Value> valueOf(id object, const std::string& className) {
-    auto is = [object](Class c) { return [object isKindOfClass:c]; };
-    if (className == "CIImage") {
-        if (is([CIImage class])) return [(CIImage*)object recipe];
-        if (is([CISampler class])) return [(CISampler*)object recipe];
-    } else if (className == "NSNumber") {
-        // Text counts as the number that it says, as everywhere in Cocoa.
-        if (is([NSNumber class]) || is([NSString class])) return [object doubleValue];
-    } else if (className == "CIVector") {
-        if (!is([CIVector class])) return {};
-        engine::Numbers numbers([(CIVector*)object count]);
-        for (size_t i = 0; i < numbers.size(); ++i) numbers[i] = [(CIVector*)object valueAtIndex:i];
-        return numbers;
-    } else if (className == "CIColor") {
-        if (is([CIColor class])) return fromCG([(CIColor*)object CGColor]);
-    } else if (className == "NSAffineTransform") {
-        if (!is([NSAffineTransform class])) return {};
-        NSAffineTransformStruct m = [(NSAffineTransform*)object transformStruct];
-        return engine::Affine{m.m11, m.m12, m.m21, m.m22, m.tX, m.tY};
-    } else if (className == "NSString") {
-        if (is([NSString class])) return std::string([(NSString*)object UTF8String]);
-    } else if (is([NSData class])) {
-        return bytesOf((NSData*)object);
-    } else if (cg::ColorSpace* space = cg::get<cg::ColorSpace>((CFTypeRef)object)) {
-        // An input that takes any object wants a colour space: its profile.
-        return space->space()->iccData();
-    }
-    return {};
+NSString* classNameOf(engine::InputKind kind) { return faceOf(kind).className; }
+
+std::optional<engine::Value> valueOf(id object, engine::InputKind kind) {
+    return faceOf(kind).valueIn(object);
 }
 
 } // namespace ci

@@ -1,0 +1,22 @@
+// CIGaussianBlur, against a reference in double precision.
+#include "reference.h"
+
+using namespace reference;
+
+class CIGaussianBlur : public testing::TestWithParam<double> {};
+
+TEST_P(CIGaussianBlur, IsATrueGaussian) {
+    double sigma = GetParam();
+    // Edges are hardest: a block next to nothing, with stripes in it.
+    Picture p = filled(3, -2, 90, 70, [](int x, int y) {
+        return x % 7 < 4 ? Pixel{1, 0, 1, 1} : Pixel{0, y / 70., 0, 1};
+    });
+    Image image = filter("CIGaussianBlur", {{"inputImage", imageOf(p)}, {"inputRadius", sigma}});
+    Rect e = image->extent();
+    EXPECT_EQ(e, Rect({3, -2, 93, 68}).grown(std::ceil(3 * sigma), std::ceil(3 * sigma)));
+    Picture truth = trueGaussian(p, sigma);
+    EXPECT_LT(error(image, part(truth, int(e.x0), int(e.y0), int(e.width()), int(e.height()))), halfStep);
+}
+
+INSTANTIATE_TEST_SUITE_P(Radii, CIGaussianBlur,
+                         testing::Values(0.5, 1.0, 2.7, 7.9, 8.0, 12.3, 20.0, 33.0, 60.0));

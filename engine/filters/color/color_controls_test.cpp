@@ -1,0 +1,18 @@
+// CIColorControls, against a reference in double precision.
+#include "reference.h"
+
+using namespace reference;
+
+TEST(CIColorControls, ChangeSaturationThenBrightnessThenContrast) {
+    Picture p = noise(37, 11, 4);
+    Picture expected = mapped(p, [](Pixel q) {
+        double y = 0.2126 * q[0] + 0.7152 * q[1] + 0.0722 * q[2];
+        for (int c = 0; c < 3; ++c) q[c] = (y + 1.4 * (q[c] - y) + 0.1 - 0.5) * 1.3 + 0.5;
+        return q;
+    });
+    Values values{{"inputImage", imageOf(p)},
+                  {"inputSaturation", 1.4},
+                  {"inputBrightness", 0.1},
+                  {"inputContrast", 1.3}};
+    EXPECT_LT(error(filter("CIColorControls", values), expected), floatError);
+}

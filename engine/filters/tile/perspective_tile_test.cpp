@@ -1,0 +1,31 @@
+// CIPerspectiveTile, against a reference in double precision.
+#include "reference.h"
+
+using namespace reference;
+
+TEST(CIPerspectiveTile, ReachesTheHorizon) {
+    Picture p = noise(20, 16, 72, true);
+    // x and y over w = 1 - 0.02 y: the horizon is at y = 50.
+    auto seen = [](double x, double y) {
+        double w = 1 + 0.02 * y;
+        return Numbers{x / w, y / w};
+    };
+    Image image = filter("CIPerspectiveTile", {{"inputImage", imageOf(p)},
+                                               {"inputBottomLeft", seen(0, 0)},
+                                               {"inputBottomRight", seen(20, 0)},
+                                               {"inputTopRight", seen(20, 16)},
+                                               {"inputTopLeft", seen(0, 16)}});
+    EXPECT_EQ(image->extent(), Rect::infinite());
+    auto within = [](double v, double size) {
+        return std::clamp(v - std::floor(v / size) * size, 0.5, size - 0.5);
+    };
+    Picture expected = filled(-50, -20, 130, 90, [&](int x, int y) {
+        double w = 1 - 0.02 * (y + 0.5);
+        if (w <= 0) return Pixel{};
+        return bilinear(p, within((x + 0.5) / w, 20), within((y + 0.5) / w, 16));
+    });
+    // A rounding of w on the way through the corners moves what is near the horizon.
+    EXPECT_LT(error(image, expected), placeError);
+    EXPECT_LT(difference(inTiles(image, -50, -20, 130, 90, 16), rendered(image, -50, -20, 130, 90)),
+              placeError);
+}
