@@ -158,6 +158,21 @@ struct Through {
     }
 };
 
+/// How far along a direction, seen from a point and divided by `unit`: a number instead of a position.
+struct Along {
+    Point origin, direction;
+    double unit;
+
+    struct Row {
+        float first, step;
+        SIMD_INLINE float at(int i) const { return first + static_cast<float>(i) * step; }
+    };
+    Row row(int x, int y) const {
+        double way = (x + 0.5 - origin.x) * direction.x + (y + 0.5 - origin.y) * direction.y;
+        return {static_cast<float>(way / unit), static_cast<float>(direction.x / unit)};
+    }
+};
+
 // ---------------------------------------------------------------------------------------------- rows
 
 /// body(0) .. body(n - 1), vectorised: pixels that the body reads and writes must not overlap, unless they
@@ -238,6 +253,15 @@ Image eachPixel(const Image& image, std::string name, const Place& place, Formul
             eachIndex(n, [=, row = place.row(x, y)](int i)
                              SIMD_INLINE { store(s, i, f(load(s, i), row.at(i))); });
         };
+    });
+}
+
+/// The components of each pixel times formula(position), with the position as the place has it.
+template <class Place, class Formula>
+Image weighted(const Image& image, std::string name, const Place& place, Formula formula) {
+    return eachPixel(image, std::move(name), place, [=](Pixel p, auto position) SIMD_INLINE {
+        float weight = formula(position);
+        return Pixel{p.r * weight, p.g * weight, p.b * weight, p.a * weight};
     });
 }
 

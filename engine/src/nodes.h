@@ -96,22 +96,9 @@ struct MapWarp {
 /// Without a map the image stays as it is.
 Image warp(std::string name, const Image& image, const Image& map, const MapWarp& warp);
 
-/// A warp inside a circle; outside, pixels stay as they are.
-class DiscWarp : public Warp {
-  public:
-    DiscWarp(Point centre, double radius) : centre_(centre), radius_(radius) {}
-    Rect extent(const Rect& source) const override { return touched(source); }
-    Rect region(const Rect& area) const override { return touched(area); }
-
-  protected:
-    Point centre_;
-    double radius_;
-
-  private:
-    Rect touched(const Rect& r) const {
-        Rect disc{centre_.x - radius_, centre_.y - radius_, centre_.x + radius_, centre_.y + radius_};
-        return r.intersect(disc).isEmpty() ? r : r.unite(disc);
-    }
-};
+/// The square that reaches `radius` to each side of a point.
+inline Rect squareAround(Point centre, double radius) {
+    return {centre.x - radius, centre.y - radius, centre.x + radius, centre.y + radius};
+}
 
 } // namespace engine
