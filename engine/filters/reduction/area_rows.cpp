@@ -1,6 +1,6 @@
 // An area in one row of pixels: the means of its rows or columns, or how often each brightness is in it.
 #include "registry.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // Pictures in cells of one colour each: squares, hexagons, crystals, dots.
 #include "registry.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <cmath>
 
