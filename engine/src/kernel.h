@@ -69,11 +69,9 @@ SIMD_INLINE inline float luminance(float r, float g, float b) {
 }
 SIMD_INLINE inline float luminance(Pixel p) { return luminance(p.r, p.g, p.b); }
 
-/// What takes alpha out of a premultiplied colour: 1 / alpha, and 0 where nothing can be seen. (The
-/// reciprocal of a smaller alpha would be infinite.)
-SIMD_INLINE inline float unpremultiply(float alpha) {
-    return alpha > std::numeric_limits<float>::min() ? 1 / alpha : 0;
-}
+/// What takes alpha out of a premultiplied colour: 1 / alpha, and 0 where too little is left to be seen or to
+/// be more than rounding.
+SIMD_INLINE inline float unpremultiply(float alpha) { return alpha > 1e-6f ? 1 / alpha : 0; }
 SIMD_INLINE inline Pixel straight(Pixel p) { return p * unpremultiply(p.a); }
 SIMD_INLINE inline Pixel premultiplied(Pixel p) { return {p.a * p.r, p.a * p.g, p.a * p.b, p.a}; }
 
