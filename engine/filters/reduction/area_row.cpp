@@ -1,6 +1,6 @@
 // An area in one row of pixels.
 #include "area_row.h"
-#include "sample.h"
+#include "resample.h"
 
 namespace engine {
 

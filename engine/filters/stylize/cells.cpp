@@ -1,6 +1,6 @@
 // The means of a picture's cells.
 #include "cells.h"
-#include "sample.h"
+#include "resample.h"
 
 namespace engine {
 
