@@ -1,3 +1,4 @@
+// The filters by name, and the values of their inputs.
 #include "registry.h"
 
 #include <cmath>
@@ -151,7 +152,7 @@ Point Inputs::point(std::string_view key) const {
 }
 
 Rect Inputs::rect(std::string_view key) const {
-    // Infinite sizes mean what they say, unlike infinite numbers elsewhere.
+    // Infinite sizes are valid, unlike infinite numbers elsewhere.
     auto v = find<Numbers>(key);
     Numbers n = v ? *v : Numbers{};
     n.resize(4);

@@ -1,7 +1,7 @@
 // CIDiscBlur.
 #include "kernel.h"
 #include "registry.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <cmath>
 

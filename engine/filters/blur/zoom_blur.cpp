@@ -1,7 +1,7 @@
 // CIZoomBlur.
 #include "kernel.h"
 #include "registry.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <cmath>
 
@@ -45,7 +45,7 @@ class ZoomNode : public Node {
         Rect first = at(begin), last = at(end), all = first.unite(last).grown(2, 2);
         IntRect read = toInt(all).intersect(toInt(inputs()[0]->extent().integral().grown(1, 1)));
         if (read.isEmpty()) return;
-        if (read.count() > mostSampled) {
+        if (read.count() > mostKept) {
             double one = std::max(toInt(first).count(), toInt(last).count());
             if (read.count() > 2 * one && end - begin > 0.5 / mostReadings) {
                 double middle = (begin + end) / 2;
@@ -89,7 +89,7 @@ class ZoomNode : public Node {
                 u[i] = static_cast<float>(u0 + i * size);
                 v[i] = row;
             }
-            sample(in, u, v, n, read);
+            readBilinear(in, u, v, n, read);
             float weight = 1 / static_cast<float>(count);
             for (int c = 0; c < 4; ++c)
                 eachIndex(n, [=, from = read.plane[c], to = out.plane[c]](int i)

@@ -1,7 +1,7 @@
 // CILanczosScaleTransform: scales a picture and keeps it sharp.
 #include "kernel.h"
 #include "registry.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-// Reading between pixels.
+// What steps share that read between pixels.
 #pragma once
 
 #include "tile.h"
@@ -6,7 +6,7 @@
 namespace engine {
 
 /// The most pixels that a resampling step keeps of its input; larger tiles are computed in pieces.
-constexpr double mostSampled = 1 << 20;
+constexpr double mostKept = 1 << 20;
 
 /// The two halves of a rectangle, across its longer side.
 std::pair<IntRect, IntRect> halves(const IntRect& r);
@@ -17,12 +17,12 @@ bool isWholeMove(const Affine& matrix);
 /// has no area, but a place.)
 Rect centresOf(const IntRect& area, const Affine& matrix);
 
-/// Computes the pixels of an area from what `needed(part)` says its parts read: `work(part, read)` for each
-/// part, which is small enough that what it reads can be kept. What reads nothing is cleared.
+/// Computes an area in parts, small enough that what they read can be kept: `needed(part)` is what a part
+/// reads, and `work(part, read)` computes it. A part that reads nothing is cleared.
 template <class Needed, class Work>
 void computeInParts(const IntRect& area, const Pixels& out, Needed needed, Work work) {
     IntRect read = needed(area);
-    if (read.count() > mostSampled && area.count() > 1) {
+    if (read.count() > mostKept && area.count() > 1) {
         auto [first, second] = halves(area);
         computeInParts(first, out, needed, work);
         computeInParts(second, out, needed, work);
@@ -33,9 +33,9 @@ void computeInParts(const IntRect& area, const Pixels& out, Needed needed, Work 
     }
 }
 
-/// Bilinear samples: u and v count pixels from the centre of the first pixel of `from`; what is outside is
-/// moved to the edge. n is at most maxSpan.
-void sample(const Pixels& from, const float* u, const float* v, int n, const Span& out);
+/// Reads by bilinear interpolation: u and v count pixels from the centre of the first pixel of `from`; places
+/// outside are moved to the edge. n is at most maxSpan.
+void readBilinear(const Pixels& from, const float* u, const float* v, int n, const Span& out);
 
 /// Rows that were computed beforehand.
 class Computed : public Evaluator {

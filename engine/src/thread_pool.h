@@ -1,3 +1,4 @@
+// Work on all cores.
 #pragma once
 
 #include <functional>

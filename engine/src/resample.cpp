@@ -1,4 +1,5 @@
-#include "sample.h"
+// Reading between pixels.
+#include "resample.h"
 
 #include <color/vecmath.h>
 
@@ -30,12 +31,12 @@ Rect centresOf(const IntRect& area, const Affine& m) {
             first.y + std::max(across.y, 0.0) + std::max(along.y, 0.0)};
 }
 
-void sample(const Pixels& from, const float* u, const float* v, int n, const Span& out) {
+void readBilinear(const Pixels& from, const float* u, const float* v, int n, const Span& out) {
     namespace simd = color::simd;
     alignas(32) float fu[maxSpan], fv[maxSpan];
     alignas(32) int index[maxSpan];
     int width = from.area.width(), height = from.area.height(), step = static_cast<int>(from.rowStep());
-    // The last pixel is reached from the one before it, where there is one.
+    // The last pixel is read from the one before it, if there is one.
     int right = width > 1 ? 1 : 0, up = height > 1 ? step : 0;
     float lastU = static_cast<float>(width - 1), lastV = static_cast<float>(height - 1);
     float mostX = static_cast<float>(std::max(width - 2, 0)),

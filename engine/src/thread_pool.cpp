@@ -1,4 +1,5 @@
-#include "pool.h"
+// The threads that render.
+#include "thread_pool.h"
 
 #include <engine/engine.h>
 
@@ -41,7 +42,7 @@ struct Job {
     int running = 0; // helpers at work
 };
 
-/// Threads that are started when first needed and stay.
+/// Threads are started when first needed, and stay.
 class Pool {
   public:
     ~Pool() {
@@ -56,7 +57,7 @@ class Pool {
     void run(Job& job) {
         if (job.helpers > 0) {
             std::lock_guard lock(mutex_);
-            // Whoever calls works too, so that no thread is no failure.
+            // The caller works, too, so that rendering does without threads that cannot be started.
             try {
                 while (static_cast<int>(threads_.size()) < job.helpers)
                     threads_.emplace_back([this] { serve(); });
