@@ -115,7 +115,7 @@ inline Picture mapped(const Picture& p, const std::function<Pixel(Pixel)>& of) {
 }
 
 /// Of linear light with the primaries of Rec. 709.
-inline double brightness(const Pixel& p) { return 0.2126 * p[0] + 0.7152 * p[1] + 0.0722 * p[2]; }
+inline double luminance(const Pixel& p) { return 0.2126 * p[0] + 0.7152 * p[1] + 0.0722 * p[2]; }
 
 constexpr double floatError = 2e-5; // some dozen roundings and polynomial approximations
 constexpr double halfStep = 0.5 / 255;

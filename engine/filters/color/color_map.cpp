@@ -1,6 +1,6 @@
 // CIColorMap: the colours of a gradient, by brightness.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 #include "resample.h"
 
 namespace engine {

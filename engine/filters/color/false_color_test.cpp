@@ -12,7 +12,7 @@ TEST(CIFalseColor, MixesTwoColoursByBrightness) {
     const double second[] = {0.5, 0.5 * linear(0.5), 0.5 * linear(0.7), 0.5};
     Picture expected = filled(0, 0, 37, 11, [&](int x, int y) {
         Pixel q = p.get(x, y), out;
-        double t = q[3] > 0 ? brightness(q) / q[3] : 0;
+        double t = q[3] > 0 ? luminance(q) / q[3] : 0;
         for (int c = 0; c < 4; ++c) out[c] = q[3] * (first[c] * (1 - t) + second[c] * t);
         return out;
     });
