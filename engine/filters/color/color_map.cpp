@@ -65,7 +65,7 @@ Image build(const Inputs& in) {
 
 InputInfo gradientInput() {
     InputInfo info = imageInput("inputGradientImage", "Gradient Image");
-    info.type = "CIAttributeTypeGradient";
+    info.type = "Gradient";
     return info;
 }
 
