@@ -1,7 +1,7 @@
 // Filters that differ by a row of a table.
 #pragma once
 
-#include "registry.h"
+#include "filter.h"
 
 #include <utility>
 

@@ -1,5 +1,5 @@
 // CIBoxBlur.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 

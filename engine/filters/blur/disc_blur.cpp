@@ -1,6 +1,6 @@
 // CIDiscBlur.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 #include "resample.h"
 
 #include <cmath>

@@ -1,5 +1,5 @@
 // CIGaussianBlur.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 

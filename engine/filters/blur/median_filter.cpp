@@ -1,6 +1,6 @@
 // CIMedianFilter.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIMotionBlur.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // CINoiseReduction.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIZoomBlur.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 #include "resample.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
 // CIColorMap: the colours of a gradient, by brightness.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 #include "resample.h"
 
 namespace engine {
@@ -65,7 +65,7 @@ Image build(const Inputs& in) {
 
 InputInfo gradientInput() {
     InputInfo info = imageInput("inputGradientImage", "Gradient Image");
-    info.type = "CIAttributeTypeGradient";
+    info.type = "Gradient";
     return info;
 }
 

@@ -1,7 +1,7 @@
 // A round bump, as CIBumpDistortion and CIPinchDistortion make it.
 #pragma once
 
-#include "registry.h"
+#include "filter.h"
 #include "warps.h"
 
 namespace engine::distortion {

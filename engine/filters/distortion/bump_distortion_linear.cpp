@@ -1,5 +1,5 @@
 // CIBumpDistortionLinear: a bump along a line.
-#include "registry.h"
+#include "filter.h"
 #include "warps.h"
 
 #include <cmath>

@@ -1,5 +1,5 @@
 // CICircleSplashDistortion: the rim of a circle drawn outwards without end.
-#include "registry.h"
+#include "filter.h"
 #include "warps.h"
 
 namespace engine {

@@ -1,6 +1,6 @@
 // CICircularWrap: a picture bent around a circle.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // CIDisplacementDistortion: moves each pixel as far as a second picture says.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIGlassDistortion: a picture seen through glass with a texture.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,5 +1,5 @@
 // CIHoleDistortion: a round hole that pushes the picture outwards.
-#include "registry.h"
+#include "filter.h"
 #include "warps.h"
 
 namespace engine {

@@ -1,7 +1,7 @@
 // What lenses of glass that lie on a picture share.
 #pragma once
 
-#include "registry.h"
+#include "filter.h"
 #include "warps.h"
 
 namespace engine::distortion {

@@ -1,7 +1,7 @@
 // Turning the inside of a circle, as CITwirlDistortion and CIVortexDistortion do.
 #pragma once
 
-#include "registry.h"
+#include "filter.h"
 #include "warps.h"
 
 namespace engine::distortion {

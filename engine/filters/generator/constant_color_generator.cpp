@@ -1,5 +1,5 @@
 // CIConstantColorGenerator: one colour everywhere.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 

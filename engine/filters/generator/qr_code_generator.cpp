@@ -1,5 +1,5 @@
 // CIQRCodeGenerator: a message as a QR code.
-#include "registry.h"
+#include "filter.h"
 
 #include <qrencode.h>
 

@@ -1,7 +1,7 @@
 // CIRandomGenerator: noise.
+#include "filter.h"
 #include "kernel.h"
 #include "noise.h"
-#include "registry.h"
 
 namespace engine::generators {
 

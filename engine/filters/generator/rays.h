@@ -1,9 +1,9 @@
 // Light in rays around a centre, as CISunbeamsGenerator and CILenticularHaloGenerator make it.
 #pragma once
 
+#include "filter.h"
 #include "kernel.h"
 #include "noise.h"
-#include "registry.h"
 
 namespace engine::generators {
 

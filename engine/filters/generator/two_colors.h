@@ -1,8 +1,8 @@
 // What generators of two colours share.
 #pragma once
 
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine::generators {
 

@@ -1,5 +1,5 @@
 // CIAffineTransform: moves, scales, turns or slants a picture.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 

@@ -1,5 +1,5 @@
 // CICrop: the part of a picture inside a rectangle.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CILanczosScaleTransform: scales a picture and keeps it sharp.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 #include "resample.h"
 
 #include <cmath>

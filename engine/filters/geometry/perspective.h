@@ -1,8 +1,8 @@
 // Pictures in perspective: projective maps, and how filters bring a picture's corners to four points.
 #pragma once
 
+#include "filter.h"
 #include "nodes.h"
-#include "registry.h"
 
 #include <optional>
 

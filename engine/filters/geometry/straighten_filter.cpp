@@ -1,6 +1,6 @@
 // CIStraightenFilter: turns a picture and enlarges it to fill its frame.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 // What CIRowAverage, CIColumnAverage and CIAreaHistogram share: an area in one row of pixels.
 #pragma once
 
-#include "registry.h"
+#include "filter.h"
 
 #include <functional>
 

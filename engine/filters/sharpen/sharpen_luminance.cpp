@@ -1,6 +1,6 @@
 // CISharpenLuminance: sharper brightness, the same colours.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,5 +1,5 @@
 // CIUnsharpMask: sharper edges.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIBlendWithMask, CIBlendWithAlphaMask: one picture shows where a mask has it so, another elsewhere.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

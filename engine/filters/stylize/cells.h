@@ -2,8 +2,8 @@
 // colour each.
 #pragma once
 
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

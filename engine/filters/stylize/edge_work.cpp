@@ -1,6 +1,6 @@
 // CIEdgeWork: a woodcut in black and white.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIEdges: how steep colours are.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,8 +1,8 @@
 // What CIBloom and CIGloom share: a radius and an intensity.
 #pragma once
 
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

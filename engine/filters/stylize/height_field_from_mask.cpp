@@ -1,6 +1,6 @@
 // CIHeightFieldFromMask: heights that rise from the edges of a mask.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

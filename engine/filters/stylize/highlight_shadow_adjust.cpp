@@ -1,6 +1,6 @@
 // CIHighlightShadowAdjust: darker highlights and brighter shadows.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

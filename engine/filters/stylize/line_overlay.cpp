@@ -1,6 +1,6 @@
 // CILineOverlay: edges drawn as black lines.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

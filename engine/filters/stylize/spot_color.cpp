@@ -1,6 +1,6 @@
 // CISpotColor: three colours in place of those near three others.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CISpotLight: a lamp that points at a place of the picture.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,5 +1,5 @@
 // CIAffineClamp: a picture, transformed, whose edges continue without end.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 

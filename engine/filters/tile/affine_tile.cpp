@@ -1,5 +1,5 @@
 // CIAffineTile: a picture, transformed, that repeats without end.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIKaleidoscope: a sector of a picture in mirrors that stand in a circle.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // CIOpTile: squares that show more than their share of a picture.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

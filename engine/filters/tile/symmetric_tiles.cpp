@@ -5,8 +5,8 @@
 //
 // They are ten of the seventeen plane symmetry groups. (Core Image does not document where its pieces lie;
 // here each begins at the centre, with one side along the angle.)
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

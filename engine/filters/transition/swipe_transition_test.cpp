@@ -28,7 +28,7 @@ TEST(CISwipeTransition, MovesABarOverTheExtent) {
                   {"inputWidth", width},
                   {"inputOpacity", opacity}};
     EXPECT_LT(error(filter("CISwipeTransition", values), expected), floatError);
-    // Over all of it, from the one to the other.
+    // The bar passes over the whole extent.
     values["inputExtent"] = Numbers{0, 0, 60, 40};
     values["inputTime"] = 0.0;
     EXPECT_LT(error(filter("CISwipeTransition", values), p), floatError);
@@ -37,8 +37,8 @@ TEST(CISwipeTransition, MovesABarOverTheExtent) {
 }
 
 TEST(CISwipeTransition, IsAsCoreImageDrawsIt) {
-    // Pixels of a picture that Core Image made, with those of the two pictures it made it from: place, then
-    // 8-bit colours of the one, the target and the result.
+    // Pixels of a picture that Core Image made of two others: their places, then the 8-bit colours of the
+    // image, the target and the result.
     struct Sample {
         int x, y;
         std::array<int, 3> image, target, result;

@@ -1,7 +1,7 @@
 // What transitions share: two pictures and a time.
 #pragma once
 
-#include "registry.h"
+#include "filter.h"
 
 namespace engine::transitions {
 

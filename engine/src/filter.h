@@ -1,4 +1,4 @@
-// How a filter declares itself: one static Registrar per filter, in its own file.
+// How a filter declares itself: one static Registrar for each, in its own file.
 #pragma once
 
 #include "nodes.h"
