@@ -21,9 +21,10 @@ Image build(const Inputs& in) {
                 float gray = 1 - simd::unit(largest(p) * unpremultiply(p.a));
                 black[i] = replaced * simd::max(gray - 1 + under, 0) / simd::max(under, 1e-6f);
             });
+            SlantedRow dots = screens[3].row(x, y);
             for (int c = 0; c < 3; ++c)
                 eachIndex(n, [=, black = black, v = s.plane[c], a = s.plane[3], ink = screens[c].row(x, y),
-                              dots = screens[3].row(x, y), soft = screens[c].soft](int i) SIMD_INLINE {
+                              soft = screens[c].soft](int i) SIMD_INLINE {
                     float left = 1 - black[i];
                     float light = simd::unit(v[i] / simd::max(a[i] * left, 1e-6f));
                     float white = Screen::inkless(light, Dots::at(ink.at(i)), soft);

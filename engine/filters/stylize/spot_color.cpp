@@ -13,7 +13,7 @@ struct Spot {
     Pixel replacement;
 };
 
-/// Coded is what the pixel was at first.
+/// `coded` is the pixel as it was before any replacement.
 SIMD_INLINE inline Pixel replaced(Pixel p, Pixel coded, const Spot& spot) {
     float dr = coded.r - spot.centre.r, dg = coded.g - spot.centre.g, db = coded.b - spot.centre.b;
     float t = simd::unit((spot.closeness - simd::sqrt(dr * dr + dg * dg + db * db)) * spot.slope);
@@ -40,13 +40,21 @@ Image build(const Inputs& in) {
         replacements[i] = in.color("inputReplacementColor" + n);
         replacements[i].a = 1;
     }
-    return eachPixel(in.image("inputImage"), "spot color", [=](const RenderContext& context) {
-        auto s = spots;
-        for (int i = 0; i < 3; ++i) s[i].replacement = pixel(context.color(replacements[i]));
-        return [=](Pixel p) SIMD_INLINE {
-            Pixel coded =
-                eachColor(straight(p), [](float v) SIMD_INLINE { return simd::linearToSrgbUnit(v); });
-            return replaced(replaced(replaced(p, coded, s[0]), coded, s[1]), coded, s[2]);
+    return pointStep(in.image("inputImage"), "spot color", [=](const RenderContext& context) -> SpanFunction {
+        auto own = spots;
+        for (int i = 0; i < 3; ++i) own[i].replacement = pixel(context.color(replacements[i]));
+        // One spot after the other: all three have more numbers than the processor has registers.
+        return [own](const Span& s, int, int, int n) {
+            SpanBuffer buffer;
+            eachIndex(n, [=, coded = buffer.span()](int i) SIMD_INLINE {
+                store(coded, i, eachColor(straight(load(s, i)), [](float v) SIMD_INLINE {
+                          return simd::linearToSrgbUnit(v);
+                      }));
+            });
+            for (const Spot& spot : own)
+                eachPixel(
+                    n, [spot](Pixel p, Pixel coded) SIMD_INLINE { return replaced(p, coded, spot); }, s,
+                    buffer.span());
         };
     });
 }
