@@ -21,6 +21,21 @@ std::map<const Node*, int> readers(const Image& image) {
     return found;
 }
 
+std::vector<const Node*> readersFirst(const Image& image) {
+    std::vector<const Node*> order;
+    if (!image) return order;
+    auto unread = readers(image);
+    std::vector<const Node*> open{image.get()};
+    while (!open.empty()) {
+        const Node* node = open.back();
+        open.pop_back();
+        order.push_back(node);
+        for (const Image& input : node->inputs())
+            if (input && --unread[input.get()] == 0) open.push_back(input.get());
+    }
+    return order;
+}
+
 Plan planSummary(const Image& image) {
     Plan plan;
     if (!image) return plan;

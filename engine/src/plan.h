@@ -9,6 +9,8 @@ namespace engine {
 
 /// All nodes of a graph with the number of places that read them.
 std::map<const Node*, int> readers(const Image& image);
+/// All nodes of a graph, each after everything that reads it.
+std::vector<const Node*> readersFirst(const Image& image);
 /// Whether a node is worth keeping for its second reader. Sources are as quick as a copy.
 inline bool isKept(const Node& node, int readers) { return readers > 1 && !node.inputs().empty(); }
 

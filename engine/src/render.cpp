@@ -52,7 +52,7 @@ class Renderer {
           codec_(target.layout, settings_) {}
 
     void tile(const IntRect& area) const {
-        RenderContext context(settings_);
+        RenderContext context(settings_, area);
         auto evaluator = context.prepare(image_, area);
         SpanBuffer buffer, below;
         std::size_t step = bytesPerPixel(target_.layout.format);
@@ -75,11 +75,12 @@ class Renderer {
 
   private:
     static RenderSettings settingsFor(const Image& image, const Options& options) {
-        RenderSettings settings{nullptr, options.colorManaged, {}};
+        RenderSettings settings{nullptr, options.colorManaged, {}, {}};
         if (options.working && !options.working->sameAs(*color::ColorSpace::linearSRGB()))
             settings.working = options.working;
         for (const auto& [node, count] : readers(image))
             if (isKept(*node, count)) settings.shared.insert(node);
+        if (!settings.shared.empty()) settings.readersFirst = readersFirst(image);
         return settings;
     }
 

@@ -37,6 +37,37 @@ TEST(Render, ThreadsDoNotShow) {
     EXPECT_EQ(difference(one, five), 0);
 }
 
+namespace {
+
+/// Its input, counting how often it is computed.
+class Counted : public Node {
+  public:
+    explicit Counted(const Image& input) : Node(input->extent(), {input}) {}
+    std::string name() const override { return "counted"; }
+    std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
+        ++times;
+        return inputs()[0]->prepare(area, context);
+    }
+    mutable std::atomic<int> times{0};
+};
+
+} // namespace
+
+TEST(Render, WhatIsReadInTwoSizesIsComputedOnce) {
+    auto counted = std::make_shared<Counted>(imageOf(noise(64, 64, 20)));
+    Image image = counted;
+    for (int depth = 0; depth < 8; ++depth) {
+        Image blurred = filter("CIGaussianBlur", with(image, "inputRadius", 2 + depth % 3));
+        image = filter("CIScreenBlendMode", {{"inputImage", blurred}, {"inputBackgroundImage", image}});
+    }
+    setTileSize(4096);
+    setThreadCount(1);
+    rendered(image, 0, 0, 64, 64);
+    setThreadCount(0);
+    setTileSize(0);
+    EXPECT_EQ(counted->times, 1);
+}
+
 TEST(Render, BlendsOverTheTargetAndLeavesTheRest) {
     std::vector<std::uint8_t> out(4 * 8 * 8, 100);
     PixelLayout layout{8, 8, Format::RGBA8, Alpha::opaque, nullptr};

@@ -75,13 +75,42 @@ std::shared_ptr<Evaluator> RenderContext::prepare(const Image& image, const IntR
     return clipped(std::move(evaluator), inside);
 }
 
+/// The most pixels of a shared node that are kept.
+constexpr double mostKept = 1 << 21;
+
+RenderContext::RenderContext(const RenderSettings& settings, const IntRect& area) : settings(settings) {
+    struct Need {
+        Rect together;
+        double summed = 0; // the sizes of what each reader needs
+    };
+    std::map<const Node*, Need> needs;
+    if (!settings.readersFirst.empty()) needs[settings.readersFirst.front()] = {toRect(area), area.count()};
+    for (const Node* node : settings.readersFirst) {
+        Need need = needs[node];
+        IntRect wanted = toInt(need.together);
+        // Readers that look at places far apart are better served one by one.
+        if (settings.shared.contains(node) && wanted.count() <= std::min(mostKept, need.summed))
+            wanted_[node] = wanted;
+        for (std::size_t i = 0; i < node->inputs().size(); ++i)
+            if (const Image& input = node->inputs()[i]) {
+                Rect read = node->regionOfInterest(i, need.together).intersect(input->extent());
+                if (read.isEmpty()) continue;
+                Need& of = needs[input.get()];
+                of.together = of.together.unite(read);
+                of.summed += toInt(read).count();
+            }
+    }
+}
+
 std::shared_ptr<Evaluator> RenderContext::prepareShared(const Image& image, const IntRect& area) {
-    // A graph whose steps read one image twice would otherwise take time exponential in its depth.
-    constexpr double mostPixels = 1 << 21;
-    if (!settings.shared.contains(image.get()) || area.count() > mostPixels)
-        return image->prepare(area, *this);
-    auto& kept = shared_[{image.get(), area}];
-    if (!kept) kept = std::make_shared<Kept>(image->prepare(area, *this), area);
+    // A graph whose steps read one image twice would otherwise take time exponential in its depth; and one
+    // whose steps read it in two sizes, such as a blur laid over its own input, time that grows with each.
+    if (!settings.shared.contains(image.get())) return image->prepare(area, *this);
+    auto wanted = wanted_.find(image.get());
+    IntRect whole = wanted != wanted_.end() && wanted->second.contains(area) ? wanted->second : area;
+    if (whole.count() > mostKept) return image->prepare(area, *this);
+    auto& kept = shared_[{image.get(), whole}];
+    if (!kept) kept = std::make_shared<Kept>(image->prepare(whole, *this), whole);
     return kept;
 }
 
@@ -99,14 +128,15 @@ void RenderContext::stream(const Image& image, const IntRect& area,
         // The evaluators of one of many strips are of no use to the others.
         bool alone = strip.y0 == inside.y0 && strip.y1 == inside.y1;
         decltype(shared_) outer;
-        if (!alone) outer.swap(shared_);
+        decltype(wanted_) outerWanted;
+        if (!alone) outer.swap(shared_), outerWanted.swap(wanted_);
         auto evaluator = prepare(image, strip);
         for (int y = strip.y0; y < strip.y1; ++y) {
             for (int x = 0; x < area.width(); x += maxSpan)
                 evaluator->row(area.x0 + x, y, std::min(maxSpan, area.width() - x), out.at(x));
             work(y, out);
         }
-        if (!alone) outer.swap(shared_);
+        if (!alone) outer.swap(shared_), outerWanted.swap(wanted_);
     }
 }
 

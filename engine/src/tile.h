@@ -97,14 +97,17 @@ struct RenderSettings {
     /// Null for linear sRGB.
     color::ColorSpacePtr working;
     bool colorManaged = true;
-    /// Nodes with more than one reader.
+    /// Nodes that are kept for their second reader.
     std::set<const Node*> shared;
+    /// All nodes, each after everything that reads it; empty when none is shared.
+    std::vector<const Node*> readersFirst;
 };
 
 /// The evaluators of one tile.
 class RenderContext {
   public:
-    explicit RenderContext(const RenderSettings& settings) : settings(settings) {}
+    /// To render `area` of the image that the settings are for.
+    RenderContext(const RenderSettings& settings, const IntRect& area);
 
     /// The evaluator of an image, transparent outside of the image's extent.
     std::shared_ptr<Evaluator> prepare(const Image& image, const IntRect& area);
@@ -120,6 +123,8 @@ class RenderContext {
   private:
     std::shared_ptr<Evaluator> prepareShared(const Image& image, const IntRect& area);
     std::map<std::pair<const Node*, IntRect>, std::shared_ptr<Evaluator>> shared_;
+    /// What all readers of a shared node need of it together.
+    std::map<const Node*, IntRect> wanted_;
 };
 
 /// Fills the pixels' area.
