@@ -86,6 +86,13 @@ void divide(float* p, const float* by, int n) {
     });
 }
 
+void atLeast1(const float* p, float* out, int n) {
+    simd::run([=]() SIMD_INLINE {
+        SIMD_LOOP
+        for (int i = 0; i < n; ++i) out[i] = simd::max(p[i], 1);
+    });
+}
+
 bool allOne(const float* p, int n) {
     return std::all_of(p, p + n, [](float v) { return v == 1; });
 }
@@ -130,9 +137,13 @@ void Codec::decode(const std::uint8_t* pixels, int n, const Span& out) const {
 void Codec::encode(const Span& s, int n, std::uint8_t* pixels) const {
     float* alpha = s.plane[3];
     bool floats = layout_.format == Format::RGBAf;
-    // A target without alpha shows the image on black, and that is what premultiplied colours are.
-    bool full = alpha_ < 0 || allOne(alpha, n);
-    if (!full && (space_ || layout_.alpha == Alpha::straight))
+    bool straight = alpha_ >= 0 && layout_.alpha == Alpha::straight;
+    // A target without alpha shows the image on black, and that is what premultiplied colours are. But sums
+    // may have more than full alpha: everywhere, colours are coded for alpha 1, then multiplied by what it
+    // is.
+    if (alpha_ < 0) atLeast1(alpha, alpha, n);
+    bool full = allOne(alpha, n);
+    if (!full && (space_ || straight))
         for (int c = 0; c < 3; ++c) divide(s.plane[c], alpha, n);
     if (space_) {
         if (working_) working_->converter().decode(s.plane.data(), s.plane.data(), n);
@@ -147,8 +158,14 @@ void Codec::encode(const Span& s, int n, std::uint8_t* pixels) const {
             for (int i = 0; i < n; ++i) r[i] = 0.2126f * r[i] + 0.7152f * g[i] + 0.0722f * b[i];
         });
     }
-    if (!full && space_ && layout_.alpha == Alpha::premultiplied)
+    if (!full && space_ && !straight) {
         for (int c = 0; c < 3; ++c) multiply(s.plane[c], alpha, n);
+    } else if (!full && straight && !floats) {
+        // Of an alpha that is cut to 1 the colours get what is above.
+        float above[maxSpan];
+        atLeast1(alpha, above, n);
+        for (int c = 0; c < 3; ++c) multiply(s.plane[c], above, n);
+    }
     if (alpha_ < 0) std::fill_n(alpha, n, 1.f);
 
     auto write = [&](int offset, const float* from) {

@@ -4,7 +4,7 @@
 #include "plan.h"
 #include "thread_pool.h"
 
-#include <color/simd.h>
+#include <color/vecmath.h>
 
 #include <atomic>
 #include <cmath>
@@ -45,6 +45,15 @@ std::pair<int, int> tileSize(const IntRect& area, bool neighbours) {
     return {width, height};
 }
 
+/// Source over, where an alpha above 1 hides no more than all.
+void over(const Span& above, const Span& below, int n) {
+    for (int c = 0; c < 4; ++c)
+        color::simd::run([=, s = above.plane[c], d = below.plane[c], alpha = above.plane[3]]() SIMD_INLINE {
+            SIMD_LOOP
+            for (int i = 0; i < n; ++i) d[i] = s[i] + d[i] * color::simd::max(1 - alpha[i], 0);
+        });
+}
+
 class Renderer {
   public:
     Renderer(const Image& image, const Target& target, const Options& options)
@@ -64,7 +73,7 @@ class Renderer {
                 evaluator->row(x, y, n, buffer.span());
                 if (blend_) {
                     codec_.decode(row + x * step, n, below.span());
-                    sourceOver(buffer.span(), below.span(), n);
+                    over(buffer.span(), below.span(), n);
                     codec_.encode(below.span(), n, row + x * step);
                 } else {
                     codec_.encode(buffer.span(), n, row + x * step);

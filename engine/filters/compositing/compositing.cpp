@@ -24,17 +24,9 @@ SIMD_INLINE inline float in(float s, float, float, float da) { return s * da; }
 SIMD_INLINE inline float out(float s, float, float, float da) { return s * (1 - da); }
 SIMD_INLINE inline float larger(float s, float d, float, float) { return simd::max(s, d); }
 SIMD_INLINE inline float smaller(float s, float d, float, float) { return simd::min(s, d); }
+/// The sum of two opaque pixels has alpha 2: only bitmaps are limited to 1.
+SIMD_INLINE inline float added(float s, float d, float, float) { return s + d; }
 SIMD_INLINE inline float product(float s, float d, float, float) { return s * d; }
-
-/// Colours and alpha add up, but nothing is more than opaque.
-void addition(const Span& above, const Span& below, int n) {
-    eachPixel(
-        n,
-        [](Pixel d, Pixel s) SIMD_INLINE -> Pixel {
-            return {s.r + d.r, s.g + d.g, s.b + d.b, simd::min(s.a + d.a, 1)};
-        },
-        below, above);
-}
 
 constexpr Mode modes[] = {
     {"CISourceOverCompositing", "Source Over", "Lays a picture over another.", {"source over", sourceOver}},
@@ -50,7 +42,7 @@ constexpr Mode modes[] = {
      "Source Out",
      "Keeps a picture where another one is not.",
      {"source out", components<out>, true, false}},
-    {"CIAdditionCompositing", "Addition", "Adds the light of two pictures.", {"addition", addition}},
+    {"CIAdditionCompositing", "Addition", "Adds the light of two pictures.", {"addition", components<added>}},
     {"CIMaximumCompositing",
      "Maximum",
      "Takes the larger of each component of two pictures.",

@@ -31,8 +31,7 @@ std::vector<Separable> separableModes() {
              [](double s, double d, double sa, double da) { return s * da + d * (1 - sa); }),
         same("CISourceInCompositing", [](double s, double, double, double da) { return s * da; }),
         same("CISourceOutCompositing", [](double s, double, double, double da) { return s * (1 - da); }),
-        {"CIAdditionCompositing", [](double s, double d, double, double) { return s + d; },
-         [](double s, double d, double, double) { return std::min(1.0, s + d); }},
+        same("CIAdditionCompositing", [](double s, double d, double, double) { return s + d; }),
         same("CIMaximumCompositing", [](double s, double d, double, double) { return std::max(s, d); }),
         same("CIMinimumCompositing", [](double s, double d, double, double) { return std::min(s, d); }),
         same("CIMultiplyCompositing", [](double s, double d, double, double) { return s * d; }),
@@ -153,3 +152,28 @@ void registerMode(const char* name, const Mode::PixelFormula& formula) {
 }();
 
 } // namespace
+
+TEST(AlphaAbove1, IsCodedForAlpha1AndMultiplied) {
+    // As Core Image does it: alpha is 2, and bytes are coded for alpha 1, then multiplied.
+    Image image = filter("CIAdditionCompositing", {{"inputImage", constant({0.4, 0.1, 0.9, 1})},
+                                                   {"inputBackgroundImage", constant({0.2, 0.3, 0.8, 1})}});
+    EXPECT_NEAR(rendered(image, 0, 0, 1, 1).get(0, 0)[3], 2, floatError);
+    auto expected = [](double a, double b) {
+        return std::min(255.0, 255 * 2 * coded((linear(a) + linear(b)) / 2));
+    };
+    for (Alpha alpha : {Alpha::premultiplied, Alpha::straight, Alpha::opaque}) {
+        std::array<std::uint8_t, 4> got;
+        PixelLayout layout{1, 1, Format::RGBA8, alpha};
+        render(image, {0, 0, 1, 1}, {layout, got.data(), 4}, {0, 0, 1, 1});
+        EXPECT_NEAR(got[0], expected(0.4, 0.2), 0.6);
+        EXPECT_NEAR(got[1], expected(0.1, 0.3), 0.6);
+        EXPECT_NEAR(got[2], 255, 0.6);
+        EXPECT_EQ(got[3], 255);
+        // Drawn over something, it hides that.
+        std::array<std::uint8_t, 4> below{10, 200, 30, 255};
+        Options options;
+        options.blend = true;
+        render(image, {0, 0, 1, 1}, {layout, below.data(), 4}, {0, 0, 1, 1}, options);
+        EXPECT_EQ(below, got);
+    }
+}

@@ -5,21 +5,28 @@ namespace engine::generators {
 
 namespace {
 
-/// A ring of rays from the radius outwards, as wide as the width. Its brightness rises and falls as t^2 (3 -
-/// 2 t), and at strength and contrast 1 the mean of its rays is one half, as measured on Core Image (whose
-/// rays differ). Where the overlap is less than 1, red lies that much farther out than green, and blue
-/// farther in.
+/// Rings of rays, one for each component, that rise and fall as t^2 (3 - 2 t) across their width. At overlap
+/// 1 all three are as wide as the halo, fitted to Core Image's picture (mean residual 0.15 of 255). With less
+/// they are narrower and lie side by side, red outside and blue inside; that is our own reading of the
+/// overlap, of which no picture is known.
 Image build(const Inputs& in) {
+    Point centre = in.point("inputCenter");
     double radius = in.number("inputHaloRadius", 0, 1e5),
            width = std::max(in.number("inputHaloWidth", 0, 1e5), 0.5);
-    double apart = (1 - in.number("inputHaloOverlap", 0, 1)) * width;
-    return light(
-        "halo", in, radius + width + apart,
-        [=, rays = Rays(in), begin = static_cast<float>(radius + apart), step = static_cast<float>(apart),
-         perWidth = static_cast<float>(1 / width)](float distance, float turns, float component) SIMD_INLINE {
-            float across = (distance - begin + component * step) * perWidth;
-            return smoothstep(1 - simd::abs(2 * across - 1)) * rays.at(turns);
-        });
+    double apart = 1 - in.number("inputHaloOverlap", 0, 1), ring = width / (1 + 2 * apart);
+    return eachPlace("halo", squareAround(centre, radius + width), From{centre},
+                     [=, rays = Rays(in), color = in.color("inputColor"),
+                      begin = static_cast<float>(radius / ring), step = static_cast<float>(apart),
+                      perRing = static_cast<float>(1 / ring)](const RenderContext& context) {
+                         return [=, full = pixel(context.color(color))](Position p) SIMD_INLINE {
+                             auto [distance, direction] = polar(p);
+                             float across = distance * perRing - begin, ray = rays.at(direction);
+                             auto ring = [=](float inwards) SIMD_INLINE {
+                                 return ray * smoothstep(1 - simd::abs(2 * (across - inwards * step) - 1));
+                             };
+                             return light(full.r * ring(2), full.g * ring(1), full.b * ring(0));
+                         };
+                     });
 }
 
 const Registrar filter{

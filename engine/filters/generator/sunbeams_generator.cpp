@@ -5,18 +5,23 @@ namespace engine::generators {
 
 namespace {
 
-/// A disc, and rays that fade with the distance from it: gone at (1 + the greatest striation radius) radii.
-/// (Core Image does not document its formula.)
+/// Light that falls off with the square of the distance, and rays, both fading to nothing at the greatest
+/// striation radius, in sun radii. Fitted to Core Image's pictures (mean residual 0.19 of 255).
 Image build(const Inputs& in) {
-    double radius = std::max(in.number("inputSunRadius", 0, 1e5), 0.5);
-    double reach = std::max(in.number("inputMaxStriationRadius", 0, 1000), 1e-3);
-    return light("sunbeams", in, radius * (1 + reach),
-                 [=, rays = Rays(in), perRadius = static_cast<float>(1 / radius),
-                  perReach = static_cast<float>(1 / reach)](float distance, float turns, float) SIMD_INLINE {
-                     float beyond = distance * perRadius - 1, disc = simd::unit(1 - 8 * beyond);
-                     float fade = simd::unit(1 - beyond * perReach);
-                     return simd::max(disc, 2 * fade * fade * rays.at(turns));
-                 });
+    Point centre = in.point("inputCenter");
+    double radius = in.number("inputSunRadius", 0, 1e5);
+    double reach = radius * in.number("inputMaxStriationRadius", 0, 1000);
+    return eachPlace(
+        "sunbeams", squareAround(centre, reach), From{centre},
+        [=, rays = Rays(in), color = in.color("inputColor"), sun = static_cast<float>(radius),
+         perReach = static_cast<float>(reach > 0 ? 1 / reach : 0)](const RenderContext& context) {
+            return [=, full = pixel(context.color(color))](Position p) SIMD_INLINE {
+                auto [distance, direction] = polar(p);
+                float fade = simd::max(1 - distance * perReach, 0), near = sun / distance;
+                float glow = fade * near * near, white = fade * rays.at(direction);
+                return light(full.r * glow + white, full.g * glow + white, full.b * glow + white);
+            };
+        });
 }
 
 const Registrar filter{

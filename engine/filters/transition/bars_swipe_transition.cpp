@@ -1,55 +1,43 @@
 // CIBarsSwipeTransition: a picture cut into bars that slide away one after the other.
-#include "kernel.h"
 #include "transition.h"
-
-#include <cmath>
+#include "warps.h"
 
 namespace engine::transitions {
 
 namespace {
 
-/// Bars along a direction that slide along it, each later than the one before by an offset. (Core Image does
-/// not document its formula.)
-class Sliding : public Warp {
-  public:
-    Sliding(const Inputs& in, const Rect& extent)
-        : dx_(std::cos(in.number("inputAngle", -1e6, 1e6))),
-          dy_(std::sin(in.number("inputAngle", -1e6, 1e6))), width_(in.number("inputWidth", 2, 1e6)),
-          offset_(in.number("inputBarOffset", 1, 1e6)) {
-        Rect turned = Affine{dx_, -dy_, dy_, dx_, 0, 0}.apply(extent);
-        first_ = turned.y0;
-        double later = (std::ceil(turned.height() / width_) - 1) * offset_;
-        way_ = time(in) * (turned.width() + later);
-    }
+/// How many bars have begun to slide, at `slanted` from 1, where bars are parallel to an edge, to the root of
+/// 2. At the end the last one has just left. Core Image's pictures show it at two times; this is the simplest
+/// law that gives both.
+double started(const Inputs& in, double bars, double untilGone, double slanted) {
+    return time(in) * (bars + untilGone) * std::pow(slanted, 1.9616 * (time(in) - 1));
+}
 
-    std::string name() const override { return "bars"; }
-    Rect extent(const Rect& source) const override { return moved(source, way_); }
-    Rect region(const Rect& area) const override { return moved(area, -way_); }
-    void displace(int x, int y, int n, float* dx, float* dy) const override {
-        for (int i = 0; i < n; ++i) {
-            double bar = std::floor(((y + 0.5) * dx_ - (x + i + 0.5) * dy_ - first_) / width_);
-            double slid = std::clamp(way_ - bar * offset_, 0.0, way_);
-            dx[i] = static_cast<float>(-slid * dx_);
-            dy[i] = static_cast<float>(-slid * dy_);
-        }
-    }
-
-  private:
-    Rect moved(const Rect& r, double way) const {
-        return r.unite({r.x0 + way * dx_, r.y0 + way * dy_, r.x1 + way * dx_, r.y1 + way * dy_});
-    }
-
-    double dx_, dy_, width_, offset_, first_, way_;
-};
-
-/// An infinite picture has nowhere to slide to; it stays until the time is over.
+/// Bars lie across the direction and slide along themselves, one after the other, ever faster: by the offset
+/// times the square of how many have begun after them. Fitted to Core Image's pictures (mean residual 0.3 of
+/// 255). An infinite picture has nowhere to slide to; it stays until the time is over.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage"), target = in.image("inputTargetImage");
     if (!image) return nullptr;
     if (image->extent().isInfinite()) return time(in) < 1 ? image : target ? target : empty();
-    Rect extent = target ? image->extent().unite(target->extent()) : image->extent();
-    Image sliding = warp(image, std::make_shared<Sliding>(in, image->extent()));
-    return crop(composite(sliding, target), extent);
+    double angle = in.number("inputAngle", -1e6, 1e6), width = in.number("inputWidth", 2, 1e6),
+           offset = in.number("inputBarOffset", 1, 1e6);
+    Point direction{std::cos(angle), std::sin(angle)}, slide{direction.y, -direction.x};
+    Rect extent =
+        target && !target->extent().isInfinite() ? image->extent().unite(target->extent()) : image->extent();
+    Stretch across = along(extent, direction), way = along(extent, slide);
+    double begun = started(in, std::floor(across.length() / width), std::sqrt(way.length() / offset),
+                           std::abs(direction.x) + std::abs(direction.y));
+    Along place{{across.begin * direction.x, across.begin * direction.y}, direction, width};
+    Image sliding = warp(image, "bars", upTo(way.length()), place,
+                         [=, begun = static_cast<float>(begun), offset = static_cast<float>(offset),
+                          most = static_cast<float>(way.length()), x = static_cast<float>(-slide.x),
+                          y = static_cast<float>(-slide.y)](float bar) SIMD_INLINE {
+                             float since = simd::max(begun - simd::floor(bar), 0);
+                             float away = simd::min(offset * since * since, most);
+                             return Position{away * x, away * y};
+                         });
+    return crop(composite(sliding, target), image->extent());
 }
 
 const Registrar filter{{"CIBarsSwipeTransition",

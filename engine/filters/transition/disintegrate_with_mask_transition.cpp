@@ -6,32 +6,44 @@ namespace engine::transitions {
 
 namespace {
 
-/// How much of a picture is left where the mask has this pixel: from all to nothing within a twentieth of the
-/// range of coded brightness.
-SIMD_INLINE inline float left(Pixel mask, float time) {
-    constexpr float soft = 0.05f;
-    float light = simd::linearToSrgb(simd::unit(luminance(mask)));
-    return 1 - simd::unit((light - 1 + time * (1 + soft)) / soft);
+/// The light of the mask in red, and in alpha how much it changes between neighbours.
+Image lightOf(const Image& mask) {
+    return neighbourhood(mask, "disintegrate", 1, [=](const RenderContext&) -> NeighbourFunction {
+        return [=](const Pixels& in, int x, int y, int n, const Span& out) {
+            eachIndex(n, [=, here = in.at(x, y), left = in.at(x - 1, y), below = in.at(x, y - 1)](int i)
+                             SIMD_INLINE {
+                                 float light = luminance(load(here, i));
+                                 float steepness = simd::max(simd::abs(light - luminance(load(left, i))),
+                                                             simd::abs(light - luminance(load(below, i))));
+                                 store(out, i, {light, 0, 0, steepness});
+                             });
+        };
+    });
 }
 
-/// The picture disappears where the mask is bright, then where it is darker; what is left casts a shadow on
-/// the target. (Core Image does not document its formula.)
+/// The picture stays where the mask's light is above the time, so that it goes where the mask is dark first.
+/// It grows brighter with the time, and what comes out below it is darker before its end, in the shadow still
+/// more. Edges are as
+/// soft as the mask's steepness allows, the shadow's by its radius more. Fitted to Core Image's picture at
+/// time 0.5 (mean residual 0.1 of 255); that brightness is linear in time is our own guess.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage"), target = in.image("inputTargetImage"),
           mask = in.image("inputMaskImage");
     if (!image) return nullptr;
-    float when = static_cast<float>(time(in));
+    if (time(in) == 0) return image;
+    float when = static_cast<float>(time(in)), lit = 1 + 0.25f * when, shaded = 0.75f + 0.25f * when;
     float density = static_cast<float>(in.number("inputShadowDensity", 0, 1));
     Point offset = in.point("inputShadowOffset");
-    Image remains = eachPixel(mask, "remains", [=](Pixel p) SIMD_INLINE {
-        return Pixel{p.r, p.g, p.b, left(p, when)};
-    });
-    Image shadow = transform(gaussian(remains, in.number("inputShadowRadius", 0, 1000)),
-                             Affine::translation(offset.x, offset.y));
+    auto perRadius = static_cast<float>(1 / std::max(in.number("inputShadowRadius", 0, 1000), 0.01));
+    Image light = lightOf(mask), shadow = transform(light, Affine::translation(offset.x, offset.y));
     Rect extent = target ? image->extent().unite(target->extent()) : image->extent();
-    return eachPixel("disintegrate", extent, {image, target, mask, shadow},
-                     [=](Pixel p, Pixel below, Pixel mask, Pixel shadow) SIMD_INLINE {
-                         return mix(below * (1 - density * simd::unit(shadow.a)), p, left(mask, when));
+    return eachPixel("disintegrate", extent, {image, target, light, shadow},
+                     [=](Pixel p, Pixel below, Pixel here, Pixel there) SIMD_INLINE {
+                         // In pixels, from the lines where the mask's light equals the time.
+                         float perStep = 1 / simd::max(here.a, 1e-6f);
+                         float inside = (here.r - when) * perStep, under = (there.r - when) * perStep;
+                         float dark = density * simd::unit(0.5f + under * perRadius);
+                         return mix(below * (shaded * (1 - dark)), p * lit, simd::unit(0.5f + inside));
                      });
 }
 
