@@ -6,8 +6,6 @@ using namespace reference;
 
 namespace {
 
-double luminance(const Pixel& q) { return 0.2126 * q[0] + 0.7152 * q[1] + 0.0722 * q[2]; }
-
 /// Straight colour made darker or brighter.
 Pixel times(const Pixel& q, double f) { return {q[0] * f, q[1] * f, q[2] * f, q[3]}; }
 

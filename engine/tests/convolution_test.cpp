@@ -7,8 +7,6 @@ using namespace reference;
 
 namespace {
 
-double luminance(const Pixel& q) { return 0.2126 * q[0] + 0.7152 * q[1] + 0.0722 * q[2]; }
-
 } // namespace
 
 TEST(Convolution, WeightsGoRowByRowFromTheUpperLeft) {
