@@ -70,6 +70,7 @@ Image build(const Inputs& in) {
     Rect extent = image->extent().integral();
     if (extent.isEmpty() || extent.isInfinite()) return empty();
     IntRect row = toInt({extent.x0, extent.y0, std::min(extent.x1, extent.x0 + mostColumns), extent.y0 + 1});
+    if (row.isEmpty()) return empty();
     int height = static_cast<int>(std::round(in.number("inputHeight", 1, 200)));
     return std::make_shared<DiagramNode>(image, row, height, in.number("inputLowLimit", 0, 1),
                                          in.number("inputHighLimit", 0, 1));
