@@ -5,10 +5,6 @@
 
 using namespace reference;
 
-namespace {
-
-} // namespace
-
 TEST(Convolution, WeightsGoRowByRowFromTheUpperLeft) {
     struct {
         const char* name;
