@@ -1,3 +1,4 @@
+// Transfer curves and the conversions between coded values and linear light.
 #include "converters.h"
 
 #include <color/vecmath.h>
@@ -9,7 +10,7 @@ namespace color {
 
 namespace {
 
-/// Pixels that a conversion keeps on the stack at a time.
+/// The most pixels that a conversion keeps on the stack.
 constexpr std::size_t chunk = 256;
 
 /// Calls work(begin, count) for pieces of at most `chunk` pixels.
@@ -78,7 +79,7 @@ Curve Curve::of(const cmsToneCurve* tone) {
 
     Curve curve{Kind::table, 1, std::vector<float>(tableSteps + 1), std::vector<float>(tableSteps + 1)};
     for (int i = 0; i <= tableSteps; ++i) curve.forward[i] = eval(static_cast<float>(i) / tableSteps);
-    // Curves of devices rise; a falling or flat stretch is taken as a step.
+    // Curves of devices rise; a falling or flat stretch counts as a step.
     int below = 0;
     for (int i = 0; i <= tableSteps; ++i) {
         float root = static_cast<float>(i) / tableSteps, y = root * root;
@@ -264,8 +265,8 @@ class GrayConverter final : public Converter {
     Table table_;
 };
 
-/// Red is what cyan and black let through, and so on, as sRGB numbers; black takes all of the gray that
-/// the three inks share.
+/// Red, as an sRGB number, is the light that cyan and black let through, and so on. Black takes all the gray
+/// that the three inks share.
 class DeviceCMYKConverter final : public Converter {
   public:
     DeviceCMYKConverter() : Converter(4), curve_{Curve::Kind::srgb, 1, {}, {}} {}
@@ -295,8 +296,8 @@ class DeviceCMYKConverter final : public Converter {
     Curve curve_;
 };
 
-/// Any profile, by lcms2's floating-point transforms. A transform without cache has no state that changes, so
-/// threads share it.
+/// Any profile, by lcms2's floating-point transforms. Without a cache a transform has no changing state, so
+/// threads can share it.
 class ProfileConverter final : public Converter {
   public:
     struct Delete {
@@ -334,7 +335,7 @@ class ProfileConverter final : public Converter {
         });
     }
 
-    /// What lcms2 counts as 1: inks go to 100 there.
+    /// Full scale in lcms2, where inks go to 100.
     float scale_;
     Transform decode_, encode_;
 };

@@ -1,4 +1,4 @@
-// The kinds of conversion; space.cpp chooses.
+// The kinds of conversion, among which space.cpp chooses.
 #pragma once
 
 #include "matrix.h"
@@ -21,7 +21,7 @@ struct Curve {
     static Curve of(const cmsToneCurve* tone);
     void decode(const float* in, float* out, std::size_t n) const;
     void encode(const float* in, float* out, std::size_t n) const;
-    /// The same clipped to 0..1.
+    /// encode(), clipped to 0..1.
     void encodeClipped(const float* in, float* out, std::size_t n) const;
     bool operator==(const Curve&) const = default;
 };

@@ -1,3 +1,4 @@
+// Which instruction set is in use.
 #include <color/simd.h>
 
 #include <atomic>

@@ -1,3 +1,4 @@
+// The well-known colour spaces, those made from ICC profiles, and whole rows of pixels between any two.
 #include "converters.h"
 
 #include <algorithm>
@@ -90,7 +91,7 @@ std::optional<Curve> readCurve(cmsHPROFILE profile, cmsTagSignature tag) {
     return Curve::of(tone);
 }
 
-/// Null when the profile is not usable.
+/// Null when the profile cannot be used.
 ConverterPtr converterFor(cmsHPROFILE profile, Model model) {
     bool hasTables = cmsIsTag(profile, cmsSigAToB0Tag) || cmsIsTag(profile, cmsSigAToB1Tag);
     if (model == Model::gray && !hasTables) {
@@ -116,7 +117,7 @@ ColorSpacePtr fromProfile(cmsHPROFILE profile, Model model, std::vector<std::uin
         ColorSpace::Parts{model, std::move(name), std::move(bytes), std::move(converter)});
 }
 
-/// A space of a profile made here; that cannot fail but for memory.
+/// A space for a profile made here, which can fail only for lack of memory.
 ColorSpacePtr fromOwnProfile(const Profile& profile, Model model, std::string name) {
     if (!profile) throw std::bad_alloc();
     auto space = fromProfile(profile.get(), model, save(profile.get()), std::move(name));
@@ -220,7 +221,7 @@ ColorSpacePtr ColorSpace::lab(const Triple& white, const Triple&, const std::arr
     if (!(range[0] < range[1] && range[2] < range[3]) ||
         !std::all_of(range.begin(), range.end(), [](double v) { return std::isfinite(v); }))
         throw std::invalid_argument("the range of a Lab space has to be finite and ascending");
-    // Lab numbers are relative to their white already, and so is the profile connection space.
+    // Lab numbers are relative to their white, and so is the profile connection space.
     Profile profile(cmsCreateLab4Profile(nullptr));
     if (!profile) throw std::bad_alloc();
     auto converter = makeProfileConverter(profile.get(), Model::lab);

@@ -1,3 +1,4 @@
+// Colour spaces, conversions and the elementary functions, with both instruction sets.
 #include <color/color.h>
 #include <color/simd.h>
 #include <color/vecmath.h>
@@ -144,7 +145,7 @@ TEST(ColorSpace, DamagedProfilesGiveNull) {
     auto bytes = ColorSpace::adobeRGB()->iccData();
     EXPECT_FALSE(ColorSpace::fromICC({}));
     EXPECT_FALSE(ColorSpace::fromICC(std::span(bytes).first(64)));
-    // Every cut and many flipped bytes: a space or null, but nothing worse.
+    // However a profile is cut or damaged, the result is a space or null.
     for (std::size_t size = 0; size < bytes.size(); size += 7)
         ColorSpace::fromICC(std::span(bytes).first(size));
     std::mt19937 random(3);
@@ -174,7 +175,7 @@ TEST(ColorSpace, ConvertsInterleavedPixels) {
     const std::uint8_t expected[] = {255, 255, 255, 77, 0, 255, 255, 78, 0, 0, 0, 79};
     EXPECT_EQ(std::memcmp(rgba, expected, sizeof rgba), 0);
 
-    // Through 16-bit Lab and back, in place of the last digit of 8 bits.
+    // Through 16-bit Lab and back, to within one step of 8 bits.
     std::vector<std::uint8_t> pixels(3 * 500), back(pixels.size());
     std::vector<std::uint16_t> lab(pixels.size());
     for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<std::uint8_t>(i * 31 % 251);

@@ -1,3 +1,4 @@
+// Images of pixels in memory and of rows produced on demand.
 #include "codec.h"
 
 #include <list>
@@ -8,7 +9,7 @@ namespace engine {
 
 namespace {
 
-/// Converts what is asked for, straight from where the pixels are.
+/// Converts pixels straight from where they lie.
 class BitmapEvaluator : public Evaluator {
   public:
     /// Row counted from the top; the pointer is valid until the next call.
@@ -86,7 +87,7 @@ class Strips {
     }
 
   private:
-    /// Enough that neighbouring tiles find the rows of each other.
+    /// Enough that a tile finds the rows that its neighbour has read.
     static constexpr std::size_t memory = 32 << 20;
 
     std::shared_ptr<RowSource> source_;

@@ -1,4 +1,4 @@
-// Bitmaps and sources of rows: what they refuse, and what is read of them.
+// Bitmaps and row sources: invalid ones, and which rows are read.
 #include "recipes.h"
 
 using namespace reference;

@@ -1,3 +1,4 @@
+// Two images combined, pixel by pixel.
 #include "nodes.h"
 
 #include <color/simd.h>

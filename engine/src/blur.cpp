@@ -1,5 +1,6 @@
+// The Gaussian and the box blur.
 #include "nodes.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <color/simd.h>
 
@@ -35,9 +36,9 @@ void symmetricFilter(const float* centre, std::ptrdiff_t step, const std::vector
     }
 }
 
-/// A Gaussian is computed on an image made smaller by a power of two where it is wide enough not to show:
+/// A wide Gaussian is computed on an image reduced by a power of two, small enough not to show: it is
 /// smoothed by repeated [1 3 3 1] / 8 on the way down and by the cubic B-spline on the way up. The variances
-/// of the three add up, so that the Gaussian between them gets what is left of the wanted one.
+/// of the three add up, so that the Gaussian between them gets the remainder of the wanted one.
 struct GaussianPlan {
     explicit GaussianPlan(double sigma) {
         while (sigma / factor >= 8) factor *= 2;
@@ -140,7 +141,7 @@ class GaussianEvaluator : public Evaluator {
         }
     }
 
-    /// The rows made smaller and filtered, with the rows around that filtering the columns needs.
+    /// The rows, reduced and filtered, and those around them that filtering the columns needs.
     Pixels across(const Image& image, const IntRect& area, RenderContext& context) const {
         int f = plan_.factor, radius = plan_.radius(), margin = f > 1 ? 2 : 0;
         IntRect small{floorDiv(area.x0, f) - margin, floorDiv(area.y0, f) - margin - radius,
@@ -158,8 +159,8 @@ class GaussianEvaluator : public Evaluator {
             return out;
         }
 
-        // A smaller pixel's taps begin f - 1 pixels before it and end as far behind it. Each row of the
-        // image is added to the sums of the up to three smaller rows that it is part of.
+        // A smaller pixel's taps begin f - 1 pixels before it and end as far behind it. Each row of the image
+        // is added to the sums of all smaller rows that it is part of, which are three at most.
         int taps = static_cast<int>(plan_.down.size());
         auto firstRow = [&](int j) { return j * f - (f - 1); };
         IntRect source{firstRow(wide.x0), firstRow(small.y0), firstRow(wide.x1 - 1) + taps,
@@ -233,8 +234,8 @@ class GaussianNode : public BlurNode {
     GaussianPlan plan_;
 };
 
-/// Sums that move with the pixel: as fast for a wide box as for a narrow one. In double, so that what
-/// has been added leaves nothing behind when it is taken away.
+/// Running sums: a wide box takes no longer than a narrow one. In double precision, so that adding and
+/// subtracting leave no residue.
 class BoxNode : public BlurNode {
   public:
     BoxNode(const Image& image, double radius)
@@ -292,7 +293,7 @@ class BoxNode : public BlurNode {
 } // namespace
 
 Image gaussian(const Image& image, double sigma) {
-    // Narrower ones leave a neighbour less than half a step of 8 bits; wider ones leave one colour.
+    // A narrower one gives a neighbour less than half a step of 8 bits; a wider one leaves a single colour.
     if (!image || !(sigma > 0.15)) return image;
     if (image->extent().isEmpty()) return image;
     return std::make_shared<GaussianNode>(image, std::min(sigma, 2000.0));

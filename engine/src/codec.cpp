@@ -1,3 +1,4 @@
+// Rows of every pixel format to and from the engine's planes.
 #include "codec.h"
 
 #include <color/vecmath.h>
@@ -51,7 +52,7 @@ void spread(const T* from, int stride, float scale, float* out, int n) {
     });
 }
 
-/// Numbers beyond these would turn into NaN in sums.
+/// Larger numbers would turn into NaN in sums.
 void spreadFinite(const float* from, int stride, float* out, int n) {
     simd::run([=]() SIMD_INLINE {
         SIMD_LOOP
@@ -113,7 +114,7 @@ void Codec::decode(const std::uint8_t* pixels, int n, const Span& out) const {
         space_->converter().decode8(pixels, samples_, colour_.data(), out.plane.data(), n);
     } else {
         for (int c = 0; c < 3; ++c) read(colour_[c], out.plane[c]);
-        // Colours were multiplied after they had been coded, so they are decoded before they are multiplied.
+        // Premultiplying came after coding, so it is undone before decoding.
         if (space_) {
             if (premultiplied)
                 for (int c = 0; c < 3; ++c) divide(out.plane[c], alpha, n);
@@ -129,7 +130,7 @@ void Codec::decode(const std::uint8_t* pixels, int n, const Span& out) const {
 void Codec::encode(const Span& s, int n, std::uint8_t* pixels) const {
     float* alpha = s.plane[3];
     bool floats = layout_.format == Format::RGBAf;
-    // A target without alpha shows the image on black, which is what premultiplied colours are.
+    // A target without alpha shows the image on black, and that is what premultiplied colours are.
     bool full = alpha_ < 0 || allOne(alpha, n);
     if (!full && (space_ || layout_.alpha == Alpha::straight))
         for (int c = 0; c < 3; ++c) divide(s.plane[c], alpha, n);

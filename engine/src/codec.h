@@ -13,9 +13,9 @@ class Codec {
   public:
     Codec(const PixelLayout& layout, const RenderSettings& settings);
 
-    /// n pixels from `pixels` on; n is at most maxSpan.
+    /// The n pixels that begin at `pixels`; n is at most maxSpan.
     void decode(const std::uint8_t* pixels, int n, const Span& out) const;
-    /// The span is used up.
+    /// Overwrites the span.
     void encode(const Span& span, int n, std::uint8_t* pixels) const;
 
   private:

@@ -1,3 +1,4 @@
+// Up to four images combined, pixel by pixel.
 #include "nodes.h"
 
 #include <stdexcept>

@@ -1,3 +1,4 @@
+// Cropping, and edges continued to infinity.
 #include "tile.h"
 
 namespace engine {
@@ -29,7 +30,7 @@ class ClampEvaluator : public Evaluator {
 
     void row(int x, int y, int n, const Span& out) override {
         y = std::clamp(y, inside_.y0, inside_.y1 - 1);
-        // The stretch of the image that is needed, at least one pixel of it.
+        // The stretch of the image that is read: at least one pixel.
         int x0 = std::clamp(x, inside_.x0, inside_.x1 - 1);
         int x1 = std::max(std::min(x + n, inside_.x1), x0 + 1);
         int begin = std::clamp(x0 - x, 0, n - 1), count = std::min(x1 - x0, n - begin);

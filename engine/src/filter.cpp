@@ -1,4 +1,5 @@
-#include "registry.h"
+// The filters by name, and the values of their inputs.
+#include "filter.h"
 
 #include <cmath>
 #include <stdexcept>
@@ -7,12 +8,10 @@ namespace engine {
 
 namespace {
 
-using Registry = std::map<std::string, FilterInfo, std::less<>>;
-
-/// Made by whichever filter registers itself first.
-Registry& registry() {
-    static Registry filters;
-    return filters;
+/// All filters by name; made when the first one registers itself.
+std::map<std::string, FilterInfo, std::less<>>& filters() {
+    static std::map<std::string, FilterInfo, std::less<>> all;
+    return all;
 }
 
 double finite(double v) { return std::isfinite(v) ? v : 0; }
@@ -30,7 +29,7 @@ InputInfo input(std::string key, std::string displayName, InputKind kind, std::s
 
 Registrar::Registrar(FilterInfo info) {
     std::string name = info.name;
-    registry().emplace(std::move(name), std::move(info));
+    filters().emplace(std::move(name), std::move(info));
 }
 
 std::vector<std::string> categories(std::string_view names) {
@@ -93,13 +92,13 @@ const InputInfo* FilterInfo::findInput(std::string_view key) const {
 }
 
 const FilterInfo* findFilter(std::string_view name) {
-    auto found = registry().find(name);
-    return found == registry().end() ? nullptr : &found->second;
+    auto found = filters().find(name);
+    return found == filters().end() ? nullptr : &found->second;
 }
 
 std::vector<const FilterInfo*> allFilters() {
     std::vector<const FilterInfo*> out;
-    for (const auto& entry : registry()) out.push_back(&entry.second);
+    for (const auto& entry : filters()) out.push_back(&entry.second);
     return out;
 }
 
@@ -151,7 +150,7 @@ Point Inputs::point(std::string_view key) const {
 }
 
 Rect Inputs::rect(std::string_view key) const {
-    // Infinite sizes mean what they say, unlike infinite numbers elsewhere.
+    // Infinite sizes are valid, unlike infinite numbers elsewhere.
     auto v = find<Numbers>(key);
     Numbers n = v ? *v : Numbers{};
     n.resize(4);

@@ -1,4 +1,4 @@
-// How filters are found and what they make of their values.
+// Finding filters, and how they take their values.
 #include "reference.h"
 
 using namespace reference;

@@ -1,3 +1,4 @@
+// Rectangles and transforms.
 #include "tile.h"
 
 #include <cmath>

@@ -12,8 +12,9 @@
 // makes the formula from the RenderContext; it is called once for each tile:
 //
 //     [=](const RenderContext& context) {
-//         Pixel tint = pixel(context.color(color));
-//         return [=](Pixel p) SIMD_INLINE { return tint * luminance(p); };
+//         return [tint = pixel(context.color(color))](Pixel p) SIMD_INLINE {
+//             return eachColor(p, tint, [](float v, float t) SIMD_INLINE { return v * t; });
+//         };
 //     }
 #pragma once
 
@@ -69,11 +70,9 @@ SIMD_INLINE inline float luminance(float r, float g, float b) {
 }
 SIMD_INLINE inline float luminance(Pixel p) { return luminance(p.r, p.g, p.b); }
 
-/// What takes alpha out of a premultiplied colour: 1 / alpha, and 0 where nothing can be seen. (The
-/// reciprocal of a smaller alpha would be infinite.)
-SIMD_INLINE inline float unpremultiply(float alpha) {
-    return alpha > std::numeric_limits<float>::min() ? 1 / alpha : 0;
-}
+/// The factor that takes alpha out of a premultiplied colour: 1 / alpha, and 0 where alpha is too small to be
+/// seen, or is only rounding.
+SIMD_INLINE inline float unpremultiply(float alpha) { return alpha > 1e-6f ? 1 / alpha : 0; }
 SIMD_INLINE inline Pixel straight(Pixel p) { return p * unpremultiply(p.a); }
 SIMD_INLINE inline Pixel premultiplied(Pixel p) { return {p.a * p.r, p.a * p.g, p.a * p.b, p.a}; }
 
@@ -104,9 +103,9 @@ std::array<float, N> floats(const Inputs& in, std::string_view key) {
 
 // -------------------------------------------------------------------------------------------- places
 
-// Where pixels lie as a formula sees it. A place has row(x, y), what holds for a row whose first pixel is (x,
-// y), and that has at(i): the centre of its pixel i. The first centre is computed in double precision, so
-// that pixels far from the origin are as exact as those near it.
+// Where pixels lie, as a formula sees it. A place has row(x, y) for the row whose first pixel is (x, y), and
+// the row has at(i), the centre of its pixel i. The first centre is computed in double precision, so that
+// pixels far from the origin are as exact as those near it.
 
 struct Position {
     float x, y;
@@ -160,6 +159,21 @@ struct Through {
     }
 };
 
+/// How far along a direction, seen from a point and divided by `unit`: a number instead of a position.
+struct Along {
+    Point origin, direction;
+    double unit;
+
+    struct Row {
+        float first, step;
+        SIMD_INLINE float at(int i) const { return first + static_cast<float>(i) * step; }
+    };
+    Row row(int x, int y) const {
+        double way = (x + 0.5 - origin.x) * direction.x + (y + 0.5 - origin.y) * direction.y;
+        return {static_cast<float>(way / unit), static_cast<float>(direction.x / unit)};
+    }
+};
+
 // ---------------------------------------------------------------------------------------------- rows
 
 /// body(0) .. body(n - 1), vectorised: pixels that the body reads and writes must not overlap, unless they
@@ -175,7 +189,7 @@ void eachIndex(int n, Body body) {
 SIMD_INLINE inline Pixel load(const Span& s, int i) {
     return {s.plane[0][i], s.plane[1][i], s.plane[2][i], s.plane[3][i]};
 }
-/// Alpha goes first: where it has not changed, the compiler sees so and leaves it out.
+/// Alpha goes first, so that the compiler can drop the store where a formula leaves alpha alone.
 SIMD_INLINE inline void store(const Span& s, int i, Pixel p) {
     s.plane[3][i] = p.a;
     s.plane[0][i] = p.r;
@@ -215,7 +229,7 @@ void eachDisplacement(int n, Formula formula, float* dx, float* dy, const Row& r
 
 // ---------------------------------------------------------------------------- steps, one for a filter
 
-/// The formula itself, or what the function that was given in its place makes of the context.
+/// The formula itself, or the one that the given function makes for this context.
 template <class Formula>
 auto formulaIn(const RenderContext& context, const Formula& formula) {
     if constexpr (std::is_invocable_v<const Formula&, const RenderContext&>)
@@ -232,7 +246,7 @@ Image eachPixel(const Image& image, std::string name, Formula formula) {
     });
 }
 
-/// formula(pixel, position) premultiplied, with the position as the place has it.
+/// formula(pixel, position), premultiplied; the place says where the pixel is.
 template <class Place, class Formula>
 Image eachPixel(const Image& image, std::string name, const Place& place, Formula formula) {
     return pointStep(image, std::move(name), [=](const RenderContext& context) -> SpanFunction {
@@ -243,7 +257,16 @@ Image eachPixel(const Image& image, std::string name, const Place& place, Formul
     });
 }
 
-/// formula(pixel) on straight colours; what it gives is multiplied by the alpha that it gives.
+/// The components of each pixel times formula(position); the place says where it is.
+template <class Place, class Formula>
+Image weighted(const Image& image, std::string name, const Place& place, Formula formula) {
+    return eachPixel(image, std::move(name), place, [=](Pixel p, auto position) SIMD_INLINE {
+        float weight = formula(position);
+        return Pixel{p.r * weight, p.g * weight, p.b * weight, p.a * weight};
+    });
+}
+
+/// formula(pixel) on straight colours; the result is premultiplied by its own alpha.
 template <class Formula>
 Image eachStraightPixel(const Image& image, std::string name, Formula formula) {
     return pointStep(image, std::move(name), [=](const RenderContext& context) -> SpanFunction {
@@ -274,7 +297,7 @@ Image eachPixel(std::string name, const Rect& extent, const Image (&images)[N], 
     });
 }
 
-/// formula(position), a premultiplied pixel, with the position as the place has it: a generator.
+/// A generator: formula(position) is the premultiplied pixel; the place says where it is.
 template <class Place, class Formula>
 Image eachPlace(std::string name, const Rect& extent, const Place& place, Formula formula) {
     return generator(std::move(name), extent, [=](const RenderContext& context) -> SpanFunction {

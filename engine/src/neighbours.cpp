@@ -1,6 +1,6 @@
 // Steps that compute a pixel from the pixels around it.
 #include "nodes.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <color/simd.h>
 
@@ -38,8 +38,8 @@ class NeighbourNode : public Node {
     NeighbourMaker make_;
 };
 
-/// Takes the rows of its input one by one and adds each to all rows that it is part of, so that a far
-/// reaching convolution needs no more memory than its result.
+/// Takes the rows of its input one by one and adds each to all rows of the result that it is part of, so that
+/// a far-reaching convolution needs no more memory than its result.
 class ConvolutionNode : public Node {
   public:
     ConvolutionNode(const Image& image, std::string name, const Rect& extent, std::vector<Tap> taps,
@@ -78,7 +78,7 @@ class ConvolutionNode : public Node {
     std::string name_;
     std::vector<Tap> taps_;
     float bias_;
-    IntRect box_; // of the taps, its edges included
+    IntRect box_; // of the taps, edges included
 };
 
 } // namespace

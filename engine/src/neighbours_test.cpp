@@ -1,4 +1,4 @@
-// How much of its input a step reads that needs the pixels around a pixel.
+// How many rows steps read that need the pixels around a pixel.
 #include "recipes.h"
 
 using namespace reference;

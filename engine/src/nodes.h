@@ -30,7 +30,7 @@ struct BlendMode {
     const char* name;
     /// Pixels `above` and `below`; the result goes to `below`.
     void (*run)(const Span& above, const Span& below, int n);
-    /// Whether the result can be other than transparent where only one of them is.
+    /// Whether the result can be visible where only one of the images is.
     bool onlyAbove = true, onlyBelow = true;
 };
 void sourceOver(const Span& above, const Span& below, int n);
@@ -54,20 +54,20 @@ Image boxBlur(const Image& image, double radius);
 /// Computes pixels x..x+n-1 of row y from the pixels around them, which `in` holds.
 using NeighbourFunction = std::function<void(const Pixels& in, int x, int y, int n, const Span& out)>;
 using NeighbourMaker = std::function<NeighbourFunction(const RenderContext&)>;
-/// A step that reads the pixels up to `reach` away to each side. What is beyond the edge of the image is like
-/// the edge, and the extent stays.
+/// A step that reads the pixels up to `reach` away to each side. Edge pixels continue outwards, and the
+/// extent stays.
 Image neighbourhood(const Image& image, std::string name, int reach, NeighbourMaker make);
 
-/// How much of the pixel at (dx, dy) from a pixel goes into it.
+/// The weight of the pixel that lies (dx, dy) away.
 struct Tap {
     int dx, dy;
     float weight;
 };
-/// The sum of what the taps tell, and a bias that makes the image endless; alpha like the colours.
+/// The weighted sum of the taps, and a bias that makes the image infinite; alpha is treated like the colours.
 Image convolution(const Image& image, std::string name, std::vector<Tap> taps, double bias = 0);
 
-/// The pixels that a filter sums up over an extent: those whose centres lie in it, an endless one cut to the
-/// image. Empty where that leaves none, or too many to be read.
+/// The pixels that a filter sums up over an extent: those whose centres lie in it. An infinite extent is cut
+/// to the image. Empty when that leaves no pixels, or too many to be read.
 IntRect summedArea(const Image& image, Rect extent);
 
 /// Where a warp reads.
@@ -84,34 +84,21 @@ class Warp {
 };
 Image warp(const Image& image, std::shared_ptr<const Warp> warp);
 
-/// Where a warp reads that is drawn in a second image, the map.
+/// A warp that is drawn in a second image, the map.
 struct MapWarp {
     /// The farthest that it reads, in each direction.
     double reach;
-    /// For n pixels, whose own in the map are `map`: how far away from them to read. The map's pixels one to
-    /// the left and right can be read as well, and those `step` floats before and behind: one below and
+    /// For n pixels, and the same n of the map: how far away from each to read. Neighbours in the map can be
+    /// read, too: one pixel to the left and right, and `step` floats back and ahead for those below and
     /// above.
     std::function<void(const Span& map, std::ptrdiff_t step, int n, float* dx, float* dy)> displace;
 };
 /// Without a map the image stays as it is.
 Image warp(std::string name, const Image& image, const Image& map, const MapWarp& warp);
 
-/// A warp inside a circle; outside, pixels stay as they are.
-class DiscWarp : public Warp {
-  public:
-    DiscWarp(Point centre, double radius) : centre_(centre), radius_(radius) {}
-    Rect extent(const Rect& source) const override { return touched(source); }
-    Rect region(const Rect& area) const override { return touched(area); }
-
-  protected:
-    Point centre_;
-    double radius_;
-
-  private:
-    Rect touched(const Rect& r) const {
-        Rect disc{centre_.x - radius_, centre_.y - radius_, centre_.x + radius_, centre_.y + radius_};
-        return r.intersect(disc).isEmpty() ? r : r.unite(disc);
-    }
-};
+/// The square that reaches `radius` to each side of a point.
+inline Rect squareAround(Point centre, double radius) {
+    return {centre.x - radius, centre.y - radius, centre.x + radius, centre.y + radius};
+}
 
 } // namespace engine

@@ -1,3 +1,4 @@
+// Who reads whom in a graph, and how many passes it takes.
 #include "plan.h"
 
 #include <set>

@@ -1,3 +1,4 @@
+// Who reads whom in a graph.
 #pragma once
 
 #include <engine/engine.h>

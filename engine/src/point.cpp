@@ -39,8 +39,8 @@ class StepNode : public Node {
     SpanMaker make_;
 };
 
-/// Where neither alpha is touched nor a colour depends on it, straight and premultiplied colours are
-/// transformed alike, once the bias is taken times alpha.
+/// A matrix that keeps alpha and does not read it can be applied to premultiplied colours, with the bias
+/// times alpha.
 bool needsStraight(const ColorMatrix& m) {
     return m[3] != std::array<double, 5>{0, 0, 0, 1, 0} || m[0][3] != 0 || m[1][3] != 0 || m[2][3] != 0;
 }

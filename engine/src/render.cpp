@@ -1,7 +1,8 @@
+// Rendering: tiles, threads and the way into the target.
 #include "codec.h"
 #include "nodes.h"
 #include "plan.h"
-#include "pool.h"
+#include "thread_pool.h"
 
 #include <color/simd.h>
 
@@ -31,12 +32,12 @@ void check(const Rect& source, const Target& target, const Rect& dest, const Opt
 }
 
 /// Width and height of tiles. Without neighbours, whole rows are cheapest; with them, tiles are large enough
-/// that what they read around them counts little, and small enough to stay near the processor.
+/// that reading around them costs little, and small enough for the caches.
 std::pair<int, int> tileSize(const IntRect& area, bool neighbours) {
     if (int size = wantedTile) return {size, size};
     int width = neighbours ? std::min(area.width(), 1024) : area.width();
     int height = neighbours ? 512 : std::clamp((1 << 18) / area.width(), 16, 1024);
-    // Work for every thread.
+    // Enough tiles for every thread.
     int tiles = threadCount() * 2;
     while (height > 32 &&
            (area.width() + width - 1) / width * ((area.height() + height - 1) / height) < tiles)

@@ -1,4 +1,5 @@
-#include "sample.h"
+// Images as a sampler reads them.
+#include "resample.h"
 
 #include <cmath>
 #include <stdexcept>
@@ -20,7 +21,7 @@ class SamplerNode : public Node {
     }
 
     std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
-        // With the transparent pixels around the image, which take what is read beyond.
+        // With the transparent pixels around the image, to which places beyond are moved.
         IntRect readable = toInt(inputs()[0]->extent().integral().grown(1, 1));
         auto needed = [&](const IntRect& part) {
             return toInt(centresOf(part, inverse_).grown(2, 2)).intersect(readable);
@@ -37,7 +38,7 @@ class SamplerNode : public Node {
     }
 
   private:
-    /// Where reading finds something of the image.
+    /// Where a reading can meet the image.
     static Rect read(const Node& image, Interpolation interpolation) {
         double reach = interpolation == Interpolation::linear ? 0.5 : 0;
         return image.extent().integral().grown(reach, reach);
@@ -46,14 +47,14 @@ class SamplerNode : public Node {
     void row(int x, int y, int n, const Pixels& in, const Span& out) const {
         alignas(32) float u[maxSpan], v[maxSpan];
         Point from = inverse_.apply(Point{x + 0.5, y + 0.5});
-        // Pixels are told apart in double precision, so that "nearest" is the right one far away, too.
+        // Places are computed in double precision, so that "nearest" is the right pixel far away, too.
         for (int i = 0; i < n; ++i) {
             double px = from.x + i * inverse_.a - in.area.x0, py = from.y + i * inverse_.b - in.area.y0;
             bool linear = interpolation_ == Interpolation::linear;
             u[i] = static_cast<float>(linear ? px - 0.5 : std::floor(px));
             v[i] = static_cast<float>(linear ? py - 0.5 : std::floor(py));
         }
-        sample(in, u, v, n, out);
+        readBilinear(in, u, v, n, out);
     }
 
     Affine inverse_;
@@ -68,7 +69,7 @@ Image sampled(const Image& image, const Affine& matrix, Wrap wrap, Interpolation
     auto inverse = matrix.inverse();
     if (!inverse || image->extent().isEmpty()) return empty();
     Image endless = wrap == Wrap::clamp ? clampToEdge(image) : image;
-    // Nothing is read between pixels then.
+    // No reading falls between pixels then.
     if (isWholeMove(matrix)) return transform(endless, matrix);
     return std::make_shared<SamplerNode>(endless, matrix, *inverse, interpolation);
 }

@@ -1,3 +1,4 @@
+// Tiles: their pixels, and the evaluators of one tile.
 #include "nodes.h"
 
 #include <new>
@@ -95,7 +96,7 @@ void RenderContext::stream(const Image& image, const IntRect& area,
     Span out = line.row(0);
     for (int y0 = inside.y0; y0 < inside.y1; y0 += rows) {
         IntRect strip{area.x0, y0, area.x1, std::min(inside.y1, y0 + rows)};
-        // What one of many strips keeps is of no use to others.
+        // The evaluators of one of many strips are of no use to the others.
         bool alone = strip.y0 == inside.y0 && strip.y1 == inside.y1;
         decltype(shared_) outer;
         if (!alone) outer.swap(shared_);

@@ -1,4 +1,4 @@
-// What nodes use to compute pixels: planes of float, rows on demand, and what holds for one render.
+// What nodes use to compute pixels: planes of floats, rows on demand, and the settings of a render.
 #pragma once
 
 #include <engine/engine.h>
@@ -92,16 +92,16 @@ using SpanFunction = std::function<void(const Span& pixels, int x, int y, int n)
 
 using Rgba = std::array<float, 4>;
 
-/// What holds for all tiles of a render.
+/// The same for all tiles of a render.
 struct RenderSettings {
     /// Null for linear sRGB.
     color::ColorSpacePtr working;
     bool colorManaged = true;
-    /// Nodes that more than one other reads.
+    /// Nodes with more than one reader.
     std::set<const Node*> shared;
 };
 
-/// What holds for one tile.
+/// The evaluators of one tile.
 class RenderContext {
   public:
     explicit RenderContext(const RenderSettings& settings) : settings(settings) {}
@@ -110,8 +110,8 @@ class RenderContext {
     std::shared_ptr<Evaluator> prepare(const Image& image, const IntRect& area);
     /// A caller's colour as a pixel.
     Rgba color(const Color& color) const;
-    /// Calls `work(y, row)` for every row of the area from the lowest upwards, where the image may be other
-    /// than transparent. The row has area.width() pixels and lies as in Pixels. Holds the evaluators of a
+    /// Calls `work(y, row)` for the rows of the area from the lowest upwards, without those outside of the
+    /// image's extent. A row has area.width() pixels, laid out as in Pixels. Keeps the evaluators of one
     /// strip at a time.
     void stream(const Image& image, const IntRect& area, const std::function<void(int, const Span&)>& work);
 

@@ -1,4 +1,5 @@
-#include "sample.h"
+// Affine transforms of images.
+#include "resample.h"
 
 #include <color/vecmath.h>
 
@@ -45,7 +46,7 @@ class Reduction {
                     input->row(x + x0_, y + y0_, std::min(maxSpan, a.x1 - x), out.at(x, y));
             return;
         }
-        // A picture is read as a whole; of something endless, parts of the blocks have to do.
+        // A picture is read as a whole; of an infinite image, parts of the blocks must do.
         constexpr double mostRead = 1 << 28;
         if (block(out.area).count() <= mostRead)
             readAll(out, context);
@@ -120,7 +121,8 @@ class Reduction {
     int fx_, fy_, x0_, y0_;
 };
 
-/// How much of a pixel lies between two edges, for pixels whose position is from + i * step.
+/// Multiplies the coverage of n pixels, whose positions are from + i * step, by how much of each lies between
+/// two edges.
 void coverAxis(double from, double step, double low, double high, double footprint, float* coverage, int n) {
     float scale = static_cast<float>(1 / footprint), move = static_cast<float>(step);
     float toLow = std::isfinite(low) ? static_cast<float>(from - low) : 1e30f;
@@ -163,7 +165,7 @@ class TransformNode : public Node {
     }
 
   private:
-    /// By how much the source is made smaller beforehand: not at all down to one half.
+    /// The factor by which the source is reduced beforehand: 1 down to half its size.
     static int factor(double perX, double perY) {
         double footprint = std::hypot(perX, perY);
         return footprint < 2 ? 1 : static_cast<int>(std::min(footprint + 1e-6, 1.0 * (1 << 28)));
@@ -173,7 +175,7 @@ class TransformNode : public Node {
                  RenderContext& context) const {
         auto needed = [&](const IntRect& part) {
             Rect region = centresOf(part, inverse_);
-            // The neighbours, and the edge of the image, which shows half a footprint outside of it.
+            // With the neighbours, and the edge of the image, which shows half a footprint beyond it.
             Rect near{source.toX(region.x0) - 2, source.toY(region.y0) - 2, source.toX(region.x1) + 2,
                       source.toY(region.y1) + 2};
             return toInt(near).intersect(source.bounds());
@@ -202,7 +204,7 @@ class TransformNode : public Node {
                 coverage[i] = 1;
             }
         });
-        sample(in, u, v, n, out);
+        readBilinear(in, u, v, n, out);
         Rect edges = inputs()[0]->extent().integral();
         coverAxis(from.x, inverse_.a, edges.x0, edges.x1, std::hypot(inverse_.a, inverse_.c), coverage, n);
         coverAxis(from.y, inverse_.b, edges.y0, edges.y1, std::hypot(inverse_.b, inverse_.d), coverage, n);
@@ -223,7 +225,7 @@ Image transform(const Image& image, const Affine& matrix) {
     if (!image) return nullptr;
     if (auto before = dynamic_cast<const TransformNode*>(image.get())) {
         Affine both = before->matrix().then(matrix);
-        // Beyond what numbers hold, the steps stay apart.
+        // Where the product overflows, the steps stay apart.
         if (both.isFinite()) return transform(before->inputs()[0], both);
     }
     auto inverse = matrix.inverse();

@@ -1,5 +1,6 @@
+// Images whose pixels are read somewhere else.
 #include "nodes.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <cmath>
 
@@ -24,8 +25,8 @@ class DisplacedNode : public Node {
     virtual void displace(const IntRect& area, float* dx, float* dy, RenderContext& context) const = 0;
 
   private:
-    /// Finds what the area reads by computing all places first: exact for every warp, and what is kept of the
-    /// input stays small where a warp gathers from far away.
+    /// Computes all places first to find what the area reads, which is exact for every warp. An area that
+    /// reads too much to be kept is halved.
     void compute(const IntRect& area, const Pixels& out, RenderContext& context) const {
         std::size_t width = area.width(), count = width * area.height();
         std::vector<float> dx(count), dy(count);
@@ -39,10 +40,10 @@ class DisplacedNode : public Node {
                           std::max(region.y1, sy)};
             }
         }
-        // With the transparent pixels around it, which take what is read beyond.
+        // With the transparent pixels around the image, to which places beyond are moved.
         IntRect needed = toInt({region.x0 - 1, region.y0 - 1, region.x1 + 2, region.y1 + 2})
                              .intersect(toInt(inputs()[0]->extent().integral().grown(1, 1)));
-        if (needed.count() > mostSampled && count > 1) {
+        if (needed.count() > mostKept && count > 1) {
             auto [a, b] = halves(area);
             dx = {}, dy = {};
             compute(a, out, context);
@@ -62,7 +63,8 @@ class DisplacedNode : public Node {
                 rowY[i] += static_cast<float>(y - needed.y0);
             }
             for (int x = 0; x < area.width(); x += maxSpan)
-                sample(in, rowX + x, rowY + x, std::min(maxSpan, area.width() - x), out.at(area.x0 + x, y));
+                readBilinear(in, rowX + x, rowY + x, std::min(maxSpan, area.width() - x),
+                             out.at(area.x0 + x, y));
         }
     }
 };

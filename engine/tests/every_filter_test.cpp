@@ -1,5 +1,7 @@
-// What holds for every filter that there is.
+// What holds for every filter.
 #include "reference.h"
+
+#include <set>
 
 using namespace reference;
 
@@ -45,4 +47,16 @@ TEST(EveryFilter, DescribesItself) {
             if (!given) EXPECT_TRUE(input.defaultValue) << info->name << input.key;
         }
     }
+}
+
+TEST(EveryFilter, HasTestsOfItsOwn) {
+    std::set<std::string> suites;
+    const testing::UnitTest& all = *testing::UnitTest::GetInstance();
+    for (int i = 0; i < all.total_test_suite_count(); ++i) {
+        std::string suite = all.GetTestSuite(i)->name();
+        // A suite with parameters is called "Parameters/Suite".
+        suites.insert(suite.substr(suite.rfind('/') + 1));
+    }
+    for (const FilterInfo* info : allFilters())
+        EXPECT_TRUE(suites.contains(info->name)) << "no TEST(" << info->name << ", ...)";
 }

@@ -1,5 +1,5 @@
-// dlib's two models: histograms of gradients in five poses find faces, regression trees place 68 landmarks in
-// each.
+// Finding faces with two models of dlib: histograms of gradients in five poses detect faces, and regression
+// trees place 68 landmarks in each.
 #include <vision/faces.h>
 
 #include <dlib/image_processing.h>
@@ -16,7 +16,8 @@
 namespace vision {
 namespace {
 
-/// A bitmap as dlib reads images, nothing copied: it finds these functions by their argument.
+/// A bitmap that dlib reads in place, through the functions below: it finds them by the type of their
+/// argument.
 struct GreyView {
     const GreyBitmap* bitmap;
 };
@@ -105,7 +106,7 @@ class DlibFinder : public FaceFinder {
         dlib::full_object_detection shape = (*predictor_)(GreyView{&bitmap}, r);
         Point left = middle(shape, kLeftEye), right = middle(shape, kRightEye);
         double apart = std::hypot(right.x - left.x, right.y - left.y);
-        // The regression always gives an answer, also for what lies outside or under a plain cover.
+        // The regression places every landmark, even one that is outside of the bitmap or covered.
         double contrast =
             deviation(bitmap, {face.x + face.width / 2, face.y + face.height / 2}, face.width / 2);
         auto seen = [&](Point p) -> std::optional<Point> {
@@ -119,7 +120,7 @@ class DlibFinder : public FaceFinder {
         return face;
     }
 
-    /// Takes two thirds of a second and 70 MB, so a process that never finds a face does without.
+    /// Takes two thirds of a second and 70 MB, and is left out until the first face is found.
     bool loadPredictor() {
         if (triedToLoad_) return predictor_ != nullptr;
         triedToLoad_ = true;

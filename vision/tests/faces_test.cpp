@@ -1,4 +1,4 @@
-// What needs no photograph; faces themselves are looked for in the tests of QuartzCore.
+// What can be tested without photographs; the tests of QuartzCore look for faces.
 #include <vision/faces.h>
 
 #include <gtest/gtest.h>
@@ -23,12 +23,12 @@ std::vector<std::uint8_t> noise(std::size_t size, unsigned seed) {
     return pixels;
 }
 
-TEST(FaceFinder, DataThatAreMissingAreTold) {
+TEST(FaceFinder, ReportsMissingData) {
     setenv("KAZ_FACE_LANDMARKS", "no-such-file.dat", 1);
     std::string problem;
     EXPECT_EQ(visionFaceFinder(&problem), nullptr);
     EXPECT_NE(problem.find("no-such-file.dat"), std::string::npos) << problem;
-    // It is tried again the next time.
+    // The next call tries again.
     unsetenv("KAZ_FACE_LANDMARKS");
     EXPECT_NE(visionFaceFinder(&problem), nullptr);
 }
@@ -56,7 +56,7 @@ TEST(FaceFinder, NoiseHasNoFaces) {
     for (unsigned seed = 0; seed < 5; ++seed) {
         std::vector<std::uint8_t> pixels = noise(640 * 480, seed);
         EXPECT_TRUE(finder()->find({pixels.data(), 640, 480, 640}).empty());
-        // As rows with something behind each.
+        // With padding behind each row.
         EXPECT_TRUE(finder()->find({pixels.data(), 600, 480, 640}).empty());
     }
 }

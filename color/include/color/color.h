@@ -1,10 +1,8 @@
 // Colour spaces and conversion of pixels to and from linear light.
 //
 // The hub of every conversion is *linear light*: RGB with the primaries and white of sRGB, not gamma
-// coded, unbounded (a colour outside the sRGB gamut has components below 0 or above 1). Nothing here
-// knows of alpha: what is given and taken is straight (not premultiplied) colour.
-//
-// Numbers of a component, "coded" values:
+// coded, unbounded (a colour outside the sRGB gamut has components below 0 or above 1). Nothing here deals
+// with alpha: colours go in and come out straight (not premultiplied). Ranges of a component's coded values:
 //   gray, rgb, cmyk    0..1 in float; 0..255 and 0..65535 in the integer types
 //   lab                L 0..100, a and b in -128..127 in float; as in ICC version 2 files in the integer
 //   types
@@ -38,9 +36,9 @@ class COLOR_API ColorSpace {
     static ColorSpacePtr sRGB();
     /// sRGB's primaries without its curve: the working space.
     static ColorSpacePtr linearSRGB();
-    /// "Device" RGB, which is taken to be sRGB but keeps its own name.
+    /// "Device" RGB: sRGB under a name of its own.
     static ColorSpacePtr deviceRGB();
-    /// Gray with gamma 2.2 and a D50 white, Quartz's generic gray.
+    /// Gray with gamma 2.2 and a D50 white.
     static ColorSpacePtr deviceGray();
     /// Gray in linear light.
     static ColorSpacePtr linearGray();
@@ -103,13 +101,13 @@ class COLOR_API Converter {
     /// Linear light to coded planes. RGB spaces with a matrix and curves keep the extended range (the curve
     /// is continued as an odd function below 0); others clip to their gamut.
     virtual void encode(const float* const rgb[3], float* const* coded, std::size_t n) const = 0;
-    /// The same clipped to what integers can hold; the fast way to 8 and 16 bit.
+    /// encode(), clipped to the range of the integer types; the fast way to 8 and 16 bits.
     virtual void encodeClipped(const float* const rgb[3], float* const* coded, std::size_t n) const;
     /// 8-bit pixels: component k of pixel i is pixels[i * stride + offsets[k]]. For curve-and-matrix spaces
     /// this is a table look-up and exact.
     virtual void decode8(const std::uint8_t* pixels, int stride, const int* offsets, float* const rgb[3],
                          std::size_t n) const;
-    /// True where coded values are linear light already, so that both conversions copy.
+    /// Whether coded values are linear light, so that both conversions copy.
     virtual bool isIdentity() const { return false; }
 
     int components() const { return components_; }
@@ -131,7 +129,7 @@ struct Layout {
 };
 
 /// Interleaved pixels of any space to interleaved pixels of any other, n of them, through linear light.
-/// Samples that are no colour component (alpha, padding) are left as they are in `to`. Integer results are
+/// Other samples of `to` (alpha, padding) are left as they are. Integer results are
 /// rounded and clipped. Source and target may be the same memory when their layouts are equal.
 COLOR_API void convert(const void* from, const Layout& fromLayout, const ColorSpace& fromSpace, void* to,
                        const Layout& toLayout, const ColorSpace& toSpace, std::size_t n);

@@ -12,7 +12,7 @@
 #pragma once
 
 #define SIMD_INLINE __attribute__((always_inline))
-/// The arrays of the loop that follows do not overlap (or only element for element).
+/// Promises that the arrays of the loop below do not overlap, unless element for element.
 #define SIMD_LOOP _Pragma("clang loop vectorize(assume_safety)")
 
 namespace color::simd {

@@ -10,7 +10,7 @@
 
 namespace color::simd {
 
-/// The comparisons are false for NaN, so these three answer their last argument (clamp: low) for it.
+/// Comparisons with NaN are false, so for a NaN these three give their last argument (clamp: low).
 SIMD_INLINE inline float max(float x, float y) { return x > y ? x : y; }
 SIMD_INLINE inline float min(float x, float y) { return x < y ? x : y; }
 SIMD_INLINE inline float clamp(float x, float low, float high) { return min(max(x, low), high); }

@@ -1,7 +1,7 @@
-#include "registry.h"
-#include "sample.h"
-
-#include <color/simd.h>
+// CIDiscBlur.
+#include "filter.h"
+#include "kernel.h"
+#include "resample.h"
 
 #include <cmath>
 
@@ -9,7 +9,8 @@ namespace engine {
 
 namespace {
 
-/// A row of the disc: as many whole pixels to each side of the middle one, and of the next one a part.
+/// A row of the disc: the number of whole pixels on each side of the middle one, and the part that counts of
+/// the next one.
 struct Row {
     int whole;
     float part;
@@ -27,15 +28,15 @@ std::vector<Row> rowsOf(double radius) {
     std::vector<Row> rows;
     for (int dy = 0; dy < radius + 1; ++dy) {
         double beyond = std::max(area(dy + 0.5) - area(dy - 0.5) - 0.5, -0.5);
-        // What is narrower than the middle pixel is that pixel's part alone.
+        // A row narrower than a pixel is a part of the middle one alone.
         int whole = beyond < 0 ? -1 : static_cast<int>(beyond);
         rows.push_back({whole, static_cast<float>(beyond < 0 ? 1 + 2 * beyond : beyond - whole)});
     }
     return rows;
 }
 
-/// Sums along each row of the input, of which every row of the disc is a difference: the work grows with the
-/// radius, not with the area.
+/// Keeps running sums along each row of the input; every row of the disc is the difference of two, so that
+/// the work grows with the radius and not with the area.
 class DiscNode : public Node {
   public:
     DiscNode(const Image& image, double radius)
@@ -76,19 +77,14 @@ class DiscNode : public Node {
     void add(const Row& row, const double* sums, const float* in, float* out, int n) const {
         float part = row.part * scale_, all = scale_;
         if (row.whole < 0) {
-            color::simd::run([=]() SIMD_INLINE {
-                SIMD_LOOP
-                for (int i = 0; i < n; ++i) out[i] += part * in[i];
-            });
+            eachIndex(n, [=](int i) SIMD_INLINE { out[i] += part * in[i]; });
             return;
         }
         int m = row.whole;
-        color::simd::run(
-            [=, end = sums + m + 1, begin = sums - m, left = in - m - 1, right = in + m + 1]() SIMD_INLINE {
-                SIMD_LOOP
-                for (int i = 0; i < n; ++i)
-                    out[i] += all * static_cast<float>(end[i] - begin[i]) + part * (left[i] + right[i]);
-            });
+        eachIndex(n, [=, end = sums + m + 1, begin = sums - m, left = in - m - 1,
+                      right = in + m + 1](int i) SIMD_INLINE {
+            out[i] += all * static_cast<float>(end[i] - begin[i]) + part * (left[i] + right[i]);
+        });
     }
 
     std::vector<Row> rows_;

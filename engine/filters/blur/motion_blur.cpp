@@ -1,4 +1,6 @@
-#include "registry.h"
+// CIMotionBlur.
+#include "filter.h"
+#include "kernel.h"
 
 #include <cmath>
 
@@ -6,17 +8,15 @@ namespace engine {
 
 namespace {
 
-constexpr double pi = 3.141592653589793;
-
-/// A Gaussian along a line through the pixel, of points `step` pixels apart, each shared among the pixels
-/// around it as bilinear reading does.
+/// A Gaussian along a line through the pixel, as points `step` pixels apart; each point is shared among the
+/// four pixels around it, as in bilinear interpolation.
 std::vector<Tap> line(double sigma, double step, double angle) {
     int count = std::max(1, static_cast<int>(std::ceil(3 * sigma / step)));
     std::map<std::pair<int, int>, double> weights;
     double sum = 0, cosine = std::cos(angle), sine = std::sin(angle);
     for (int k = -count; k <= count; ++k) {
         double along = k * step, weight = std::exp(-0.5 * along * along / (sigma * sigma));
-        // Without what is left of a right angle in floats.
+        // Rounded, so that a right angle leaves no remainder beside the axis.
         double x = std::round(along * cosine * 1e6) / 1e6, y = std::round(along * sine * 1e6) / 1e6;
         int i = static_cast<int>(std::floor(x)), j = static_cast<int>(std::floor(y));
         sum += weight;
@@ -31,9 +31,9 @@ std::vector<Tap> line(double sigma, double step, double angle) {
     return taps;
 }
 
-/// A Gaussian with the standard deviation `radius` along the angle and nothing across it; so measured on Core
-/// Image. A long one is two, the second of points far apart on what the first has smoothed: 0.7 times their
-/// distance leaves nothing of the gaps between them.
+/// A Gaussian with the standard deviation `radius` along the angle and none across it, as measured on Core
+/// Image. A long one is made of two: the second has points far apart, and the first, 0.7 times their
+/// distance, has smoothed away the gaps between them.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double radius = in.number("inputRadius", 0, 1000), angle = in.number("inputAngle", -1e6, 1e6);

@@ -49,7 +49,7 @@ TEST(CIMotionBlur, IsNoLessAGaussianWhenLong) {
             Picture expected = along(rough, sigma, angle, reach, 10);
             EXPECT_LT(error(filter("CIMotionBlur", values), expected), halfStep) << sigma << ' ' << angle;
         }
-        // Between the pixels of lines that slant, readings smooth a little.
+        // On slanted lines, reading between pixels smooths a little.
         Values values{{"inputImage", imageOf(smooth)}, {"inputRadius", sigma}, {"inputAngle", 0.5}};
         EXPECT_LT(error(filter("CIMotionBlur", values), along(smooth, sigma, 0.5, reach, 10)), 2 * halfStep)
             << sigma;
@@ -58,7 +58,7 @@ TEST(CIMotionBlur, IsNoLessAGaussianWhenLong) {
 
 TEST(CIMotionBlur, IsAsWideAsCoreImages) {
     // Alpha at the left edge of an opaque picture 660 pixels wide that Core Image blurred with radius 20 at 3
-    // radians: pixels from the edge, and how far alpha has come from the least in that picture's row, 20 of
+    // radians: pixels from the edge, and alpha there as a share of the way from the least in that row, 20 of
     // 255, to the most, 253.
     const struct {
         int x;

@@ -1,7 +1,7 @@
-#include "registry.h"
-#include "sample.h"
-
-#include <color/vecmath.h>
+// CIZoomBlur.
+#include "filter.h"
+#include "kernel.h"
+#include "resample.h"
 
 #include <cmath>
 
@@ -9,9 +9,9 @@ namespace engine {
 
 namespace {
 
-/// The mean of the picture at all sizes from its own to `factor` times that, each size as long as it takes a
-/// steady zoom to pass it: e^(amount / 100) times the size, so that there and back leaves the size. (The name
-/// and the input are Core Image's; the formula is ours.)
+/// The mean of the picture at all sizes that a steady zoom passes on its way from the picture's own size to
+/// e^(amount / 100) times that, so that opposite amounts are opposite zooms. (The name and the inputs are
+/// Core Image's; the formula is ours.)
 class ZoomNode : public Node {
   public:
     ZoomNode(const Image& image, Point centre, double amount)
@@ -38,14 +38,14 @@ class ZoomNode : public Node {
         return {edge(r.x0, centre.x), edge(r.y0, centre.y), edge(r.x1, centre.x), edge(r.y1, centre.y)};
     }
 
-    /// What the sizes from `begin` to `end` of the zoom add to an area. Where that reads too much to be kept,
-    /// the zoom is halved as long as it is what makes the reading large, and then the area.
+    /// Adds the sizes from `begin` to `end` of the zoom to an area. When that reads more than can be kept,
+    /// the zoom is halved for as long as it is what makes the reading large, and then the area is.
     void add(const IntRect& area, double begin, double end, const Pixels& out, RenderContext& context) const {
         auto at = [&](double t) { return scaled(toRect(area), centre_, std::exp(zoom_ * t)); };
         Rect first = at(begin), last = at(end), all = first.unite(last).grown(2, 2);
         IntRect read = toInt(all).intersect(toInt(inputs()[0]->extent().integral().grown(1, 1)));
         if (read.isEmpty()) return;
-        if (read.count() > mostSampled) {
+        if (read.count() > mostKept) {
             double one = std::max(toInt(first).count(), toInt(last).count());
             if (read.count() > 2 * one && end - begin > 0.5 / mostReadings) {
                 double middle = (begin + end) / 2;
@@ -64,7 +64,7 @@ class ZoomNode : public Node {
         fill(*context.prepare(inputs()[0], read), in);
         for (int y = area.y0; y < area.y1; ++y)
             for (int x = area.x0; x < area.x1;) {
-                // Pieces that are the same however the picture is cut.
+                // Pieces begin at the same places however the picture is cut into tiles.
                 int next = std::min(area.x1, (floorDiv(x, piece) + 1) * piece);
                 addPiece(in, x, y, next - x, begin, end, out.at(x, y));
                 x = next;
@@ -75,7 +75,7 @@ class ZoomNode : public Node {
         double dx = x + 0.5 - centre_.x, dy = y + 0.5 - centre_.y;
         double left = floorDiv(x, piece) * piece + 0.5 - centre_.x, right = left + piece - 1;
         double far = std::hypot(std::max(std::abs(left), std::abs(right)), dy);
-        // A pixel apart where the piece is farthest from the centre.
+        // The sizes are a pixel apart where the piece is farthest from the centre.
         double length = far * std::abs(std::expm1(zoom_));
         int count = static_cast<int>(std::clamp(length + 1, 2.0, 1.0 * mostReadings));
         alignas(32) float u[piece], v[piece];
@@ -89,13 +89,11 @@ class ZoomNode : public Node {
                 u[i] = static_cast<float>(u0 + i * size);
                 v[i] = row;
             }
-            sample(in, u, v, n, read);
+            readBilinear(in, u, v, n, read);
             float weight = 1 / static_cast<float>(count);
             for (int c = 0; c < 4; ++c)
-                color::simd::run([=, from = read.plane[c], to = out.plane[c]]() SIMD_INLINE {
-                    SIMD_LOOP
-                    for (int i = 0; i < n; ++i) to[i] += weight * from[i];
-                });
+                eachIndex(n, [=, from = read.plane[c], to = out.plane[c]](int i)
+                                 SIMD_INLINE { to[i] += weight * from[i]; });
         }
     }
 

@@ -8,7 +8,7 @@ TEST(CIZoomBlur, IsTheMeanOfAllSizes) {
     Point centre{18, 11};
     for (double amount : {20.0, 80.0, -60.0}) {
         Picture expected = filled(-40, -40, 130, 120, [&](int x, int y) {
-            // As the engine has it: a reading for each pixel that the farthest of 64 pixels moves.
+            // As in the engine: one reading for each pixel of the way that the farthest of 64 pixels moves.
             double left = std::floor(x / 64.) * 64 + 0.5 - centre.x, dy = y + 0.5 - centre.y;
             double far = std::hypot(std::max(std::abs(left), std::abs(left + 63)), dy);
             int count = std::max(2, int(far * std::abs(std::exp(-amount / 100) - 1) + 1));
@@ -35,7 +35,7 @@ TEST(CIZoomBlur, IsTheMeanOfAllSizes) {
 }
 
 TEST(CIZoomBlur, FitsInMemoryWhenLong) {
-    // From its corner, of a picture that goes on for ever: more than could be kept at once.
+    // Of an infinite picture, from far away: more than can be kept at once.
     Image endless = clampToEdge(imageOf(noise(50, 40, 85, true)));
     Values values{{"inputImage", endless}, {"inputAmount", -200.0}, {"inputCenter", Numbers{-3000, -2000}}};
     Picture got = rendered(filter("CIZoomBlur", values), 100, 100, 5, 4);

@@ -1,6 +1,6 @@
 // CIColorClamp: components kept between limits.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIColorControls: saturation, brightness and contrast.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

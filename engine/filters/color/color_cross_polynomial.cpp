@@ -1,6 +1,6 @@
 // CIColorCrossPolynomial: a quadratic of all three colours for each of them.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIColorCube, CIColorCubeWithColorSpace: colours looked up in a table with three dimensions.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 #include <cstring>

@@ -1,4 +1,4 @@
-// CIColorCube, against a reference in double precision.
+// CIColorCube and CIColorCubeWithColorSpace, against references in double precision.
 #include "reference.h"
 
 #include <cstring>
@@ -41,4 +41,37 @@ TEST(CIColorCube, MixesTheEntriesAround) {
     bytes.pop_back();
     values["inputCubeData"] = bytes;
     EXPECT_TRUE(filter("CIColorCube", values)->extent().isEmpty());
+}
+
+TEST(CIColorCubeWithColorSpace, LooksUpColoursOfThatSpace) {
+    Picture p = noise(37, 11, 103);
+    // Swaps red and blue and halves green; linear in the numbers of the space, and with alpha 0.5.
+    std::vector<float> entries;
+    for (int corner = 0; corner < 8; ++corner)
+        for (double v : {corner >> 2 & 1, corner >> 1 & 1, corner & 1, 2})
+            entries.push_back(float(v * 0.5 * 0.5));
+    for (int i = 0; i < 8; ++i) {
+        entries[4 * i] *= 2, entries[4 * i + 2] *= 2; // premultiplied
+    }
+    auto* raw = reinterpret_cast<const std::uint8_t*>(entries.data());
+    Values values{{"inputImage", imageOf(p)},
+                  {"inputCubeDimension", 2.0},
+                  {"inputCubeData", Bytes(raw, raw + 4 * entries.size())}};
+    auto found = [](Pixel q, auto forth, auto back) {
+        Pixel out{0, 0, 0, q[3] * 0.5};
+        if (q[3] == 0) return out;
+        for (int c = 0; c < 3; ++c) q[c] = std::clamp(forth(q[c] / q[3]), 0.0, 1.0);
+        out[0] = out[3] * back(q[2]), out[1] = out[3] * back(q[1] / 2), out[2] = out[3] * back(q[0]);
+        return out;
+    };
+    auto same = [](double v) { return v; };
+    auto mapped = [&](auto forth, auto back) {
+        return filled(0, 0, 37, 11, [&](int x, int y) { return found(p.get(x, y), forth, back); });
+    };
+    EXPECT_LT(error(filter("CIColorCubeWithColorSpace", values), mapped(same, same)), floatError);
+    values["inputColorSpace"] = color::ColorSpace::sRGB()->iccData();
+    EXPECT_LT(error(filter("CIColorCubeWithColorSpace", values), mapped(coded, linear)), 5e-5);
+    // What is no profile counts as none.
+    values["inputColorSpace"] = Bytes{1, 2, 3};
+    EXPECT_LT(error(filter("CIColorCubeWithColorSpace", values), mapped(same, same)), floatError);
 }

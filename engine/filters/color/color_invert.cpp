@@ -1,5 +1,5 @@
 // CIColorInvert: the negative.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 

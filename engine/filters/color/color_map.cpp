@@ -1,7 +1,7 @@
 // CIColorMap: the colours of a gradient, by brightness.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
-#include "sample.h"
+#include "resample.h"
 
 namespace engine {
 
@@ -43,7 +43,7 @@ class ColorMapNode : public Node {
                 place[i] = last * simd::linearToSrgb(simd::unit(light));
                 alpha[i] = p.a;
             });
-            sample(gradient_, place, zero, n, out);
+            readBilinear(gradient_, place, zero, n, out);
             for (float* p : out.plane)
                 eachIndex(n, [=, alpha = alpha](int i) SIMD_INLINE { p[i] *= alpha[i]; });
         }
@@ -65,7 +65,7 @@ Image build(const Inputs& in) {
 
 InputInfo gradientInput() {
     InputInfo info = imageInput("inputGradientImage", "Gradient Image");
-    info.type = "CIAttributeTypeGradient";
+    info.type = "Gradient";
     return info;
 }
 

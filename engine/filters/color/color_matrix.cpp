@@ -1,5 +1,5 @@
 // CIColorMatrix: components as weighted sums of components.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIColorMonochrome: shades of one colour.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIColorPolynomial: a cubic for each component.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

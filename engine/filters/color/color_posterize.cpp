@@ -1,6 +1,6 @@
 // CIColorPosterize: few steps of each colour.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,5 +1,5 @@
 // CIExposureAdjust: more or less light.
-#include "registry.h"
+#include "filter.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // CIFaceBalance: colours shifted towards those of skin.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIFalseColor: two colours in place of dark and bright.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

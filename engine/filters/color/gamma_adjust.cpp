@@ -1,6 +1,6 @@
 // CIGammaAdjust: a power curve.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIHueAdjust: hues turned around the circle.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // CIMaskToAlpha: brightness as alpha.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

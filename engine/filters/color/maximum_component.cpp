@@ -1,6 +1,6 @@
 // CIMaximumComponent: the largest of a pixel's three colours, as gray.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIMinimumComponent: the smallest of a pixel's three colours, as gray.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIRedEyeCorrections: pupils without the red of a flash.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

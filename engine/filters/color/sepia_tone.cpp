@@ -1,6 +1,6 @@
 // CISepiaTone: brown, as in an old photograph.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,5 +1,5 @@
 // CITemperatureAndTint: the white of one light as that of another.
-#include "registry.h"
+#include "filter.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // CIToneCurve: brightness along a curve through five points.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

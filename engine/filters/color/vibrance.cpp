@@ -1,6 +1,6 @@
 // CIVibrance: more colour where there is little.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIVignette: darker towards the corners.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIVignetteEffect: darker outside of a circle.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

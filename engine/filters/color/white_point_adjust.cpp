@@ -1,6 +1,6 @@
 // CIWhitePointAdjust: what white becomes.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

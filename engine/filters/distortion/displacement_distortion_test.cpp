@@ -13,6 +13,6 @@ TEST(CIDisplacementDistortion, MovesByRedAndGreen) {
     });
     EXPECT_LT(error(image, expected), distortionError);
     EXPECT_LT(tileError(image), distortionError);
-    // Without a map, or by nothing, it stays as it is.
+    // Without a map the picture stays as it is.
     EXPECT_LT(error(distorted("CIDisplacementDistortion", p, {}), p), floatError);
 }

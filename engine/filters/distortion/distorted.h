@@ -29,6 +29,13 @@ inline double tileError(const Image& image) {
     return difference(rendered(image, -40, -40, 140, 140), inTiles(image, -40, -40, 140, 140, 16));
 }
 
+/// Where a pixel of a bump, or with a negative strength of a pinch, comes from.
+inline Point bumped(Point q, double radius, double strength) {
+    double inside = std::max(0.0, 1 - (q.x * q.x + q.y * q.y) / (radius * radius));
+    double f = 1 - strength * inside * inside;
+    return {f * q.x, f * q.y};
+}
+
 /// How far light is moved by a half circle of glass with radius 1.
 inline double refracted(double q, double refraction) {
     double in = std::asin(std::abs(q)), out = std::asin(std::min(std::abs(q) / refraction, 1.0));

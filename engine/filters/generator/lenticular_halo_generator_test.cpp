@@ -26,7 +26,7 @@ TEST(CILenticularHaloGenerator, FadesAsCoreImageDoes) {
                 if (d < radius || d >= radius + 1) continue;
                 sum += a, squares += a * a, ++count;
             }
-        // The rays are others, so that their means differ a little.
+        // The rays differ, and so their means do a little.
         EXPECT_NEAR(sum / count, mean, 0.06 * mean + 0.001) << radius;
         if (radius == 73) {
             double spread = std::sqrt(squares / count - sum * sum / count / count);

@@ -22,7 +22,7 @@ TEST(CIQRCodeGenerator, WritesWhatCoreImageWrites) {
                                       return Pixel{white, white, white, 1};
                                   })),
               0);
-    // The higher level needs a larger code; what no code can hold gives nothing.
+    // The higher level needs a larger code; a message too long for any code gives the empty image.
     EXPECT_EQ(filter("CIQRCodeGenerator",
                      {{"inputMessage", Bytes(18, 'x')}, {"inputCorrectionLevel", std::string("H")}})
                   ->extent()

@@ -1,4 +1,4 @@
-// CIPerspectiveTransform, against a reference in double precision.
+// CIPerspectiveTransform and CIPerspectiveTransformWithExtent, against references in double precision.
 #include "reference.h"
 
 using namespace reference;
@@ -38,4 +38,26 @@ TEST(CIPerspectiveTransform, BringsTheCornersToFourPoints) {
     // Three corners on a line make no quadrilateral, nor do all on one point.
     values["inputTopRight"] = values["inputTopLeft"] = values["inputBottomRight"];
     EXPECT_TRUE(filter("CIPerspectiveTransform", values)->extent().isEmpty());
+}
+
+TEST(CIPerspectiveTransformWithExtent, MovesAPart) {
+    // Onto a rectangle, the part is merely moved.
+    Picture p = noise(40, 30, 104);
+    Picture expected = filled(95, 195, 30, 25, [&](int x, int y) {
+        bool inside = x >= 100 && x < 116 && y >= 200 && y < 212;
+        return inside ? p.get(x - 100 + 9, y - 200 + 7) : Pixel{};
+    });
+    Values values{{"inputImage", imageOf(p)},
+                  {"inputExtent", Numbers{9, 7, 16, 12}},
+                  {"inputBottomLeft", Numbers{100, 200}},
+                  {"inputBottomRight", Numbers{116, 200}},
+                  {"inputTopRight", Numbers{116, 212}},
+                  {"inputTopLeft", Numbers{100, 212}}};
+    EXPECT_LT(error(filter("CIPerspectiveTransformWithExtent", values), expected), 5 * floatError);
+    // The whole of it is what the filter without an extent makes.
+    values["inputExtent"] = Numbers{0, 0, 40, 30};
+    values["inputTopRight"] = Numbers{130, 222};
+    Picture whole = rendered(filter("CIPerspectiveTransform", values), 95, 195, 40, 30);
+    EXPECT_LT(error(filter("CIPerspectiveTransformWithExtent", values), whole), 1e-7);
+    EXPECT_GT(whole.get(110, 205)[3] + whole.get(111, 206)[3] + whole.get(112, 207)[3], 0);
 }

@@ -3,8 +3,8 @@
 // patterns; these are our own.)
 #pragma once
 
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

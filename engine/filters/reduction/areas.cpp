@@ -1,7 +1,5 @@
-// An area in one pixel: its mean, or its extremes.
-#include "registry.h"
-
-#include <utility>
+// CIAreaAverage, CIAreaMaximum, CIAreaMinimum, CIAreaMaximumAlpha, CIAreaMinimumAlpha: an area in one pixel.
+#include "family.h"
 
 namespace engine {
 
@@ -77,7 +75,7 @@ class ReductionNode : public Node {
                 how_.add(sums, {row.plane[0][i], row.plane[1][i], row.plane[2][i], row.plane[3][i]},
                          seen == 0);
         });
-        // Rows where the picture is nothing are not told.
+        // Transparent rows are skipped by the stream, but they count.
         if (seen < area_.count()) how_.add(sums, {}, seen == 0);
         how_.finish(sums, area_.count());
         return std::make_shared<OnePixel>(sums);
@@ -88,30 +86,23 @@ class ReductionNode : public Node {
     IntRect area_;
 };
 
-template <std::size_t i>
-Image build(const Inputs& in) {
+Image reduced(const Reduction& how, const Inputs& in) {
     Image image = in.image("inputImage");
     if (!image) return nullptr;
     IntRect area = summedArea(image, in.rect("inputExtent"));
     if (area.isEmpty()) return empty();
-    return std::make_shared<ReductionNode>(reductions[i], image, area);
+    return std::make_shared<ReductionNode>(how, image, area);
 }
 
-template <std::size_t... i>
-std::array<Registrar, sizeof...(i)> registerAll(std::index_sequence<i...>) {
-    auto info = [](const Reduction& how, Image (*build)(const Inputs&)) -> FilterInfo {
-        return {how.name,
-                how.displayName,
-                how.description,
-                "10.5",
-                categories("Reduction Video StillImage BuiltIn"),
-                {imageInput(), vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 640, 80})},
-                build};
-    };
-    return {Registrar(info(reductions[i], build<i>))...};
-}
-
-const auto registrars = registerAll(std::make_index_sequence<std::size(reductions)>());
+const auto registrars = registerFamily<reductions, reduced>([](const Reduction& how) -> FilterInfo {
+    return {how.name,
+            how.displayName,
+            how.description,
+            "10.5",
+            categories("Reduction Video StillImage BuiltIn"),
+            {imageInput(), vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 640, 80})},
+            nullptr};
+});
 
 } // namespace
 

@@ -1,9 +1,10 @@
-#include "registry.h"
+// CIUnsharpMask: sharper edges.
+#include "filter.h"
 
 namespace engine {
 
-/// The picture plus `intensity` times its difference from its Gaussian blur. What is beyond the edge is taken
-/// to be like the edge, which keeps an opaque picture opaque.
+/// The picture plus `intensity` times its difference from its Gaussian blur: the classic unsharp mask. Beyond
+/// the edge the picture continues as its edge, which keeps an opaque picture opaque.
 static Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double radius = in.number("inputRadius", 0, 1e6), intensity = in.number("inputIntensity", -100, 100);

@@ -1,38 +1,30 @@
-#include "registry.h"
-
-#include <color/vecmath.h>
+// CIEdges: how steep colours are.
+#include "filter.h"
+#include "kernel.h"
 
 namespace engine {
 
-namespace {
-
-namespace simd = color::simd;
-
 /// How steep each component is, by Sobel's differences; a step from 0 to 1 along an axis gives the intensity.
 /// Alpha stays. (The name and the input are Core Image's; the formula is ours.)
-Image build(const Inputs& in) {
+static Image build(const Inputs& in) {
     double intensity = in.number("inputIntensity", 0, 1e6);
     return neighbourhood(in.image("inputImage"), "edges", 1, [=](const RenderContext&) -> NeighbourFunction {
         return [gain = static_cast<float>(intensity / 4)](const Pixels& around, int x, int y, int n,
                                                           const Span& out) {
             out.copy(around.at(x, y), n);
             for (int c = 0; c < 3; ++c)
-                simd::run([=, p = around.at(x, y - 1).plane[c], q = around.at(x, y).plane[c],
-                           r = around.at(x, y + 1).plane[c], o = out.plane[c],
-                           a = out.plane[3]]() SIMD_INLINE {
-                    SIMD_LOOP
-                    for (int i = 0; i < n; ++i) {
-                        float up = r[i - 1] + 2 * r[i] + r[i + 1] - p[i - 1] - 2 * p[i] - p[i + 1];
-                        float across =
-                            p[i + 1] + 2 * q[i + 1] + r[i + 1] - p[i - 1] - 2 * q[i - 1] - r[i - 1];
-                        o[i] = simd::min(gain * simd::sqrt(up * up + across * across), a[i]);
-                    }
+                eachIndex(n, [=, p = around.at(x, y - 1).plane[c], q = around.at(x, y).plane[c],
+                              r = around.at(x, y + 1).plane[c], o = out.plane[c],
+                              a = out.plane[3]](int i) SIMD_INLINE {
+                    float up = r[i - 1] + 2 * r[i] + r[i + 1] - p[i - 1] - 2 * p[i] - p[i + 1];
+                    float across = p[i + 1] + 2 * q[i + 1] + r[i + 1] - p[i - 1] - 2 * q[i - 1] - r[i - 1];
+                    o[i] = simd::min(gain * simd::sqrt(up * up + across * across), a[i]);
                 });
         };
     });
 }
 
-const Registrar filter{
+static const Registrar filter{
     {"CIEdges",
      "Edges",
      "Shows the edges of a picture in colour.",
@@ -41,7 +33,5 @@ const Registrar filter{
      {imageInput(), numberInput("inputIntensity", "Intensity", "Scalar",
                                 {.value = 1, .identity = 0, .min = 0, .sliderMin = 0, .sliderMax = 10})},
      build}};
-
-} // namespace
 
 } // namespace engine

@@ -1,17 +1,25 @@
-#include "registry.h"
-
-#include <color/vecmath.h>
+// CISpotColor: three colours in place of those near three others.
+#include "filter.h"
+#include "kernel.h"
 
 namespace engine {
 
 namespace {
 
-namespace simd = color::simd;
-
 struct Spot {
-    Color centre, replacement;
-    double closeness, contrast;
+    /// Coded.
+    Pixel centre;
+    float closeness, slope;
+    Pixel replacement;
 };
+
+/// Coded is what the pixel was at first.
+SIMD_INLINE inline Pixel replaced(Pixel p, Pixel coded, const Spot& spot) {
+    float dr = coded.r - spot.centre.r, dg = coded.g - spot.centre.g, db = coded.b - spot.centre.b;
+    float t = simd::unit((spot.closeness - simd::sqrt(dr * dr + dg * dg + db * db)) * spot.slope);
+    return eachColor(p, spot.replacement,
+                     [=](float v, float to) SIMD_INLINE { return simd::mix(v, to * p.a, t); });
+}
 
 /// A colour whose distance to a centre, in coded components, is less than the closeness becomes the
 /// replacement: wholly within the contrast's share of the closeness, beyond that as much as is left of the
@@ -19,46 +27,26 @@ struct Spot {
 /// formula is ours.)
 Image build(const Inputs& in) {
     std::array<Spot, 3> spots;
+    std::array<Color, 3> replacements;
     for (int i = 0; i < 3; ++i) {
         std::string n = std::to_string(i + 1);
-        spots[i] = {in.color("inputCenterColor" + n), in.color("inputReplacementColor" + n),
-                    in.number("inputCloseness" + n, 0, 10), in.number("inputContrast" + n, 0, 1)};
-        spots[i].replacement.a = 1;
+        Color centre = in.color("inputCenterColor" + n);
+        double closeness = in.number("inputCloseness" + n, 0, 10);
+        double outer = closeness - closeness * in.number("inputContrast" + n, 0, 1);
+        spots[i].centre = {static_cast<float>(centre.r), static_cast<float>(centre.g),
+                           static_cast<float>(centre.b), 1};
+        spots[i].closeness = static_cast<float>(closeness);
+        spots[i].slope = static_cast<float>(1 / std::max(outer, 1e-6));
+        replacements[i] = in.color("inputReplacementColor" + n);
+        replacements[i].a = 1;
     }
-    return pointStep(in.image("inputImage"), "spot color", [=](const RenderContext& context) -> SpanFunction {
-        std::array<Rgba, 3> replacements;
-        for (int i = 0; i < 3; ++i) replacements[i] = context.color(spots[i].replacement);
-        return [=](const Span& s, int, int, int n) {
-            alignas(32) float red[maxSpan], green[maxSpan], blue[maxSpan];
-            simd::run([=, r = s.plane[0], g = s.plane[1], b = s.plane[2], a = s.plane[3], red = red,
-                       green = green, blue = blue]() SIMD_INLINE {
-                SIMD_LOOP
-                for (int i = 0; i < n; ++i) {
-                    float scale = 1 / simd::max(a[i], 1e-6f);
-                    red[i] = simd::linearToSrgbUnit(r[i] * scale);
-                    green[i] = simd::linearToSrgbUnit(g[i] * scale);
-                    blue[i] = simd::linearToSrgbUnit(b[i] * scale);
-                }
-            });
-            for (int k = 0; k < 3; ++k) {
-                const Spot& spot = spots[k];
-                auto inner = spot.closeness * spot.contrast;
-                simd::run(
-                    [=, r = s.plane[0], g = s.plane[1], b = s.plane[2], a = s.plane[3],
-                     centreR = static_cast<float>(spot.centre.r), centreG = static_cast<float>(spot.centre.g),
-                     centreB = static_cast<float>(spot.centre.b), most = static_cast<float>(spot.closeness),
-                     slope = static_cast<float>(1 / std::max(spot.closeness - inner, 1e-6)),
-                     to = replacements[k], red = red, green = green, blue = blue]() SIMD_INLINE {
-                        SIMD_LOOP
-                        for (int i = 0; i < n; ++i) {
-                            float dr = red[i] - centreR, dg = green[i] - centreG, db = blue[i] - centreB;
-                            float t = simd::unit((most - simd::sqrt(dr * dr + dg * dg + db * db)) * slope);
-                            r[i] = simd::mix(r[i], to[0] * a[i], t);
-                            g[i] = simd::mix(g[i], to[1] * a[i], t);
-                            b[i] = simd::mix(b[i], to[2] * a[i], t);
-                        }
-                    });
-            }
+    return eachPixel(in.image("inputImage"), "spot color", [=](const RenderContext& context) {
+        auto s = spots;
+        for (int i = 0; i < 3; ++i) s[i].replacement = pixel(context.color(replacements[i]));
+        return [=](Pixel p) SIMD_INLINE {
+            Pixel coded =
+                eachColor(straight(p), [](float v) SIMD_INLINE { return simd::linearToSrgbUnit(v); });
+            return replaced(replaced(replaced(p, coded, s[0]), coded, s[1]), coded, s[2]);
         };
     });
 }

@@ -1,20 +1,16 @@
-#include "registry.h"
-
-#include <color/vecmath.h>
+// CISpotLight: a lamp that points at a place of the picture.
+#include "filter.h"
+#include "kernel.h"
 
 #include <cmath>
 
 namespace engine {
 
-namespace {
-
-namespace simd = color::simd;
-
 /// The picture lies at height 0 and is lit from a place above it. What the light's axis meets shines with its
 /// brightness; elsewhere the light falls off with the cosine of the angle to the axis, to the power of 1 over
 /// the concentration, so that a large one lights everything alike. (The inputs are Core Image's; the formula
 /// is ours.)
-Image build(const Inputs& in) {
+static Image build(const Inputs& in) {
     Numbers from = in.vector("inputLightPosition", 3), to = in.vector("inputLightPointsAt", 3);
     for (Numbers* place : {&from, &to})
         for (double& v : *place) v = std::clamp(v, -1e6, 1e6);
@@ -24,31 +20,21 @@ Image build(const Inputs& in) {
     double dx = to[0] - from[0], dy = to[1] - from[1], dz = to[2] - from[2], length = std::hypot(dx, dy, dz);
     // A light that points at itself points downwards.
     if (length == 0) dz = -1, length = 1;
-    return pointStep(in.image("inputImage"), "spot light", [=](const RenderContext& context) -> SpanFunction {
-        Rgba light = context.color(color);
-        for (float& v : light) v *= static_cast<float>(brightness);
-        return [=, x0 = from[0], y0 = from[1], height = static_cast<float>(from[2]),
-                ax = static_cast<float>(dx / length), ay = static_cast<float>(dy / length),
-                az = static_cast<float>(dz / length),
-                power = static_cast<float>(1 / concentration)](const Span& s, int x, int y, int n) {
-            float left = static_cast<float>(x + 0.5 - x0), py = static_cast<float>(y + 0.5 - y0);
-            simd::run([=, r = s.plane[0], g = s.plane[1], b = s.plane[2]]() SIMD_INLINE {
-                SIMD_LOOP
-                for (int i = 0; i < n; ++i) {
-                    float px = left + static_cast<float>(i);
-                    float far = simd::sqrt(px * px + py * py + height * height);
-                    float cosine = (px * ax + py * ay - height * az) / simd::max(far, 1e-6f);
-                    float lit = simd::pow(simd::min(cosine, 1), power);
-                    r[i] *= light[0] * lit;
-                    g[i] *= light[1] * lit;
-                    b[i] *= light[2] * lit;
-                }
-            });
-        };
-    });
+    return eachPixel(
+        in.image("inputImage"), "spot light", From{{from[0], from[1]}}, [=](const RenderContext& context) {
+            return [light = pixel(context.color(color)) * static_cast<float>(brightness),
+                    height = static_cast<float>(from[2]), ax = static_cast<float>(dx / length),
+                    ay = static_cast<float>(dy / length), az = static_cast<float>(dz / length),
+                    power = static_cast<float>(1 / concentration)](Pixel p, Position at) SIMD_INLINE {
+                float far = simd::sqrt(at.x * at.x + at.y * at.y + height * height);
+                float cosine = (at.x * ax + at.y * ay - height * az) / simd::max(far, 1e-6f);
+                float lit = simd::pow(simd::min(cosine, 1), power);
+                return eachColor(p, light, [=](float v, float l) SIMD_INLINE { return v * (l * lit); });
+            };
+        });
 }
 
-const Registrar filter{
+static const Registrar filter{
     {"CISpotLight",
      "Spot Light",
      "Lights a picture with a lamp that points at a place of it.",
@@ -62,7 +48,5 @@ const Registrar filter{
                   {.value = 0.1, .identity = 20, .min = 0.001, .sliderMin = 0.001, .sliderMax = 1.5}),
       colorInput("inputColor", "Color", "OpaqueColor", {1, 1, 1, 1})},
      build}};
-
-} // namespace
 
 } // namespace engine

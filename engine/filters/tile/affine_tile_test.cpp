@@ -26,7 +26,7 @@ TEST(CIAffineTile, RepeatsThePicture) {
     });
     EXPECT_LT(error(filter("CIAffineTile", {{"inputImage", imageOf(p)}, {"inputTransform", m}}), turned),
               floatError);
-    // What is endless already stays as it is.
+    // An infinite image stays as it is.
     Image endless = constant({1, 0, 0, 1});
     EXPECT_EQ(filter("CIAffineTile", {{"inputImage", endless}}), endless);
 }

@@ -1,4 +1,6 @@
-#include "registry.h"
+// CIKaleidoscope: a sector of a picture in mirrors that stand in a circle.
+#include "filter.h"
+#include "kernel.h"
 
 #include <cmath>
 
@@ -6,10 +8,9 @@ namespace engine {
 
 namespace {
 
-constexpr double pi = 3.141592653589793;
-
-/// The circle around the centre in `count` sectors, each the mirror image of itself: what lies `t` to either
-/// side of the middle of a sector reads what lies t beyond the angle. Found so in pictures of Core Image.
+/// The circle around the centre in `count` sectors, each its own mirror image: a pixel at an angle t to
+/// either side of the middle of its sector reads at the angle t beyond inputAngle. Found so in pictures of
+/// Core Image.
 class Kaleidoscope : public Warp {
   public:
     Kaleidoscope(Point centre, double count, double angle)
@@ -35,7 +36,7 @@ class Kaleidoscope : public Warp {
         if (r.isInfinite()) return Rect::infinite();
         double radius = std::hypot(std::max(std::abs(r.x0 - centre_.x), std::abs(r.x1 - centre_.x)),
                                    std::max(std::abs(r.y0 - centre_.y), std::abs(r.y1 - centre_.y)));
-        return {centre_.x - radius, centre_.y - radius, centre_.x + radius, centre_.y + radius};
+        return squareAround(centre_, radius);
     }
 
     Point centre_;

@@ -1,6 +1,6 @@
-#include "registry.h"
-
-#include <color/vecmath.h>
+// CIOpTile: squares that show more than their share of a picture.
+#include "filter.h"
+#include "kernel.h"
 
 #include <cmath>
 
@@ -8,10 +8,8 @@ namespace engine {
 
 namespace {
 
-constexpr double pi = 3.141592653589793;
-
 /// Squares, side by side, that each show the picture around their own middle, made smaller by the scale.
-/// (Core Image does not tell its own formula; this one has its identity, and more copies with more scale.)
+/// (Core Image does not document its formula; this one has its identity, and more copies at larger scales.)
 class Segments : public Warp {
   public:
     Segments(Point centre, double scale, double angle, double width)
@@ -21,22 +19,18 @@ class Segments : public Warp {
     Rect extent(const Rect& source) const override { return source.grown(reach(), reach()); }
     Rect region(const Rect& area) const override { return area.grown(reach(), reach()); }
     void displace(int x, int y, int n, float* dx, float* dy) const override {
-        color::simd::run([=, cosine = cosine_, sine = sine_, width = width_, farther = scale_ - 1,
-                          centre = centre_]() SIMD_INLINE {
-            double py = y + 0.5 - centre.y;
-            SIMD_LOOP
-            for (int i = 0; i < n; ++i) {
-                double px = x + i + 0.5 - centre.x;
-                double u = fromMiddle((px * cosine + py * sine) / width) * width * farther;
-                double v = fromMiddle((py * cosine - px * sine) / width) * width * farther;
-                dx[i] = static_cast<float>(u * cosine - v * sine);
-                dy[i] = static_cast<float>(u * sine + v * cosine);
-            }
+        eachIndex(n, [=, py = y + 0.5 - centre_.y, left = centre_.x, cosine = cosine_, sine = sine_,
+                      width = width_, farther = scale_ - 1](int i) SIMD_INLINE {
+            double px = x + i + 0.5 - left;
+            double u = fromMiddle((px * cosine + py * sine) / width) * width * farther;
+            double v = fromMiddle((py * cosine - px * sine) / width) * width * farther;
+            dx[i] = static_cast<float>(u * cosine - v * sine);
+            dy[i] = static_cast<float>(u * sine + v * cosine);
         });
     }
 
   private:
-    SIMD_INLINE static double fromMiddle(double x) { return x - color::simd::nearest(x); }
+    SIMD_INLINE static double fromMiddle(double x) { return x - simd::nearest(x); }
     double reach() const { return width_ * std::sqrt(0.5) * std::abs(scale_ - 1); }
 
     double cosine_, sine_, scale_, width_;

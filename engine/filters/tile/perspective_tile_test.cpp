@@ -24,7 +24,7 @@ TEST(CIPerspectiveTile, ReachesTheHorizon) {
         if (w <= 0) return Pixel{};
         return bilinear(p, within((x + 0.5) / w, 20), within((y + 0.5) / w, 16));
     });
-    // A rounding of w on the way through the corners moves what is near the horizon.
+    // The corners round w a little, which shows near the horizon.
     EXPECT_LT(error(image, expected), placeError);
     EXPECT_LT(difference(inTiles(image, -50, -20, 130, 90, 16), rendered(image, -50, -20, 130, 90)),
               placeError);

@@ -1,9 +1,12 @@
-// Patterns without end, made of one piece of a picture that is moved, turned or mirrored: ten of the
-// seventeen plane symmetry groups. (Core Image does not tell where its pieces lie; here each begins at the
-// centre, one side along the angle.)
-#include "registry.h"
-
-#include <color/vecmath.h>
+// CIFourfoldTranslatedTile, CIFourfoldReflectedTile, CIParallelogramTile, CIGlideReflectedTile,
+// CIFourfoldRotatedTile, CIEightfoldReflectedTile, CITriangleTile, CISixfoldRotatedTile,
+// CISixfoldReflectedTile, CITwelvefoldReflectedTile: one piece of a picture that is moved, turned or mirrored
+// without end.
+//
+// They are ten of the seventeen plane symmetry groups. (Core Image does not document where its pieces lie;
+// here each begins at the centre, with one side along the angle.)
+#include "filter.h"
+#include "kernel.h"
 
 #include <cmath>
 
@@ -11,9 +14,9 @@ namespace engine {
 
 namespace {
 
-using color::simd::nearest;
+using simd::nearest;
 
-constexpr double pi = 3.141592653589793, root3 = 1.7320508075688772;
+constexpr double root3 = 1.7320508075688772;
 
 SIMD_INLINE inline double wholeBelow(double x) {
     double n = nearest(x);
@@ -27,8 +30,8 @@ SIMD_INLINE inline Point swapped(bool yes, Point p, Point other) {
     return {yes ? other.x : p.x, yes ? other.y : p.y};
 }
 
-// Each pattern says which place of the piece is shown at a place, and the corners of the piece. The unit is
-// the width, the origin is the centre and the x axis lies along the angle.
+// Each pattern maps a place to the place of the piece that it shows, and has the corners of the piece. The
+// unit is the width, the origin is the centre and the x axis lies along the angle.
 
 /// Sides of length 1 that meet at an acute angle.
 struct Parallelogram {
@@ -186,16 +189,12 @@ class Tiling : public Warp {
     Rect extent(const Rect&) const override { return Rect::infinite(); }
     Rect region(const Rect&) const override { return piece_; }
     void displace(int x, int y, int n, float* dx, float* dy) const override {
-        color::simd::run([=, back = back_, forth = forth_, pattern = pattern_]() SIMD_INLINE {
-            double py = y + 0.5;
-            SIMD_LOOP
-            for (int i = 0; i < n; ++i) {
-                double px = x + i + 0.5;
-                Point p =
-                    pattern(Point{back.a * px + back.c * py + back.tx, back.b * px + back.d * py + back.ty});
-                dx[i] = static_cast<float>(forth.a * p.x + forth.c * p.y + forth.tx - px);
-                dy[i] = static_cast<float>(forth.b * p.x + forth.d * p.y + forth.ty - py);
-            }
+        eachIndex(n, [=, py = y + 0.5, back = back_, forth = forth_, pattern = pattern_](int i) SIMD_INLINE {
+            double px = x + i + 0.5;
+            Point p =
+                pattern(Point{back.a * px + back.c * py + back.tx, back.b * px + back.d * py + back.ty});
+            dx[i] = static_cast<float>(forth.a * p.x + forth.c * p.y + forth.tx - px);
+            dy[i] = static_cast<float>(forth.b * p.x + forth.d * p.y + forth.ty - py);
         });
     }
 

@@ -5,7 +5,8 @@ using namespace reference;
 
 namespace {
 
-/// A side of a piece, which lies on its left, and where what is to its right comes from.
+/// A side of a piece, which lies on its left, and the move that brings what is on its right nearer to the
+/// piece.
 struct Side {
     Point from, to;
     std::function<Point(Point)> move;
@@ -55,7 +56,7 @@ std::vector<Side> mirrors(const std::vector<Point>& corners) {
 const Point centre{21.3, 17.9};
 constexpr double width = 13, angle = 0.4, acute = 1.1;
 
-/// How far the filter is from the pattern that `place` makes, in a picture far beyond the piece.
+/// The error of a filter against the pattern that `place` makes, also far beyond the piece.
 double tileError(const char* name, const std::function<Point(Point)>& place) {
     Picture p = noise(60, 50, 70);
     Values values{{"inputImage", imageOf(p)},

@@ -7,7 +7,7 @@
 // Pixels inside the engine are float, premultiplied, linear light with sRGB's primaries, unbounded.
 //
 // Building a graph never computes a pixel. Invalid arguments throw std::invalid_argument when the graph is
-// built; rendering throws std::bad_alloc when memory is short, and what a row source throws.
+// built; rendering throws std::bad_alloc when memory is short, and passes on what a row source throws.
 #pragma once
 
 #include <color/color.h>
@@ -102,7 +102,7 @@ class ENGINE_API Node : public std::enable_shared_from_this<Node> {
   public:
     virtual ~Node() = default;
 
-    /// Where the image can be other than transparent. May be infinite or empty.
+    /// Outside of it the image is transparent. May be infinite or empty.
     const Rect& extent() const { return extent_; }
     /// What this step reads, in order.
     const std::vector<Image>& inputs() const { return inputs_; }
@@ -111,9 +111,9 @@ class ENGINE_API Node : public std::enable_shared_from_this<Node> {
     virtual Rect regionOfInterest(std::size_t index, const Rect& area) const;
     /// A short name for plans and messages.
     virtual std::string name() const = 0;
-    /// True when the step keeps pixels of its input in a buffer, so that it ends a pass.
+    /// Whether the step keeps pixels of its input in a buffer, which ends a pass.
     virtual bool materialises() const { return false; }
-    /// Makes what computes rows inside `area`. Called once per tile, on the tile's thread.
+    /// Makes the evaluator of the rows inside `area`. Called once per tile, on the tile's thread.
     virtual std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const = 0;
 
   protected:
@@ -143,14 +143,14 @@ struct PixelLayout {
     int width = 0, height = 0;
     Format format = Format::RGBA8;
     Alpha alpha = Alpha::premultiplied;
-    /// Space of the colour components: RGB for the four-sample formats, gray for Gray8. Null means that the
-    /// numbers are to be taken as they are, without colour matching.
+    /// Space of the colour components: RGB for the four-sample formats, gray for Gray8. Null: the numbers are
+    /// taken as they are, without colour matching.
     color::ColorSpacePtr space = color::ColorSpace::sRGB();
 };
 
-/// Pixels that are produced on demand, a strip of rows at a time: a file too big to be held in float, or
-/// something computed. The engine keeps a few strips and never asks for a row twice in a row; it calls
-/// from its own threads, but never two at once for one source.
+/// Pixels produced on demand, a strip of rows at a time: of a file too big to be held as floats, or computed
+/// ones. The engine keeps the strips used last and does not ask for those again; it calls from its own
+/// threads, but never from two at once for one source.
 class ENGINE_API RowSource {
   public:
     virtual ~RowSource() = default;
@@ -158,7 +158,7 @@ class ENGINE_API RowSource {
     /// Writes rows first..first+count-1, counted from the top, tightly packed (width * bytesPerPixel each).
     /// May throw; the render then ends with that exception.
     virtual void readRows(int first, int count, std::uint8_t* out) = 0;
-    /// How many rows are best asked for at once.
+    /// The best number of rows to ask for at once.
     virtual int stripRows() const { return 64; }
 };
 
@@ -171,12 +171,12 @@ ENGINE_API Image bitmap(const PixelLayout& layout, const void* pixels, std::size
 ENGINE_API Image bitmap(std::shared_ptr<RowSource> rows);
 /// One colour everywhere, infinite.
 ENGINE_API Image constant(const Color& color);
-/// Nothing anywhere.
+/// Transparent everywhere, with an empty extent.
 ENGINE_API Image empty();
 
 /// Below, a null image gives a null image.
 
-/// Moved, scaled, turned. Sampled bilinearly; averaged over areas first when made smaller than half. Edges
+/// Moved, scaled, turned. Sampled bilinearly, after averaging over areas when made smaller than half. Edges
 /// of the image are antialiased by their coverage, so a scaled opaque picture stays opaque up to its edge.
 /// A chain of transforms is one transform. A singular matrix gives the empty image; one that is not finite
 /// throws std::invalid_argument.
@@ -187,13 +187,12 @@ ENGINE_API Image crop(const Image& image, const Rect& area);
 ENGINE_API Image clampToEdge(const Image& image);
 /// What is read outside of an image: nothing, or the nearest pixel of its edge.
 enum class Wrap { black, clamp };
-/// How a place is read: as the pixel that it lies in, or as the mix of the four pixels whose centres are
-/// around it.
+/// How a place is read: as the pixel that it lies in, or as a mix of the four pixels around it.
 enum class Interpolation { nearest, linear };
-/// The image as a sampler reads it: transformed, with one reading for each pixel, at the place its centre
-/// comes from. Unlike transform(), it takes no means when the image is made smaller, and what is linearly
-/// read less than half a pixel outside of a "black" edge fades out. Clamped, it is infinite. Matrices as in
-/// transform().
+/// The image as a sampler reads it: transformed, with one reading per pixel, at the place that the pixel's
+/// centre comes from. Unlike transform(), it does not average when the image is made smaller, and linear
+/// readings fade out within half a pixel outside of a "black" edge. Clamped, the image is infinite. For
+/// matrices see transform().
 ENGINE_API Image sampled(const Image& image, const Affine& matrix, Wrap wrap, Interpolation interpolation);
 /// Source over.
 ENGINE_API Image composite(const Image& above, const Image& below);
@@ -214,16 +213,16 @@ struct Options {
     color::ColorSpacePtr working;
     /// False: numbers go from bitmaps to the target as they are, no conversion anywhere.
     bool colorManaged = true;
-    /// Asked for by callers that distinguish; this engine always computes in software.
+    /// For callers that distinguish; this engine always computes in software.
     bool software = true;
 };
 
 /// Computes the part `source` of the image and writes it to the rectangle `dest` of the target, scaled when
 /// their sizes differ. `dest` is in the target's coordinates: y upwards, (0, 0) is its lower left corner.
-/// Pixels of the target outside `dest` stay untouched; inside, what is outside of the image becomes
-/// transparent (or stays, when blending). Throws std::invalid_argument for a target that cannot be (null
-/// pixels, rows shorter than their pixels, wrong model of space) or an infinite or non-finite `source` or
-/// `dest`. A null image is empty.
+/// Pixels of the target outside `dest` stay untouched; inside, pixels outside of the image become transparent
+/// (or stay, when blending). Throws std::invalid_argument for an invalid target (null pixels, rows shorter
+/// than their pixels, a space of the wrong model) and for a `source` or `dest` that is not finite. A null
+/// image is empty.
 ENGINE_API void render(const Image& image, const Rect& source, const Target& target, const Rect& dest,
                        const Options& options = {});
 
@@ -264,7 +263,7 @@ class ENGINE_API Inputs {
     double number(std::string_view key) const;
     /// `number` limited to low..high.
     double number(std::string_view key, double low, double high) const;
-    /// As many as there are; not finite elements become 0.
+    /// All elements; those that are not finite become 0.
     Numbers vector(std::string_view key) const;
     /// Padded with 0 or cut to `count`.
     Numbers vector(std::string_view key, std::size_t count) const;

@@ -1,5 +1,5 @@
-// Faces in grey bitmaps. Plain C++; a library of its own, so that only a process that looks for faces loads
-// it.
+// Faces in grey bitmaps. Plain C++, and a library of its own, so that only a process that looks for faces
+// loads it.
 #pragma once
 
 #include <cstddef>
@@ -25,18 +25,18 @@ struct GreyBitmap {
 struct Face {
     /// From the brows to the chin; may reach over the bitmap's edge.
     double x = 0, y = 0, width = 0, height = 0;
-    /// How sure the detector is; kSureness at least.
+    /// How sure the detector is; at least kSureness.
     double sureness = 0;
-    /// The middle of each, where it can be seen. Left is on the left of the bitmap.
+    /// The middle of each; empty when it is not visible. Left means the left side of the bitmap.
     std::optional<Point> leftEye, rightEye, mouth;
 };
 
 /// The side, in pixels, of the smallest face that is found: the detector looks through a window of this size.
-/// Who wants smaller faces enlarges the picture.
+/// For smaller faces, enlarge the picture.
 inline constexpr double kSmallestFace = 72;
 
-/// What a candidate must reach. In 119 photographs without people, enlarged to twice their size, the most
-/// face-like place had 0.24; the least certain face of the tests has 0.47.
+/// What a candidate has to reach. In 119 photographs without people, enlarged to twice their size, the most
+/// face-like place reached 0.24; the least certain face of the tests reaches 0.47.
 inline constexpr double kSureness = 0.35;
 
 /// Finds upright faces that look towards the viewer, tilted by about 30 degrees at most.
@@ -50,6 +50,6 @@ class FaceFinder {
 
 } // namespace vision
 
-/// The process's one finder; null when its data cannot be read, with the reason in `problem`. Made on first
-/// use.
+/// The finder of this process, made on first use. Null when its data cannot be read; the reason is then in
+/// `problem`.
 extern "C" __attribute__((visibility("default"))) vision::FaceFinder* visionFaceFinder(std::string* problem);

@@ -1,0 +1,38 @@
+// CIHoleDistortion: a round hole that pushes the picture outwards.
+#include "filter.h"
+#include "warps.h"
+
+namespace engine {
+
+namespace {
+
+/// The centre is drawn apart to a circle, and the more distant the less: a pixel at a distance d shows what
+/// lies at d - radius^2 / d. (Core Image does not document its formula.)
+Image build(const Inputs& in) {
+    Point centre = in.point("inputCenter");
+    double radius = in.number("inputRadius", 0.01, 1e6);
+    Image pushed = warp(in.image("inputImage"), "hole", upTo(radius), From{centre},
+                        [rim = static_cast<float>(radius * radius)](Position p) SIMD_INLINE {
+                            // On the rim and inside it, the centre.
+                            float nearer = simd::min(rim / simd::max(p.x * p.x + p.y * p.y, 1e-6f), 1);
+                            return Position{-nearer * p.x, -nearer * p.y};
+                        });
+    return weighted(pushed, "hole", From{centre},
+                    [edge = static_cast<float>(radius - 0.5)](Position p)
+                        SIMD_INLINE { return simd::unit(simd::sqrt(p.x * p.x + p.y * p.y) - edge); });
+}
+
+const Registrar filter{
+    {"CIHoleDistortion",
+     "Hole Distortion",
+     "Opens a round hole and pushes a picture outwards around it.",
+     "10.4",
+     categories("DistortionEffect Video StillImage BuiltIn"),
+     {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),
+      numberInput("inputRadius", "Radius", "Distance",
+                  {.value = 150, .identity = 0.1, .min = 0.01, .sliderMin = 0.01, .sliderMax = 1000})},
+     build}};
+
+} // namespace
+
+} // namespace engine

@@ -1,0 +1,30 @@
+// CIVortexDistortion: the inside of a circle turned many times.
+#include "turning.h"
+
+namespace engine {
+
+namespace {
+
+Image build(const Inputs& in) {
+    return distortion::turned(in, [](float inside) SIMD_INLINE {
+        float square = inside * inside;
+        return square * square;
+    });
+}
+
+const Registrar filter{
+    {"CIVortexDistortion",
+     "Vortex Distortion",
+     "Turns the inside of a circle many times, like water that runs off.",
+     "10.4",
+     categories("DistortionEffect Video StillImage BuiltIn"),
+     {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),
+      numberInput("inputRadius", "Radius", "Distance",
+                  {.value = 300, .identity = 0, .min = 0, .sliderMin = 0, .sliderMax = 800}),
+      numberInput("inputAngle", "Angle", "Angle",
+                  {.value = 18 * pi, .identity = 0, .sliderMin = -30 * pi, .sliderMax = 30 * pi})},
+     build}};
+
+} // namespace
+
+} // namespace engine
