@@ -8,23 +8,25 @@ namespace engine {
 
 namespace {
 
-/// As of a round bump, but what counts is the distance from the line through the centre.
+/// What a round bump does to the distance from its centre, this one does to the distance from the line
+/// through the centre: d becomes d (1 - scale S(1 - |d| / radius)), where S is smoothstep. The extent stays.
+/// (Fitted to Core Image's picture, mean residual 0.01 of 255.)
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double radius = in.number("inputRadius", 0, 1e6), strength = in.number("inputScale", -10, 10);
     double angle = in.number("inputAngle", -1e6, 1e6);
     if (radius < 0.5 || strength == 0) return image;
     Point normal{-std::sin(angle), std::cos(angle)};
-    // d (1 - d^2)^2 is greatest at d = sqrt(1/5).
-    Reach reach = upTo(std::abs(strength) * radius * 0.2863);
+    // t S(1 - t) is at most 0.26.
+    Reach reach = upTo(std::abs(strength) * radius * 0.2601);
+    reach.extent = [](const Rect& source) { return source; };
     return warp(image, "ridge", reach, Along{in.point("inputCenter"), normal, 1},
                 [nx = static_cast<float>(normal.x), ny = static_cast<float>(normal.y),
-                 scale = static_cast<float>(1 / (radius * radius)),
-                 strength = static_cast<float>(strength)](float d) SIMD_INLINE {
-                    float inside = simd::max(1 - d * d * scale, 0);
-                    float nearer = strength * inside * inside * d;
-                    return Position{-nearer * nx, -nearer * ny};
-                });
+                 perRadius = static_cast<float>(1 / radius), strength = static_cast<float>(strength)](float d)
+                    SIMD_INLINE {
+                        float nearer = strength * smoothstep(1 - simd::abs(d) * perRadius) * d;
+                        return Position{-nearer * nx, -nearer * ny};
+                    });
 }
 
 const Registrar filter{

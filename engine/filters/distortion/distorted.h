@@ -29,11 +29,17 @@ inline double tileError(const Image& image) {
     return difference(rendered(image, -40, -40, 140, 140), inTiles(image, -40, -40, 140, 140, 16));
 }
 
-/// Where a pixel of a bump, or with a negative strength of a pinch, comes from.
-inline Point bumped(Point q, double radius, double strength) {
-    double inside = std::max(0.0, 1 - (q.x * q.x + q.y * q.y) / (radius * radius));
-    double f = 1 - strength * inside * inside;
-    return {f * q.x, f * q.y};
+/// 3t^2 - 2t^3 for 0..1.
+inline double smoothstep(double t) {
+    t = std::clamp(t, 0.0, 1.0);
+    return t * t * (3 - 2 * t);
+}
+
+/// The alpha that an opaque picture of this size has at a place after a filter.
+inline double alphaAt(const char* name, int width, int height, Values values, double x, double y) {
+    values["inputImage"] = crop(constant({1, 1, 1, 1}), {0, 0, double(width), double(height)});
+    int i = int(std::floor(x)), j = int(std::floor(y));
+    return rendered(filter(name, values), i, j, 1, 1).get(i, j)[3];
 }
 
 /// How far light is moved by a half circle of glass with radius 1.

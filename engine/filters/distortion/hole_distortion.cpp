@@ -1,17 +1,25 @@
 // CIHoleDistortion: a round hole that pushes the picture outwards.
 #include "filter.h"
+#include "radial.h"
 #include "warps.h"
+
+#include <cmath>
 
 namespace engine {
 
 namespace {
 
 /// The centre is drawn apart to a circle, and the more distant the less: a pixel at a distance d shows what
-/// lies at d - radius^2 / d. (Core Image does not document its formula.)
+/// lies at d - radius^2 / d. (Fitted to Core Image's picture, whose size is that of the extent.)
 Image build(const Inputs& in) {
     Point centre = in.point("inputCenter");
     double radius = in.number("inputRadius", 0.01, 1e6);
-    Image pushed = warp(in.image("inputImage"), "hole", upTo(radius), From{centre},
+    Reach reach = upTo(radius);
+    reach.extent = [=](const Rect& source) {
+        return distortion::movedAlongRays(source, centre,
+                                          [=](double d) { return (1 + std::hypot(1, 2 * radius / d)) / 2; });
+    };
+    Image pushed = warp(in.image("inputImage"), "hole", reach, From{centre},
                         [rim = static_cast<float>(radius * radius)](Position p) SIMD_INLINE {
                             // On the rim and inside it, the centre.
                             float nearer = simd::min(rim / simd::max(p.x * p.x + p.y * p.y, 1e-6f), 1);

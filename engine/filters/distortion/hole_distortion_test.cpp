@@ -1,4 +1,4 @@
-// CIHoleDistortion, against a reference in double precision.
+// CIHoleDistortion, against a reference in double precision and a picture of Core Image's.
 #include "distorted.h"
 
 using namespace reference;
@@ -14,6 +14,28 @@ TEST(CIHoleDistortion, PushesOutwards) {
         for (int x = -40; x < 100; ++x)
             for (double& v : expected.at(x, y))
                 v *= std::clamp(std::hypot(x + 0.5 - centre.x, y + 0.5 - centre.y) - 10.5, 0.0, 1.0);
+    // The extent cuts at where the picture's edge goes, and interpolation shows half a pixel beyond that.
+    Rect inside = image->extent().integral();
+    for (int y = -40; y < 100; ++y)
+        for (int x = -40; x < 100; ++x)
+            if (!inside.contains({double(x), double(y), x + 1.0, y + 1.0})) expected.at(x, y) = {};
     EXPECT_LT(error(image, expected), distortionError);
     EXPECT_LT(tileError(image), distortionError);
+}
+
+// A picture of 500 by 267 pixels with a radius of 85: Core Image's result is 559 by 351 pixels, and its edges
+// and the hole's lie at these places.
+TEST(CIHoleDistortion, HasTheEdgesOfCoreImagesPicture) {
+    Values values{{"inputRadius", 85.0}};
+    values["inputImage"] = crop(constant({1, 1, 1, 1}), {0, 0, 500, 267});
+    EXPECT_EQ(filter("CIHoleDistortion", values)->extent().integral(), (Rect{-39, -39, 520, 312}));
+    const struct {
+        double y, left, from, to, right;
+    } rows[] = {{224.5, -34, 108, 192, 519}, {171.5, -38, 67, 233, 519}, {101.5, -36, 80, 220, 519}};
+    for (auto [y, left, from, to, right] : rows) {
+        for (double x : {left - 2, from + 4, to - 4, right + 2})
+            EXPECT_LT(alphaAt("CIHoleDistortion", 500, 267, values, x, y), 0.05) << x << ' ' << y;
+        for (double x : {left + 2, from - 4, to + 4, right - 2})
+            EXPECT_GT(alphaAt("CIHoleDistortion", 500, 267, values, x, y), 0.95) << x << ' ' << y;
+    }
 }

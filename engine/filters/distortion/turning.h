@@ -6,8 +6,8 @@
 
 namespace engine::distortion {
 
-/// Turns by the angle times `falloff(1 - distance / radius)`, which is 1 at the centre and falls to 0 at the
-/// rim so smoothly that neither the picture nor its direction breaks there.
+/// Turns a pixel at the distance d from the centre by angle * falloff(1 - d / radius, d), which has to be 0
+/// at the rim. The result covers the whole circle, as in Core Image's pictures.
 template <class Falloff>
 Image turned(const Inputs& in, Falloff falloff) {
     Image image = in.image("inputImage");
@@ -17,8 +17,10 @@ Image turned(const Inputs& in, Falloff falloff) {
     return warp(image, "twirl", insideCircle(centre, radius), From{centre},
                 [=, scale = static_cast<float>(1 / radius),
                  angle = static_cast<float>(-angle)](Position p) SIMD_INLINE {
-                    float inside = simd::max(1 - simd::sqrt(p.x * p.x + p.y * p.y) * scale, 0);
-                    float turn = angle * falloff(inside), s = simd::sin(turn), c = simd::cos(turn) - 1;
+                    float distance = simd::sqrt(p.x * p.x + p.y * p.y);
+                    float inside = simd::max(1 - distance * scale, 0);
+                    float turn = angle * falloff(inside, distance), s = simd::sin(turn),
+                          c = simd::cos(turn) - 1;
                     // Outside, the pixels stay as they are, to the last digit.
                     return Position{inside > 0 ? c * p.x - s * p.y : 0, inside > 0 ? s * p.x + c * p.y : 0};
                 });

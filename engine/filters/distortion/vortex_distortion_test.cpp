@@ -5,9 +5,10 @@ using namespace reference;
 
 TEST(CIVortexDistortion, TurnsTheMiddleMost) {
     Picture p = noise(60, 60, 84);
-    Image image = distorted("CIVortexDistortion", p, {{"inputRadius", 24.0}, {"inputAngle", 7.0}});
+    Image image = distorted("CIVortexDistortion", p, {{"inputRadius", 24.0}, {"inputAngle", 70.0}});
     Picture expected = comesFrom(p, [](Point q) {
-        double turn = -7 * std::pow(std::max(0.0, 1 - std::hypot(q.x, q.y) / 24), 4);
+        double d = std::hypot(q.x, q.y),
+               turn = -70 * std::pow(std::max(0.0, 1 - d / 24), 2) / std::max(d, 0.5);
         return Point{q.x * std::cos(turn) - q.y * std::sin(turn),
                      q.x * std::sin(turn) + q.y * std::cos(turn)};
     });

@@ -89,15 +89,37 @@ class Perspective : public Warp {
 
 } // namespace
 
+namespace {
+
+Rect boxAround(const std::array<Point, 4>& points) {
+    Rect box{points[0].x, points[0].y, points[0].x, points[0].y};
+    for (const Point& p : points)
+        box = {std::min(box.x0, p.x), std::min(box.y0, p.y), std::max(box.x1, p.x), std::max(box.y1, p.y)};
+    return box;
+}
+
+/// Where the pixels of an extent go.
+Rect leanedExtent(const Rect& e, const Projection& back) {
+    auto forth = back.inverse();
+    if (e.isInfinite() || !forth) return Rect::infinite();
+    std::array<Point, 4> corners{Point{e.x0, e.y0}, {e.x1, e.y0}, {e.x1, e.y1}, {e.x0, e.y1}};
+    for (Point& p : corners) {
+        auto seen = (*forth)(p);
+        if (!seen || !std::isfinite(seen->x) || !std::isfinite(seen->y)) return Rect::infinite();
+        p = *seen;
+    }
+    return boxAround(corners);
+}
+
+} // namespace
+
 Image leaned(const Image& image, const Rect& source, const Inputs& in) {
     const std::array<Point, 4> to = corners(in);
     auto back = fromPoints(source, to);
-    if (!back) return empty();
-    Rect result{to[0].x, to[0].y, to[0].x, to[0].y};
-    for (const Point& p : to)
-        result = {std::min(result.x0, p.x), std::min(result.y0, p.y), std::max(result.x1, p.x),
-                  std::max(result.y1, p.y)};
-    return warp(image, std::make_shared<Perspective>(*back, source, result));
+    if (!back || !image || image->extent().isEmpty()) return empty();
+    const Rect& e = image->extent();
+    return warp(
+        image, std::make_shared<Perspective>(*back, e, e == source ? boxAround(to) : leanedExtent(e, *back)));
 }
 
 } // namespace engine::perspective

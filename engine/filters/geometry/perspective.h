@@ -36,7 +36,8 @@ std::vector<InputInfo> perspectiveInputs();
 /// The four points: bottom left, bottom right, top right, top left.
 std::array<Point, 4> corners(const Inputs& in);
 
-/// The image with the corners of `source` at the four points of the inputs; empty when that cannot be.
+/// The image, of which the corners of `source` are at the four points of the inputs; empty when that cannot
+/// be. What reaches the horizon makes the result infinite.
 Image leaned(const Image& image, const Rect& source, const Inputs& in);
 
 /// A place where the picture is transparent.

@@ -40,22 +40,32 @@ TEST(CIPerspectiveTransform, BringsTheCornersToFourPoints) {
     EXPECT_TRUE(filter("CIPerspectiveTransform", values)->extent().isEmpty());
 }
 
-TEST(CIPerspectiveTransformWithExtent, MovesAPart) {
-    // Onto a rectangle, the part is merely moved.
+TEST(CIPerspectiveTransformWithExtent, MovesAPartAndWhatIsAround) {
+    // Onto a rectangle, the picture is merely moved.
     Picture p = noise(40, 30, 104);
-    Picture expected = filled(95, 195, 30, 25, [&](int x, int y) {
-        bool inside = x >= 100 && x < 116 && y >= 200 && y < 212;
-        return inside ? p.get(x - 100 + 9, y - 200 + 7) : Pixel{};
-    });
+    Picture expected = filled(85, 185, 55, 45, [&](int x, int y) { return p.get(x - 100 + 9, y - 200 + 7); });
     Values values{{"inputImage", imageOf(p)},
                   {"inputExtent", Numbers{9, 7, 16, 12}},
                   {"inputBottomLeft", Numbers{100, 200}},
                   {"inputBottomRight", Numbers{116, 200}},
                   {"inputTopRight", Numbers{116, 212}},
                   {"inputTopLeft", Numbers{100, 212}}};
-    EXPECT_LT(error(filter("CIPerspectiveTransformWithExtent", values), expected), 5 * floatError);
+    Image moved = filter("CIPerspectiveTransformWithExtent", values);
+    EXPECT_LT(error(moved, expected), 5 * floatError);
+    EXPECT_NEAR(moved->extent().x0, 91, 1e-9);
+    EXPECT_NEAR(moved->extent().y1, 223, 1e-9);
+    // A part of an endless picture, and a part so small that the picture reaches the horizon.
+    values["inputImage"] = constant({1, 1, 1, 1});
+    EXPECT_TRUE(filter("CIPerspectiveTransformWithExtent", values)->extent().isInfinite());
+    values["inputImage"] = imageOf(p);
+    values["inputTopRight"] = Numbers{120, 212};
+    values["inputTopLeft"] = Numbers{96, 212};
+    EXPECT_FALSE(filter("CIPerspectiveTransformWithExtent", values)->extent().isInfinite());
+    values["inputExtent"] = Numbers{9, 1, 16, 4};
+    EXPECT_TRUE(filter("CIPerspectiveTransformWithExtent", values)->extent().isInfinite());
     // The whole of it is what the filter without an extent makes.
     values["inputExtent"] = Numbers{0, 0, 40, 30};
+    values["inputTopLeft"] = Numbers{100, 212};
     values["inputTopRight"] = Numbers{130, 222};
     Picture whole = rendered(filter("CIPerspectiveTransform", values), 95, 195, 40, 30);
     EXPECT_LT(error(filter("CIPerspectiveTransformWithExtent", values), whole), 1e-7);

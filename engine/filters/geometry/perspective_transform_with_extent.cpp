@@ -1,14 +1,15 @@
-// CIPerspectiveTransformWithExtent: leans a part of a picture so that its corners come to four points.
+// CIPerspectiveTransformWithExtent: leans a picture so that the corners of a part come to four points.
 #include "perspective.h"
 
 namespace engine::perspective {
 
 namespace {
 
+/// The extent's corners come to the four points, and what lies around it comes along, as in Core Image's
+/// picture.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
-    Rect extent = in.rect("inputExtent");
-    return image ? leaned(crop(image, extent), extent, in) : nullptr;
+    return image ? leaned(image, in.rect("inputExtent"), in) : nullptr;
 }
 
 std::vector<InputInfo> inputs() {
@@ -18,7 +19,7 @@ std::vector<InputInfo> inputs() {
 }
 
 const Registrar filter{{"CIPerspectiveTransformWithExtent", "Perspective Transform with Extent",
-                        "Leans a part of a picture so that its corners come to four points.", "10.4",
+                        "Leans a picture so that the corners of a part of it come to four points.", "10.4",
                         categories("GeometryAdjustment Video StillImage BuiltIn"), inputs(), build}};
 
 } // namespace
