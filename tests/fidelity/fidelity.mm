@@ -209,16 +209,35 @@ Alignment aligned(const Bitmap& ours, const Bitmap& theirs) {
     return best;
 }
 
-std::map<std::string, double> limitsIn(const char* path) {
-    std::map<std::string, double> limits;
+struct Limit {
+    double mean = 0;
+    std::map<std::string, double> inputs;
+};
+
+std::map<std::string, Limit> limitsIn(const char* path) {
+    std::map<std::string, Limit> limits;
     std::ifstream file(path);
     for (std::string line; std::getline(file, line);) {
-        std::istringstream words(line);
-        std::string source, filter;
-        double limit;
-        if (line[0] != '#' && words >> source >> filter >> limit) limits[source + "/" + filter] = limit;
+        std::istringstream words(line.substr(0, line.find('#')));
+        std::string source, filter, input;
+        Limit limit;
+        if (!(words >> source >> filter >> limit.mean)) continue;
+        while (words >> input)
+            limit.inputs[input.substr(0, input.find('='))] = std::atof(input.c_str() + input.find('=') + 1);
+        limits[source + "/" + filter] = limit;
     }
     return limits;
+}
+
+/// A picture without alpha was drawn on black.
+bool isOpaque(const Bitmap& bitmap) {
+    for (std::size_t i = 3; i < bitmap.bytes.size(); i += 4)
+        if (bitmap.bytes[i] != 255) return false;
+    return true;
+}
+
+void layOnBlack(Bitmap& bitmap) {
+    for (std::size_t i = 3; i < bitmap.bytes.size(); i += 4) bitmap.bytes[i] = 255;
 }
 
 std::string describe(CGRect r) {
@@ -232,7 +251,7 @@ struct Options {
 };
 
 /// False when the case is worse than its limit.
-bool compare(const Case& c, const Options& options, const std::map<std::string, double>& limits) {
+bool compare(const Case& c, const Options& options, const std::map<std::string, Limit>& limits) {
     std::string name = c.source + "/" + c.filter;
     CIFilter* filter = [CIFilter filterWithName:text(c.filter)];
     if (!filter) {
@@ -242,6 +261,10 @@ bool compare(const Case& c, const Options& options, const std::map<std::string, 
     [filter setDefaults];
     for (NSString* key in c.inputs)
         [filter setValue:valueFrom(c, [c.inputs objectForKey:key], filter, key) forKey:key];
+    auto limit = limits.find(name);
+    if (limit != limits.end())
+        for (const auto& [key, number] : limit->second.inputs)
+            [filter setValue:[NSNumber numberWithDouble:number] forKey:text(key)];
     CIImage* output = [filter valueForKey:@"outputImage"];
     CIImage* picture = imageAt(c, c.picture);
     Bitmap theirs = rendered(picture, [picture extent]);
@@ -253,15 +276,15 @@ bool compare(const Case& c, const Options& options, const std::map<std::string, 
         area = CGRectMake(0, 0, theirs.width, theirs.height);
     Bitmap ours = output && !CGRectIsEmpty(area) ? rendered(output, area) : Bitmap(1, 1);
 
+    if (isOpaque(theirs)) layOnBlack(ours);
     Alignment best = aligned(ours, theirs);
-    auto limit = limits.find(name);
-    bool good = !options.limits || (limit != limits.end() && best.difference.mean <= limit->second);
+    bool good = !options.limits || (limit != limits.end() && best.difference.mean <= limit->second.mean);
     std::printf("%-46s %7.3f %5.0f %7.2f%%  ", name.c_str(), best.difference.mean,
                 best.difference.percentile99, best.difference.above8);
     if (ours.width != theirs.width || ours.height != theirs.height)
         std::printf(" ours %s, theirs %dx%d", describe(extent).c_str(), theirs.width, theirs.height);
     if (!good && limit == limits.end()) std::printf(" has no limit");
-    if (!good && limit != limits.end()) std::printf(" is above its limit of %g", limit->second);
+    if (!good && limit != limits.end()) std::printf(" is above its limit of %g", limit->second.mean);
     std::printf("\n");
     std::fflush(stdout);
     if (options.out) {
@@ -299,7 +322,7 @@ int main(int argc, char** argv) {
                         options.folder ? options.folder : "(no folder)");
             return 77;
         }
-        auto limits = options.limits ? limitsIn(options.limits) : std::map<std::string, double>{};
+        auto limits = options.limits ? limitsIn(options.limits) : std::map<std::string, Limit>{};
         std::printf("%-46s %7s %5s %8s\n", "filter", "mean", "99th", "above 8");
         int worse = 0, seen = 0;
         for (const Case& c : cases) {
