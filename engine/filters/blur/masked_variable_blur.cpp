@@ -1,6 +1,6 @@
 // CIMaskedVariableBlur: a blur that is as wide as a mask is bright.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
 // CIMorphologyMaximum, CIMorphologyMinimum, CIMorphologyGradient and the two with a rectangle: the extremes
 // of each component around a pixel.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // CIColorAbsoluteDifference: how much the colours of two pictures differ.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

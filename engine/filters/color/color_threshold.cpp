@@ -1,6 +1,6 @@
 // CIColorThreshold: components that are 0 or 1.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIPhotoEffectChrome, Fade, Instant, Mono, Noir, Process, Tonal, Transfer: the looks of films and prints.
+#include "filter.h"
 #include "photo_effect_tables.h"
-#include "registry.h"
 
 #include <cmath>
 #include <cstring>

@@ -1,6 +1,6 @@
 // CISRGBToneCurveToLinear and CILinearToSRGBToneCurve: sRGB's transfer function and its inverse.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // The blend modes that add, subtract and divide colours: linear burn and dodge, pin light, subtract, divide.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 // CIDroste: a picture that contains itself, wound up as a spiral.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 #include <complex>

@@ -1,6 +1,6 @@
 // CILightTunnel: the rim of a circle drawn outwards in spirals.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

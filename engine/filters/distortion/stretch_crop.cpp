@@ -1,6 +1,6 @@
 // CIStretchCrop: a picture made to fit a size, by stretching it, cropping it, or both.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // CIRoundedRectangleGenerator: a rectangle of one colour with round corners.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

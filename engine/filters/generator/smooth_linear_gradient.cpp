@@ -1,6 +1,6 @@
 // CISmoothLinearGradient: a transition between two colours along a line that begins and ends gently.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

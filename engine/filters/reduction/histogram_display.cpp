@@ -1,7 +1,7 @@
 // CIHistogramDisplayFilter: a histogram as a diagram.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <cmath>
 

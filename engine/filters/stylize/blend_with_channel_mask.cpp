@@ -1,6 +1,6 @@
 // CIBlendWithRedMask and CIBlendWithBlueMask: two pictures by one component of a mask.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 namespace engine {
 

@@ -1,6 +1,6 @@
 // CIComicEffect: a picture as a page of comics.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // CIDepthOfField: a picture that looks like one of a miniature, sharp along a line only.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 // CIShadedMaterial: a height field that looks like a material, as a picture of a sphere of it shows.
+#include "filter.h"
 #include "kernel.h"
-#include "registry.h"
-#include "sample.h"
+#include "resample.h"
 
 #include <cmath>
 
@@ -52,7 +52,7 @@ class ShadedNode : public Node {
             u[i] = halfX * (1 + across / length) - 0.5f;
             v[i] = halfY * (1 + up / length) - 0.5f;
         });
-        sample(sphere, u, v, n, out);
+        readBilinear(sphere, u, v, n, out);
         eachPixel(
             n,
             [](Pixel p, Pixel height) SIMD_INLINE -> Pixel {

@@ -1,5 +1,5 @@
 // CIClamp: a rectangle of a picture whose edges go on for ever.
-#include "registry.h"
+#include "filter.h"
 
 namespace engine {
 
