@@ -62,8 +62,9 @@ SIMD_INLINE inline Pixel mix(Pixel p, Pixel q, float t) {
 SIMD_INLINE inline float largest(Pixel p) { return simd::max(p.r, simd::max(p.g, p.b)); }
 SIMD_INLINE inline float smallest(Pixel p) { return simd::min(p.r, simd::min(p.g, p.b)); }
 
-/// The weights of Rec. 709, whose primaries are sRGB's, for linear light.
-constexpr std::array<double, 3> luminanceWeights{0.2126, 0.7152, 0.0722};
+/// Core Image's weights of linear light. They fit its pictures of screens and gradients exactly, where those
+/// of Rec. 709 (0.2126, 0.7152, 0.0722) show rounding.
+constexpr std::array<double, 3> luminanceWeights{0.2125, 0.7154, 0.0721};
 SIMD_INLINE inline float luminance(float r, float g, float b) {
     return static_cast<float>(luminanceWeights[0]) * r + static_cast<float>(luminanceWeights[1]) * g +
            static_cast<float>(luminanceWeights[2]) * b;

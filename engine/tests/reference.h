@@ -114,8 +114,8 @@ inline Picture mapped(const Picture& p, const std::function<Pixel(Pixel)>& of) {
     });
 }
 
-/// Of linear light with the primaries of Rec. 709.
-inline double luminance(const Pixel& p) { return 0.2126 * p[0] + 0.7152 * p[1] + 0.0722 * p[2]; }
+/// Of linear light, as Core Image weighs it.
+inline double luminance(const Pixel& p) { return 0.2125 * p[0] + 0.7154 * p[1] + 0.0721 * p[2]; }
 
 constexpr double floatError = 2e-5; // some dozen roundings and polynomial approximations
 constexpr double halfStep = 0.5 / 255;

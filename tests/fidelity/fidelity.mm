@@ -236,8 +236,12 @@ bool isOpaque(const Bitmap& bitmap) {
     return true;
 }
 
-void layOnBlack(Bitmap& bitmap) {
-    for (std::size_t i = 3; i < bitmap.bytes.size(); i += 4) bitmap.bytes[i] = 255;
+CIImage* onBlack(CIImage* image) {
+    CIFilter* over = [CIFilter filterWithName:@"CISourceOverCompositing"];
+    [over setValue:image forKey:@"inputImage"];
+    [over setValue:[CIImage imageWithColor:[CIColor colorWithRed:0 green:0 blue:0]]
+            forKey:@"inputBackgroundImage"];
+    return [over valueForKey:@"outputImage"];
 }
 
 std::string describe(CGRect r) {
@@ -274,9 +278,9 @@ bool compare(const Case& c, const Options& options, const std::map<std::string, 
         area = *c.crop;
     else if (c.cropped || extent.size.width > 1e5 || extent.size.height > 1e5)
         area = CGRectMake(0, 0, theirs.width, theirs.height);
+    if (output && isOpaque(theirs)) output = onBlack(output);
     Bitmap ours = output && !CGRectIsEmpty(area) ? rendered(output, area) : Bitmap(1, 1);
 
-    if (isOpaque(theirs)) layOnBlack(ours);
     Alignment best = aligned(ours, theirs);
     bool good = !options.limits || (limit != limits.end() && best.difference.mean <= limit->second.mean);
     std::printf("%-46s %7.3f %5.0f %7.2f%%  ", name.c_str(), best.difference.mean,

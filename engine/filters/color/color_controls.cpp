@@ -4,11 +4,11 @@
 
 namespace engine {
 
-/// Saturation mixes with the luminance, brightness adds, contrast scales around one half. (Public
-/// definition.)
+/// Saturation mixes with the luminance, then contrast scales around one half, and brightness is added last.
+/// All in linear light. (Fitted to Core Image's pictures.)
 static Image build(const Inputs& in) {
     double s = in.number("inputSaturation", -1000, 1000), c = in.number("inputContrast", -1000, 1000);
-    double bias = (in.number("inputBrightness", -1000, 1000) - 0.5) * c + 0.5;
+    double bias = 0.5 - 0.5 * c + in.number("inputBrightness", -1000, 1000);
     std::array<double, 9> m;
     for (int i = 0; i < 9; ++i) m[i] = c * ((1 - s) * luminanceWeights[i % 3] + (i % 4 == 0 ? s : 0));
     return colorMatrix(in.image("inputImage"), colorsOnly(m, bias));

@@ -3,11 +3,11 @@
 
 using namespace reference;
 
-TEST(CIColorControls, ChangeSaturationThenBrightnessThenContrast) {
+TEST(CIColorControls, ChangesSaturationThenContrastThenBrightness) {
     Picture p = noise(37, 11, 4);
     Picture expected = mapped(p, [](Pixel q) {
-        double y = 0.2126 * q[0] + 0.7152 * q[1] + 0.0722 * q[2];
-        for (int c = 0; c < 3; ++c) q[c] = (y + 1.4 * (q[c] - y) + 0.1 - 0.5) * 1.3 + 0.5;
+        double y = luminance(q);
+        for (int c = 0; c < 3; ++c) q[c] = (y + 1.4 * (q[c] - y) - 0.5) * 1.3 + 0.5 + 0.1;
         return q;
     });
     Values values{{"inputImage", imageOf(p)},

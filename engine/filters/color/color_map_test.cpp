@@ -9,8 +9,7 @@ TEST(CIColorMap, LooksLightUp) {
     Picture expected = filled(0, 0, 60, 40, [&](int x, int y) {
         Pixel q = p.get(x, y), out{};
         if (q[3] == 0) return out;
-        double light = (0.2126 * q[0] + 0.7152 * q[1] + 0.0722 * q[2]) / q[3];
-        double place = 22 * coded(std::clamp(light, 0.0, 1.0)), t = place - std::floor(place);
+        double place = std::clamp(23 * luminance(q) / q[3] - 0.5, 0.0, 22.0), t = place - std::floor(place);
         int i = int(place) - 7;
         for (int c = 0; c < 4; ++c)
             out[c] = q[3] * ((1 - t) * gradient.get(i, 5)[c] + t * gradient.get(std::min(i + 1, 15), 5)[c]);

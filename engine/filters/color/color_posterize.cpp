@@ -4,14 +4,12 @@
 
 namespace engine {
 
-/// So many even steps in each component of the coded colour, black and white among them: round(c (n - 1)) /
-/// (n - 1). Coded, because even steps of light would leave the eye next to none in the shadows. (Our own
-/// formula.)
+/// So many even steps in each component of linear light, black and white among them: round(c (n - 1)) /
+/// (n - 1). (Fitted to Core Image's picture, with which it agrees in every pixel.)
 static Image build(const Inputs& in) {
     float last = static_cast<float>(std::max(in.number("inputLevels", 1, 1e4) - 1, 1e-3));
-    return eachStraightColor(in.image("inputImage"), "posterize", [=](float v) SIMD_INLINE {
-        return simd::srgbToLinear(simd::floor(simd::linearToSrgb(v) * last + 0.5f) / last);
-    });
+    return eachStraightColor(in.image("inputImage"), "posterize",
+                             [=](float v) SIMD_INLINE { return simd::floor(v * last + 0.5f) / last; });
 }
 
 static const Registrar filter{

@@ -1,18 +1,27 @@
-// CIColorPosterize, against a reference in double precision.
-#include "reference.h"
+// CIColorPosterize, against pixels of Core Image's picture.
+#include "color_samples.h"
 
 using namespace reference;
 
-TEST(CIColorPosterize, LeavesEvenStepsOfCodedColour) {
-    // Away from the places where a step begins, which rounding may put on either side.
-    Picture p = filled(0, 0, 41, 7, [](int x, int y) -> Pixel {
-        double c = (x + 0.25) / 41.5, a = y < 3 ? 1 : 0.5;
-        return {a * linear(c), a * linear(1 - c), a * linear(c * 0.9), a};
-    });
-    Picture expected = mapped(p, [](Pixel q) {
-        for (int c = 0; c < 3; ++c) q[c] = linear(std::floor(coded(q[c]) * 3 + 0.5) / 3);
-        return q;
-    });
-    EXPECT_LT(error(filter("CIColorPosterize", {{"inputImage", imageOf(p)}, {"inputLevels", 4.0}}), expected),
-              floatError);
+TEST(CIColorPosterize, LeavesEvenStepsOfLight) {
+    expectColors({{121, 290, {251, 204, 28}, {255, 199, 0}},
+                  {122, 47, {127, 24, 15}, {106, 0, 0}},
+                  {544, 7, {79, 133, 35}, {106, 146, 0}},
+                  {32, 24, {225, 27, 18}, {220, 0, 0}},
+                  {119, 331, {206, 45, 53}, {199, 0, 0}},
+                  {330, 351, {235, 51, 27}, {238, 0, 0}},
+                  {164, 436, {249, 84, 30}, {255, 106, 0}}},
+                 [](const Image& image) {
+                     return filter("CIColorPosterize", {{"inputImage", image}, {"inputLevels", 8.0}});
+                 });
+}
+
+TEST(CIColorPosterize, StepsStraightColour) {
+    Picture p = filled(0, 0, 1, 1, [](int, int) { return Pixel{0.3, 0.1, 0.24, 0.5}; });
+    Picture got =
+        rendered(filter("CIColorPosterize", {{"inputImage", imageOf(p)}, {"inputLevels", 3.0}}), 0, 0, 1, 1);
+    EXPECT_NEAR(got.get(0, 0)[0], 0.25, floatError);
+    EXPECT_NEAR(got.get(0, 0)[1], 0, floatError);
+    EXPECT_NEAR(got.get(0, 0)[2], 0.25, floatError);
+    EXPECT_NEAR(got.get(0, 0)[3], 0.5, floatError);
 }

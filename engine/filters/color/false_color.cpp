@@ -5,7 +5,7 @@
 namespace engine {
 
 /// A mix of two colours, as much of the second as the pixel is bright; the picture's alpha multiplies it.
-/// (Public definition; that brightness is luminance is ours.)
+/// (Public definition; that brightness is linear luminance is fitted to Core Image's pictures.)
 static Image build(const Inputs& in) {
     Color color0 = in.color("inputColor0"), color1 = in.color("inputColor1");
     return eachPixel(in.image("inputImage"), "false color", [=](const RenderContext& context) {

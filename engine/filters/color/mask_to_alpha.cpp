@@ -4,7 +4,8 @@
 
 namespace engine {
 
-/// White that is as opaque as the pixel is bright. (Public definition; that brightness is luminance is ours.)
+/// White that is as opaque as the pixel is bright. (Public definition; that brightness is linear
+/// luminance is fitted to Core Image's pictures.)
 static Image build(const Inputs& in) {
     return eachPixel(in.image("inputImage"), "mask to alpha", [](Pixel p) SIMD_INLINE {
         float bright = simd::unit(luminance(p));

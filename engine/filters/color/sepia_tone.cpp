@@ -4,19 +4,18 @@
 
 namespace engine {
 
-/// The sepia matrix in common use, mixed with the picture by the intensity. It was made for coded colour: in
-/// linear light the curve of the display would take most of the brown away again. So the step codes and
-/// decodes around it.
+/// Each component of the brown is a power of the luminance, in linear light, mixed with the picture by the
+/// intensity. (Fitted to Core Image's pictures: within 0.0014 of 1, root mean square.)
 static Image build(const Inputs& in) {
     double intensity = in.number("inputIntensity", -10, 10);
     if (intensity == 0) return in.image("inputImage");
     return eachStraightPixel(in.image("inputImage"), "sepia",
                              [t = static_cast<float>(intensity)](Pixel p) SIMD_INLINE {
-                                 Pixel c = coded(p);
-                                 Pixel brown{0.393f * c.r + 0.769f * c.g + 0.189f * c.b,
-                                             0.349f * c.r + 0.686f * c.g + 0.168f * c.b,
-                                             0.272f * c.r + 0.534f * c.g + 0.131f * c.b, c.a};
-                                 return decoded(mix(c, brown, t));
+                                 float light = simd::max(luminance(p), 0);
+                                 return mix(p,
+                                            {simd::pow(light, 0.79f), 0.99f * simd::pow(light, 1.10f),
+                                             0.914f * simd::pow(light, 1.93f), p.a},
+                                            t);
                              });
 }
 

@@ -4,21 +4,30 @@
 
 namespace engine {
 
-/// Scales the distance of a colour from its luminance by 1 + amount (1 - saturation): dull colours change
-/// most, and vivid ones hardly. Hues between red and yellow, where skin is, change by half as much at their
-/// middle. (Our own formula.)
+/// Scales the distance of a colour from the mean of its components, in linear light.
+///
+/// An amount of -1 leaves 0.15 of it where a colour is vivid and 0.55 where it is dull, between these by the
+/// root of what the saturation lacks to 1; reds keep 0.19 however vivid they are. (Fitted to Core Image's
+/// pictures.) Smaller negative amounts take off their share of that. No picture of a positive amount is
+/// known: there it is the dull colours that change by 0.85 of the amount, vivid ones by 0.45, and reds, skin
+/// among them, by 0.25.
 static Image build(const Inputs& in) {
     double amount = in.number("inputAmount", -1, 1);
     if (amount == 0) return in.image("inputImage");
+    // The changes of dull, vivid and red colours.
+    Pixel change = amount < 0 ? Pixel{0.45f, 0.85f, 0.81f, 0} : Pixel{0.85f, 0.45f, 0.25f, 0};
+    change = change * static_cast<float>(amount);
     // Everything here is a ratio or in proportion, so premultiplied colours serve.
     return eachPixel(in.image("inputImage"), "vibrance",
-                     [amount = static_cast<float>(amount)](Pixel p) SIMD_INLINE {
-                         float y = luminance(p), high = largest(p);
-                         float saturation = high > 0 ? simd::unit((high - smallest(p)) / high) : 0;
-                         // From 0 at red to 1 at yellow, and beyond those where the hue is another.
-                         float hue = p.r > p.b ? simd::unit((p.g - p.b) / (p.r - p.b)) : 0;
-                         float gain = 1 + amount * (1 - saturation) * (1 - 2 * hue * (1 - hue));
-                         return eachColor(p, [=](float v) SIMD_INLINE { return y + gain * (v - y); });
+                     [dull = change.r, vivid = change.g, red = change.b](Pixel p) SIMD_INLINE {
+                         float mean = (p.r + p.g + p.b) * (1 / 3.f), high = largest(p),
+                               range = high - smallest(p);
+                         float saturation = high > 0 ? simd::unit(range / high) : 0;
+                         // 1 at red, 0 from yellow through green and blue to magenta.
+                         float redness = range > 0 ? simd::unit((p.r - simd::max(p.g, p.b)) / range) : 0;
+                         float gain =
+                             1 + simd::mix(simd::mix(vivid, dull, simd::sqrt(1 - saturation)), red, redness);
+                         return eachColor(p, [=](float v) SIMD_INLINE { return mean + gain * (v - mean); });
                      });
 }
 

@@ -1,4 +1,5 @@
-// The blend modes of PDF (ISO 32000-1, 11.3.5). Separable: CIMultiplyBlendMode, CIScreenBlendMode,
+// The blend modes of PDF (ISO 32000-1, 11.3.5), but for soft light and those that are not separable, which
+// Core Image's pictures show to be computed otherwise. Separable: CIMultiplyBlendMode, CIScreenBlendMode,
 // CIOverlayBlendMode, CIHardLightBlendMode, CISoftLightBlendMode, CIDarkenBlendMode, CILightenBlendMode,
 // CIDifferenceBlendMode, CIExclusionBlendMode, CIColorDodgeBlendMode, CIColorBurnBlendMode; and not:
 // CIHueBlendMode, CISaturationBlendMode, CIColorBlendMode, CILuminosityBlendMode.
@@ -37,10 +38,11 @@ SIMD_INLINE inline float hardLight(float s, float d) {
     return s <= 0.5f ? 2 * s * d : 1 - 2 * (1 - s) * (1 - d);
 }
 SIMD_INLINE inline float overlay(float s, float d) { return hardLight(d, s); }
+/// A gamma curve, from the square of the background under black to its root under white. (Fitted to Core
+/// Image's pictures.)
 SIMD_INLINE inline float softLight(float s, float d) {
-    float bright = d <= 0.25f ? ((16 * d - 12) * d + 4) * d : simd::sqrt(d);
-    float darker = d - (1 - 2 * s) * d * (1 - d), lighter = d + (2 * s - 1) * (bright - d);
-    return s <= 0.5f ? darker : lighter;
+    float darker = 2 - 2 * s, lighter = 1.5f - s;
+    return simd::pow(d, simd::max(s < 0.5f ? darker : lighter, 0));
 }
 SIMD_INLINE inline float darken(float s, float d) { return simd::min(s, d); }
 SIMD_INLINE inline float lighten(float s, float d) { return simd::max(s, d); }
@@ -53,34 +55,43 @@ SIMD_INLINE inline float colorBurn(float s, float d) {
     return d >= 1 ? 1 : s <= 0 ? 0 : 1 - simd::min(1, (1 - d) / s);
 }
 
-// PDF has weights of its own here, those of television's old primaries.
-SIMD_INLINE inline float luminosityOf(Pixel c) { return 0.3f * c.r + 0.59f * c.g + 0.11f * c.b; }
-SIMD_INLINE inline float saturationOf(Pixel c) { return largest(c) - smallest(c); }
-/// Its distance from the gray y, times f.
-SIMD_INLINE inline Pixel from(Pixel c, float y, float f) {
-    return eachColor(c, [=](float v) SIMD_INLINE { return y + (v - y) * f; });
+/// A colour of linear light between 0 and 1 in the parts of HSL, in which Core Image's pictures show these
+/// modes to be computed: the hue as each component's height between the least one at -1/2 and the largest at
+/// 1/2, or 0 where all are alike.
+struct Hsl {
+    Pixel hue;
+    float saturation, lightness;
+};
+/// The chroma of full saturation.
+SIMD_INLINE inline float fullChroma(float lightness) { return 1 - simd::abs(2 * lightness - 1); }
+SIMD_INLINE inline Hsl hsl(Pixel c) {
+    c = eachColor(c, [](float v) SIMD_INLINE { return simd::unit(v); });
+    float top = largest(c), bottom = smallest(c), chroma = top - bottom, lightness = 0.5f * (top + bottom);
+    float scale = chroma > 0 ? 1 / chroma : 0, full = fullChroma(lightness);
+    return {eachColor(c, [=](float v) SIMD_INLINE { return (v - lightness) * scale; }),
+            full > 0 ? simd::unit(chroma / full) : 0, lightness};
 }
-SIMD_INLINE inline Pixel withSaturation(Pixel c, float s) {
-    float bottom = smallest(c), range = largest(c) - bottom, f = range > 0 ? s / range : 0;
-    return eachColor(c, [=](float v) SIMD_INLINE { return (v - bottom) * f; });
-}
-/// Towards gray as far as it takes to stay within 0 and 1.
-SIMD_INLINE inline Pixel withLuminosity(Pixel c, float y) {
-    float d = y - luminosityOf(c);
-    c = eachColor(c, [=](float v) SIMD_INLINE { return v + d; });
-    float bottom = smallest(c), top = largest(c);
-    c = from(c, y, bottom < 0 && y > bottom ? y / (y - bottom) : 1);
-    return from(c, y, top > 1 && top > y ? (1 - y) / (top - y) : 1);
+SIMD_INLINE inline Pixel rgb(Pixel hue, float saturation, float lightness) {
+    float chroma = saturation * fullChroma(lightness);
+    return eachColor(hue, [=](float v) SIMD_INLINE { return lightness + chroma * v; });
 }
 
 SIMD_INLINE inline Pixel hue(Pixel s, Pixel d) {
-    return withLuminosity(withSaturation(s, saturationOf(d)), luminosityOf(d));
+    Hsl below = hsl(d);
+    return rgb(hsl(s).hue, below.saturation, below.lightness);
 }
 SIMD_INLINE inline Pixel saturation(Pixel s, Pixel d) {
-    return withLuminosity(withSaturation(d, saturationOf(s)), luminosityOf(d));
+    Hsl below = hsl(d);
+    return rgb(below.hue, hsl(s).saturation, below.lightness);
 }
-SIMD_INLINE inline Pixel colorOf(Pixel s, Pixel d) { return withLuminosity(s, luminosityOf(d)); }
-SIMD_INLINE inline Pixel luminosity(Pixel s, Pixel d) { return withLuminosity(d, luminosityOf(s)); }
+SIMD_INLINE inline Pixel colorOf(Pixel s, Pixel d) {
+    Hsl above = hsl(s);
+    return rgb(above.hue, above.saturation, hsl(d).lightness);
+}
+SIMD_INLINE inline Pixel luminosity(Pixel s, Pixel d) {
+    Hsl below = hsl(d);
+    return rgb(below.hue, below.saturation, hsl(s).lightness);
+}
 
 constexpr Mode modes[] = {
     {"CIMultiplyBlendMode",

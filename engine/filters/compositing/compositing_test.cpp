@@ -40,10 +40,7 @@ std::vector<Separable> separableModes() {
         blendMode("CIHardLightBlendMode", hard),
         blendMode("CIOverlayBlendMode", [=](double s, double d) { return hard(d, s); }),
         blendMode("CISoftLightBlendMode",
-                  [](double s, double d) {
-                      double bright = d <= 0.25 ? ((16 * d - 12) * d + 4) * d : std::sqrt(d);
-                      return s <= 0.5 ? d - (1 - 2 * s) * d * (1 - d) : d + (2 * s - 1) * (bright - d);
-                  }),
+                  [](double s, double d) { return std::pow(d, s < 0.5 ? 2 - 2 * s : 1.5 - s); }),
         blendMode("CIDarkenBlendMode", [](double s, double d) { return std::min(s, d); }),
         blendMode("CILightenBlendMode", [](double s, double d) { return std::max(s, d); }),
         blendMode("CIDifferenceBlendMode", [](double s, double d) { return std::abs(s - d); }),
@@ -66,40 +63,55 @@ struct NonSeparable {
     std::function<Rgb(const Rgb& s, const Rgb& d)> formula;
 };
 
-/// By the formulas of the PDF Reference.
+/// Hue in sixths of the circle, saturation and lightness, by the textbook.
+struct Hsl {
+    double hue, saturation, lightness;
+};
+
+Hsl toHsl(const Rgb& c) {
+    double top = std::max({c[0], c[1], c[2]}), bottom = std::min({c[0], c[1], c[2]}), range = top - bottom;
+    double lightness = (top + bottom) / 2;
+    if (range == 0) return {0, 0, lightness};
+    double saturation = lightness < 0.5 ? range / (top + bottom) : range / (2 - top - bottom);
+    double hue = top == c[0]   ? (c[1] - c[2]) / range
+                 : top == c[1] ? 2 + (c[2] - c[0]) / range
+                               : 4 + (c[0] - c[1]) / range;
+    return {hue < 0 ? hue + 6 : hue, saturation, lightness};
+}
+
+Rgb toRgb(const Hsl& c) {
+    double top = c.lightness < 0.5 ? c.lightness * (1 + c.saturation)
+                                   : c.lightness + c.saturation - c.lightness * c.saturation;
+    double bottom = 2 * c.lightness - top;
+    auto component = [&](double place) { // in sixths from its own peak
+        place = std::fmod(place + 6, 6);
+        return place < 1   ? bottom + (top - bottom) * place
+               : place < 3 ? top
+               : place < 4 ? bottom + (top - bottom) * (4 - place)
+                           : bottom;
+    };
+    return {component(c.hue + 2), component(c.hue), component(c.hue - 2)};
+}
+
+/// Parts of HSL from one and the other.
 std::vector<NonSeparable> nonSeparableModes() {
-    auto lum = [](const Rgb& c) { return 0.3 * c[0] + 0.59 * c[1] + 0.11 * c[2]; };
-    auto sat = [](const Rgb& c) {
-        return *std::max_element(c.begin(), c.end()) - *std::min_element(c.begin(), c.end());
-    };
-    auto setLum = [=](Rgb c, double l) {
-        double d = l - lum(c);
-        for (double& v : c) v += d;
-        double y = lum(c), n = *std::min_element(c.begin(), c.end()),
-               x = *std::max_element(c.begin(), c.end());
-        for (double& v : c) {
-            if (n < 0) v = y + (v - y) * y / (y - n);
-            if (x > 1) v = y + (v - y) * (1 - y) / (x - y);
-        }
-        return c;
-    };
-    auto setSat = [](const Rgb& c, double s) {
-        std::array<int, 3> order{0, 1, 2};
-        std::sort(order.begin(), order.end(), [&](int i, int k) { return c[i] < c[k]; });
-        Rgb out{};
-        double low = c[order[0]], middle = c[order[1]], high = c[order[2]];
-        if (high > low) {
-            out[order[1]] = (middle - low) * s / (high - low);
-            out[order[2]] = s;
-        }
-        return out;
-    };
     return {
-        {"CIHueBlendMode", [=](const Rgb& s, const Rgb& d) { return setLum(setSat(s, sat(d)), lum(d)); }},
+        {"CIHueBlendMode",
+         [](const Rgb& s, const Rgb& d) {
+             return toRgb({toHsl(s).hue, toHsl(d).saturation, toHsl(d).lightness});
+         }},
         {"CISaturationBlendMode",
-         [=](const Rgb& s, const Rgb& d) { return setLum(setSat(d, sat(s)), lum(d)); }},
-        {"CIColorBlendMode", [=](const Rgb& s, const Rgb& d) { return setLum(s, lum(d)); }},
-        {"CILuminosityBlendMode", [=](const Rgb& s, const Rgb& d) { return setLum(d, lum(s)); }},
+         [](const Rgb& s, const Rgb& d) {
+             return toRgb({toHsl(d).hue, toHsl(s).saturation, toHsl(d).lightness});
+         }},
+        {"CIColorBlendMode",
+         [](const Rgb& s, const Rgb& d) {
+             return toRgb({toHsl(s).hue, toHsl(s).saturation, toHsl(d).lightness});
+         }},
+        {"CILuminosityBlendMode",
+         [](const Rgb& s, const Rgb& d) {
+             return toRgb({toHsl(d).hue, toHsl(d).saturation, toHsl(s).lightness});
+         }},
     };
 }
 
@@ -176,4 +188,11 @@ TEST(AlphaAbove1, IsCodedForAlpha1AndMultiplied) {
         render(image, {0, 0, 1, 1}, {layout, below.data(), 4}, {0, 0, 1, 1}, options);
         EXPECT_EQ(below, got);
     }
+}
+
+TEST(SaturationBlendMode, LeavesGray) {
+    Image gray = crop(constant({0.5, 0.5, 0.5, 1}), {0, 0, 1, 1}),
+          red = crop(constant({1, 0, 0, 1}), {0, 0, 1, 1});
+    Values values{{"inputImage", red}, {"inputBackgroundImage", gray}};
+    EXPECT_LT(error(filter("CISaturationBlendMode", values), rendered(gray, 0, 0, 1, 1)), floatError);
 }

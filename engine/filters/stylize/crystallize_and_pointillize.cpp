@@ -1,19 +1,36 @@
 // CICrystallize, CIPointillize: crystals and dots of one colour each.
 #include "cells.h"
 
+#include <cmath>
+
 namespace engine {
 
 namespace {
 
-/// The places nearest to one of many points. One point lies anywhere in each square of a grid, whose squares
-/// are as large as a disc of the radius. A dot ends where it is farther from its point than the radius.
-class Crystals : public Cells {
+/// A warp to the nearest of many points. One point lies anywhere in each square of a grid, whose squares are
+/// as large as a disc of the radius.
+class Crystals : public Warp {
   public:
-    Crystals(double radius, bool dots) : side_(radius * std::sqrt(pi)), radius_(radius), dots_(dots) {}
-    CellPlace find(double x, double y) const override {
-        double u = x / side_, v = y / side_, least = Rect::inf;
+    Crystals(Point centre, double radius)
+        : centre_(centre), side_(radius * std::sqrt(pi)), reach_(side_ * std::numbers::sqrt2) {}
+
+    std::string name() const override { return "crystals"; }
+    Rect extent(const Rect& source) const override { return source.grown(reach_, reach_); }
+    Rect region(const Rect& area) const override { return area.grown(reach_, reach_); }
+    void displace(int x, int y, int n, float* dx, float* dy) const override {
+        for (int i = 0; i < n; ++i) {
+            Point way = toNearest((x + i + 0.5 - centre_.x) / side_, (y + 0.5 - centre_.y) / side_);
+            dx[i] = static_cast<float>(way.x * side_);
+            dy[i] = static_cast<float>(way.y * side_);
+        }
+    }
+
+  private:
+    /// In units of a square.
+    static Point toNearest(double u, double v) {
+        double least = Rect::inf;
+        Point best;
         int column = static_cast<int>(std::floor(u)), row = static_cast<int>(std::floor(v));
-        CellPlace best{column, row, 1};
         // How far, squared, a position is at least from what lies in a column or row of squares.
         auto away = [](double position, int square) {
             double d = std::max({square - position, position - square - 1, 0.0});
@@ -26,17 +43,13 @@ class Crystals : public Cells {
                 int i = column + di;
                 if (away(u, i) + away(v, j) >= least) continue;
                 std::uint32_t random = scrambled(i, j);
-                double dx = i + (random & 0xffff) / 65536.0 - u, dy = j + (random >> 16) / 65536.0 - v;
-                if (double square = dx * dx + dy * dy; square < least) least = square, best.i = i, best.j = j;
+                Point way{i + (random & 0xffff) / 65536.0 - u, j + (random >> 16) / 65536.0 - v};
+                if (double square = way.x * way.x + way.y * way.y; square < least) least = square, best = way;
             }
         }
-        least = std::sqrt(least) * side_;
-        if (dots_) best.coverage = static_cast<float>(std::clamp(radius_ + 0.5 - least, 0.0, 1.0));
         return best;
     }
-    double reach() const override { return 3 * side_; }
 
-  private:
     /// Bits that look random, always the same for a square (the finishing steps of G. L. Steele and others'
     /// SplitMix, 2014, for 32 bits).
     static std::uint32_t scrambled(int i, int j) {
@@ -47,14 +60,30 @@ class Crystals : public Cells {
         return z ^ (z >> 16);
     }
 
-    double side_, radius_;
-    bool dots_;
+    Point centre_;
+    double side_, reach_;
 };
 
-/// At the centre is the corner of a square of the grid.
-template <bool dots>
-Image build(const Inputs& in) {
-    return meansOfCells(in, std::make_shared<Crystals>(cellSize(in, "inputRadius"), dots));
+// At the centre is the corner of a square of the grid. (Where the points lie is our own: Core Image's places
+// are not known.)
+
+Image crystals(const Inputs& in) {
+    return warp(in.image("inputImage"),
+                std::make_shared<Crystals>(cellCentre(in), cellSize(in, "inputRadius")));
+}
+
+/// A dot ends where it is farther from its point than the radius.
+Image dots(const Inputs& in) {
+    double radius = cellSize(in, "inputRadius");
+    auto crystals = std::make_shared<Crystals>(cellCentre(in), radius);
+    return weighted(warp(in.image("inputImage"), crystals), "dots",
+                    [=, edge = static_cast<float>(radius + 0.5)](int x, int y, int n, float* weights) {
+                        alignas(32) float dx[maxSpan], dy[maxSpan];
+                        crystals->displace(x, y, n, dx, dy);
+                        eachIndex(n, [=, dx = dx, dy = dy](int i) SIMD_INLINE {
+                            weights[i] = simd::unit(edge - simd::sqrt(dx[i] * dx[i] + dy[i] * dy[i]));
+                        });
+                    });
 }
 
 FilterInfo info(const char* name, const char* displayName, const char* description,
@@ -72,9 +101,9 @@ FilterInfo info(const char* name, const char* displayName, const char* descripti
 }
 
 const Registrar crystallize{
-    info("CICrystallize", "Crystallize", "Makes a picture of crystals of one colour each.", build<false>)};
+    info("CICrystallize", "Crystallize", "Makes a picture of crystals of one colour each.", crystals)};
 const Registrar pointillize{
-    info("CIPointillize", "Pointillize", "Paints a picture with dots of one colour each.", build<true>)};
+    info("CIPointillize", "Pointillize", "Paints a picture with dots of one colour each.", dots)};
 
 } // namespace
 

