@@ -238,55 +238,48 @@ class GaussianNode : public BlurNode {
 /// subtracting leave no residue.
 class BoxNode : public BlurNode {
   public:
-    BoxNode(const Image& image, double radius)
-        : BlurNode(image, std::ceil(radius), std::ceil(radius)), whole_(static_cast<int>(radius)),
-          part_(static_cast<float>(radius - whole_)), scale_(1 / (2 * radius + 1)) {}
+    BoxNode(const Image& image, int reach)
+        : BlurNode(image, reach, reach), reach_(reach), scale_(1 / (2.0 * reach + 1)) {}
 
     std::string name() const override { return "box blur"; }
     std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
-        int reach = whole_ + 1;
-        Pixels rows({area.x0, area.y0 - reach, area.x1, area.y1 + reach});
+        Pixels rows({area.x0, area.y0 - reach_, area.x1, area.y1 + reach_});
         rows.clear();
-        IntRect wide{area.x0 - reach, rows.area.y0, area.x1 + reach, rows.area.y1};
+        IntRect wide{area.x0 - reach_, rows.area.y0, area.x1 + reach_, rows.area.y1};
         context.stream(inputs()[0], wide, [&](int y, const Span& in) {
             for (int c = 0; c < 4; ++c) average(in.plane[c], rows.row(y).plane[c], area.width());
         });
         Pixels out(area);
         int floats = static_cast<int>(out.rowStep());
         std::vector<double> sums(floats);
-        auto line = [&](int y) { return rows.row(y).plane[0]; };
-        auto add = [&](const float* p, double sign) {
+        auto add = [&](int y, double sign) {
+            const float* p = rows.row(y).plane[0];
             for (int i = 0; i < floats; ++i) sums[i] += sign * p[i];
         };
-        for (int y = area.y0 - whole_; y < area.y0 + whole_; ++y) add(line(y), 1);
+        for (int y = area.y0 - reach_; y < area.y0 + reach_; ++y) add(y, 1);
         for (int y = area.y0; y < area.y1; ++y) {
-            add(line(y + whole_), 1);
-            const float *below = line(y - reach), *above = line(y + reach);
+            add(y + reach_, 1);
             float* to = out.row(y).plane[0];
-            for (int i = 0; i < floats; ++i)
-                to[i] = static_cast<float>((sums[i] + static_cast<double>(part_ * (below[i] + above[i]))) *
-                                           scale_);
-            add(line(y - whole_), -1);
+            for (int i = 0; i < floats; ++i) to[i] = static_cast<float>(sums[i] * scale_);
+            add(y - reach_, -1);
         }
         return std::make_shared<Computed>(std::move(out));
     }
 
   private:
-    /// `in` begins whole_ + 1 pixels before the first result.
+    /// `in` begins reach_ pixels before the first result.
     void average(const float* in, float* out, int n) const {
-        int side = 2 * whole_ + 1;
+        int side = 2 * reach_ + 1;
         double sum = 0;
-        for (int i = 1; i < side; ++i) sum += in[i];
+        for (int i = 0; i < side - 1; ++i) sum += in[i];
         for (int i = 0; i < n; ++i) {
-            sum += in[i + side];
-            out[i] =
-                static_cast<float>((sum + static_cast<double>(part_ * (in[i] + in[i + side + 1]))) * scale_);
-            sum -= in[i + 1];
+            sum += in[i + side - 1];
+            out[i] = static_cast<float>(sum * scale_);
+            sum -= in[i];
         }
     }
 
-    int whole_;
-    float part_;
+    int reach_;
     double scale_;
 };
 
@@ -299,9 +292,9 @@ Image gaussian(const Image& image, double sigma) {
     return std::make_shared<GaussianNode>(image, std::min(sigma, 2000.0));
 }
 
-Image boxBlur(const Image& image, double radius) {
-    if (!image || !(radius > 0) || image->extent().isEmpty()) return image;
-    return std::make_shared<BoxNode>(image, std::min(radius, 1000.0));
+Image boxBlur(const Image& image, int reach) {
+    if (!image || reach <= 0 || image->extent().isEmpty()) return image;
+    return std::make_shared<BoxNode>(image, reach);
 }
 
 } // namespace engine

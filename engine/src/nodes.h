@@ -48,8 +48,8 @@ Image combine(std::string name, const Rect& extent, std::vector<Image> images, C
 
 /// Convolution with a Gaussian of standard deviation `sigma`.
 Image gaussian(const Image& image, double sigma);
-/// The mean of the square that reaches `radius` pixels to each side of a pixel.
-Image boxBlur(const Image& image, double radius);
+/// The mean of the square that reaches `reach` pixels to each side of a pixel.
+Image boxBlur(const Image& image, int reach);
 
 /// Computes pixels x..x+n-1 of row y from the pixels around them, which `in` holds.
 using NeighbourFunction = std::function<void(const Pixels& in, int x, int y, int n, const Span& out)>;

@@ -5,13 +5,18 @@ using namespace reference;
 
 TEST(CIBoxBlur, IsTheMeanOfASquare) {
     Picture p = noise(50, 41, 9);
-    for (double radius : {1.0, 3.0, 7.25}) {
-        auto weight = [=](int k) {
-            return std::clamp(radius + 1 - std::abs(k), 0.0, 1.0) / (2 * radius + 1);
-        };
-        Picture truth = bothWays(p, 9, weight);
-        EXPECT_LT(error(filter("CIBoxBlur", {{"inputImage", imageOf(p)}, {"inputRadius", radius}}), truth),
-                  floatError)
-            << radius;
+    // The side of Core Image's square with a radius of 40 is 39 pixels.
+    const struct {
+        double radius;
+        int side;
+    } cases[] = {{1, 1}, {2.9, 1}, {3, 3}, {10, 9}, {40, 39}};
+    for (auto [radius, side] : cases) {
+        int reach = side / 2;
+        auto weight = [side = side](int) { return 1.0 / side; };
+        Image image = filter("CIBoxBlur", {{"inputImage", imageOf(p)}, {"inputRadius", radius}});
+        EXPECT_LT(error(image, bothWays(p, reach, weight)), floatError) << radius;
+        EXPECT_EQ(image->extent(), (Rect{0, 0, 50, 41}.grown(reach, reach))) << radius;
+        EXPECT_LT(difference(inTiles(image, -20, -20, 90, 81), rendered(image, -20, -20, 90, 81)),
+                  floatError);
     }
 }

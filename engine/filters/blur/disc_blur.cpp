@@ -16,17 +16,15 @@ struct Row {
     float part;
 };
 
-/// The rows of a disc from its middle outwards. The disc reaches half a pixel farther than the radius, so
-/// that with 0 it is one pixel; a row is as long as the mean of the disc's width within it.
-std::vector<Row> rowsOf(double radius) {
-    double r = radius + 0.5;
+/// The rows of a disc from its middle outwards. A row is as long as the mean of the disc's width within it.
+std::vector<Row> rowsOf(double r) {
     // The integral of the half width from the middle to y.
     auto area = [=](double y) {
         y = std::clamp(y, -r, r);
         return 0.5 * (y * std::sqrt(r * r - y * y) + r * r * std::asin(y / r));
     };
     std::vector<Row> rows;
-    for (int dy = 0; dy < radius + 1; ++dy) {
+    for (int dy = 0; dy < r + 0.5; ++dy) {
         double beyond = std::max(area(dy + 0.5) - area(dy - 0.5) - 0.5, -0.5);
         // A row narrower than a pixel is a part of the middle one alone.
         int whole = beyond < 0 ? -1 : static_cast<int>(beyond);
@@ -40,8 +38,8 @@ std::vector<Row> rowsOf(double radius) {
 class DiscNode : public Node {
   public:
     DiscNode(const Image& image, double radius)
-        : Node(image->extent().grown(std::ceil(radius), std::ceil(radius)), {image}), rows_(rowsOf(radius)),
-          reach_(static_cast<int>(rows_.size())) {
+        : Node(image->extent().grown(std::ceil(radius) + 2, std::ceil(radius) + 2), {image}),
+          rows_(rowsOf(radius)), reach_(static_cast<int>(rows_.size())) {
         double sum = 0;
         for (std::size_t k = 0; k < rows_.size(); ++k) {
             const Row& row = rows_[k];
@@ -92,11 +90,12 @@ class DiscNode : public Node {
     float scale_;
 };
 
-/// The mean of the disc around each pixel.
+/// The mean of the disc around each pixel. (Fitted to Core Image's picture, mean residual 0.4 of 255: Core
+/// Image approximates. So is the extent, two pixels larger than the disc needs.)
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double radius = in.number("inputRadius", 0, 1000);
-    if (!image || radius == 0 || image->extent().isEmpty()) return image;
+    if (!image || radius < 0.5 || image->extent().isEmpty()) return image;
     return std::make_shared<DiscNode>(image, radius);
 }
 

@@ -6,28 +6,36 @@ namespace engine {
 
 namespace {
 
+/// How much the surroundings count both ways, from the middle outwards: a Gaussian of 1.3 pixels.
+constexpr float weights[] = {0.322f, 0.2415f, 0.0975f};
+
 /// A pixel whose brightness is within the noise level of its surroundings is replaced by them; a larger
 /// difference is an edge and is amplified by the sharpness. Between one and two times the level, one passes
-/// into the other. The surroundings are 3 by 3 pixels with the weights 1 2 1 both ways. (Core Image
-/// distinguishes noise from edges, too; the formula is ours.)
+/// into the other. (The surroundings are fitted to Core Image's picture with all of it noise, mean residual
+/// 0.29 of 255. It distinguishes noise from edges, too; how is our own.)
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double level = in.number("inputNoiseLevel", 0, 1e3), sharpness = in.number("inputSharpness", 0, 100);
     if (level == 0 && sharpness == 0) return image;
-    return neighbourhood(image, "noise reduction", 1, [=](const RenderContext&) -> NeighbourFunction {
+    return neighbourhood(image, "noise reduction", 2, [=](const RenderContext&) -> NeighbourFunction {
         return [noise = static_cast<float>(level), perNoise = static_cast<float>(1 / std::max(level, 1e-6)),
                 sharpness = static_cast<float>(sharpness)](const Pixels& around, int x, int y, int n,
                                                            const Span& out) {
             SpanBuffer difference;
-            for (int c = 0; c < 4; ++c)
-                eachIndex(n, [p = around.at(x, y - 1).plane[c], q = around.at(x, y).plane[c],
-                              r = around.at(x, y + 1).plane[c], o = out.plane[c],
-                              d = difference.span().plane[c]](int i) SIMD_INLINE {
-                    float corners = p[i - 1] + p[i + 1] + r[i - 1] + r[i + 1];
-                    float sides = p[i] + q[i - 1] + q[i + 1] + r[i];
-                    o[i] = q[i];
-                    d[i] = q[i] - (corners + 2 * sides + 4 * q[i]) * 0.0625f;
+            for (int c = 0; c < 4; ++c) {
+                alignas(32) float columns[maxSpan + 4]; // begin two pixels before x
+                eachIndex(n + 4, [m = around.at(x - 2, y).plane[c], step = around.rowStep(),
+                                  to = &columns[0]](int i) SIMD_INLINE {
+                    to[i] = weights[0] * m[i] + weights[1] * (m[i + step] + m[i - step]) +
+                            weights[2] * (m[i + 2 * step] + m[i - 2 * step]);
                 });
+                eachIndex(n, [p = &columns[2], q = around.at(x, y).plane[c], o = out.plane[c],
+                              d = difference.span().plane[c]](int i) SIMD_INLINE {
+                    o[i] = q[i];
+                    d[i] = q[i] - (weights[0] * p[i] + weights[1] * (p[i - 1] + p[i + 1]) +
+                                   weights[2] * (p[i - 2] + p[i + 2]));
+                });
+            }
             auto changed = [=](Pixel p, Pixel difference) SIMD_INLINE {
                 float bright = simd::abs(luminance(difference));
                 float edge = noise > 0 ? simd::unit((bright - noise) * perNoise) : 1;
