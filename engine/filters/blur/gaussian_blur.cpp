@@ -5,7 +5,8 @@ namespace engine {
 
 namespace {
 
-/// The radius is the standard deviation in pixels, as measured on Core Image.
+/// The radius is the standard deviation in pixels. (Fitted to Core Image's picture, mean residual 0.12 of
+/// 255. Its extent is larger, but there is nothing in it beyond 2.8 deviations.)
 Image build(const Inputs& in) { return gaussian(in.image("inputImage"), in.number("inputRadius", 0, 1e6)); }
 
 const Registrar filter{

@@ -31,9 +31,11 @@ std::vector<Tap> line(double sigma, double step, double angle) {
     return taps;
 }
 
-/// A Gaussian with the standard deviation `radius` along the angle and none across it, as measured on Core
-/// Image. A long one is made of two: the second has points far apart, and the first, 0.7 times their
-/// distance, has smoothed away the gaps between them.
+/// A Gaussian with the standard deviation `radius` along the angle and none across it. (Fitted to Core
+/// Image's picture, mean residual 0.9 of 255 where the picture's edges have no part. Beyond those, twice
+/// as far as the blur can be seen, that picture has a constant haze of 8 and 15 %; ours has none.) A long one
+/// is made of two: the second has points far apart, and the first, 0.7 times their distance, has smoothed
+/// away the gaps between them.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double radius = in.number("inputRadius", 0, 1000), angle = in.number("inputAngle", -1e6, 1e6);

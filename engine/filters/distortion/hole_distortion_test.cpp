@@ -13,7 +13,7 @@ TEST(CIHoleDistortion, PushesOutwards) {
     for (int y = -40; y < 100; ++y)
         for (int x = -40; x < 100; ++x)
             for (double& v : expected.at(x, y))
-                v *= std::clamp(std::hypot(x + 0.5 - centre.x, y + 0.5 - centre.y) - 10.5, 0.0, 1.0);
+                v *= std::clamp(std::hypot(x + 0.5 - centre.x, y + 0.5 - centre.y) - 11, 0.0, 1.0);
     // The extent cuts at where the picture's edge goes, and interpolation shows half a pixel beyond that.
     Rect inside = image->extent().integral();
     for (int y = -40; y < 100; ++y)
@@ -37,5 +37,11 @@ TEST(CIHoleDistortion, HasTheEdgesOfCoreImagesPicture) {
             EXPECT_LT(alphaAt("CIHoleDistortion", 500, 267, values, x, y), 0.05) << x << ' ' << y;
         for (double x : {left + 2, from - 4, to + 4, right - 2})
             EXPECT_GT(alphaAt("CIHoleDistortion", 500, 267, values, x, y), 0.95) << x << ' ' << y;
+    }
+    // Pixels by the hole's edge, and their alpha in the picture, of 255.
+    const std::pair<double, double> edge[] = {{84.8, 0}, {85.25, 62}, {85.5, 132}, {85.75, 188}, {86.2, 255}};
+    for (auto [distance, alpha] : edge) {
+        values["inputCenter"] = Numbers{235.5 - distance, 150.5};
+        EXPECT_NEAR(alphaAt("CIHoleDistortion", 500, 267, values, 235.5, 150.5) * 255, alpha, 6) << distance;
     }
 }

@@ -9,8 +9,8 @@ namespace engine {
 namespace {
 
 /// The circle around the centre in `count` sectors, each its own mirror image: a pixel at an angle t to
-/// either side of the middle of its sector reads at the angle t beyond inputAngle. Found so in pictures of
-/// Core Image.
+/// either side of the middle of its sector reads at the angle t beyond inputAngle. (Fitted to Core Image's
+/// picture, whose pixels begin at the fractional corner of its extent: mean residual 0.5 of 255 there.)
 class Kaleidoscope : public Warp {
   public:
     Kaleidoscope(Point centre, double count, double angle)

@@ -9,7 +9,8 @@ namespace engine {
 namespace {
 
 /// Squares, side by side, that each show the picture around their own middle, made smaller by the scale.
-/// (Core Image does not document its formula; this one has its identity, and more copies at larger scales.)
+/// (Our own: no picture of Core Image's is known. It has Core Image's identity, and more copies at larger
+/// scales.)
 class Segments : public Warp {
   public:
     Segments(Point centre, double scale, double angle, double width)

@@ -7,42 +7,46 @@ namespace engine::perspective {
 
 namespace {
 
-/// Copies of the picture side by side up to the horizon.
+/// Copies of the picture side by side up to the horizon. A copy goes from the middles of the outermost pixels
+/// to the middles of the opposite ones, and those are what comes to the four points. (Fitted to Core Image's
+/// picture, mean residual 0.25 of 255.)
 class PerspectiveTiles : public Warp {
   public:
-    PerspectiveTiles(const Projection& back, const Rect& source) : back_(back), source_(source) {}
+    PerspectiveTiles(const Projection& back, const Rect& cell) : back_(back), cell_(cell) {}
 
     std::string name() const override { return "perspective tile"; }
     Rect extent(const Rect&) const override { return Rect::infinite(); }
-    Rect region(const Rect&) const override { return source_; }
+    Rect region(const Rect&) const override { return cell_; }
     void displace(int x, int y, int n, float* dx, float* dy) const override {
         for (int i = 0; i < n; ++i) {
             Point to{x + i + 0.5, y + 0.5};
             std::optional<Point> from = back_(to);
-            if (from)
-                from =
-                    Point{within(source_.x0, source_.x1, from->x), within(source_.y0, source_.y1, from->y)};
-            displaceTo(from.value_or(outside(source_)), to, dx[i], dy[i]);
+            if (from) from = Point{within(cell_.x0, cell_.x1, from->x), within(cell_.y0, cell_.y1, from->y)};
+            displaceTo(from.value_or(outside(cell_)), to, dx[i], dy[i]);
         }
     }
 
+    /// A picture of one row or column has no middles to go between.
+    static Rect cell(const Rect& extent) {
+        double dx = extent.width() > 1 ? 0.5 : 0, dy = extent.height() > 1 ? 0.5 : 0;
+        return extent.grown(-dx, -dy);
+    }
+
   private:
-    /// Copies meet at their outermost pixels, so that no gap shows between them.
     static double within(double low, double high, double v) {
-        double size = high - low;
-        v -= std::floor((v - low) / size) * size;
-        return std::clamp(v, std::min(low + 0.5, (low + high) / 2), std::max(high - 0.5, (low + high) / 2));
+        return v - std::floor((v - low) / (high - low)) * (high - low);
     }
 
     Projection back_;
-    Rect source_;
+    Rect cell_;
 };
 
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     if (!image) return nullptr;
-    auto back = fromPoints(image->extent(), corners(in));
-    return back ? warp(image, std::make_shared<PerspectiveTiles>(*back, image->extent())) : empty();
+    Rect cell = PerspectiveTiles::cell(image->extent());
+    auto back = fromPoints(cell, corners(in));
+    return back ? warp(image, std::make_shared<PerspectiveTiles>(*back, cell)) : empty();
 }
 
 const Registrar filter{

@@ -11,14 +11,12 @@ TEST(CIPerspectiveTile, ReachesTheHorizon) {
         return Numbers{x / w, y / w};
     };
     Image image = filter("CIPerspectiveTile", {{"inputImage", imageOf(p)},
-                                               {"inputBottomLeft", seen(0, 0)},
-                                               {"inputBottomRight", seen(20, 0)},
-                                               {"inputTopRight", seen(20, 16)},
-                                               {"inputTopLeft", seen(0, 16)}});
+                                               {"inputBottomLeft", seen(0.5, 0.5)},
+                                               {"inputBottomRight", seen(19.5, 0.5)},
+                                               {"inputTopRight", seen(19.5, 15.5)},
+                                               {"inputTopLeft", seen(0.5, 15.5)}});
     EXPECT_EQ(image->extent(), Rect::infinite());
-    auto within = [](double v, double size) {
-        return std::clamp(v - std::floor(v / size) * size, 0.5, size - 0.5);
-    };
+    auto within = [](double v, double size) { return v - std::floor((v - 0.5) / (size - 1)) * (size - 1); };
     Picture expected = filled(-50, -20, 130, 90, [&](int x, int y) {
         double w = 1 - 0.02 * (y + 0.5);
         if (w <= 0) return Pixel{};
