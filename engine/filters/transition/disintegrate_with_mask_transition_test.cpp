@@ -19,7 +19,7 @@ TEST(CIDisintegrateWithMaskTransition, FollowsAMask) {
     double time = 0.4;
     auto left = [&](int x, int y) {
         Pixel m = mask.get(x, y);
-        double light = coded(0.2126 * m[0] + 0.7152 * m[1] + 0.0722 * m[2]);
+        double light = coded(luminance(m));
         return 1 - std::clamp((light - 1 + time * 1.05) / 0.05, 0.0, 1.0);
     };
     Picture remains = filled(0, 0, 40, 30, [&](int x, int y) { return Pixel{0, 0, 0, left(x, y)}; });
