@@ -92,6 +92,8 @@ TEST(CILineScreen, RisesFromLinesAcrossTheAngle) {
     EXPECT_NEAR(printed("CILineScreen", 0.9, 6, 3, 0.7), (0.9 - 1) / 0.3 + 0.5, 1e-4);
     EXPECT_NEAR(printed("CILineScreen", 0.1, 40, 1, 0.7, M_PI / 2), (0.1 - 1 / 6.) / 0.3 + 0.5, 1e-4);
     EXPECT_NEAR(printed("CILineScreen", 0.4, 3, 0, 0), 0.4, 1e-4) << "the softest";
+    EXPECT_NEAR(printed("CILineScreen", 0, 0, 0, 1), 0.5, 1e-6)
+        << "the sharpest, where light and pattern meet";
     expectAlphaKept("CILineScreen");
     expectBlackAndWhite("CILineScreen");
 }
