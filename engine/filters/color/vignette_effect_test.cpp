@@ -1,5 +1,5 @@
 // CIVignetteEffect, against pixels of Core Image's picture.
-#include "color_samples.h"
+#include "picture_samples.h"
 
 using namespace reference;
 

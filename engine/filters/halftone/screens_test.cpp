@@ -1,6 +1,6 @@
 // CICircularScreen, CIDotScreen, CIHatchedScreen and CILineScreen, against pixels of Core Image's pictures
 // and against what its pictures fit.
-#include "color_samples.h"
+#include "picture_samples.h"
 
 using namespace reference;
 
