@@ -268,8 +268,12 @@ bool compare(const Case& c, const Options& options, const std::map<std::string, 
     auto limit = limits.find(name);
     if (limit != limits.end())
         for (const auto& [key, number] : limit->second.inputs)
-            [filter setValue:[NSNumber numberWithDouble:number] forKey:text(key)];
+            if (key != "scale") [filter setValue:[NSNumber numberWithDouble:number] forKey:text(key)];
     CIImage* output = [filter valueForKey:@"outputImage"];
+    if (limit != limits.end() && limit->second.inputs.count("scale")) {
+        CGFloat scale = static_cast<CGFloat>(limit->second.inputs.at("scale"));
+        output = [output imageByApplyingTransform:CGAffineTransformMakeScale(scale, scale)];
+    }
     CIImage* picture = imageAt(c, c.picture);
     Bitmap theirs = rendered(picture, [picture extent]);
     CGRect extent = [output extent];
