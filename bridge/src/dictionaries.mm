@@ -29,8 +29,7 @@ void refreshMethods(REALobject dictionary) {
 
 NSDictionary* NewNSDictionary(REALobject dictionary) {
     if (!dictionary) return nil;
-    std::int32_t count = 0;
-    REALGetPropValueInt32(dictionary, "Count", &count);
+    std::int32_t count = host::propertyValue(REALGetPropValueInt32, dictionary, "Count");
     if (count < 1) return [NSDictionary dictionary];
     NSMutableDictionary* result = [NSMutableDictionary dictionaryWithCapacity:static_cast<NSUInteger>(count)];
     for (std::int32_t i = 0; result && i < count; ++i) {

@@ -13,15 +13,12 @@ using bridge::Owned;
 constexpr double kFailedLocksNeedNoUnlock = 2012.0;
 
 struct Size {
-    std::int32_t width = 0, height = 0;
+    std::int32_t width, height;
 };
 
-// A failed read counts as 0.
 Size sizeOf(REALpicture picture) {
-    Size size;
-    REALGetPropValueInt32(host::asObject(picture), "Width", &size.width);
-    REALGetPropValueInt32(host::asObject(picture), "Height", &size.height);
-    return size;
+    return {host::propertyValue(REALGetPropValueInt32, host::asObject(picture), "Width"),
+            host::propertyValue(REALGetPropValueInt32, host::asObject(picture), "Height")};
 }
 
 void drawWhole(REALpicture destination, REALpicture source, Size size) {

@@ -473,6 +473,16 @@ TEST_P(ImagesByCopy, FallBackToTheDescriptionWhenTheSizeCannotBeRead) {
     EXPECT_EQ(log, (Log{"lock P8", "unlock P"}));
 }
 
+TEST_P(ImagesByCopy, TakeASideThatCannotBeReadFor0WhateverTheHostWrote) {
+    replace(
+        "REALGetPropValueInt", +[](REALobject, const char*, std::int32_t* out) {
+            *out = 9;
+            return false;
+        });
+    EXPECT_EQ(image(picture), colors());
+    EXPECT_EQ(steps, Log{"new 0 0 32"});
+}
+
 TEST_P(ImagesByCopy, AreNullForANullPicture) {
     EXPECT_EQ(CreateCGImageInternal(nullptr, handle(mask)), nullptr);
     EXPECT_EQ(log, Log{});
@@ -629,6 +639,17 @@ TEST_P(ImagesOfPictures, AreNullWhenASideOfTheCopyCannotBeRead) {
         EXPECT_EQ(bridge::copyCGImage(handle(picture)), nullptr) << side;
         EXPECT_EQ(log, expected(upToTheCopy({}))) << side;
     }
+}
+
+TEST_P(ImagesOfPictures, AreNullWhenASideOfTheCopyCannotBeReadWhateverTheHostWrote) {
+    modes[handle(picture)] = Fails;
+    replace(
+        "REALGetPropValueInt", +[](REALobject, const char*, std::int32_t* out) {
+            *out = 9;
+            return false;
+        });
+    EXPECT_EQ(bridge::copyCGImage(handle(picture)), nullptr);
+    EXPECT_EQ(log, expected(upToTheCopy({})));
 }
 
 TEST_P(ImagesOfPictures, AreNullWhenASideOfTheCopyIsBelow1) {
