@@ -116,6 +116,12 @@ TEST_F(Errors, NumbersAreSixtyFourBitsWide) {
                   "-78187493530.");
 }
 
+TEST_F(Errors, TheLowerBoundIsPrintedAs0WhateverItIs) {
+    EXPECT_RAISED(raised([] { RaiseOutOfBoundsException(7, 5, 4, "index", "Component"); }),
+                  "OutOfBoundsException",
+                  "Parameter index to method Component is too big. Range is 0 to 3, but value is 7.");
+}
+
 TEST_F(Errors, MissingNamesBecomeQuestionMarks) {
     EXPECT_RAISED(outOfBounds(1, 1, nullptr, nullptr), "OutOfBoundsException",
                   "Parameter ? to method ? is too big. Range is 0 to 0, but value is 1.");

@@ -120,8 +120,9 @@ const char* StringGetCString(REALstring string) {
     return string ? StringCell::of(string).buffer + 1 : "";
 }
 
-const void* REALGetStringCFString(REALstring string, std::uint32_t) {
+const void* REALGetStringCFString(REALstring string, std::uint32_t flags) {
     if (!heap().check(string, "REALGetStringCFString")) return nullptr;
+    if (flags) heap().violation("REALGetStringCFString: the flags are not 0");
     return makeCFString(toUtf8(string));
 }
 
@@ -279,7 +280,8 @@ void* loadByDeclaration(const char* declaration, Find find) {
     }
 }
 
-void* REALLoadGlobalMethod(void*, const char* declaration) {
+void* REALLoadGlobalMethod(void* null, const char* declaration) {
+    if (null) heap().violation("REALLoadGlobalMethod: the first argument is not null");
     return loadByDeclaration(declaration, [](const Signature& wanted) -> void* {
         for (const Method* function : classes().functionsNamed(wanted.name))
             if (sameSignature(function->signature, wanted)) return functionForPlugins(*function, false);
@@ -610,8 +612,6 @@ void* Services::find(std::string_view entryName) const {
     return nullptr;
 }
 
-// ---- faults ----------------------------------------------------------------------------------------------
-
 // ---- the log ---------------------------------------------------------------------------------------------
 
 void Services::note(void* function, ServiceCall call) {
@@ -622,6 +622,8 @@ void Services::note(void* function, ServiceCall call) {
             return;
         }
 }
+
+// ---- faults ----------------------------------------------------------------------------------------------
 
 void Services::fail(std::string_view service, int afterGoodCalls) {
     if (!find(service)) throw UsageError("there is no service " + std::string(service));

@@ -100,6 +100,30 @@ TEST(Yielding, RunsTheHandler) {
     EXPECT_EQ(host.function("WaitTest", {3}).integer(), 3);
     EXPECT_EQ(times, 3);
 }
+
+// --- what the interface fixes -----------------------------------------------------------------------------
+
+TEST(FixedArguments, TheFirstOfALookUpIsNull) {
+    Host host;
+    auto global = SERVICE_OF(host, REALLoadGlobalMethod);
+    EXPECT_TRUE(global(nullptr, "LenB( s as string ) as integer"));
+    EXPECT_TRUE(host.report().violations.empty());
+    EXPECT_TRUE(global(&host, "LenB( s as string ) as integer"));
+    EXPECT_EQ(host.report().violations,
+              std::vector<std::string>{"REALLoadGlobalMethod: the first argument is not null"});
+}
+
+TEST(FixedArguments, TheFlagsOfATextAre0) {
+    Host host;
+    auto text = SERVICE_OF(host, REALGetStringCFString);
+    Value string("text");
+    EXPECT_TRUE(text(string.stringHandle(), 0));
+    EXPECT_TRUE(host.report().violations.empty());
+    EXPECT_TRUE(text(string.stringHandle(), 1));
+    EXPECT_EQ(host.report().violations,
+              std::vector<std::string>{"REALGetStringCFString: the flags are not 0"});
+}
+
 // --- the log ----------------------------------------------------------------------------------------------
 
 TEST(Log, NotesEachCallWithItsObjectAndItsTextWhileItIsOn) {
