@@ -206,7 +206,8 @@ REALstringArray filterNamesInCategories(REALstringArray categoryNames) {
         if (!names) return nil;
         for (std::int32_t i = 0; i <= upperBound; ++i) {
             host::Held element(host::stringArrayValue(categoryNames, i));
-            if (NSString* name = bridge::temporaryString(element.get())) [names addObject:name];
+            // A name that cannot be converted is added, too: Cocoa raises.
+            if (element) [names addObject:bridge::temporaryString(element.get())];
         }
         return [CIFilter filterNamesInCategories:names];
     });
