@@ -323,6 +323,54 @@ TEST_F(Errors, TheHostGetsTheExceptionThatTheFamilyMakes) {
     expectClean();
 }
 
+TEST_F(Errors, AFamilyThatComesLaterMakesTheExceptionsFromThenOn) {
+    testing::internal::CaptureStderr();
+    bridge::guarded([] { failingBody(); });
+    EXPECT_EQ(host.takePendingException().className(), "RuntimeException");
+    publish(
+        @selector(NewNSExceptionKaz:),
+        +[](id, SEL, NSException*) { return REALnewInstance("OutOfBoundsException"); });
+    bridge::guarded([] { failingBody(); });
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(host.takePendingException().className(), "OutOfBoundsException");
+    expectClean();
+}
+
+// The maker is sent its message without being asked first, so one that Cocoa forwards counts as well.
+TEST_F(Errors, AMakerThatAnswersByForwardingIsSentTheMessage) {
+    publish(
+        @selector(methodSignatureForSelector:),
+        +[](id, SEL, SEL) { return [NSMethodSignature signatureWithObjCTypes:"^v12@0:4@8"]; });
+    publish(
+        @selector(forwardInvocation:), +[](id, SEL, NSInvocation* invocation) {
+            REALobject made = REALnewInstance("OutOfBoundsException");
+            [invocation setReturnValue:&made];
+        });
+    testing::internal::CaptureStderr();
+    bridge::guarded([] { failingBody(); });
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(host.takePendingException().className(), "OutOfBoundsException");
+    expectClean();
+}
+
+TEST_F(Errors, WhatTheFamilysMakerRaisesPasses) {
+    publish(
+        @selector(NewNSExceptionKaz:), +[](id, SEL, NSException*) -> REALobject {
+            [NSException raise:NSGenericException format:@"the maker's own"];
+            return nullptr;
+        });
+    std::string passed;
+    testing::internal::CaptureStderr();
+    @try {
+        bridge::guarded([] { failingBody(); });
+    } @catch (NSException* exception) {
+        passed = [[exception reason] UTF8String];
+    }
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(passed, "the maker's own");
+    EXPECT_TRUE(host.takePendingException().isNil());
+}
+
 TEST_F(Errors, WhatTheFamilyMakesNothingOfIsLoggedAndNotRaised) {
     publish(
         @selector(NewNSExceptionKaz:), +[](id, SEL, NSException*) -> REALobject { return nullptr; });
