@@ -269,6 +269,65 @@ TEST_F(Errors, ThePoolIsDrainedOnEveryPath) {
     host.takePendingException();
 }
 
+} // namespace
+
+// Raises when it goes.
+@interface RaisesInDealloc : NSObject
+@end
+@implementation RaisesInDealloc
+- (void)dealloc {
+    ++drained;
+    [super dealloc];
+    [NSException raise:NSInternalInconsistencyException format:@"raised in dealloc"];
+}
+@end
+
+namespace {
+
+TEST_F(Errors, WhatAnObjectRaisesAsThePoolDrainsBecomesAHostException) {
+    drained = 0;
+    testing::internal::CaptureStderr();
+    REALobject result = bridge::guardedInPool([] {
+        [[[DrainWitness alloc] init] autorelease];
+        [[[RaisesInDealloc alloc] init] autorelease];
+        [[[DrainWitness alloc] init] autorelease];
+        return REALnewInstance("Dictionary");
+    });
+    std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(result, nullptr);
+    EXPECT_NE(log.find("A NSInternalInconsistencyException: raised in dealloc, Info: "), std::string::npos);
+    {
+        Value exception = host.takePendingException();
+        EXPECT_EQ(exception.className(), "RuntimeException");
+        EXPECT_EQ(host.get(exception, "Message").text(), "raised in dealloc");
+    }
+    EXPECT_GE(drained, 2);
+    expectClean(); // the dictionary was given back
+
+    // The next pool works as ever.
+    drained = 0;
+    bridge::guardedInPool([] { [[[DrainWitness alloc] init] autorelease]; });
+    EXPECT_GE(drained, 1);
+    EXPECT_TRUE(host.takePendingException().isNil());
+}
+
+TEST_F(Errors, WhatPassesTheGuardPassesThoughAnObjectRaisesAsThePoolDrains) {
+    NSString* passed = nil;
+    testing::internal::CaptureStderr();
+    @try {
+        bridge::guardedInPool([] {
+            [[[RaisesInDealloc alloc] init] autorelease];
+            @throw @"not an exception";
+        });
+    } @catch (NSString* thrown) {
+        passed = thrown;
+    }
+    std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_STREQ([passed UTF8String], "not an exception");
+    EXPECT_NE(log.find("raised in dealloc"), std::string::npos) << log;
+    EXPECT_TRUE(host.takePendingException().isNil());
+}
+
 TEST_F(Errors, WithoutTheFamilyThereIsNoRegistry) {
     bridge::ensureFamily();
     bridge::registerWrapper(this, reinterpret_cast<REALobject>(this));
