@@ -57,17 +57,15 @@ REALstring text(REALobject self, std::uint32_t) {
 
 template <Key K, const WrapperType& Type>
 REALobject object(REALobject self, std::uint32_t) {
-    return wrappedResult(Type, [&]() -> id {
+    return guardedInPool([&]() -> REALobject {
         id value = valueOf<K>(self);
-        return [value isKindOfClass:NSClassFromString([NSString stringWithUTF8String:Type.nativeClass])]
-                   ? value
-                   : nil;
+        Class wanted = NSClassFromString([NSString stringWithUTF8String:Type.nativeClass]);
+        return [value isKindOfClass:wanted] ? wrapped(Type, value) : nullptr;
     });
 }
 
 template <Key K>
 REALobject transform(REALobject self, std::uint32_t) {
-    bridge::ensureFamily();
     return guardedInPool([&]() -> REALobject {
         id value = valueOf<K>(self);
         return [value isKindOfClass:[NSAffineTransform class]] ? NewNSAffineTransformKaz(value) : nullptr;

@@ -15,8 +15,7 @@ CIDetector* detector(REALobject self) { return nativeHandle<CIDetector*>(self); 
 // A detector made here is not registered, and a second call overwrites the first one's reference.
 void initWithType(REALobject self, REALstring type, REALobject context, REALobject options) {
     if (raisesWhenNull(type, "type is empty")) return;
-    bridge::ensureFamily();
-    guardedInPool([&] {
+    prepared([&] {
         // By name: systems before 10.7 have no detectors.
         Class detectorClass = static_cast<Class>(objc_getClass("CIDetector"));
         instanceData<id>(self) = [[detectorClass detectorOfType:bridge::temporaryString(type)

@@ -122,7 +122,6 @@ void setDefaults(REALobject self) {
 template <class Convert>
 auto valueForKey(REALobject self, REALstring key, Convert&& convert) -> decltype(convert(id())) {
     using Result = decltype(convert(id()));
-    bridge::ensureFamily();
     return guardedInPool([&]() -> Result {
         NSString* name = filter(self) ? bridge::temporaryString(key) : nil;
         if (!name) return Result();

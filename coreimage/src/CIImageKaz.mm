@@ -1,5 +1,6 @@
 // CIImageKaz: the recipe of a picture. This file makes images; CIImageKazRendering.mm renders and measures
-// them, and CIImageLoading.mm loads them on a worker.
+// them, and CIImageLoading.mm loads them on a worker. Every method of this class runs in the frame of a
+// factory, prepared().
 #include "CIImageKaz.h"
 #include "CIImageLoading.h"
 
@@ -143,17 +144,15 @@ REALarray autoAdjustmentFiltersWithOptions(REALobject self, REALobject options) 
 
 // --- shared methods ---------------------------------------------------------------------------------------
 
-REALstring autoAdjustEnhance() {
-    return stringResult([] { return kCIImageAutoAdjustEnhance; });
+REALstring optionName(NSString* name) {
+    return prepared([&] { return CFString2RBString((CFStringRef)name); });
 }
 
-REALstring autoAdjustRedEye() {
-    return stringResult([] { return kCIImageAutoAdjustRedEye; });
-}
+REALstring autoAdjustEnhance() { return optionName(kCIImageAutoAdjustEnhance); }
 
-REALstring autoAdjustFeatures() {
-    return stringResult([] { return kCIImageAutoAdjustFeatures; });
-}
+REALstring autoAdjustRedEye() { return optionName(kCIImageAutoAdjustRedEye); }
+
+REALstring autoAdjustFeatures() { return optionName(kCIImageAutoAdjustFeatures); }
 
 REALobject emptyImage() {
     return wrappedResult(kImage, [] { return [CIImage emptyImage]; });
@@ -184,8 +183,7 @@ REALobject imageWithContentsOfPath(REALstring path, REALobject colorSpace) {
 // the call, because the host may run code that drains an autorelease pool.
 template <class Make>
 REALobject loadOnWorker(Make&& make) {
-    bridge::ensureFamily();
-    return guardedInPool([&] {
+    return prepared([&] {
         ImageLoadRequest request = make();
         [request.data retain];
         [request.url retain];

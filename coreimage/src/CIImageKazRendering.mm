@@ -1,4 +1,5 @@
-// CIImageKaz: images rendered into pictures, NSImages and CGImages, and their geometry.
+// CIImageKaz: images rendered into pictures, NSImages and CGImages, and their geometry. Every method of this
+// class runs in the frame of a factory, prepared().
 #include "CIImageKaz.h"
 
 #include <bridge/dictionaries.h>
@@ -87,7 +88,7 @@ REALobject createCGImage(REALobject self, REALobject rect) {
 }
 
 REALobject createCGImageInColorSpace(REALobject self, REALobject rect, REALobject colorSpace) {
-    return guardedInPool([&]() -> REALobject {
+    return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         CGColorSpaceRef wanted = nativeHandle<CGColorSpaceRef>(colorSpace);
         Owned<CGColorSpaceRef> bitmapSpace(wanted ? CGColorSpaceRetain(wanted)
@@ -104,7 +105,7 @@ REALobject createCGImageInColorSpace(REALobject self, REALobject rect, REALobjec
 
 REALobject asNSImage(REALobject self) {
     bridge::ensureFamily();
-    return guardedInPool([&]() -> REALobject {
+    return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         NSImage* result = [[[NSImage alloc] initWithSize:sizeOf([image(self) extent])] autorelease];
         [result addRepresentation:[NSCIImageRep imageRepWithCIImage:image(self)]];
@@ -113,8 +114,7 @@ REALobject asNSImage(REALobject self) {
 }
 
 REALobject renderNSImage(REALobject self, bool useSoftwareRenderer) {
-    bridge::ensureFamily();
-    return guardedInPool([&]() -> REALobject {
+    return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         CGRect extent = [image(self) extent];
         NSImage* result = [[[NSImage alloc] initWithSize:sizeOf(extent)] autorelease];
@@ -139,7 +139,7 @@ REALobject renderNSImage(REALobject self, bool useSoftwareRenderer) {
 
 REALpicture renderPicture(REALobject self, std::int32_t width, std::int32_t height,
                           bool useSoftwareRenderer) {
-    return guardedInPool([&]() -> REALpicture {
+    return prepared([&]() -> REALpicture {
         if (!image(self)) return nullptr;
         CGRect extent = [image(self) extent];
         if (width < 1) width = wholePixels(extent.size.width);
@@ -166,34 +166,34 @@ REALpicture renderPicture(REALobject self, std::int32_t width, std::int32_t heig
 }
 
 std::int32_t height(REALobject self) {
-    return guardedInPool([&] { return wholePixels([image(self) extent].size.height); });
+    return prepared([&] { return wholePixels([image(self) extent].size.height); });
 }
 
 std::int32_t width(REALobject self) {
-    return guardedInPool([&] { return wholePixels([image(self) extent].size.width); });
+    return prepared([&] { return wholePixels([image(self) extent].size.width); });
 }
 
 REALstring url(REALobject self) {
-    return stringResult([&] { return [[image(self) url] absoluteString]; });
+    return prepared([&] { return CFString2RBString((CFStringRef)[[image(self) url] absoluteString]); });
 }
 
 REALobject colorSpace(REALobject self) {
-    return guardedInPool([&] { return newColorSpace([image(self) colorSpace]); });
+    return prepared([&] { return newColorSpace([image(self) colorSpace]); });
 }
 
 REALobject properties(REALobject self) {
-    return guardedInPool([&] { return NSDictionaryRB([image(self) properties]); });
+    return prepared([&] { return NSDictionaryRB([image(self) properties]); });
 }
 
 REALobject extent(REALobject self) {
-    return guardedInPool([&]() -> REALobject {
+    return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         return newRectangle([image(self) extent]);
     });
 }
 
 REALobject definition(REALobject self) {
-    return guardedInPool([&] { return newFilterShape([image(self) definition]); });
+    return prepared([&] { return newFilterShape([image(self) definition]); });
 }
 
 REALobject imageByApplyingTransform(REALobject self, REALobject transform) {
