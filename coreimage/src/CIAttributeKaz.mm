@@ -12,7 +12,7 @@ static_assert(sizeof(AttributeData) == 8);
 
 AttributeData& data(REALobject self) { return instanceData<AttributeData>(self); }
 
-void destroyAttribute(REALobject self) {
+void CIAttributeDestructor(REALobject self) {
     destroyWrapper(self);
     guarded([&] {
         [data(self).name release];
@@ -102,7 +102,7 @@ REALproperty properties[] = {
 } // namespace
 
 REALclassDefinition CIAttributeKazClass = classDefinition(
-    {.name = "CIAttributeKaz", .dataSize = sizeof(AttributeData), .destructor = destroyAttribute},
+    {.name = "CIAttributeKaz", .dataSize = sizeof(AttributeData), .destructor = CIAttributeDestructor},
     properties);
 
 REALobject newAttribute(NSDictionary* attribute, NSString* key) {

@@ -194,12 +194,15 @@ REALmethodDefinition methods[] = {
     method("DrawImage(ciImage as CIImageKaz)", drawImage),
 };
 
+void CIContextConstructor(REALobject self) { constructWrapper(self); }
+void CIContextDestructor(REALobject self) { destroyWrapper(self); }
+
 } // namespace
 
 REALclassDefinition CIContextKazClass = classDefinition({.name = "CIContextKaz",
                                                          .dataSize = sizeof(ContextData),
-                                                         .constructor = constructWrapper,
-                                                         .destructor = destroyWrapper},
+                                                         .constructor = CIContextConstructor,
+                                                         .destructor = CIContextDestructor},
                                                         properties, methods);
 
 // --- global functions -------------------------------------------------------------------------------------

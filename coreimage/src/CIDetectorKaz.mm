@@ -65,9 +65,13 @@ REALmethodDefinition sharedMethods[] = {
     method("CIDetectorAccuracyHigh as string", accuracyHigh),
 };
 
+void CIDetectorConstructor(REALobject self) { constructWrapper(self); }
+void CIDetectorDestructor(REALobject self) { destroyWrapper(self); }
+
 } // namespace
 
-REALclassDefinition CIDetectorKazClass =
-    wrapperClass(kDetector.hostClass, properties, methods, {}, sharedMethods);
+REALclassDefinition CIDetectorKazClass = classDefinition(
+    {.name = "CIDetectorKaz", .constructor = CIDetectorConstructor, .destructor = CIDetectorDestructor},
+    properties, methods, {}, sharedMethods);
 
 } // namespace coreimage

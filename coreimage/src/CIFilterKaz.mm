@@ -22,7 +22,9 @@ NSDictionary* cachedAttributes(REALobject self) {
     return fields.attributes;
 }
 
-void destroyFilter(REALobject self) {
+void CIFilterConstructor(REALobject self) { constructWrapper(self); }
+
+void CIFilterDestructor(REALobject self) {
     destroyWrapper(self);
     guardedInPool([&] {
         [data(self).attributes release];
@@ -341,8 +343,8 @@ REALconstant constants[] = {
 
 REALclassDefinition CIFilterKazClass = classDefinition({.name = "CIFilterKaz",
                                                         .dataSize = sizeof(FilterData),
-                                                        .constructor = constructWrapper,
-                                                        .destructor = destroyFilter},
+                                                        .constructor = CIFilterConstructor,
+                                                        .destructor = CIFilterDestructor},
                                                        properties, methods, constants, sharedMethods);
 
 } // namespace coreimage

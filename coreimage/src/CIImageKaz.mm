@@ -293,9 +293,13 @@ REALmethodDefinition sharedMethods[] = {
 };
 
 } // namespace
+void CIImageConstructor(REALobject self) { constructWrapper(self); }
+void CIImageDestructor(REALobject self) { destroyWrapper(self); }
 
-REALclassDefinition CIImageKazClass =
-    wrapperClass(kImage.hostClass, properties, methods, constants, sharedMethods);
+
+REALclassDefinition CIImageKazClass = classDefinition(
+    {.name = "CIImageKaz", .constructor = CIImageConstructor, .destructor = CIImageDestructor}, properties,
+    methods, constants, sharedMethods);
 
 // --- functions that are also global -----------------------------------------------------------------------
 

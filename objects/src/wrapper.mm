@@ -62,12 +62,4 @@ REALstring description(REALobject wrapper, std::uint32_t) {
     return stringResult([&] { return [nativeHandle(wrapper) description]; });
 }
 
-REALclassDefinition wrapperClass(const char* hostClass, host::Table<REALproperty> properties,
-                                 host::Table<REALmethodDefinition> methods,
-                                 host::Table<REALconstant> constants,
-                                 host::Table<REALmethodDefinition> sharedMethods) {
-    return classDefinition({.name = hostClass, .constructor = constructWrapper, .destructor = destroyWrapper},
-                           properties, methods, constants, sharedMethods);
-}
-
 } // namespace objects

@@ -26,7 +26,7 @@ struct WrapperType {
     const char* nativeClass;
 };
 
-// Class constructor and destructor.
+// What class constructors and destructors do.
 void constructWrapper(REALobject wrapper);
 void destroyWrapper(REALobject wrapper);
 
@@ -94,11 +94,5 @@ template <class Value, auto read>
 Value getter(REALobject wrapper, std::uint32_t) {
     return guarded([&] { return static_cast<Value>(read(nativeHandle(wrapper))); });
 }
-
-// The record of a class with the object model's own constructor and destructor.
-REALclassDefinition wrapperClass(const char* hostClass, host::Table<REALproperty> properties,
-                                 host::Table<REALmethodDefinition> methods,
-                                 host::Table<REALconstant> constants = {},
-                                 host::Table<REALmethodDefinition> sharedMethods = {});
 
 } // namespace objects
