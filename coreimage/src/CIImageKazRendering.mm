@@ -34,6 +34,7 @@ bool drawFilling(CIImage* image, CGContextRef bitmap, CGRect extent, std::int32_
     if (useSoftwareRenderer) [options setObject:[NSNumber numberWithBool:YES] forKey:@"software_renderer"];
     [options setObject:(id)outputSpace forKey:@"output_color_space"];
     CIContext* context = [CIContext contextWithCGContext:bitmap options:options];
+    if (!context) return false;
     [context drawImage:image
                 inRect:CGRectMake(0, 0, static_cast<CGFloat>(width), static_cast<CGFloat>(height))
               fromRect:extent];
@@ -60,6 +61,20 @@ bool drawIntoPicture(CIImage* image, const bridge::LockedDescription& descriptio
     return false;
 }
 
+// Draws the image into what has the focus; true when it was drawn.
+bool drawIntoFocus(CIImage* image, CGRect extent, bool useSoftwareRenderer) {
+    void* port = [[NSGraphicsContext currentContext] graphicsPort];
+    if (!port) return false;
+    NSDictionary* options = nil;
+    if (useSoftwareRenderer)
+        options = [NSDictionary dictionaryWithObject:[NSNumber numberWithBool:YES]
+                                              forKey:@"software_renderer"];
+    CIContext* context = [CIContext contextWithCGContext:static_cast<CGContextRef>(port) options:options];
+    if (!context) return false;
+    [context drawImage:image atPoint:CGPointMake(0, 0) fromRect:extent];
+    return true;
+}
+
 // Both forms of CreateCGImage: `render` renders with a context on a scratch bitmap of the source's size.
 template <class Render>
 REALobject createCGImageWith(REALobject self, REALobject rect, CGColorSpaceRef bitmapSpace, Render&& render) {
@@ -77,7 +92,7 @@ REALobject createCGImageWith(REALobject self, REALobject rect, CGColorSpaceRef b
 } // namespace
 
 REALobject createCGImage(REALobject self, REALobject rect) {
-    return guardedInPool([&]() -> REALobject {
+    return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         Owned<CGColorSpaceRef> deviceRGB(CGColorSpaceCreateDeviceRGB());
         if (!deviceRGB) return nullptr;
@@ -104,7 +119,6 @@ REALobject createCGImageInColorSpace(REALobject self, REALobject rect, REALobjec
 }
 
 REALobject asNSImage(REALobject self) {
-    bridge::ensureFamily();
     return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         NSImage* result = [[[NSImage alloc] initWithSize:sizeOf([image(self) extent])] autorelease];
@@ -120,19 +134,11 @@ REALobject renderNSImage(REALobject self, bool useSoftwareRenderer) {
         NSImage* result = [[[NSImage alloc] initWithSize:sizeOf(extent)] autorelease];
         bool drawn = false;
         [result lockFocus];
-        if (void* port = [[NSGraphicsContext currentContext] graphicsPort]) {
-            NSDictionary* options = nil;
-            if (useSoftwareRenderer)
-                options = [NSDictionary dictionaryWithObject:[NSNumber numberWithBool:YES]
-                                                      forKey:@"software_renderer"];
-            CIContext* context = [CIContext contextWithCGContext:static_cast<CGContextRef>(port)
-                                                         options:options];
-            if (context) {
-                [context drawImage:image(self) atPoint:CGPointMake(0, 0) fromRect:extent];
-                drawn = true;
-            }
+        @try {
+            drawn = drawIntoFocus(image(self), extent, useSoftwareRenderer);
+        } @finally {
+            [result unlockFocus];
         }
-        [result unlockFocus];
         return drawn ? NewNSImageKaz(result) : nullptr;
     });
 }

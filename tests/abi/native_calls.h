@@ -19,5 +19,9 @@ void answerUnionsWithTheOther();
 void answerDefinitionsWith(int shape);
 void answerContextsWith(int context); // 0 for nil
 void answerGraphicsPortsWithNull();
-void raiseWhenDrawing(const char* reason);
+void raiseWhenDrawing(const char* reason); // into a rectangle or at a point
+void raiseWhenAdjusting(const char* reason);
 void raiseWhenInsetting(const char* reason);
+
+// Whether an image or a view has the focus.
+bool somethingHasTheFocus();

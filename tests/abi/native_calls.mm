@@ -125,6 +125,15 @@ template <class Function>
 void replace(Class cls, SEL selector, Function function) {
     method_setImplementation(instanceMethod(cls, selector), reinterpret_cast<IMP>(function));
 }
+void drawAtPointRaising(id, SEL, CIImage*, CGPoint, CGRect) { raise(); }
+id adjustRaising(id, SEL) {
+    raise();
+    return nil;
+}
+id adjustWithOptionsRaising(id, SEL, NSDictionary*) {
+    raise();
+    return nil;
+}
 
 } // namespace
 
@@ -187,3 +196,16 @@ void raiseWhenInsetting(const char* reason) {
     givenReason = reason;
     replace([CIFilterShape class], @selector(insetByX:Y:), insetRaising);
 }
+    replace([CIContext class], @selector(drawImage:atPoint:fromRect:), drawAtPointRaising);
+}
+
+void raiseWhenAdjusting(const char* reason) {
+    givenReason = reason;
+    replace([CIImage class], @selector(autoAdjustmentFilters), adjustRaising);
+    replace([CIImage class], @selector(autoAdjustmentFiltersWithOptions:), adjustWithOptionsRaising);
+}
+
+bool somethingHasTheFocus() {
+    @autoreleasepool {
+        return [NSGraphicsContext currentContext] != nil;
+    }

@@ -257,6 +257,26 @@ TEST_F(NativeCalls, WithoutAPortOrAContextThereIsNoNSImage) {
     expectClean();
 }
 
+TEST_F(NativeCalls, WithoutAContextThereIsNoPicture) {
+    Value it = image(rect(1, 2, 8, 4));
+    answerContextsWith(0);
+    EXPECT_TRUE(host.call(it, "RenderPicture").isNil());
+    EXPECT_EQ(host.report().alive("Picture"), 0);
+    it = {};
+    expectClean();
+}
+
+TEST_F(NativeCalls, AnNSImageLosesTheFocusWhenDrawingRaises) {
+    Value it = image(rect(1, 2, 8, 4));
+    raiseWhenDrawing("cannot draw");
+    testing::internal::CaptureStderr();
+    EXPECT_THAT(raisedBy([&] { host.call(it, "RenderNSImage"); }), testing::HasSubstr("cannot draw"));
+    testing::internal::GetCapturedStderr();
+    EXPECT_FALSE(somethingHasTheFocus());
+    it = {};
+    expectClean();
+}
+
 TEST_F(NativeCalls, ADefinitionIsAnObjectOfItsOwnThoughItsShapeHasAWrapper) {
     Value it = image(rect(1, 2, 8, 4));
     Value shape = host.create("CIFilterShapeKaz", {rect(1, 2, 3, 4)});
