@@ -124,9 +124,10 @@ void initWithBitmapMemory(REALobject self, REALmemoryBlock data, std::int32_t le
 
 // --- automatic adjustment ---------------------------------------------------------------------------------
 
-// `find` returns the filters for the image, which may be nil. Always an array.
+// `find` returns the filters for the image, which may be nil. An array unless Cocoa raises.
 template <class Find>
 REALarray adjustmentsWith(REALobject self, Find&& find) {
+    bridge::ensureFamily();
     return filledWithWrappers(
         REALCreateArray(kREALArrayObject, -1), [&] { return find(nativeHandle<CIImage*>(self)); },
         [](id filter) { return wrapped(kFilter, filter); });
@@ -292,10 +293,10 @@ REALmethodDefinition sharedMethods[] = {
            imageWithContentsOfPath),
 };
 
-} // namespace
 void CIImageConstructor(REALobject self) { constructWrapper(self); }
 void CIImageDestructor(REALobject self) { destroyWrapper(self); }
 
+} // namespace
 
 REALclassDefinition CIImageKazClass = classDefinition(
     {.name = "CIImageKaz", .constructor = CIImageConstructor, .destructor = CIImageDestructor}, properties,
@@ -304,10 +305,7 @@ REALclassDefinition CIImageKazClass = classDefinition(
 // --- functions that are also global -----------------------------------------------------------------------
 
 REALobject imageWithCGImage(REALobject image) {
-    return wrappedResult(kImage, [&]() -> CIImage* {
-        CGImageRef cgImage = nativeHandle<CGImageRef>(image);
-        return cgImage ? [CIImage imageWithCGImage:cgImage] : nil;
-    });
+    return wrappedResult(kImage, [&] { return [CIImage imageWithCGImage:nativeHandle<CGImageRef>(image)]; });
 }
 
 REALobject imageWithCGImageAndColorSpace(REALobject image, REALobject colorSpace) {

@@ -277,6 +277,36 @@ TEST_F(NativeCalls, AnNSImageLosesTheFocusWhenDrawingRaises) {
     expectClean();
 }
 
+TEST_F(NativeCalls, AnImageOfNoCGImageIsAskedForAllTheSame) {
+    for (Value none : {Value(), host.instantiate("CGImageKaz")}) {
+        calls();
+        EXPECT_TRUE(host.shared("CIImageKaz", "imageWithCGImage(CGImage as CGImageKaz) as CIImageKaz", {none})
+                        .isNil());
+        EXPECT_THAT(calls(), ElementsAre("imageWithCGImage:"));
+        EXPECT_TRUE(
+            host.function("NewCIImagewithCGImageKaz(cgimage as CGImageKaz) as CIImageKaz", {none}).isNil());
+        EXPECT_THAT(calls(), ElementsAre("imageWithCGImage:"));
+    }
+    expectClean();
+}
+
+TEST_F(NativeCalls, NoArrayOfAdjustmentsComesWhenCocoaRaises) {
+    Value it = image(rect(1, 2, 8, 4));
+    raiseWhenAdjusting("cannot adjust");
+    // Called as the host calls them: an exception hides the result from a program.
+    testing::internal::CaptureStderr();
+    for (const auto& method : host.findClass("CIImageKaz")->methods) {
+        if (!method->signature.name.starts_with("autoAdjustmentFilters")) continue;
+        using Adjust = REALarray (*)(REALobject, REALobject options);
+        EXPECT_EQ(reinterpret_cast<Adjust>(method->function)(it.object(), nullptr), nullptr)
+            << method->declaration;
+        EXPECT_EQ(host.takePendingException().className(), "RuntimeException");
+    }
+    testing::internal::GetCapturedStderr();
+    it = {};
+    expectClean();
+}
+
 TEST_F(NativeCalls, ADefinitionIsAnObjectOfItsOwnThoughItsShapeHasAWrapper) {
     Value it = image(rect(1, 2, 8, 4));
     Value shape = host.create("CIFilterShapeKaz", {rect(1, 2, 3, 4)});
