@@ -155,12 +155,9 @@ void* bridge::LockedDescription::world() const {
     return locked && record.kind == kREALPictureGWorld ? record.handle : nullptr;
 }
 
-// The handle of any other kind does not point to a pixel buffer, so not even the format may be read through
-// it.
+// A pixel buffer shows by its format code, not by the kind that the host says it delivered.
 const REALpixelBuffer* bridge::LockedDescription::pixels() const {
-    return locked && record.kind == kREALPicturePixelBuffer
-               ? static_cast<const REALpixelBuffer*>(record.handle)
-               : nullptr;
+    return locked ? static_cast<const REALpixelBuffer*>(record.handle) : nullptr;
 }
 
 CGImageRef bridge::copyCGImage(REALpicture picture) {
