@@ -163,6 +163,12 @@ void __wrap_dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_fun
     __real_dispatch_async_f(queue, context, work);
 }
 
+#else
+
+// A system that has the function form and not the one with a block counts as one without the library.
+dispatch_queue_t dispatch_get_global_queue(long, unsigned long) { return nullptr; }
+void dispatch_async_f(dispatch_queue_t, void*, dispatch_function_t) { std::abort(); }
+
 #endif
 
 } // extern "C"
