@@ -35,11 +35,12 @@ NSDictionary* NewNSDictionary(REALobject dictionary) {
     for (std::int32_t i = 0; result && i < count; ++i) {
         // Refreshed each time: converting an entry may have converted another dictionary.
         refreshMethods(dictionary);
-        host::Held key(LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, i) : nullptr);
+        REALobject key = LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, i) : nullptr;
         refreshMethods(dictionary);
-        host::Held value(LastDictionaryGetter ? LastDictionaryGetter(dictionary, key.get()) : nullptr);
+        host::Held value(LastDictionaryGetter ? LastDictionaryGetter(dictionary, key) : nullptr);
+        host::Held keyReference(key); // given back before the value's
         if (!key) continue;
-        id cocoaKey = GetVariantAsNSObject(key.get());
+        id cocoaKey = GetVariantAsNSObject(key);
         id cocoaValue = GetVariantAsNSObject(value.get());
         [result setObject:cocoaValue ? cocoaValue : [NSNull null] forKey:cocoaKey ? cocoaKey : [NSNull null]];
     }

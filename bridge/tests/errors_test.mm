@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 // The heap refuses blocks of this size while it is not 0.
 static std::size_t refusedSize = 0;
@@ -120,6 +121,33 @@ TEST_F(Errors, TheLowerBoundIsPrintedAs0WhateverItIs) {
     EXPECT_RAISED(raised([] { RaiseOutOfBoundsException(7, 5, 4, "index", "Component"); }),
                   "OutOfBoundsException",
                   "Parameter index to method Component is too big. Range is 0 to 3, but value is 7.");
+}
+
+// The services that are called for an exception, with the text that they are given.
+std::vector<std::string> namesOf(const std::vector<studio::ServiceCall>& calls) {
+    std::vector<std::string> names;
+    for (const studio::ServiceCall& call : calls)
+        names.push_back(call.service + (call.text.empty() ? "" : " " + call.text));
+    return names;
+}
+
+TEST_F(Errors, AnExceptionGetsItsMessageBeforeItIsRaisedAndIsThenGivenBack) {
+    using Names = std::vector<std::string>;
+    std::vector<studio::ServiceCall> calls =
+        host.callsDuring([] { RaiseException("NilObjectException", "image is nil"); });
+    EXPECT_EQ(namesOf(calls), (Names{"REALBuildString image is nil", "REALSetStringEncoding",
+                                     "PluginNewInstance NilObjectException", "REALSetPropValueString Message",
+                                     "RuntimeRaiseException", "REALUnlockObject", "REALUnlockString"}));
+    for (int i : {4, 5}) EXPECT_EQ(calls[std::size_t(i)].subject, calls[3].subject); // the exception
+    EXPECT_EQ(calls[6].subject, calls[1].subject);                                   // the message
+    host.takePendingException();
+
+    calls = host.callsDuring([] { RaiseException("NoSuchException", ""); });
+    EXPECT_EQ(namesOf(calls),
+              (Names{"PluginNewInstance NoSuchException", "PluginNewInstance RuntimeException",
+                     "REALSetPropValueString Message", "RuntimeRaiseException", "REALUnlockObject"}));
+    host.takePendingException();
+    expectClean();
 }
 
 TEST_F(Errors, MissingNamesBecomeQuestionMarks) {

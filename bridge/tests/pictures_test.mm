@@ -432,6 +432,38 @@ TEST_P(ImagesByCopy, HaveTheMaskDrawnIntoTheCopys) {
     EXPECT_EQ(log, unlessCopied({"lock P8", "lock M8", "unlock M", "unlock P"}));
 }
 
+TEST_P(ImagesByCopy, AreTakenAfterThePictureAndThenTheMaskAreDrawn) {
+    std::vector<studio::ServiceCall> calls = host.callsDuring([&] { image(picture, mask); });
+    std::erase_if(calls, [](const studio::ServiceCall& call) {
+        return call.service != "newPicture" && call.service != "REALGetPictureMask" &&
+               call.service != "pluginPictureGraphicsGetter" && call.service != "REALLoadObjectMethod" &&
+               call.service != "REALCopyPictureCGImage" && call.service != "REALUnlockObject";
+    });
+    Log sequence;
+    for (const studio::ServiceCall& call : calls) sequence.push_back(call.service);
+    Log wanted = {"newPicture",
+                  "pluginPictureGraphicsGetter",
+                  "REALLoadObjectMethod",
+                  "REALUnlockObject", // the copy's graphics
+                  "REALGetPictureMask",
+                  "pluginPictureGraphicsGetter",
+                  "REALLoadObjectMethod",
+                  "REALUnlockObject", // the mask's graphics
+                  "REALUnlockObject", // the mask
+                  "REALCopyPictureCGImage",
+                  "REALUnlockObject"}; // the copy
+    if (!hostCopies()) wanted.erase(wanted.end() - 2);
+    ASSERT_EQ(sequence, wanted);
+    const void* copy = calls[1].subject;
+    const void* copyMask = calls[5].subject;
+    EXPECT_EQ(calls[4].subject, copy);
+    EXPECT_NE(copyMask, copy);
+    EXPECT_EQ(calls[3].subject, calls[2].subject);
+    EXPECT_EQ(calls[7].subject, calls[6].subject);
+    EXPECT_EQ(calls[8].subject, copyMask);
+    EXPECT_EQ(calls.back().subject, copy);
+}
+
 TEST_P(ImagesByCopy, LeaveTheOriginalsAlone) {
     image(picture, mask);
     EXPECT_EQ(read(picture), colors());

@@ -246,6 +246,26 @@ TEST_F(Threads, IdleIsCalledAfterEveryPauseAndOnceMoreAtTheEnd) {
     EXPECT_GE(idles, 5);
 }
 
+TEST_F(Threads, TheHostYieldsThenPausesThenIsIdle) {
+    static std::vector<std::string> steps;
+    static Threads* test;
+    steps.clear();
+    test = this;
+    host.onYield([this] {
+        steps.push_back(std::string(watch.pauses.size() - std::size_t(idles), 'p') + "yield");
+        if (++yields == 3) released = true;
+        if (released)
+            while (watch.unlocks == 0) std::this_thread::yield();
+    });
+    RunThreaded(this, waitForRelease, [](void*) {
+        ++test->idles;
+        steps.push_back("idle after " + std::to_string(watch.pauses.size()));
+    });
+    // Before the first check; twice round the loop; after it.
+    EXPECT_EQ(steps, (std::vector<std::string>{"yield", "yield", "idle after 1", "yield", "idle after 2",
+                                               "yield", "idle after 2"}));
+}
+
 TEST_F(Threads, IdleIsCalledOnceForWorkThatReturnsAtOnce) {
     finishInTheFirstYield();
     RunThreaded(
