@@ -8,8 +8,9 @@
 // "contextWithCGContext:options: {software_renderer=0}". What Core Image sends itself is not among them.
 extern std::vector<std::string> nativeCalls;
 
-// The bytes of the data that came with the last bitmap.
+// The bytes of the data that came with the last bitmap, and with the last image file in memory.
 extern const void* lastBitmapBytes;
+extern const void* lastDataBytes;
 
 // From here on messages are noted. Bitmaps are not made, since their length may be a lie.
 void watchNativeCalls();

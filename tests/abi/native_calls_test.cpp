@@ -195,6 +195,32 @@ TEST_F(NativeCalls, MemoryIsNotCopiedAndDataIs) {
     expectClean();
 }
 
+TEST_F(NativeCalls, AnImageFileInMemoryIsCopiedByEveryLoader) {
+    Value block = host.memoryBlock("no image");
+    auto address = reinterpret_cast<host::service::memoryBlockGetPtr>(host.resolver()("memoryBlockGetPtr"));
+    const void* own = address(reinterpret_cast<REALmemoryBlock>(block.object()));
+    const std::function<void()> loaders[] = {
+        [&] { host.create("CIImageKaz", {block}); },
+        [&] {
+            host.create("CIImageKaz", {block, space()});
+        },
+        [&] { host.shared("CIImageKaz", "imageWithData", {block}); },
+        [&] { host.shared("CIImageKaz", "imageWithDataMT", {block}); },
+        [&] { host.function("NewCIImagewithDataKaz", {block}); },
+        [&] {
+            host.function("NewCIImagewithDataKaz", {block, space()});
+        },
+    };
+    for (const auto& load : loaders) {
+        lastDataBytes = nullptr;
+        load();
+        EXPECT_NE(lastDataBytes, nullptr);
+        EXPECT_NE(lastDataBytes, own);
+    }
+    block = {};
+    expectClean();
+}
+
 TEST_F(NativeCalls, ABitmapsSizeIsInSinglePrecision) {
     host.function("NewCIImagewithBitmapDataKaz", {host.memoryBlock("x"), 16, 16777217, 16777219, 23, nil()});
     EXPECT_THAT(
