@@ -24,9 +24,7 @@ constinit host::FrameworkMethod<std::int32_t (*)(REALobject)> varType{"VarType(v
 
 std::int32_t typeCode(REALobject variant) {
     if (varType.resolve()) return varType(variant);
-    std::int32_t type = 0;
-    REALGetPropValueInt32(variant, "Type", &type);
-    return type;
+    return host::propertyValue(REALGetPropValueInt32, variant, "Type");
 }
 
 NSString* stringOf(REALobject variant) {

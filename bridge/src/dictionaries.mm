@@ -29,18 +29,18 @@ void refreshMethods(REALobject dictionary) {
 
 NSDictionary* NewNSDictionary(REALobject dictionary) {
     if (!dictionary) return nil;
-    std::int32_t count = 0;
-    REALGetPropValueInt32(dictionary, "Count", &count);
+    std::int32_t count = host::propertyValue(REALGetPropValueInt32, dictionary, "Count");
     if (count < 1) return [NSDictionary dictionary];
     NSMutableDictionary* result = [NSMutableDictionary dictionaryWithCapacity:static_cast<NSUInteger>(count)];
     for (std::int32_t i = 0; result && i < count; ++i) {
         // Refreshed each time: converting an entry may have converted another dictionary.
         refreshMethods(dictionary);
-        host::Held key(LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, i) : nullptr);
+        REALobject key = LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, i) : nullptr;
         refreshMethods(dictionary);
-        host::Held value(LastDictionaryGetter ? LastDictionaryGetter(dictionary, key.get()) : nullptr);
+        host::Held value(LastDictionaryGetter ? LastDictionaryGetter(dictionary, key) : nullptr);
+        host::Held keyReference(key); // given back before the value's
         if (!key) continue;
-        id cocoaKey = GetVariantAsNSObject(key.get());
+        id cocoaKey = GetVariantAsNSObject(key);
         id cocoaValue = GetVariantAsNSObject(value.get());
         [result setObject:cocoaValue ? cocoaValue : [NSNull null] forKey:cocoaKey ? cocoaKey : [NSNull null]];
     }

@@ -5,8 +5,6 @@
 
 #import <Foundation/Foundation.h>
 
-#include <objc/runtime.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,18 +15,17 @@
 
 namespace {
 
-// This plugin's own NewNSExceptionKaz:.
-REALobject makeException(Class, SEL, NSException* exception) {
+// The host exception that the family makes of a Cocoa exception, with a reference for the caller; where no
+// part of the family makes any, this plugin's own, so that a Cocoa exception never unwinds into the host. The
+// family is sent the message untested each time, because a part that loads later may add its method at run
+// time.
+REALobject newExceptionOf(NSException* exception) {
+    @try {
+        return [NSException NewNSExceptionKaz:exception];
+    } @catch (NSException*) {
+        if ([NSException respondsToSelector:@selector(NewNSExceptionKaz:)]) @throw;
+    }
     return bridge::newRuntimeException([exception reason]);
-}
-
-// Gives NSException a maker of host exceptions unless a part of the family brought one, so that a Cocoa
-// exception never unwinds into the host.
-void provideExceptionMaker() {
-    SEL selector = @selector(NewNSExceptionKaz:);
-    if (![NSException respondsToSelector:selector])
-        class_addMethod(object_getClass([NSException class]), selector, reinterpret_cast<IMP>(makeException),
-                        "^v12@0:4@8");
 }
 
 } // namespace
@@ -74,7 +71,6 @@ void RaiseOutOfBoundsException(std::int64_t value, std::int64_t, std::int64_t co
 
 void RaiseNSExceptionKaz(NSException* exception) {
     NSLog(@"A %@: %@, Info: %@\n", [exception name], [exception reason], [exception userInfo]);
-    provideExceptionMaker();
-    host::Held raised([NSException NewNSExceptionKaz:exception]);
+    host::Held raised(newExceptionOf(exception));
     if (raised) REALRaiseException(raised.get());
 }

@@ -13,15 +13,12 @@ using bridge::Owned;
 constexpr double kFailedLocksNeedNoUnlock = 2012.0;
 
 struct Size {
-    std::int32_t width = 0, height = 0;
+    std::int32_t width, height;
 };
 
-// A failed read counts as 0.
 Size sizeOf(REALpicture picture) {
-    Size size;
-    REALGetPropValueInt32(host::asObject(picture), "Width", &size.width);
-    REALGetPropValueInt32(host::asObject(picture), "Height", &size.height);
-    return size;
+    return {host::propertyValue(REALGetPropValueInt32, host::asObject(picture), "Width"),
+            host::propertyValue(REALGetPropValueInt32, host::asObject(picture), "Height")};
 }
 
 void drawWhole(REALpicture destination, REALpicture source, Size size) {
@@ -158,12 +155,9 @@ void* bridge::LockedDescription::world() const {
     return locked && record.kind == kREALPictureGWorld ? record.handle : nullptr;
 }
 
-// The handle of any other kind does not point to a pixel buffer, so not even the format may be read through
-// it.
+// A pixel buffer shows by its format code, not by the kind that the host says it delivered.
 const REALpixelBuffer* bridge::LockedDescription::pixels() const {
-    return locked && record.kind == kREALPicturePixelBuffer
-               ? static_cast<const REALpixelBuffer*>(record.handle)
-               : nullptr;
+    return locked ? static_cast<const REALpixelBuffer*>(record.handle) : nullptr;
 }
 
 CGImageRef bridge::copyCGImage(REALpicture picture) {

@@ -11,6 +11,7 @@
 
 // Not linked: on a system without a dispatch library these are null.
 extern "C" {
+decltype(dispatch_async) dispatch_async __attribute__((weak_import));
 decltype(dispatch_async_f) dispatch_async_f __attribute__((weak_import));
 decltype(dispatch_get_global_queue) dispatch_get_global_queue __attribute__((weak_import));
 }
@@ -139,7 +140,7 @@ SetName findSetName() {
 } // namespace
 
 void RunThreaded(void* data, void (*work)(void*), void (*idle)(void*)) {
-    if (dispatch_async_f)
+    if (dispatch_async) // the function form came with it
         runDispatched(data, work, idle);
     else
         runOnThread(data, work, idle);

@@ -134,4 +134,36 @@ TEST_F(DictionaryCache, KeepsNullForAMethodThatIsMissing) {
     EXPECT_EQ(LastDictionaryKeyGetter, nullptr);
 }
 
+// --- what is given back -----------------------------------------------------------------------------------
+
+// The objects that are unlocked while `work` runs, in order.
+template <class Work>
+std::vector<const void*> unlockedDuring(studio::Host& host, Work&& work) {
+    std::vector<const void*> result;
+    for (const studio::ServiceCall& call : host.callsDuring(work))
+        if (call.service == "REALUnlockObject") result.push_back(call.subject);
+    return result;
+}
+
+TEST_F(DictionaryCache, FromTheHostAKeyIsGivenBackBeforeItsValue) {
+    Value key = host.memoryBlock("key"), value = host.memoryBlock("value");
+    Value dictionary = host.dictionary({{key, value}});
+    std::vector<const void*> unlocked = unlockedDuring(host, [&] { NewNSDictionary(dictionary.object()); });
+    // Each block is locked and unlocked once more while its bytes are read.
+    EXPECT_EQ(unlocked,
+              (std::vector<const void*>{key.object(), value.object(), key.object(), value.object()}));
+}
+
+TEST_F(DictionaryCache, FromCocoaAKeyIsGivenBackBeforeItsValue) {
+    NSDictionary* dictionary = [NSDictionary dictionaryWithObject:[NSData dataWithBytes:"value" length:5]
+                                                           forKey:@"key"];
+    Value result;
+    std::vector<const void*> unlocked =
+        unlockedDuring(host, [&] { result = Value::received(NSDictionaryRB(dictionary)); });
+    ASSERT_EQ(unlocked.size(), 2u);
+    Value value = host.call(result, "Value", {"key"});
+    EXPECT_NE(unlocked[0], value.object());
+    EXPECT_EQ(unlocked[1], value.object());
+}
+
 } // namespace

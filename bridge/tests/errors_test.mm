@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 // The heap refuses blocks of this size while it is not 0.
 static std::size_t refusedSize = 0;
@@ -114,6 +115,39 @@ TEST_F(Errors, NumbersAreSixtyFourBitsWide) {
     EXPECT_RAISED(outOfBounds(-0x123456789ALL, 0x100000000LL), "OutOfBoundsException",
                   "Parameter index to method Component is too small. Range is 0 to 4294967295, but value is "
                   "-78187493530.");
+}
+
+TEST_F(Errors, TheLowerBoundIsPrintedAs0WhateverItIs) {
+    EXPECT_RAISED(raised([] { RaiseOutOfBoundsException(7, 5, 4, "index", "Component"); }),
+                  "OutOfBoundsException",
+                  "Parameter index to method Component is too big. Range is 0 to 3, but value is 7.");
+}
+
+// The services that are called for an exception, with the text that they are given.
+std::vector<std::string> namesOf(const std::vector<studio::ServiceCall>& calls) {
+    std::vector<std::string> names;
+    for (const studio::ServiceCall& call : calls)
+        names.push_back(call.service + (call.text.empty() ? "" : " " + call.text));
+    return names;
+}
+
+TEST_F(Errors, AnExceptionGetsItsMessageBeforeItIsRaisedAndIsThenGivenBack) {
+    using Names = std::vector<std::string>;
+    std::vector<studio::ServiceCall> calls =
+        host.callsDuring([] { RaiseException("NilObjectException", "image is nil"); });
+    EXPECT_EQ(namesOf(calls), (Names{"REALBuildString image is nil", "REALSetStringEncoding",
+                                     "PluginNewInstance NilObjectException", "REALSetPropValueString Message",
+                                     "RuntimeRaiseException", "REALUnlockObject", "REALUnlockString"}));
+    for (int i : {4, 5}) EXPECT_EQ(calls[std::size_t(i)].subject, calls[3].subject); // the exception
+    EXPECT_EQ(calls[6].subject, calls[1].subject);                                   // the message
+    host.takePendingException();
+
+    calls = host.callsDuring([] { RaiseException("NoSuchException", ""); });
+    EXPECT_EQ(namesOf(calls),
+              (Names{"PluginNewInstance NoSuchException", "PluginNewInstance RuntimeException",
+                     "REALSetPropValueString Message", "RuntimeRaiseException", "REALUnlockObject"}));
+    host.takePendingException();
+    expectClean();
 }
 
 TEST_F(Errors, MissingNamesBecomeQuestionMarks) {
@@ -263,6 +297,65 @@ TEST_F(Errors, ThePoolIsDrainedOnEveryPath) {
     host.takePendingException();
 }
 
+} // namespace
+
+// Raises when it goes.
+@interface RaisesInDealloc : NSObject
+@end
+@implementation RaisesInDealloc
+- (void)dealloc {
+    ++drained;
+    [super dealloc];
+    [NSException raise:NSInternalInconsistencyException format:@"raised in dealloc"];
+}
+@end
+
+namespace {
+
+TEST_F(Errors, WhatAnObjectRaisesAsThePoolDrainsBecomesAHostException) {
+    drained = 0;
+    testing::internal::CaptureStderr();
+    REALobject result = bridge::guardedInPool([] {
+        [[[DrainWitness alloc] init] autorelease];
+        [[[RaisesInDealloc alloc] init] autorelease];
+        [[[DrainWitness alloc] init] autorelease];
+        return REALnewInstance("Dictionary");
+    });
+    std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(result, nullptr);
+    EXPECT_NE(log.find("A NSInternalInconsistencyException: raised in dealloc, Info: "), std::string::npos);
+    {
+        Value exception = host.takePendingException();
+        EXPECT_EQ(exception.className(), "RuntimeException");
+        EXPECT_EQ(host.get(exception, "Message").text(), "raised in dealloc");
+    }
+    EXPECT_GE(drained, 2);
+    expectClean(); // the dictionary was given back
+
+    // The next pool works as ever.
+    drained = 0;
+    bridge::guardedInPool([] { [[[DrainWitness alloc] init] autorelease]; });
+    EXPECT_GE(drained, 1);
+    EXPECT_TRUE(host.takePendingException().isNil());
+}
+
+TEST_F(Errors, WhatPassesTheGuardPassesThoughAnObjectRaisesAsThePoolDrains) {
+    NSString* passed = nil;
+    testing::internal::CaptureStderr();
+    @try {
+        bridge::guardedInPool([] {
+            [[[RaisesInDealloc alloc] init] autorelease];
+            @throw @"not an exception";
+        });
+    } @catch (NSString* thrown) {
+        passed = thrown;
+    }
+    std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_STREQ([passed UTF8String], "not an exception");
+    EXPECT_NE(log.find("raised in dealloc"), std::string::npos) << log;
+    EXPECT_TRUE(host.takePendingException().isNil());
+}
+
 TEST_F(Errors, WithoutTheFamilyThereIsNoRegistry) {
     bridge::ensureFamily();
     bridge::registerWrapper(this, reinterpret_cast<REALobject>(this));
@@ -315,6 +408,54 @@ TEST_F(Errors, TheHostGetsTheExceptionThatTheFamilyMakes) {
     testing::internal::GetCapturedStderr();
     EXPECT_EQ(host.takePendingException().className(), "OutOfBoundsException");
     expectClean();
+}
+
+TEST_F(Errors, AFamilyThatComesLaterMakesTheExceptionsFromThenOn) {
+    testing::internal::CaptureStderr();
+    bridge::guarded([] { failingBody(); });
+    EXPECT_EQ(host.takePendingException().className(), "RuntimeException");
+    publish(
+        @selector(NewNSExceptionKaz:),
+        +[](id, SEL, NSException*) { return REALnewInstance("OutOfBoundsException"); });
+    bridge::guarded([] { failingBody(); });
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(host.takePendingException().className(), "OutOfBoundsException");
+    expectClean();
+}
+
+// The maker is sent its message without being asked first, so one that Cocoa forwards counts as well.
+TEST_F(Errors, AMakerThatAnswersByForwardingIsSentTheMessage) {
+    publish(
+        @selector(methodSignatureForSelector:),
+        +[](id, SEL, SEL) { return [NSMethodSignature signatureWithObjCTypes:"^v12@0:4@8"]; });
+    publish(
+        @selector(forwardInvocation:), +[](id, SEL, NSInvocation* invocation) {
+            REALobject made = REALnewInstance("OutOfBoundsException");
+            [invocation setReturnValue:&made];
+        });
+    testing::internal::CaptureStderr();
+    bridge::guarded([] { failingBody(); });
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(host.takePendingException().className(), "OutOfBoundsException");
+    expectClean();
+}
+
+TEST_F(Errors, WhatTheFamilysMakerRaisesPasses) {
+    publish(
+        @selector(NewNSExceptionKaz:), +[](id, SEL, NSException*) -> REALobject {
+            [NSException raise:NSGenericException format:@"the maker's own"];
+            return nullptr;
+        });
+    std::string passed;
+    testing::internal::CaptureStderr();
+    @try {
+        bridge::guarded([] { failingBody(); });
+    } @catch (NSException* exception) {
+        passed = [[exception reason] UTF8String];
+    }
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(passed, "the maker's own");
+    EXPECT_TRUE(host.takePendingException().isNil());
 }
 
 TEST_F(Errors, WhatTheFamilyMakesNothingOfIsLoggedAndNotRaised) {

@@ -432,6 +432,38 @@ TEST_P(ImagesByCopy, HaveTheMaskDrawnIntoTheCopys) {
     EXPECT_EQ(log, unlessCopied({"lock P8", "lock M8", "unlock M", "unlock P"}));
 }
 
+TEST_P(ImagesByCopy, AreTakenAfterThePictureAndThenTheMaskAreDrawn) {
+    std::vector<studio::ServiceCall> calls = host.callsDuring([&] { image(picture, mask); });
+    std::erase_if(calls, [](const studio::ServiceCall& call) {
+        return call.service != "newPicture" && call.service != "REALGetPictureMask" &&
+               call.service != "pluginPictureGraphicsGetter" && call.service != "REALLoadObjectMethod" &&
+               call.service != "REALCopyPictureCGImage" && call.service != "REALUnlockObject";
+    });
+    Log sequence;
+    for (const studio::ServiceCall& call : calls) sequence.push_back(call.service);
+    Log wanted = {"newPicture",
+                  "pluginPictureGraphicsGetter",
+                  "REALLoadObjectMethod",
+                  "REALUnlockObject", // the copy's graphics
+                  "REALGetPictureMask",
+                  "pluginPictureGraphicsGetter",
+                  "REALLoadObjectMethod",
+                  "REALUnlockObject", // the mask's graphics
+                  "REALUnlockObject", // the mask
+                  "REALCopyPictureCGImage",
+                  "REALUnlockObject"}; // the copy
+    if (!hostCopies()) wanted.erase(wanted.end() - 2);
+    ASSERT_EQ(sequence, wanted);
+    const void* copy = calls[1].subject;
+    const void* copyMask = calls[5].subject;
+    EXPECT_EQ(calls[4].subject, copy);
+    EXPECT_NE(copyMask, copy);
+    EXPECT_EQ(calls[3].subject, calls[2].subject);
+    EXPECT_EQ(calls[7].subject, calls[6].subject);
+    EXPECT_EQ(calls[8].subject, copyMask);
+    EXPECT_EQ(calls.back().subject, copy);
+}
+
 TEST_P(ImagesByCopy, LeaveTheOriginalsAlone) {
     image(picture, mask);
     EXPECT_EQ(read(picture), colors());
@@ -471,6 +503,16 @@ TEST_P(ImagesByCopy, FallBackToTheDescriptionWhenTheSizeCannotBeRead) {
     EXPECT_EQ(image(picture), colors());
     EXPECT_EQ(steps, Log{"new 0 3 32"});
     EXPECT_EQ(log, (Log{"lock P8", "unlock P"}));
+}
+
+TEST_P(ImagesByCopy, TakeASideThatCannotBeReadFor0WhateverTheHostWrote) {
+    replace(
+        "REALGetPropValueInt", +[](REALobject, const char*, std::int32_t* out) {
+            *out = 9;
+            return false;
+        });
+    EXPECT_EQ(image(picture), colors());
+    EXPECT_EQ(steps, Log{"new 0 0 32"});
 }
 
 TEST_P(ImagesByCopy, AreNullForANullPicture) {
@@ -631,6 +673,17 @@ TEST_P(ImagesOfPictures, AreNullWhenASideOfTheCopyCannotBeRead) {
     }
 }
 
+TEST_P(ImagesOfPictures, AreNullWhenASideOfTheCopyCannotBeReadWhateverTheHostWrote) {
+    modes[handle(picture)] = Fails;
+    replace(
+        "REALGetPropValueInt", +[](REALobject, const char*, std::int32_t* out) {
+            *out = 9;
+            return false;
+        });
+    EXPECT_EQ(bridge::copyCGImage(handle(picture)), nullptr);
+    EXPECT_EQ(log, expected(upToTheCopy({})));
+}
+
 TEST_P(ImagesOfPictures, AreNullWhenASideOfTheCopyIsBelow1) {
     modes[handle(picture)] = Fails;
     static std::map<std::string, std::int32_t> sides;
@@ -775,10 +828,18 @@ TEST_P(Drawing, CopiesRowsOnlyBetweenBuffersOfOneSize) {
     }
 }
 
-TEST_P(Drawing, CopiesRowsOnlyOfTheKnownKindAndFormat) {
+TEST_P(Drawing, CopiesRowsWhateverKindTheHostSaysItDelivered) {
+    withoutDrawPicture();
+    modes = {{handle(source), OtherKind}, {handle(destination), OtherKind}};
+    draw();
+    EXPECT_EQ(read(destination), colors());
+    modes.clear();
+}
+
+TEST_P(Drawing, CopiesRowsOnlyOfTheKnownFormat) {
     withoutDrawPicture();
     for (const Value& picture : {source, destination}) {
-        for (Mode mode : {OtherKind, OtherFormat, NoRows, NoHeight}) {
+        for (Mode mode : {OtherFormat, NoRows, NoHeight}) {
             modes = {{handle(picture), mode}};
             log.clear();
             draw();

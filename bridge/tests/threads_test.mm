@@ -163,6 +163,12 @@ void __wrap_dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_fun
     __real_dispatch_async_f(queue, context, work);
 }
 
+#else
+
+// A system that has the function form and not the one with a block counts as one without the library.
+dispatch_queue_t dispatch_get_global_queue(long, unsigned long) { return nullptr; }
+void dispatch_async_f(dispatch_queue_t, void*, dispatch_function_t) { std::abort(); }
+
 #endif
 
 } // extern "C"
@@ -238,6 +244,26 @@ TEST_F(Threads, IdleIsCalledAfterEveryPauseAndOnceMoreAtTheEnd) {
     });
     EXPECT_EQ(idles, pauses() + 1);
     EXPECT_GE(idles, 5);
+}
+
+TEST_F(Threads, TheHostYieldsThenPausesThenIsIdle) {
+    static std::vector<std::string> steps;
+    static Threads* test;
+    steps.clear();
+    test = this;
+    host.onYield([this] {
+        steps.push_back(std::string(watch.pauses.size() - std::size_t(idles), 'p') + "yield");
+        if (++yields == 3) released = true;
+        if (released)
+            while (watch.unlocks == 0) std::this_thread::yield();
+    });
+    RunThreaded(this, waitForRelease, [](void*) {
+        ++test->idles;
+        steps.push_back("idle after " + std::to_string(watch.pauses.size()));
+    });
+    // Before the first check; twice round the loop; after it.
+    EXPECT_EQ(steps, (std::vector<std::string>{"yield", "yield", "idle after 1", "yield", "idle after 2",
+                                               "yield", "idle after 2"}));
 }
 
 TEST_F(Threads, IdleIsCalledOnceForWorkThatReturnsAtOnce) {

@@ -234,9 +234,29 @@ class MissingGetters : public ConversionTest {
         return cocoa(value);
     }
 
+    // A reader that leaves a number behind although it fails. 2 is also the type code of an integer.
+    template <class T>
+    static bool writesAndFails(REALobject, const char*, T* out) {
+        *out = 2;
+        return false;
+    }
+
     using Names = std::vector<std::string>;
     static inline Names names;
 };
+
+TEST_F(MissingGetters, ATypeThatCannotBeReadIsNoneWhateverTheHostWrote) {
+    withhold("REALLoadGlobalMethod");
+    replace("REALGetPropValueInt", writesAndFails<std::int32_t>);
+    EXPECT_EQ(cocoa(7), nil);
+}
+
+TEST_F(MissingGetters, ACountThatCannotBeReadIsNoneWhateverTheHostWrote) {
+    replace("REALGetPropValueInt", writesAndFails<std::int32_t>);
+    id result = NewNSDictionary(host.dictionary({{"a", 1}, {"b", 2}}).object());
+    EXPECT_EQ([result count], 0u);
+    EXPECT_FALSE([result isKindOfClass:[NSMutableDictionary class]]);
+}
 
 TEST_F(MissingGetters, Int32ValueStandsInForIntegersColorsAndBooleans) {
     EXPECT_EQ([convert<std::int32_t>("VariantToInt32", -7) intValue], -7);
@@ -275,6 +295,20 @@ TEST_F(MissingGetters, WithoutTheirPropertiesNumbersAreZero) {
     EXPECT_EQ([convertWithoutReader<float>("VariantToSingle", 7.5f) floatValue], 0);
     EXPECT_EQ([convertWithoutReader<double>("VariantToDouble", 7.5) doubleValue], 0);
     EXPECT_EQ([convertWithoutReader<std::int32_t>("VariantToInt32", 7) intValue], 0);
+    EXPECT_EQ([cocoa(true) boolValue], NO);
+}
+
+TEST_F(MissingGetters, PropertiesThatCannotBeReadAreZeroWhateverTheHostWrote) {
+    for (const char* getter : {"VariantToInt32", "VariantToInt64", "VariantToSingle", "VariantToDouble"})
+        withhold(getter);
+    replace("REALGetPropValueInt", writesAndFails<std::int32_t>);
+    replace("REALGetPropValueInt64", writesAndFails<std::int64_t>);
+    replace("REALGetPropValueSingle", writesAndFails<float>);
+    replace("REALGetPropValueDouble", writesAndFails<double>);
+    EXPECT_EQ([cocoa(7) intValue], 0);
+    EXPECT_EQ([cocoa(7LL) intValue], 0);
+    EXPECT_EQ([cocoa(7.5f) floatValue], 0);
+    EXPECT_EQ([cocoa(7.5) doubleValue], 0);
     EXPECT_EQ([cocoa(true) boolValue], NO);
 }
 

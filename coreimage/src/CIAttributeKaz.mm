@@ -12,7 +12,7 @@ static_assert(sizeof(AttributeData) == 8);
 
 AttributeData& data(REALobject self) { return instanceData<AttributeData>(self); }
 
-void destroyAttribute(REALobject self) {
+void CIAttributeDestructor(REALobject self) {
     destroyWrapper(self);
     guarded([&] {
         [data(self).name release];
@@ -57,17 +57,15 @@ REALstring text(REALobject self, std::uint32_t) {
 
 template <Key K, const WrapperType& Type>
 REALobject object(REALobject self, std::uint32_t) {
-    return wrappedResult(Type, [&]() -> id {
+    return guardedInPool([&]() -> REALobject {
         id value = valueOf<K>(self);
-        return [value isKindOfClass:NSClassFromString([NSString stringWithUTF8String:Type.nativeClass])]
-                   ? value
-                   : nil;
+        Class wanted = NSClassFromString([NSString stringWithUTF8String:Type.nativeClass]);
+        return [value isKindOfClass:wanted] ? wrapped(Type, value) : nullptr;
     });
 }
 
 template <Key K>
 REALobject transform(REALobject self, std::uint32_t) {
-    bridge::ensureFamily();
     return guardedInPool([&]() -> REALobject {
         id value = valueOf<K>(self);
         return [value isKindOfClass:[NSAffineTransform class]] ? NewNSAffineTransformKaz(value) : nullptr;
@@ -104,7 +102,7 @@ REALproperty properties[] = {
 } // namespace
 
 REALclassDefinition CIAttributeKazClass = classDefinition(
-    {.name = "CIAttributeKaz", .dataSize = sizeof(AttributeData), .destructor = destroyAttribute},
+    {.name = "CIAttributeKaz", .dataSize = sizeof(AttributeData), .destructor = CIAttributeDestructor},
     properties);
 
 REALobject newAttribute(NSDictionary* attribute, NSString* key) {

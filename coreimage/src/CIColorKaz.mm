@@ -82,9 +82,14 @@ REALmethodDefinition methods[] = {
     method("Component(index as UInt32) as double", component),
 };
 
+void CIColorConstructor(REALobject self) { constructWrapper(self); }
+void CIColorDestructor(REALobject self) { destroyWrapper(self); }
+
 } // namespace
 
-REALclassDefinition CIColorKazClass = wrapperClass(kColor.hostClass, properties, methods);
+REALclassDefinition CIColorKazClass = classDefinition(
+    {.name = "CIColorKaz", .constructor = CIColorConstructor, .destructor = CIColorDestructor}, properties,
+    methods);
 
 // --- global functions -------------------------------------------------------------------------------------
 

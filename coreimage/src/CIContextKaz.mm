@@ -57,8 +57,7 @@ void initWithCGContext(REALobject self, REALobject cgContext) {
 // Leaves the picture's description locked for the context's life. A second call is not refused.
 void initWithPicture(REALobject self, REALpicture picture) {
     if (raisesWhenNull(picture, "Picture is nil")) return;
-    bridge::ensureFamily();
-    guardedInPool([&] {
+    prepared([&] {
         bridge::LockedDescription description(picture, kREALPictureCGContext);
         CGContextRef native = description.context();
         description.release();
@@ -195,12 +194,15 @@ REALmethodDefinition methods[] = {
     method("DrawImage(ciImage as CIImageKaz)", drawImage),
 };
 
+void CIContextConstructor(REALobject self) { constructWrapper(self); }
+void CIContextDestructor(REALobject self) { destroyWrapper(self); }
+
 } // namespace
 
 REALclassDefinition CIContextKazClass = classDefinition({.name = "CIContextKaz",
                                                          .dataSize = sizeof(ContextData),
-                                                         .constructor = constructWrapper,
-                                                         .destructor = destroyWrapper},
+                                                         .constructor = CIContextConstructor,
+                                                         .destructor = CIContextDestructor},
                                                         properties, methods);
 
 // --- global functions -------------------------------------------------------------------------------------

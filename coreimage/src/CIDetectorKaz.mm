@@ -15,8 +15,7 @@ CIDetector* detector(REALobject self) { return nativeHandle<CIDetector*>(self); 
 // A detector made here is not registered, and a second call overwrites the first one's reference.
 void initWithType(REALobject self, REALstring type, REALobject context, REALobject options) {
     if (raisesWhenNull(type, "type is empty")) return;
-    bridge::ensureFamily();
-    guardedInPool([&] {
+    prepared([&] {
         // By name: systems before 10.7 have no detectors.
         Class detectorClass = static_cast<Class>(objc_getClass("CIDetector"));
         instanceData<id>(self) = [[detectorClass detectorOfType:bridge::temporaryString(type)
@@ -66,9 +65,13 @@ REALmethodDefinition sharedMethods[] = {
     method("CIDetectorAccuracyHigh as string", accuracyHigh),
 };
 
+void CIDetectorConstructor(REALobject self) { constructWrapper(self); }
+void CIDetectorDestructor(REALobject self) { destroyWrapper(self); }
+
 } // namespace
 
-REALclassDefinition CIDetectorKazClass =
-    wrapperClass(kDetector.hostClass, properties, methods, {}, sharedMethods);
+REALclassDefinition CIDetectorKazClass = classDefinition(
+    {.name = "CIDetectorKaz", .constructor = CIDetectorConstructor, .destructor = CIDetectorDestructor},
+    properties, methods, {}, sharedMethods);
 
 } // namespace coreimage

@@ -101,10 +101,14 @@ REALmethodDefinition faceMethods[] = {
     method("trackingFrameCount as integer", trackingFrameCount),
 };
 
+void CIFeatureConstructor(REALobject self) { constructWrapper(self); }
+void CIFeatureDestructor(REALobject self) { destroyWrapper(self); }
+
 } // namespace
 
-REALclassDefinition CIFeatureKazClass =
-    wrapperClass(kFeature.hostClass, featureProperties, featureMethods, {}, featureSharedMethods);
+REALclassDefinition CIFeatureKazClass = classDefinition(
+    {.name = "CIFeatureKaz", .constructor = CIFeatureConstructor, .destructor = CIFeatureDestructor},
+    featureProperties, featureMethods, {}, featureSharedMethods);
 
 REALclassDefinition CIFaceFeatureKazClass = classDefinition(
     {.name = "CIFaceFeatureKaz", .superclass = "CIFeatureKaz", .dataSize = 0}, {}, faceMethods);

@@ -22,7 +22,9 @@ NSDictionary* cachedAttributes(REALobject self) {
     return fields.attributes;
 }
 
-void destroyFilter(REALobject self) {
+void CIFilterConstructor(REALobject self) { constructWrapper(self); }
+
+void CIFilterDestructor(REALobject self) {
     destroyWrapper(self);
     guardedInPool([&] {
         [data(self).attributes release];
@@ -122,7 +124,6 @@ void setDefaults(REALobject self) {
 template <class Convert>
 auto valueForKey(REALobject self, REALstring key, Convert&& convert) -> decltype(convert(id())) {
     using Result = decltype(convert(id()));
-    bridge::ensureFamily();
     return guardedInPool([&]() -> Result {
         NSString* name = filter(self) ? bridge::temporaryString(key) : nil;
         if (!name) return Result();
@@ -206,7 +207,8 @@ REALstringArray filterNamesInCategories(REALstringArray categoryNames) {
         if (!names) return nil;
         for (std::int32_t i = 0; i <= upperBound; ++i) {
             host::Held element(host::stringArrayValue(categoryNames, i));
-            if (NSString* name = bridge::temporaryString(element.get())) [names addObject:name];
+            // A name that cannot be converted is added, too: Cocoa raises.
+            if (element) [names addObject:bridge::temporaryString(element.get())];
         }
         return [CIFilter filterNamesInCategories:names];
     });
@@ -341,8 +343,8 @@ REALconstant constants[] = {
 
 REALclassDefinition CIFilterKazClass = classDefinition({.name = "CIFilterKaz",
                                                         .dataSize = sizeof(FilterData),
-                                                        .constructor = constructWrapper,
-                                                        .destructor = destroyFilter},
+                                                        .constructor = CIFilterConstructor,
+                                                        .destructor = CIFilterDestructor},
                                                        properties, methods, constants, sharedMethods);
 
 } // namespace coreimage

@@ -69,8 +69,14 @@ REALmethodDefinition methods[] = {
     method("IntersectWithRect(cgrect as CGRectKaz) as CIFilterShapeKaz", intersectWithRect),
 };
 
+void CIFilterShapeConstructor(REALobject self) { constructWrapper(self); }
+void CIFilterShapeDestructor(REALobject self) { destroyWrapper(self); }
+
 } // namespace
 
-REALclassDefinition CIFilterShapeKazClass = wrapperClass(kFilterShape.hostClass, properties, methods);
+REALclassDefinition CIFilterShapeKazClass = classDefinition({.name = "CIFilterShapeKaz",
+                                                             .constructor = CIFilterShapeConstructor,
+                                                             .destructor = CIFilterShapeDestructor},
+                                                            properties, methods);
 
 } // namespace coreimage

@@ -1,5 +1,6 @@
 // CIImageKaz: the recipe of a picture. This file makes images; CIImageKazRendering.mm renders and measures
-// them, and CIImageLoading.mm loads them on a worker.
+// them, and CIImageLoading.mm loads them on a worker. Every method of this class runs in the frame of a
+// factory, prepared().
 #include "CIImageKaz.h"
 #include "CIImageLoading.h"
 
@@ -123,9 +124,10 @@ void initWithBitmapMemory(REALobject self, REALmemoryBlock data, std::int32_t le
 
 // --- automatic adjustment ---------------------------------------------------------------------------------
 
-// `find` returns the filters for the image, which may be nil. Always an array.
+// `find` returns the filters for the image, which may be nil. An array unless Cocoa raises.
 template <class Find>
 REALarray adjustmentsWith(REALobject self, Find&& find) {
+    bridge::ensureFamily();
     return filledWithWrappers(
         REALCreateArray(kREALArrayObject, -1), [&] { return find(nativeHandle<CIImage*>(self)); },
         [](id filter) { return wrapped(kFilter, filter); });
@@ -143,17 +145,15 @@ REALarray autoAdjustmentFiltersWithOptions(REALobject self, REALobject options) 
 
 // --- shared methods ---------------------------------------------------------------------------------------
 
-REALstring autoAdjustEnhance() {
-    return stringResult([] { return kCIImageAutoAdjustEnhance; });
+REALstring optionName(NSString* name) {
+    return prepared([&] { return CFString2RBString((CFStringRef)name); });
 }
 
-REALstring autoAdjustRedEye() {
-    return stringResult([] { return kCIImageAutoAdjustRedEye; });
-}
+REALstring autoAdjustEnhance() { return optionName(kCIImageAutoAdjustEnhance); }
 
-REALstring autoAdjustFeatures() {
-    return stringResult([] { return kCIImageAutoAdjustFeatures; });
-}
+REALstring autoAdjustRedEye() { return optionName(kCIImageAutoAdjustRedEye); }
+
+REALstring autoAdjustFeatures() { return optionName(kCIImageAutoAdjustFeatures); }
 
 REALobject emptyImage() {
     return wrappedResult(kImage, [] { return [CIImage emptyImage]; });
@@ -184,8 +184,7 @@ REALobject imageWithContentsOfPath(REALstring path, REALobject colorSpace) {
 // the call, because the host may run code that drains an autorelease pool.
 template <class Make>
 REALobject loadOnWorker(Make&& make) {
-    bridge::ensureFamily();
-    return guardedInPool([&] {
+    return prepared([&] {
         ImageLoadRequest request = make();
         [request.data retain];
         [request.url retain];
@@ -294,18 +293,19 @@ REALmethodDefinition sharedMethods[] = {
            imageWithContentsOfPath),
 };
 
+void CIImageConstructor(REALobject self) { constructWrapper(self); }
+void CIImageDestructor(REALobject self) { destroyWrapper(self); }
+
 } // namespace
 
-REALclassDefinition CIImageKazClass =
-    wrapperClass(kImage.hostClass, properties, methods, constants, sharedMethods);
+REALclassDefinition CIImageKazClass = classDefinition(
+    {.name = "CIImageKaz", .constructor = CIImageConstructor, .destructor = CIImageDestructor}, properties,
+    methods, constants, sharedMethods);
 
 // --- functions that are also global -----------------------------------------------------------------------
 
 REALobject imageWithCGImage(REALobject image) {
-    return wrappedResult(kImage, [&]() -> CIImage* {
-        CGImageRef cgImage = nativeHandle<CGImageRef>(image);
-        return cgImage ? [CIImage imageWithCGImage:cgImage] : nil;
-    });
+    return wrappedResult(kImage, [&] { return [CIImage imageWithCGImage:nativeHandle<CGImageRef>(image)]; });
 }
 
 REALobject imageWithCGImageAndColorSpace(REALobject image, REALobject colorSpace) {

@@ -1,4 +1,5 @@
-// CIImageKaz: images rendered into pictures, NSImages and CGImages, and their geometry.
+// CIImageKaz: images rendered into pictures, NSImages and CGImages, and their geometry. Every method of this
+// class runs in the frame of a factory, prepared().
 #include "CIImageKaz.h"
 
 #include <bridge/dictionaries.h>
@@ -33,6 +34,7 @@ bool drawFilling(CIImage* image, CGContextRef bitmap, CGRect extent, std::int32_
     if (useSoftwareRenderer) [options setObject:[NSNumber numberWithBool:YES] forKey:@"software_renderer"];
     [options setObject:(id)outputSpace forKey:@"output_color_space"];
     CIContext* context = [CIContext contextWithCGContext:bitmap options:options];
+    if (!context) return false;
     [context drawImage:image
                 inRect:CGRectMake(0, 0, static_cast<CGFloat>(width), static_cast<CGFloat>(height))
               fromRect:extent];
@@ -59,6 +61,20 @@ bool drawIntoPicture(CIImage* image, const bridge::LockedDescription& descriptio
     return false;
 }
 
+// Draws the image into what has the focus; true when it was drawn.
+bool drawIntoFocus(CIImage* image, CGRect extent, bool useSoftwareRenderer) {
+    void* port = [[NSGraphicsContext currentContext] graphicsPort];
+    if (!port) return false;
+    NSDictionary* options = nil;
+    if (useSoftwareRenderer)
+        options = [NSDictionary dictionaryWithObject:[NSNumber numberWithBool:YES]
+                                              forKey:@"software_renderer"];
+    CIContext* context = [CIContext contextWithCGContext:static_cast<CGContextRef>(port) options:options];
+    if (!context) return false;
+    [context drawImage:image atPoint:CGPointMake(0, 0) fromRect:extent];
+    return true;
+}
+
 // Both forms of CreateCGImage: `render` renders with a context on a scratch bitmap of the source's size.
 template <class Render>
 REALobject createCGImageWith(REALobject self, REALobject rect, CGColorSpaceRef bitmapSpace, Render&& render) {
@@ -76,7 +92,7 @@ REALobject createCGImageWith(REALobject self, REALobject rect, CGColorSpaceRef b
 } // namespace
 
 REALobject createCGImage(REALobject self, REALobject rect) {
-    return guardedInPool([&]() -> REALobject {
+    return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         Owned<CGColorSpaceRef> deviceRGB(CGColorSpaceCreateDeviceRGB());
         if (!deviceRGB) return nullptr;
@@ -87,7 +103,7 @@ REALobject createCGImage(REALobject self, REALobject rect) {
 }
 
 REALobject createCGImageInColorSpace(REALobject self, REALobject rect, REALobject colorSpace) {
-    return guardedInPool([&]() -> REALobject {
+    return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         CGColorSpaceRef wanted = nativeHandle<CGColorSpaceRef>(colorSpace);
         Owned<CGColorSpaceRef> bitmapSpace(wanted ? CGColorSpaceRetain(wanted)
@@ -103,8 +119,7 @@ REALobject createCGImageInColorSpace(REALobject self, REALobject rect, REALobjec
 }
 
 REALobject asNSImage(REALobject self) {
-    bridge::ensureFamily();
-    return guardedInPool([&]() -> REALobject {
+    return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         NSImage* result = [[[NSImage alloc] initWithSize:sizeOf([image(self) extent])] autorelease];
         [result addRepresentation:[NSCIImageRep imageRepWithCIImage:image(self)]];
@@ -113,33 +128,24 @@ REALobject asNSImage(REALobject self) {
 }
 
 REALobject renderNSImage(REALobject self, bool useSoftwareRenderer) {
-    bridge::ensureFamily();
-    return guardedInPool([&]() -> REALobject {
+    return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         CGRect extent = [image(self) extent];
         NSImage* result = [[[NSImage alloc] initWithSize:sizeOf(extent)] autorelease];
         bool drawn = false;
         [result lockFocus];
-        if (void* port = [[NSGraphicsContext currentContext] graphicsPort]) {
-            NSDictionary* options = nil;
-            if (useSoftwareRenderer)
-                options = [NSDictionary dictionaryWithObject:[NSNumber numberWithBool:YES]
-                                                      forKey:@"software_renderer"];
-            CIContext* context = [CIContext contextWithCGContext:static_cast<CGContextRef>(port)
-                                                         options:options];
-            if (context) {
-                [context drawImage:image(self) atPoint:CGPointMake(0, 0) fromRect:extent];
-                drawn = true;
-            }
+        @try {
+            drawn = drawIntoFocus(image(self), extent, useSoftwareRenderer);
+        } @finally {
+            [result unlockFocus];
         }
-        [result unlockFocus];
         return drawn ? NewNSImageKaz(result) : nullptr;
     });
 }
 
 REALpicture renderPicture(REALobject self, std::int32_t width, std::int32_t height,
                           bool useSoftwareRenderer) {
-    return guardedInPool([&]() -> REALpicture {
+    return prepared([&]() -> REALpicture {
         if (!image(self)) return nullptr;
         CGRect extent = [image(self) extent];
         if (width < 1) width = wholePixels(extent.size.width);
@@ -166,34 +172,34 @@ REALpicture renderPicture(REALobject self, std::int32_t width, std::int32_t heig
 }
 
 std::int32_t height(REALobject self) {
-    return guardedInPool([&] { return wholePixels([image(self) extent].size.height); });
+    return prepared([&] { return wholePixels([image(self) extent].size.height); });
 }
 
 std::int32_t width(REALobject self) {
-    return guardedInPool([&] { return wholePixels([image(self) extent].size.width); });
+    return prepared([&] { return wholePixels([image(self) extent].size.width); });
 }
 
 REALstring url(REALobject self) {
-    return stringResult([&] { return [[image(self) url] absoluteString]; });
+    return prepared([&] { return CFString2RBString((CFStringRef)[[image(self) url] absoluteString]); });
 }
 
 REALobject colorSpace(REALobject self) {
-    return guardedInPool([&] { return newColorSpace([image(self) colorSpace]); });
+    return prepared([&] { return newColorSpace([image(self) colorSpace]); });
 }
 
 REALobject properties(REALobject self) {
-    return guardedInPool([&] { return NSDictionaryRB([image(self) properties]); });
+    return prepared([&] { return NSDictionaryRB([image(self) properties]); });
 }
 
 REALobject extent(REALobject self) {
-    return guardedInPool([&]() -> REALobject {
+    return prepared([&]() -> REALobject {
         if (!image(self)) return nullptr;
         return newRectangle([image(self) extent]);
     });
 }
 
 REALobject definition(REALobject self) {
-    return guardedInPool([&] { return newFilterShape([image(self) definition]); });
+    return prepared([&] { return newFilterShape([image(self) definition]); });
 }
 
 REALobject imageByApplyingTransform(REALobject self, REALobject transform) {

@@ -9,13 +9,14 @@
 void coreimage::DoWork(void* argument) {
     auto& request = *static_cast<ImageLoadRequest*>(argument);
     bridge::nameCurrentThread("CIImageLoad");
-    bridge::AutoreleasePool pool;
     @try {
+        bridge::AutoreleasePool pool;
         if (request.data) request.result = [[CIImage imageWithData:request.data] retain];
         if (request.url)
             request.result = [(request.options ? [CIImage imageWithContentsOfURL:request.url
                                                                          options:request.options]
                                                : [CIImage imageWithContentsOfURL:request.url]) retain];
+        pool.drain();
     } @catch (NSException* exception) {
         NSLog(@"%@\n", exception);
     }

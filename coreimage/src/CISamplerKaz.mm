@@ -65,9 +65,14 @@ REALconstant constants[] = {
     constant("kCISamplerFilterLinear = \"linear\""),
 };
 
+void CISamplerConstructor(REALobject self) { constructWrapper(self); }
+void CISamplerDestructor(REALobject self) { destroyWrapper(self); }
+
 } // namespace
 
-REALclassDefinition CISamplerKazClass = wrapperClass(kSampler.hostClass, properties, methods, constants);
+REALclassDefinition CISamplerKazClass = classDefinition(
+    {.name = "CISamplerKaz", .constructor = CISamplerConstructor, .destructor = CISamplerDestructor},
+    properties, methods, constants);
 
 REALobject samplerWithImage(REALobject image) {
     return wrappedResult(kSampler,

@@ -112,10 +112,14 @@ REALmethodDefinition sharedMethods[] = {
     method("vectorWithString(s as string) as CIVectorKaz", vectorWithString),
 };
 
+void CIVectorConstructor(REALobject self) { constructWrapper(self); }
+void CIVectorDestructor(REALobject self) { destroyWrapper(self); }
+
 } // namespace
 
-REALclassDefinition CIVectorKazClass =
-    wrapperClass(kVector.hostClass, properties, methods, {}, sharedMethods);
+REALclassDefinition CIVectorKazClass = classDefinition(
+    {.name = "CIVectorKaz", .constructor = CIVectorConstructor, .destructor = CIVectorDestructor}, properties,
+    methods, {}, sharedMethods);
 
 // --- functions that are also global -----------------------------------------------------------------------
 

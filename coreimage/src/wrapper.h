@@ -37,13 +37,15 @@ inline CGRect sourceRectangle(REALobject rect, CGRect extent) {
     return source;
 }
 
-// Fills an empty object array from the NSArray that `list` returns, with the wrapper that `wrap` finds for
-// each object.
+// Takes over an empty object array and fills it from the NSArray that `list` returns, with the wrapper that
+// `wrap` finds for each object. Null when Cocoa raises.
 template <class List>
 REALarray filledWithWrappers(REALarray array, List&& list, REALobject (*wrap)(id native)) {
-    bridge::ensureFamily();
-    guardedInPool([&] { FillObjectArray(array, list(), wrap); });
-    return array;
+    host::Held filled(array);
+    return guardedInPool([&] {
+        FillObjectArray(filled.get(), list(), wrap);
+        return filled.release();
+    });
 }
 
 } // namespace coreimage

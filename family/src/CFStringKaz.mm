@@ -29,6 +29,8 @@ REALmethodDefinition methods[] = {
 
 } // namespace
 
-REALclassDefinition CFStringKazClass = wrapperClass("CFStringKaz", properties, methods);
+REALclassDefinition CFStringKazClass =
+    classDefinition({.name = "CFStringKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
+                    properties, methods);
 
 } // namespace family

@@ -44,6 +44,8 @@ REALmethodDefinition methods[] = {
 
 } // namespace
 
-REALclassDefinition NSColorKazClass = wrapperClass("NSColorKaz", properties, methods);
+REALclassDefinition NSColorKazClass =
+    classDefinition({.name = "NSColorKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
+                    properties, methods);
 
 } // namespace family

@@ -51,6 +51,8 @@ REALmethodDefinition methods[] = {
 
 } // namespace
 
-REALclassDefinition NSImageKazClass = wrapperClass("NSImageKaz", properties, methods);
+REALclassDefinition NSImageKazClass =
+    classDefinition({.name = "NSImageKaz", .constructor = constructWrapper, .destructor = destroyWrapper},
+                    properties, methods);
 
 } // namespace family

@@ -10,8 +10,7 @@ namespace objects {
 void constructWrapper(REALobject) { bridge::ensureFamily(); }
 
 void destroyWrapper(REALobject wrapper) {
-    bridge::ensureFamily();
-    guardedInPool([&] {
+    prepared([&] {
         id& handle = instanceData<id>(wrapper);
         if (!handle) return;
         bridge::unregisterWrapper(handle);
@@ -47,8 +46,7 @@ void constructWithHandle(const WrapperType& type, REALobject wrapper, std::int32
         RaiseException(bridge::kNilObject, message);
         return;
     }
-    bridge::ensureFamily();
-    guardedInPool([&] {
+    prepared([&] {
         id native = reinterpret_cast<id>(handle);
         Class expected = static_cast<Class>(objc_getClass(type.nativeClass));
         if (expected && [native isKindOfClass:expected]) {
@@ -62,14 +60,6 @@ void constructWithHandle(const WrapperType& type, REALobject wrapper, std::int32
 
 REALstring description(REALobject wrapper, std::uint32_t) {
     return stringResult([&] { return [nativeHandle(wrapper) description]; });
-}
-
-REALclassDefinition wrapperClass(const char* hostClass, host::Table<REALproperty> properties,
-                                 host::Table<REALmethodDefinition> methods,
-                                 host::Table<REALconstant> constants,
-                                 host::Table<REALmethodDefinition> sharedMethods) {
-    return classDefinition({.name = hostClass, .constructor = constructWrapper, .destructor = destroyWrapper},
-                           properties, methods, constants, sharedMethods);
 }
 
 } // namespace objects

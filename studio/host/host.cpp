@@ -310,6 +310,14 @@ void Host::failAllocation(int afterGoodCalls) { impl_->services.failAllocation(a
 bool Host::allocationFailed() const { return impl_->services.allocationFailed(); }
 void Host::stopFailing() { impl_->services.stopFailing(); }
 
+// ---- the log ---------------------------------------------------------------------------------------------
+
+std::vector<ServiceCall> Host::callsDuring(const std::function<void()>& work) {
+    impl_->services.startLog();
+    work();
+    return impl_->services.takeLog();
+}
+
 // ---- reports ---------------------------------------------------------------------------------------------
 
 Report Host::report() const { return impl_->runtime.heap.report(); }

@@ -83,6 +83,7 @@ class Compiler {
     Operand name(const ast::Expr& e);
     Operand variable(const Local& local, Position position);
     Operand member(const ast::Expr& e, const std::vector<const ast::Expr*>& arguments, bool called);
+    Operand receiver(const ast::Expr& e); // an object whose member is named; a temporary is kept
     Operand memberOf(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments,
                      bool called);
     Operand sharedMember(Class& cls, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments,
@@ -165,6 +166,7 @@ class Compiler {
     std::vector<Loop> loops_;
     int slotCount_ = 0;
     int nextLoop_ = 1;
+    bool keepsReceivers_ = false; // what was compiled last keeps temporaries
 };
 
 } // namespace studio

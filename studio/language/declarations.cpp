@@ -207,7 +207,9 @@ void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
                 });
             }
         });
-    cls.initialize = [initials = std::move(initials), slots = slotCount_](REALobject self) {
+    cls.initialize = [initials = std::move(initials), slots = slotCount_,
+                      program = &program_](REALobject self) {
+        Program::Statement statement(*program);
         std::vector<Bits> temporaries(std::size_t(slots) + 1);
         Frame frame{temporaries.data(), self, {}, 0};
         for (auto& [field, code] : initials) {

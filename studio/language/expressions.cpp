@@ -51,10 +51,18 @@ Operand Compiler::valueAs(const ast::Expr& e, const Type* type, const std::strin
 }
 
 Operand Compiler::condition(const ast::Expr& e) {
+    keepsReceivers_ = false;
     Operand result = value(e);
     if (result.type->kind != Kind::Boolean && result.type->kind != Kind::Variant)
         throw SourceError(e.position, "expected a Boolean, found " + result.type->name);
-    return coerce(std::move(result), simpleType(Kind::Boolean), "");
+    result = coerce(std::move(result), simpleType(Kind::Boolean), "");
+    // A loop asks again and again within one statement.
+    if (keepsReceivers_)
+        result.code = [code = std::move(result.code), program = &program_](Frame& f) {
+            Program::Statement asked(*program);
+            return code(f);
+        };
+    return result;
 }
 
 Operand Compiler::expression(const ast::Expr& e) {
@@ -227,7 +235,20 @@ Operand Compiler::member(const ast::Expr& e, const std::vector<const ast::Expr*>
         if (candidates.empty()) unknown(e.position, owner_->superclass->name + " has no", e.text, {});
         return invokeMethod(candidates, std::move(self), arguments, e.text, e.position, false);
     }
-    return memberOf(value(*e.a), e, arguments, called);
+    return memberOf(receiver(*e.a), e, arguments, called);
+}
+
+Operand Compiler::receiver(const ast::Expr& e) {
+    Operand result = value(e);
+    bool lives = e.kind == ast::ExprKind::Self || (e.kind == ast::ExprKind::Name && findVariable(e.text));
+    if (lives || !result.type->isObject()) return result;
+    keepsReceivers_ = true;
+    result.code = [code = std::move(result.code), program = &program_](Frame& f) {
+        Bits object = code(f);
+        if (object.object) program->keep(object.object);
+        return object;
+    };
+    return result;
 }
 
 Operand Compiler::sharedMember(Class& cls, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments,

@@ -60,6 +60,15 @@ void Program::end() {
     for (Global& global : globals) release(global.type, std::exchange(global.bits, Bits()));
 }
 
+// A destructor may run code that keeps objects of its own.
+void Program::releaseKept(std::size_t bottom) {
+    while (kept_.size() > bottom) {
+        REALobject last = kept_.back();
+        kept_.pop_back();
+        heap().release(last);
+    }
+}
+
 std::vector<const Routine*> Program::tests() const {
     std::vector<const Routine*> result;
     for (const Routine& routine : routines)

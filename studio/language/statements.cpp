@@ -53,9 +53,10 @@ Action Compiler::block(const ast::Block& statements) {
             }
         }
         if (steps.empty()) return [](Frame&) { return Flow::Next; };
-        return [steps = std::move(steps), line = &program_.line](Frame& frame) {
+        return [steps = std::move(steps), program = &program_](Frame& frame) {
             for (const Step& step : steps) {
-                *line = step.line;
+                program->line = step.line;
+                Program::Statement statement(*program);
                 if (Flow flow = step.action(frame); flow != Flow::Next) return flow;
             }
             return Flow::Next;

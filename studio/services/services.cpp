@@ -25,13 +25,31 @@ namespace studio {
 
 namespace {
 
+// What a call's arguments add to its note.
+template <class Argument>
+void describe(ServiceCall& call, Argument argument) {
+    if constexpr (std::is_same_v<Argument, const char*>) {
+        if (call.text.empty() && argument) call.text = argument;
+    } else if constexpr (std::is_pointer_v<Argument> &&
+                         !std::is_function_v<std::remove_pointer_t<Argument>>) {
+        if (!call.subject) call.subject = argument;
+    }
+}
+
 // Bodies may throw the language's exceptions; a plugin's frame must never see one.
 template <auto body>
 struct Guarded;
 template <class R, class... A, R (*body)(A...)>
 struct Guarded<body> {
     static R call(A... arguments) {
-        if (Services::current().strikes(reinterpret_cast<void*>(&call))) return R();
+        Services& services = Services::current();
+        auto* self = reinterpret_cast<void*>(&call);
+        if (services.logs()) {
+            ServiceCall noted;
+            (describe(noted, arguments), ...);
+            services.note(self, std::move(noted));
+        }
+        if (services.strikes(self)) return R();
         try {
             return body(arguments...);
         } catch (const Raised& raised) {
@@ -102,8 +120,9 @@ const char* StringGetCString(REALstring string) {
     return string ? StringCell::of(string).buffer + 1 : "";
 }
 
-const void* REALGetStringCFString(REALstring string, std::uint32_t) {
+const void* REALGetStringCFString(REALstring string, std::uint32_t flags) {
     if (!heap().check(string, "REALGetStringCFString")) return nullptr;
+    if (flags) heap().violation("REALGetStringCFString: the flags are not 0");
     return makeCFString(toUtf8(string));
 }
 
@@ -261,7 +280,8 @@ void* loadByDeclaration(const char* declaration, Find find) {
     }
 }
 
-void* REALLoadGlobalMethod(void*, const char* declaration) {
+void* REALLoadGlobalMethod(void* null, const char* declaration) {
+    if (null) heap().violation("REALLoadGlobalMethod: the first argument is not null");
     return loadByDeclaration(declaration, [](const Signature& wanted) -> void* {
         for (const Method* function : classes().functionsNamed(wanted.name))
             if (sameSignature(function->signature, wanted)) return functionForPlugins(*function, false);
@@ -590,6 +610,17 @@ void* Services::find(std::string_view entryName) const {
         if (service.name == entryName)
             return runtime().version() >= service.since ? service.function : nullptr;
     return nullptr;
+}
+
+// ---- the log ---------------------------------------------------------------------------------------------
+
+void Services::note(void* function, ServiceCall call) {
+    for (const Service& service : allServices())
+        if (service.function == function) {
+            call.service = service.name;
+            log_->push_back(std::move(call));
+            return;
+        }
 }
 
 // ---- faults ----------------------------------------------------------------------------------------------

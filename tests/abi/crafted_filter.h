@@ -1,6 +1,8 @@
-// A filter whose attributes a test writes itself; a unit of its own, because no C++ catch works in
-// Objective-C++.
+// Cocoa's side of the tests of filters: a filter with attributes of the test's own, and a conversion that
+// raises. A unit of its own, because no C++ catch works in Objective-C++.
 #pragma once
+
+#include <hostapi/abi.h>
 
 // A CIFilter, alive for good, with these attributes:
 //     "inputNumbers"   numbers under every key that takes one, a minimum of 0, a "CIAttributeName" of its own
@@ -16,3 +18,6 @@ struct CraftedReferences {
     bool operator==(const CraftedReferences&) const = default;
 };
 CraftedReferences referencesTo(const char* key);
+
+// Stands for the host's service of that kind: raises the Cocoa exception "no text".
+const void* raiseInsteadOfCFString(REALstring, std::uint32_t);

@@ -67,3 +67,8 @@ CraftedReferences referencesTo(const char* key) {
     }
     return {};
 }
+
+const void* raiseInsteadOfCFString(REALstring, std::uint32_t) {
+    [NSException raise:NSInternalInconsistencyException format:@"no text"];
+    return nullptr;
+}

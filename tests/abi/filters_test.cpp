@@ -1,4 +1,5 @@
 // Filters, as far as a program cannot see.
+#include "crafted_filter.h"
 #include "plugin_test.h"
 
 #include <cstdio>
@@ -9,8 +10,8 @@ using studio::Value;
 
 class Filters : public PluginTest {
   protected:
-    explicit Filters(studio::HostOptions options = {}, Family family = WithFamily)
-        : PluginTest(std::move(options), family) {}
+    explicit Filters(studio::HostOptions options = {}, Family family = WithFamily, Services services = {})
+        : PluginTest(std::move(options), family, std::move(services)) {}
 
     Value filter(const char* name = "CISepiaTone") {
         return host.shared("CIFilterKaz", "FilterWithName", {name});
@@ -202,6 +203,43 @@ TEST_F(Filters, CategoriesAreIntersected) {
     EXPECT_TRUE(inCategories({"CICategoryBlur", "CICategoryGenerator"}).empty());
     expectClean();
 }
+
+// A host that leaves the conversion of its strings to the plugin.
+struct FiltersWithoutCFStrings : Filters, testing::WithParamInterface<double> {
+    FiltersWithoutCFStrings() : Filters({.version = GetParam(), .withheld = {"REALGetStringCFString"}}) {}
+};
+
+TEST_P(FiltersWithoutCFStrings, ANameThatCannotBeConvertedRaises) {
+    Value broken = host.array("String", {"CICategoryBlur", "\xFF\xFE broken"});
+    testing::internal::CaptureStderr();
+    std::string raised = raisedBy([&] { host.shared("CIFilterKaz", "FilterNamesInCategories", {broken}); });
+    std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(raised.starts_with("RuntimeException: ")) << raised;
+    EXPECT_EQ(occurrences(log, "A NSInvalidArgumentException: "), 1) << log;
+    broken = {};
+    expectClean(); // the element was given back
+}
+
+INSTANTIATE_TEST_SUITE_P(Hosts, FiltersWithoutCFStrings, testing::Values(2011.0, 2013.9, 2014.01));
+
+// A host whose own conversion of a string raises.
+struct FiltersWithRaisingCFStrings : Filters, testing::WithParamInterface<double> {
+    FiltersWithRaisingCFStrings()
+        : Filters({.version = GetParam()}, WithFamily,
+                  {{"REALGetStringCFString", reinterpret_cast<void*>(&raiseInsteadOfCFString)}}) {}
+};
+
+TEST_P(FiltersWithRaisingCFStrings, AnElementIsGivenBackThoughItsConversionRaises) {
+    Value names = host.array("String", {"CICategoryBlur"});
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(raisedBy([&] { host.shared("CIFilterKaz", "FilterNamesInCategories", {names}); }),
+              "RuntimeException: no text");
+    testing::internal::GetCapturedStderr();
+    names = {};
+    expectClean();
+}
+
+INSTANTIATE_TEST_SUITE_P(Hosts, FiltersWithRaisingCFStrings, testing::Values(2013.9, 2014.01));
 
 struct FiltersWithoutUBound : Filters {
     FiltersWithoutUBound() : Filters({.withheld = {"RuntimeUBound"}}) {}

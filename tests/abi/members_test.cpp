@@ -1,9 +1,11 @@
 // Every member that the plugin registers, read from its records and called: with good arguments, with nil for
 // each object in turn, and on an empty wrapper. A member with a type for which the test has no argument fails
 // its test, so a new member cannot be forgotten.
+#include "asked_family.h"
 #include "plugin_test.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <functional>
 #include <map>
@@ -268,10 +270,89 @@ TEST_P(Members, SharedWithTheClass) {
     expectCleanButForKeptLocks();
 }
 
-INSTANTIATE_TEST_SUITE_P(Classes, Members,
-                         testing::Values("CIColorKaz", "CIImageKaz", "CIContextKaz", "CIVectorKaz",
-                                         "CIFilterShapeKaz", "CIFilterKaz", "CISamplerKaz", "CIAttributeKaz",
-                                         "CIFeatureKaz", "CIFaceFeatureKaz", "CIDetectorKaz"),
+// Constructors, and the functions and methods that return the wrapper of a new object, make sure of the
+// family first; so does every method of CIImageKaz, and no other.
+class Preparing : public Members {
+  protected:
+    Preparing() { withholdRegistry(); }
+
+    // Whether the plugin asked for the wrapper registry during the call. A new wrapper would have it asked
+    // once more, so no wrapper is made.
+    bool prepares(const std::function<Value()>& call) {
+        int before = timesAskedForRegistry();
+        host.failService("PluginNewInstance");
+        tolerant(call);
+        int after = timesAskedForRegistry();
+        host.stopFailing();
+        return after != before;
+    }
+
+    static bool isAmong(const std::string& declaration, const std::vector<std::string>& names) {
+        return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+            return declaration.starts_with(name) && !std::isalnum(declaration[name.size()]);
+        });
+    }
+    static bool shouldPrepare(const std::string& className, const std::string& declaration) {
+        if (className == "CIImageKaz") return true;
+        if (declaration == "Constructor") return false; // a sampler's, which does nothing
+        return isAmong(declaration,
+                       {"Constructor", "copy", "TransformBy", "InsetByX", "UnionWith", "UnionWithRect",
+                        "IntersectWith", "IntersectWithRect", "vectorWithX", "vectorWithXY", "vectorWithXYZ",
+                        "vectorWithXYZW", "vectorWithString", "FilterWithHandle", "FilterWithName"});
+    }
+    std::vector<Value> argumentsFor(const Method& method) {
+        if (method.declaration != "Constructor(Handle as Integer)") return goodArguments(method.signature);
+        kept = sample(GetParam());
+        return {kept.isNil() ? Value(0) : host.get(kept, "Handle")};
+    }
+
+    Value kept;
+};
+
+TEST_P(Preparing, IsForConstructorsAndFactoriesAndForImages) {
+    testing::internal::CaptureStderr();
+    for (const auto& method : subject().methods) {
+        SCOPED_TRACE(method->declaration);
+        bool fresh = isConstructor(*method) || equalNames(method->signature.name, "Destructor");
+        Value object = fresh ? host.instantiate(GetParam()) : sample(GetParam());
+        if (object.isNil()) continue; // the system makes none
+        std::vector<Value> arguments = argumentsFor(*method);
+        if (arguments.size() == 1 && method->declaration == "Constructor(Handle as Integer)" && kept.isNil())
+            continue;
+        EXPECT_EQ(prepares([&] { return host.call(object, method->declaration, arguments); }),
+                  shouldPrepare(GetParam(), method->declaration));
+        if (!method->setter) continue;
+        Parameter assigned;
+        assigned.type = method->signature.result;
+        Value value = goodArgument(assigned);
+        EXPECT_FALSE(prepares([&] {
+            host.assign(object, method->signature.name, arguments, value);
+            return Value();
+        }));
+    }
+    for (const auto& method : subject().sharedMethods) {
+        SCOPED_TRACE(method->declaration);
+        std::vector<Value> arguments = goodArguments(method->signature);
+        EXPECT_EQ(prepares([&] { return host.shared(GetParam(), method->declaration, arguments); }),
+                  shouldPrepare(GetParam(), method->declaration));
+    }
+    Value object = sample(GetParam());
+    for (const studio::Property& property : subject().properties) {
+        if (object.isNil()) break;
+        SCOPED_TRACE(property.name);
+        EXPECT_FALSE(prepares([&] { return host.get(object, property.name); }));
+    }
+    testing::internal::GetCapturedStderr();
+}
+
+const auto kClasses = testing::Values("CIColorKaz", "CIImageKaz", "CIContextKaz", "CIVectorKaz",
+                                      "CIFilterShapeKaz", "CIFilterKaz", "CISamplerKaz", "CIAttributeKaz",
+                                      "CIFeatureKaz", "CIFaceFeatureKaz", "CIDetectorKaz");
+
+INSTANTIATE_TEST_SUITE_P(Classes, Preparing, kClasses,
+                         [](const auto& info) { return std::string(info.param); });
+
+INSTANTIATE_TEST_SUITE_P(Classes, Members, kClasses,
                          [](const auto& info) { return std::string(info.param); });
 
 class Functions : public Members {};
@@ -285,5 +366,17 @@ TEST_P(Functions, InEveryWay) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Global, Functions, testing::Values("CIColorKaz"));
+
+class PreparingFunctions : public Preparing {};
+
+TEST_P(PreparingFunctions, IsForAllOfThem) {
+    for (const Method* function : host.pluginFunctions()) {
+        SCOPED_TRACE(function->declaration);
+        std::vector<Value> arguments = goodArguments(function->signature);
+        EXPECT_TRUE(prepares([&] { return host.function(function->declaration, arguments); }));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Global, PreparingFunctions, testing::Values("CIColorKaz"));
 
 } // namespace

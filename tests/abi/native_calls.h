@@ -8,8 +8,9 @@
 // "contextWithCGContext:options: {software_renderer=0}". What Core Image sends itself is not among them.
 extern std::vector<std::string> nativeCalls;
 
-// The bytes of the data that came with the last bitmap.
+// The bytes of the data that came with the last bitmap, and with the last image file in memory.
 extern const void* lastBitmapBytes;
+extern const void* lastDataBytes;
 
 // From here on messages are noted. Bitmaps are not made, since their length may be a lie.
 void watchNativeCalls();
@@ -19,5 +20,9 @@ void answerUnionsWithTheOther();
 void answerDefinitionsWith(int shape);
 void answerContextsWith(int context); // 0 for nil
 void answerGraphicsPortsWithNull();
-void raiseWhenDrawing(const char* reason);
+void raiseWhenDrawing(const char* reason); // into a rectangle or at a point
+void raiseWhenAdjusting(const char* reason);
 void raiseWhenInsetting(const char* reason);
+
+// Whether an image or a view has the focus.
+bool somethingHasTheFocus();

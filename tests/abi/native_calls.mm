@@ -8,6 +8,7 @@
 
 std::vector<std::string> nativeCalls;
 const void* lastBitmapBytes = nullptr;
+const void* lastDataBytes = nullptr;
 
 namespace {
 
@@ -77,6 +78,14 @@ struct Watched<Result, describe, n> {
 
 std::string object(id) { return {}; }
 std::string objectAndOptions(id, NSDictionary* options) { return text(options); }
+std::string data(NSData* given) {
+    lastDataBytes = [given bytes];
+    return {};
+}
+std::string dataAndOptions(NSData* given, NSDictionary* options) {
+    lastDataBytes = [given bytes];
+    return text(options);
+}
 std::string pathAndFlag(NSString*, BOOL isDirectory) { return isDirectory ? "directory" : "file"; }
 std::string pointAndRect(CIImage*, CGPoint point, CGRect source) {
     return number(point.x) + "," + number(point.y) + " " + text(source);
@@ -116,6 +125,15 @@ void* noPort(id, SEL) { return nullptr; }
 
 void raise() { [NSException raise:NSInternalInconsistencyException format:@"%s", givenReason]; }
 void drawRaising(id, SEL, CIImage*, CGRect, CGRect) { raise(); }
+void drawAtPointRaising(id, SEL, CIImage*, CGPoint, CGRect) { raise(); }
+id adjustRaising(id, SEL) {
+    raise();
+    return nil;
+}
+id adjustWithOptionsRaising(id, SEL, NSDictionary*) {
+    raise();
+    return nil;
+}
 id insetRaising(id, SEL, int, int) {
     raise();
     return nil;
@@ -132,18 +150,18 @@ void watchNativeCalls() {
     Class image = [CIImage class], context = [CIContext class], shape = [CIFilterShape class];
     Watched<id, object, 0>::in(metaclass(image), @selector(imageWithCGImage:));
     Watched<id, object, 1>::in(metaclass(image), @selector(imageWithContentsOfURL:));
-    Watched<id, object, 2>::in(metaclass(image), @selector(imageWithData:));
+    Watched<id, data, 0>::in(metaclass(image), @selector(imageWithData:));
     Watched<id, object, 3>::in(metaclass(image), @selector(imageWithColor:));
     Watched<id, nothing, 0>::in(metaclass(image), @selector(emptyImage));
     Watched<id, object, 4>::in(image, @selector(initWithCGImage:));
     Watched<id, object, 5>::in(image, @selector(initWithContentsOfURL:));
-    Watched<id, object, 6>::in(image, @selector(initWithData:));
+    Watched<id, data, 1>::in(image, @selector(initWithData:));
     Watched<id, objectAndOptions, 0>::in(metaclass(image), @selector(imageWithCGImage:options:));
     Watched<id, objectAndOptions, 1>::in(metaclass(image), @selector(imageWithContentsOfURL:options:));
-    Watched<id, objectAndOptions, 2>::in(metaclass(image), @selector(imageWithData:options:));
+    Watched<id, dataAndOptions, 0>::in(metaclass(image), @selector(imageWithData:options:));
     Watched<id, objectAndOptions, 3>::in(image, @selector(initWithCGImage:options:));
     Watched<id, objectAndOptions, 4>::in(image, @selector(initWithContentsOfURL:options:));
-    Watched<id, objectAndOptions, 5>::in(image, @selector(initWithData:options:));
+    Watched<id, dataAndOptions, 1>::in(image, @selector(initWithData:options:));
     replace(metaclass(image), @selector(imageWithBitmapData:bytesPerRow:size:format:colorSpace:), noBitmap);
     replace(image, @selector(initWithBitmapData:bytesPerRow:size:format:colorSpace:), noBitmap);
     Watched<id, pathAndFlag>::in(metaclass([NSURL class]), @selector(fileURLWithPath:isDirectory:));
@@ -181,6 +199,19 @@ void answerGraphicsPortsWithNull() {
 void raiseWhenDrawing(const char* reason) {
     givenReason = reason;
     replace([CIContext class], @selector(drawImage:inRect:fromRect:), drawRaising);
+    replace([CIContext class], @selector(drawImage:atPoint:fromRect:), drawAtPointRaising);
+}
+
+void raiseWhenAdjusting(const char* reason) {
+    givenReason = reason;
+    replace([CIImage class], @selector(autoAdjustmentFilters), adjustRaising);
+    replace([CIImage class], @selector(autoAdjustmentFiltersWithOptions:), adjustWithOptionsRaising);
+}
+
+bool somethingHasTheFocus() {
+    @autoreleasepool {
+        return [NSGraphicsContext currentContext] != nil;
+    }
 }
 
 void raiseWhenInsetting(const char* reason) {

@@ -195,6 +195,32 @@ TEST_F(NativeCalls, MemoryIsNotCopiedAndDataIs) {
     expectClean();
 }
 
+TEST_F(NativeCalls, AnImageFileInMemoryIsCopiedByEveryLoader) {
+    Value block = host.memoryBlock("no image");
+    auto address = reinterpret_cast<host::service::memoryBlockGetPtr>(host.resolver()("memoryBlockGetPtr"));
+    const void* own = address(reinterpret_cast<REALmemoryBlock>(block.object()));
+    const std::function<void()> loaders[] = {
+        [&] { host.create("CIImageKaz", {block}); },
+        [&] {
+            host.create("CIImageKaz", {block, space()});
+        },
+        [&] { host.shared("CIImageKaz", "imageWithData", {block}); },
+        [&] { host.shared("CIImageKaz", "imageWithDataMT", {block}); },
+        [&] { host.function("NewCIImagewithDataKaz", {block}); },
+        [&] {
+            host.function("NewCIImagewithDataKaz", {block, space()});
+        },
+    };
+    for (const auto& load : loaders) {
+        lastDataBytes = nullptr;
+        load();
+        EXPECT_NE(lastDataBytes, nullptr);
+        EXPECT_NE(lastDataBytes, own);
+    }
+    block = {};
+    expectClean();
+}
+
 TEST_F(NativeCalls, ABitmapsSizeIsInSinglePrecision) {
     host.function("NewCIImagewithBitmapDataKaz", {host.memoryBlock("x"), 16, 16777217, 16777219, 23, nil()});
     EXPECT_THAT(
@@ -253,6 +279,56 @@ TEST_F(NativeCalls, WithoutAPortOrAContextThereIsNoNSImage) {
     EXPECT_THAT(calls(), ElementsAre());
     answerGraphicsPortsWithNull();
     EXPECT_TRUE(host.call(it, "RenderNSImage").isNil());
+    it = {};
+    expectClean();
+}
+
+TEST_F(NativeCalls, WithoutAContextThereIsNoPicture) {
+    Value it = image(rect(1, 2, 8, 4));
+    answerContextsWith(0);
+    EXPECT_TRUE(host.call(it, "RenderPicture").isNil());
+    EXPECT_EQ(host.report().alive("Picture"), 0);
+    it = {};
+    expectClean();
+}
+
+TEST_F(NativeCalls, AnNSImageLosesTheFocusWhenDrawingRaises) {
+    Value it = image(rect(1, 2, 8, 4));
+    raiseWhenDrawing("cannot draw");
+    testing::internal::CaptureStderr();
+    EXPECT_THAT(raisedBy([&] { host.call(it, "RenderNSImage"); }), testing::HasSubstr("cannot draw"));
+    testing::internal::GetCapturedStderr();
+    EXPECT_FALSE(somethingHasTheFocus());
+    it = {};
+    expectClean();
+}
+
+TEST_F(NativeCalls, AnImageOfNoCGImageIsAskedForAllTheSame) {
+    for (Value none : {Value(), host.instantiate("CGImageKaz")}) {
+        calls();
+        EXPECT_TRUE(host.shared("CIImageKaz", "imageWithCGImage(CGImage as CGImageKaz) as CIImageKaz", {none})
+                        .isNil());
+        EXPECT_THAT(calls(), ElementsAre("imageWithCGImage:"));
+        EXPECT_TRUE(
+            host.function("NewCIImagewithCGImageKaz(cgimage as CGImageKaz) as CIImageKaz", {none}).isNil());
+        EXPECT_THAT(calls(), ElementsAre("imageWithCGImage:"));
+    }
+    expectClean();
+}
+
+TEST_F(NativeCalls, NoArrayOfAdjustmentsComesWhenCocoaRaises) {
+    Value it = image(rect(1, 2, 8, 4));
+    raiseWhenAdjusting("cannot adjust");
+    // Called as the host calls them: an exception hides the result from a program.
+    testing::internal::CaptureStderr();
+    for (const auto& method : host.findClass("CIImageKaz")->methods) {
+        if (!method->signature.name.starts_with("autoAdjustmentFilters")) continue;
+        using Adjust = REALarray (*)(REALobject, REALobject options);
+        EXPECT_EQ(reinterpret_cast<Adjust>(method->function)(it.object(), nullptr), nullptr)
+            << method->declaration;
+        EXPECT_EQ(host.takePendingException().className(), "RuntimeException");
+    }
+    testing::internal::GetCapturedStderr();
     it = {};
     expectClean();
 }

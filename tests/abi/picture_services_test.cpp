@@ -303,6 +303,7 @@ class ContextsAlone : public Contexts {
 TEST_F(ContextsAlone, OnAPictureHaveNoCGContextToShow) {
     {
         Value context = host.create("CIContextKaz", {picture()});
+        EXPECT_EQ(living("CIContext"), 1);
         EXPECT_NE(host.get(context, "Handle").integer(), 0);
         EXPECT_EQ(context.word(3), 0u); // the field of the sibling's object
         host.call(context, "Flush");
@@ -316,6 +317,7 @@ TEST_F(ContextsAlone, MakeNoCGImageThatNobodyCouldHold) {
         Value context = host.create("CIContextKaz", {picture()});
         Value shown = host.shared("CIImageKaz", "imageWithPicture", {picture()});
         EXPECT_EQ(host.call(shown, "Width").integer(), 8);
+        EXPECT_EQ(living("CIImage"), 1);
         EXPECT_TRUE(host.call(context, "CreateCGImage", {shown}).isNil());
         EXPECT_TRUE(host.call(shown, "CreateCGImage").isNil());
     }

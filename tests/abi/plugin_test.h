@@ -27,7 +27,7 @@ class PluginTest : public testing::Test {
         replaced() = std::move(services);
         host.loadPlugin([](REALResolver resolver) {
             hostResolver() = resolver;
-            void* plugin = dlopen(KAZ_PLUGIN, RTLD_NOW);
+            void* plugin = dlopen(KAZ_PLUGIN, RTLD_NOW | RTLD_GLOBAL); // as the host loads it
             ASSERT_NE(plugin, nullptr) << dlerror();
             reinterpret_cast<studio::PluginEntry>(dlsym(plugin, "REALPluginMain"))([](const char* name) {
                 auto found = replaced().find(name);

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <bridge/errors.h>
+#include <hostapi/handles.h>
 
 #import <Foundation/Foundation.h>
 
+#include <type_traits>
 #include <utility>
 
 namespace bridge {
@@ -13,9 +15,19 @@ namespace bridge {
 class AutoreleasePool {
   public:
     AutoreleasePool() : pool([[NSAutoreleasePool alloc] init]) {}
-    ~AutoreleasePool() { [pool release]; }
+    // Nothing may leave a destructor: what an object's dealloc raises here is logged.
+    ~AutoreleasePool() {
+        @try {
+            drain();
+        } @catch (id raised) {
+            NSLog(@"%@\n", raised);
+        }
+    }
     AutoreleasePool(const AutoreleasePool&) = delete;
     AutoreleasePool& operator=(const AutoreleasePool&) = delete;
+
+    // Drains the pool before its scope ends; what an object's dealloc raises passes to the caller.
+    void drain() { [std::exchange(pool, nil) release]; }
 
   private:
     NSAutoreleasePool* pool;
@@ -33,11 +45,22 @@ auto guarded(Body&& body) -> decltype(body()) {
     return decltype(body())();
 }
 
-// The same inside an autorelease pool, for bodies that make temporary Cocoa objects.
+// The same inside an autorelease pool, for bodies that make temporary Cocoa objects. When an object raises as
+// the pool drains, the body's result is given back.
 template <class Body>
 auto guardedInPool(Body&& body) -> decltype(body()) {
-    AutoreleasePool pool;
-    return guarded(std::forward<Body>(body));
+    using Result = decltype(body());
+    return guarded([&]() -> Result {
+        AutoreleasePool pool;
+        if constexpr (std::is_void_v<Result>) {
+            guarded(std::forward<Body>(body));
+            pool.drain();
+        } else {
+            host::Held result(guarded(std::forward<Body>(body)));
+            pool.drain();
+            return result.release();
+        }
+    });
 }
 
 } // namespace bridge

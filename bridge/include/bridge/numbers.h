@@ -15,9 +15,7 @@ REALobject newVariantOfNumber(NSNumber* number);
 template <class Getter, class Property>
 auto variantValue(Getter& getter, Property& property, const char* propertyName, REALobject variant) {
     if (getter.resolve()) return getter(variant);
-    decltype(getter(variant)) value = {};
-    property(variant, propertyName, &value);
-    return value;
+    return host::propertyValue(property, variant, propertyName);
 }
 
 std::int32_t int32InVariant(REALobject variant);

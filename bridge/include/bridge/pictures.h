@@ -35,6 +35,8 @@ class LockedDescription {
     // The handle, null when the description is of another kind.
     CGContextRef context() const;
     void* world() const; // QuickDraw's
+
+    // The handle whatever the kind; its format code tells whether it is a pixel buffer.
     const REALpixelBuffer* pixels() const;
 
     // Leaves the description locked; what it held stays valid.

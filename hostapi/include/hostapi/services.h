@@ -109,6 +109,14 @@ namespace host {
 template <class Function>
 using FrameworkMethod = LookedUpFunction<Function, REALLoadFrameworkMethod>;
 
+// A named property of a host object. 0 or null when it cannot be read, whatever the host wrote.
+template <class Value>
+Value propertyValue(Service<bool (*)(REALobject, const char*, Value*)>& read, REALobject object,
+                    const char* name) {
+    Value value = {};
+    return read(object, name, &value) ? value : Value();
+}
+
 // A host class, found by its name. A class that is missing now may be registered later.
 class NamedClass {
   public:

@@ -26,7 +26,7 @@ struct WrapperType {
     const char* nativeClass;
 };
 
-// Class constructor and destructor.
+// What class constructors and destructors do.
 void constructWrapper(REALobject wrapper);
 void destroyWrapper(REALobject wrapper);
 
@@ -50,13 +50,20 @@ REALmethodDefinition constructorWithHandle() {
         +[](REALobject wrapper, std::int32_t handle) { constructWithHandle(Type, wrapper, handle); });
 }
 
+// The frame of constructors and factories: the family is asked for its wrapper registry and its exceptions
+// before anything else. Other members run in guardedInPool() or guarded() alone.
+template <class Body>
+auto prepared(Body&& body) -> decltype(body()) {
+    bridge::ensureFamily();
+    return guardedInPool(std::forward<Body>(body));
+}
+
 // A constructor that makes its native object itself: `make` returns the object with the reference that the
 // wrapper keeps.
 template <class Make>
 void construct(REALobject wrapper, Make&& make) {
     if (raisesWhenInitialized(wrapper)) return;
-    bridge::ensureFamily();
-    guardedInPool([&] { adopt(wrapper, make()); });
+    prepared([&] { adopt(wrapper, make()); });
 }
 
 // The one wrapper of a native object, made if need be.
@@ -64,11 +71,10 @@ inline REALobject wrapped(const WrapperType& type, id native) {
     return bridge::wrapperOf(type.hostClass, native);
 }
 
-// Returns the wrapper of the object that `make` returns, which is not owned.
+// A factory: returns the wrapper of the object that `make` returns, which is not owned.
 template <class Make>
 REALobject wrappedResult(const WrapperType& type, Make&& make) {
-    bridge::ensureFamily();
-    return guardedInPool([&] { return wrapped(type, make()); });
+    return prepared([&] { return wrapped(type, make()); });
 }
 
 // The "description" property of every class.
@@ -77,7 +83,6 @@ REALstring description(REALobject wrapper, std::uint32_t parameter);
 // Returns the NSString that `make` returns, which is not owned and may be nil, as a host string.
 template <class Make>
 REALstring stringResult(Make&& make) {
-    bridge::ensureFamily();
     return guardedInPool([&] { return CFString2RBString((CFStringRef)make()); });
 }
 
@@ -89,11 +94,5 @@ template <class Value, auto read>
 Value getter(REALobject wrapper, std::uint32_t) {
     return guarded([&] { return static_cast<Value>(read(nativeHandle(wrapper))); });
 }
-
-// The record of a class with the object model's own constructor and destructor.
-REALclassDefinition wrapperClass(const char* hostClass, host::Table<REALproperty> properties,
-                                 host::Table<REALmethodDefinition> methods,
-                                 host::Table<REALconstant> constants = {},
-                                 host::Table<REALmethodDefinition> sharedMethods = {});
 
 } // namespace objects

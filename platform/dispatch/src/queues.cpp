@@ -5,8 +5,11 @@
 #include <array>
 #include <chrono>
 #include <condition_variable>
+#include <cstdlib>
+#include <cstring>
 #include <deque>
 #include <mutex>
+#include <new>
 #include <system_error>
 #include <thread>
 
@@ -97,10 +100,51 @@ Threads& threads() {
 
 } // namespace
 
+// A block as compilers lay it out (Clang's "Block Implementation Specification").
+struct dispatch_block_s {
+    struct Descriptor {
+        unsigned long reserved, size;
+        void (*copy)(dispatch_block_t to, const dispatch_block_s* from); // these two only with kHasHelpers
+        void (*dispose)(dispatch_block_t);
+    };
+    static constexpr int kHasHelpers = 1 << 25, kIsGlobal = 1 << 28;
+
+    void* isa;
+    int flags, reserved;
+    void (*invoke)(dispatch_block_t);
+    const Descriptor* descriptor;
+};
+
+namespace {
+
+// A block that captures nothing lives as long as the process.
+dispatch_block_t copyOf(dispatch_block_t block) {
+    if (block->flags & dispatch_block_s::kIsGlobal) return block;
+    auto* copy = static_cast<dispatch_block_t>(std::malloc(block->descriptor->size));
+    if (!copy) throw std::bad_alloc();
+    std::memcpy(copy, block, block->descriptor->size);
+    if (block->flags & dispatch_block_s::kHasHelpers) block->descriptor->copy(copy, block);
+    return copy;
+}
+
+void runCopy(void* context) {
+    auto* block = static_cast<dispatch_block_t>(context);
+    block->invoke(block);
+    if (block->flags & dispatch_block_s::kIsGlobal) return;
+    if (block->flags & dispatch_block_s::kHasHelpers) block->descriptor->dispose(block);
+    std::free(block);
+}
+
+} // namespace
+
 dispatch_queue_t dispatch_get_global_queue(long priority, unsigned long flags) {
     return flags == 0 ? threads().queue(priority) : nullptr;
 }
 
 void dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t work) {
     threads().submit(queue, {context, work});
+}
+
+void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
+    dispatch_async_f(queue, copyOf(block), runCopy);
 }

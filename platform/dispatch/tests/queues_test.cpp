@@ -6,9 +6,17 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
+
+// Blocks on the stack and blocks that capture nothing refer to these, which a run time for blocks would
+// bring.
+extern "C" {
+void* _NSConcreteStackBlock[32];
+void* _NSConcreteGlobalBlock[32];
+}
 
 namespace {
 
@@ -114,6 +122,35 @@ TEST(Queues, AThreadServesOneTaskAfterAnother) {
         ASSERT_TRUE(context.meeting.reaches(i));
     }
     EXPECT_TRUE(context.servedBefore);
+}
+
+TEST(Queues, ABlockIsCopiedAndRunsOnceAndItsCopyGoes) {
+    Meeting meeting;
+    Meeting* here = &meeting;
+    auto value = std::make_shared<int>(42);
+    std::weak_ptr<int> held = value;
+    std::atomic<int> seen{0}, *seenHere = &seen;
+    {
+        dispatch_async(queue(), ^{
+            *seenHere += *value;
+            here->arrive();
+        });
+    }
+    value.reset(); // the block's copy has its own
+    ASSERT_TRUE(meeting.reaches(1));
+    EXPECT_EQ(seen, 42);
+    for (int i = 0; i < 3000 && !held.expired(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_TRUE(held.expired());
+}
+
+Meeting global;
+
+TEST(Queues, ABlockThatCapturesNothingRuns) {
+    dispatch_async(queue(), ^{
+        global.arrive();
+    });
+    EXPECT_TRUE(global.reaches(1));
 }
 
 } // namespace

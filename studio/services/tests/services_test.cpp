@@ -100,3 +100,51 @@ TEST(Yielding, RunsTheHandler) {
     EXPECT_EQ(host.function("WaitTest", {3}).integer(), 3);
     EXPECT_EQ(times, 3);
 }
+
+// --- what the interface fixes -----------------------------------------------------------------------------
+
+TEST(FixedArguments, TheFirstOfALookUpIsNull) {
+    Host host;
+    auto global = SERVICE_OF(host, REALLoadGlobalMethod);
+    EXPECT_TRUE(global(nullptr, "LenB( s as string ) as integer"));
+    EXPECT_TRUE(host.report().violations.empty());
+    EXPECT_TRUE(global(&host, "LenB( s as string ) as integer"));
+    EXPECT_EQ(host.report().violations,
+              std::vector<std::string>{"REALLoadGlobalMethod: the first argument is not null"});
+}
+
+TEST(FixedArguments, TheFlagsOfATextAre0) {
+    Host host;
+    auto text = SERVICE_OF(host, REALGetStringCFString);
+    Value string("text");
+    EXPECT_TRUE(text(string.stringHandle(), 0));
+    EXPECT_TRUE(host.report().violations.empty());
+    EXPECT_TRUE(text(string.stringHandle(), 1));
+    EXPECT_EQ(host.report().violations,
+              std::vector<std::string>{"REALGetStringCFString: the flags are not 0"});
+}
+
+// --- the log ----------------------------------------------------------------------------------------------
+
+TEST(Log, NotesEachCallWithItsObjectAndItsTextWhileItIsOn) {
+    Host host;
+    auto make = SERVICE_OF(host, PluginNewInstance);
+    auto set = SERVICE_OF(host, REALSetPropValueString);
+    auto unlock = SERVICE_OF(host, REALUnlockObject);
+    unlock(make("Dictionary"));
+    REALobject object = nullptr;
+    std::vector<ServiceCall> calls = host.callsDuring([&] {
+        object = make("RuntimeException");
+        set(object, "Message", nullptr);
+        unlock(object);
+    });
+    ASSERT_EQ(calls.size(), 3u);
+    EXPECT_EQ(calls[0].service, "PluginNewInstance");
+    EXPECT_EQ(calls[0].text, "RuntimeException");
+    EXPECT_EQ(calls[1].service, "REALSetPropValueString");
+    EXPECT_EQ(calls[1].subject, object);
+    EXPECT_EQ(calls[1].text, "Message");
+    EXPECT_EQ(calls[2].service, "REALUnlockObject");
+    EXPECT_EQ(calls[2].subject, object);
+    EXPECT_TRUE(host.callsDuring([] {}).empty());
+}

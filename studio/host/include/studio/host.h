@@ -10,10 +10,12 @@
 
 #include "runtime/model.h"
 #include "runtime/report.h"
+#include "runtime/service_call.h"
 #include "runtime/value.h"
 
 #include <hostapi/abi.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -96,6 +98,9 @@ class Host {
     void failAllocation(int afterGoodCalls);
     bool allocationFailed() const;
     void stopFailing();
+
+    // The services that plugins call while `work` runs, in order.
+    std::vector<ServiceCall> callsDuring(const std::function<void()>& work);
 
     Report report() const;
     void clearRecords(); // of violations and remarks

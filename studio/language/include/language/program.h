@@ -1,6 +1,7 @@
 // A compiled program and what runs it.
 #pragma once
 
+#include "runtime/heap.h"
 #include "runtime/model.h"
 #include "syntax/source_error.h"
 
@@ -67,12 +68,33 @@ class Program {
 
     int line = 0; // of the running statement
 
+    // Keeps an object until the running statement ends: a native handle that was read from a temporary stays
+    // valid that long.
+    void keep(REALobject object) { kept_.push_back(Heap::retain(object)); }
+
+    // The time of a statement, or of a condition that is evaluated again and again.
+    class Statement {
+      public:
+        explicit Statement(Program& program) : program_(program), bottom_(program.kept_.size()) {}
+        ~Statement() {
+            if (program_.kept_.size() > bottom_) program_.releaseKept(bottom_);
+        }
+        Statement(const Statement&) = delete;
+        Statement& operator=(const Statement&) = delete;
+
+      private:
+        Program& program_;
+        std::size_t bottom_;
+    };
+
   private:
     void noteRaised(REALobject exception);
+    void releaseKept(std::size_t bottom);
 
     std::vector<Bits> stack_ = std::vector<Bits>(1 << 18);
     std::size_t top_ = 0;
     std::vector<int> callLines_; // where each running routine was called
+    std::vector<REALobject> kept_;
     std::map<std::pair<const Routine*, const Class*>, const Routine*> overrides_;
 };
 

@@ -1,10 +1,14 @@
 // The services that plugins resolve by name: which ones this host has, and which are to fail.
 #pragma once
 
+#include "runtime/service_call.h"
+
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace studio {
@@ -24,6 +28,14 @@ class Services {
     void* find(std::string_view entryName) const; // null when this host lacks it
     const std::vector<std::string>& requested() const { return requested_; }
 
+    // Every call of a service from startLog() on, in order; off by default.
+    void startLog() { log_.emplace(); }
+    std::vector<ServiceCall> takeLog() {
+        return std::exchange(log_, std::nullopt).value_or(std::vector<ServiceCall>());
+    }
+    bool logs() const { return log_.has_value(); }
+    void note(void* function, ServiceCall call); // by every service when it is called
+
     // Faults, for tests. A service that fails returns its empty result once, after so many good calls.
     void fail(std::string_view service, int afterGoodCalls); // UsageError when there is no such service
     void failAllocation(int afterGoodCalls);                 // of all services that make something, together
@@ -42,6 +54,7 @@ class Services {
     std::set<std::string> withheld_;
     std::vector<std::string> requested_;
     Faults faults_;
+    std::optional<std::vector<ServiceCall>> log_;
 };
 
 } // namespace studio
