@@ -6,18 +6,34 @@
 
 #import <QuartzCore/QuartzCore.h>
 
-void coreimage::DoWork(void* argument) {
-    auto& request = *static_cast<ImageLoadRequest*>(argument);
-    bridge::nameCurrentThread("CIImageLoad");
+namespace {
+
+// A Cocoa exception is logged and goes no further.
+template <class Body>
+void logged(Body&& body) {
     @try {
-        bridge::AutoreleasePool pool;
-        if (request.data) request.result = [[CIImage imageWithData:request.data] retain];
-        if (request.url)
-            request.result = [(request.options ? [CIImage imageWithContentsOfURL:request.url
-                                                                         options:request.options]
-                                               : [CIImage imageWithContentsOfURL:request.url]) retain];
-        pool.drain();
+        body();
     } @catch (NSException* exception) {
         NSLog(@"%@\n", exception);
     }
+}
+
+void load(coreimage::ImageLoadRequest& request) {
+    if (request.data) request.result = [[CIImage imageWithData:request.data] retain];
+    if (request.url)
+        request.result = [(request.options ? [CIImage imageWithContentsOfURL:request.url
+                                                                     options:request.options]
+                                           : [CIImage imageWithContentsOfURL:request.url]) retain];
+}
+
+} // namespace
+
+void coreimage::DoWork(void* argument) {
+    auto& request = *static_cast<ImageLoadRequest*>(argument);
+    bridge::nameCurrentThread("CIImageLoad");
+    logged([&] {
+        bridge::AutoreleasePool pool;
+        logged([&] { load(request); }); // inside: the exception lives in the pool
+        pool.drain();
+    });
 }

@@ -198,6 +198,31 @@ TEST_F(SentLoad, OfBothTheURLsImageStandsAndTheDatasIsNotGivenBack) {
 }
 @end
 
+// Raises when it goes.
+@interface RaisesInDealloc : NSObject
+@end
+
+@implementation RaisesInDealloc
+- (void)dealloc {
+    [super dealloc];
+    [NSException raise:NSInternalInconsistencyException format:@"raised in dealloc"];
+}
+@end
+
+// Options without an entry, that leave one such object in the pool.
+@interface LitteringOptions : NSObject {
+    BOOL littered;
+}
+@end
+
+@implementation LitteringOptions
+- (id)objectForKey:(id)key {
+    if (!littered) [[[RaisesInDealloc alloc] init] autorelease];
+    littered = YES;
+    return nil;
+}
+@end
+
 namespace {
 
 class FailingLoad : public Loading {
@@ -224,6 +249,17 @@ TEST_F(FailingLoad, ACocoaExceptionIsLoggedOnceAndGivesNil) {
     ASSERT_GE(log.size(), line.size());
     EXPECT_EQ(log.substr(log.size() - line.size()), line);
     EXPECT_EQ(log.find("the disk is gone"), log.rfind("the disk is gone")) << "logged twice:\n" << log;
+    expectClean();
+}
+
+TEST_F(FailingLoad, WhatAnObjectRaisesAsThePoolDrainsIsLoggedAndTheImageStays) {
+    request.url = photo();
+    request.options = (NSDictionary*)[[[LitteringOptions alloc] init] autorelease];
+    std::string log = load();
+    EXPECT_NE(log.find("raised in dealloc"), std::string::npos) << log;
+    EXPECT_EQ(log.find("raised in dealloc"), log.rfind("raised in dealloc")) << "logged twice:\n" << log;
+    EXPECT_NE(request.result, nil);
+    EXPECT_TRUE(host.takePendingException().isNil());
     expectClean();
 }
 
