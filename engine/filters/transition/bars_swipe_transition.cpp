@@ -6,11 +6,28 @@ namespace engine::transitions {
 
 namespace {
 
-/// How many bars have begun to slide, at `slanted` from 1, where bars are parallel to an edge, to the root of
-/// 2. At the end the last one has just left. Core Image's pictures show it at two times; this is the simplest
-/// law that gives both.
-double started(const Inputs& in, double bars, double untilGone, double slanted) {
-    return time(in) * (bars + untilGone) * std::pow(slanted, 1.9616 * (time(in) - 1));
+/// How many bars have begun to slide. The time is even, and at its end the last bar has just left. A bar
+/// takes as long as sliding by its longest side takes; along the middle of a slanted extent that is the whole
+/// way through, and towards its last corner it grows shorter. (Core Image's pictures show it at two times,
+/// angles and offsets; this gives both within 0.002 bars.)
+double started(const Inputs& in, const Rect& extent, Point direction, double width, double offset) {
+    double c = std::abs(direction.x), s = std::abs(direction.y);
+    double wide = extent.width() * c, high = extent.height() * s, length = wide + high;
+    double through = std::min(extent.height() / c, extent.width() / s);
+    auto bar = [=](double way) { return std::floor(way / width + 1e-9); };
+    double lastWhole = bar(std::max(wide, high)), last = bar(length);
+    double all = lastWhole + std::sqrt(through / offset);
+    if (last > lastWhole) {
+        auto gone = [=](double k) {
+            double side = std::max(length - k * width, 0.0) / (c * s);
+            return k + std::sqrt(std::min(through, side) / offset);
+        };
+        // Of the shorter ones, the last to leave is one of these two, where `gone` has its peak.
+        double peak = std::floor(length / width - width / (4 * c * s * offset));
+        all = std::max({all, gone(std::clamp(peak, lastWhole + 1, last)),
+                        gone(std::clamp(peak + 1, lastWhole + 1, last))});
+    }
+    return time(in) * all;
 }
 
 /// Bars lie across the direction and slide along themselves, one after the other, ever faster: by the offset
@@ -26,8 +43,7 @@ Image build(const Inputs& in) {
     Rect extent =
         target && !target->extent().isInfinite() ? image->extent().unite(target->extent()) : image->extent();
     Stretch across = along(extent, direction), way = along(extent, slide);
-    double begun = started(in, std::floor(across.length() / width), std::sqrt(way.length() / offset),
-                           std::abs(direction.x) + std::abs(direction.y));
+    double begun = started(in, extent, direction, width, offset);
     Along place{{across.begin * direction.x, across.begin * direction.y}, direction, width};
     Image sliding = warp(image, "bars", upTo(way.length()), place,
                          [=, begun = static_cast<float>(begun), offset = static_cast<float>(offset),

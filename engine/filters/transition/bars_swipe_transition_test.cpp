@@ -41,18 +41,18 @@ TEST(CIBarsSwipeTransition, SlidesAlongSlantedBars) {
         swiped(1500, 1500,
                {{"inputAngle", 3.0}, {"inputWidth", 60.0}, {"inputBarOffset", 1.0}, {"inputTime", 0.60719}});
     double gone = std::pow(38.2072 - bar, 2);
-    EXPECT_NEAR(1500 * rendered(image, x, y, 1, 1).get(x, y)[1], y + 0.5 + gone * dx, 1);
+    EXPECT_NEAR(1500 * rendered(image, x, y, 1, 1).get(x, y)[1], y + 0.5 + gone * dx, 0.1);
 }
 
 TEST(CIBarsSwipeTransition, LeavesTheTarget) {
     Picture p = noise(60, 40, 112), q = noise(60, 40, 113, true);
-    for (double angle : {M_PI, 0.7}) {
-        auto at = [&](double time) {
+    for (auto [angle, offset] : {std::pair{M_PI, 3.0}, {0.7, 3.0}, {0.7, 90.0}, {3.0, 1.0}, {1.5, 20.0}}) {
+        auto at = [&, angle = angle, offset = offset](double time) {
             return filter("CIBarsSwipeTransition", {{"inputImage", imageOf(p)},
                                                     {"inputTargetImage", imageOf(q)},
                                                     {"inputAngle", angle},
                                                     {"inputWidth", 8.0},
-                                                    {"inputBarOffset", 3.0},
+                                                    {"inputBarOffset", offset},
                                                     {"inputTime", time}});
         };
         EXPECT_LT(error(at(1), q), floatError);

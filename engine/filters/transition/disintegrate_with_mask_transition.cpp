@@ -23,14 +23,16 @@ Image lightOf(const Image& mask) {
 
 /// The picture stays where the mask's light is above the time, so that it goes where the mask is dark first.
 /// It grows brighter with the time, and what comes out below it is darker before its end, in the shadow still
-/// more. Edges are as
-/// soft as the mask's steepness allows, the shadow's by its radius more. Fitted to Core Image's picture at
-/// time 0.5 (mean residual 0.1 of 255); that brightness is linear in time is our own guess.
+/// more. Edges are as soft as the mask's steepness allows, the shadow's by its radius more. Fitted to Core
+/// Image's picture at time 0.5 (mean residual 0.1 of 255); that brightness is linear in time is our own
+/// guess.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage"), target = in.image("inputTargetImage"),
           mask = in.image("inputMaskImage");
     if (!image) return nullptr;
     if (time(in) == 0) return image;
+    // Where the mask is white, the edge is only reached then.
+    if (time(in) == 1) return target ? target : empty();
     float when = static_cast<float>(time(in)), lit = 1 + 0.25f * when, shaded = 0.75f + 0.25f * when;
     float density = static_cast<float>(in.number("inputShadowDensity", 0, 1));
     Point offset = in.point("inputShadowOffset");

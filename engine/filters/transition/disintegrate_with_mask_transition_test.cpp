@@ -63,3 +63,13 @@ TEST(CIDisintegrateWithMaskTransition, FollowsTheMask) {
         }
     expectSameInTiles(at(0.4), 0, 0, 40, 30, floatError);
 }
+
+TEST(CIDisintegrateWithMaskTransition, EndsWithTheTarget) {
+    Picture target = noise(40, 30, 117);
+    Image image =
+        filter("CIDisintegrateWithMaskTransition", {{"inputImage", imageOf(noise(40, 30, 118, true))},
+                                                    {"inputTargetImage", imageOf(target)},
+                                                    {"inputMaskImage", constant({1, 1, 1, 1})},
+                                                    {"inputTime", 1.0}});
+    EXPECT_LT(error(image, target), floatError);
+}
