@@ -11,8 +11,8 @@ namespace {
 /// The radius of the flash's core. It grows exponentially and reaches the corners of the extent just when the
 /// light begins to fade: the law that gives both radii which Core Image's pictures show.
 double coreRadius(const Inputs& in, Point centre) {
-    double growth = 8.055 * (time(in) / std::max(in.number("inputFadeThreshold", 0, 1), 0.01) - 1);
-    return 1.0237 * farthestCorner(in.rect("inputExtent"), centre) * std::exp(std::min(growth, 60.0));
+    double growth = 8.0527 * (time(in) / std::max(in.number("inputFadeThreshold", 0, 1), 0.01) - 1);
+    return 1.0235 * farthestCorner(in.rect("inputExtent"), centre) * std::exp(std::min(growth, 60.0));
 }
 
 /// The light is that of a sun, its rays the smaller of two components of the noise. Fitted to Core Image's
