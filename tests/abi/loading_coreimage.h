@@ -7,6 +7,10 @@
 // From now on [CIImage imageWithData:] raises an exception of that name and reason.
 void breakImageWithData(const char* name, const char* reason);
 
+// From now on [CIImage imageWithData:] waits until it is let go.
+void holdImageWithData();
+void letImageWithDataGo();
+
 struct AdjustmentOptions {
     std::string enhance, redEye, features;
 };

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <fstream>
 #include <iterator>
@@ -106,10 +107,21 @@ TEST_F(WorkerLoading, WhatIsNoPictureGivesNil) {
 
 TEST_F(WorkerLoading, TheBlockMayChangeDuringTheCall) {
     {
+        std::vector<std::string> expected = pixels(load("imageWithData", block("astronaut.png")));
         Value bytes = block("astronaut.png");
-        host.onYield([&] { bytes = {}; });
-        Value image = load("imageWithDataMT", bytes);
-        EXPECT_EQ(host.call(image, "Width").integer(), 512);
+        auto* handle = reinterpret_cast<REALmemoryBlock>(bytes.object());
+        auto address =
+            reinterpret_cast<host::service::memoryBlockGetPtr>(host.resolver()("memoryBlockGetPtr"));
+        auto size =
+            reinterpret_cast<host::service::memoryBlockGetSize>(host.resolver()("memoryBlockGetSize"));
+        // The worker reads only after the host has overwritten the block.
+        holdImageWithData();
+        host.onYield([&] {
+            std::memset(address(handle), 0, static_cast<std::size_t>(size(handle)));
+            letImageWithDataGo();
+        });
+        EXPECT_EQ(pixels(load("imageWithDataMT", bytes)), expected);
+        host.onYield({});
     }
     expectClean();
 }
