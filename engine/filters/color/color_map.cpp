@@ -43,7 +43,7 @@ class ColorMapNode : public Node {
                 place[i] = width * simd::unit(light) - 0.5f;
                 alpha[i] = p.a;
             });
-            readBilinear(gradient_, place, zero, n, out);
+            readBilinear(gradient_, gradient_.area.x0, gradient_.area.y0, place, zero, n, out);
             for (float* p : out.plane)
                 eachIndex(n, [=, alpha = alpha](int i) SIMD_INLINE { p[i] *= alpha[i]; });
         }

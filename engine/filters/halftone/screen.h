@@ -35,10 +35,11 @@ struct Screen {
 
     /// A row as patterns see it. One that repeats after 1 in each direction is read near its origin.
     SlantedRow row(int x, int y, bool repeats = true) const {
-        double px = x + 0.5 - u0, py = y + 0.5 - v0;
+        int anchor = anchorOf(x);
+        double px = anchor + 0.5 - u0, py = y + 0.5 - v0;
         auto near = [=](double v) { return static_cast<float>(repeats ? v - std::floor(v) : v); };
         return {near(px * cosine + py * sine), static_cast<float>(cosine), near(py * cosine - px * sine),
-                static_cast<float>(-sine)};
+                static_cast<float>(-sine), x - anchor};
     }
 
     /// 1 where there is more light than the pattern asks for, 0 where there is less, with a ramp between.

@@ -52,7 +52,7 @@ class ShadedNode : public Node {
             u[i] = halfX * (1 + across / length) - 0.5f;
             v[i] = halfY * (1 + up / length) - 0.5f;
         });
-        readBilinear(sphere, u, v, n, out);
+        readBilinear(sphere, sphere.area.x0, sphere.area.y0, u, v, n, out);
         eachPixel(
             n,
             [](Pixel p, Pixel height) SIMD_INLINE -> Pixel {
