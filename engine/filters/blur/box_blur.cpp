@@ -16,6 +16,7 @@ const Registrar filter{
     {"CIBoxBlur",
      "Box Blur",
      "Blurs a picture by the plain mean of a square around each pixel.",
+     fitted("the mean of a square with the largest odd side up to the radius", 0.23),
      "10.5",
      categories("Blur Video StillImage BuiltIn"),
      {imageInput(), numberInput("inputRadius", "Radius", "Distance",

@@ -47,6 +47,7 @@ InputInfo maskInput() {
 const Registrar filter{{"CIMaskedVariableBlur",
                         "Masked Variable Blur",
                         "Blurs a picture the more, the brighter a mask is.",
+                        fitted("a pyramid of blurs, read at the level that the mask asks for", 0.17),
                         "10.10",
                         categories("Blur StillImage Video BuiltIn"),
                         {imageInput(), maskInput(),

@@ -17,6 +17,7 @@ static const Registrar filter{
     {"CIColorClamp",
      "Color Clamp",
      "Keeps each colour component between two limits.",
+     publicDefinition("each component kept between two limits"),
      "10.9",
      categories("ColorAdjustment Video Interlaced NonSquarePixels StillImage BuiltIn"),
      {imageInput(), vectorInput("inputMinComponents", "Min Components", "", {0, 0, 0, 0}),

@@ -18,6 +18,7 @@ static const Registrar filter{
     {"CIColorControls",
      "Color Controls",
      "Changes the saturation, brightness and contrast of a picture.",
+     fitted("saturation, then contrast around one half, then brightness, in linear light"),
      "10.4",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(),

@@ -11,6 +11,7 @@ static Image build(const Inputs& in) {
 static const Registrar filter{{"CIColorInvert",
                                "Color Invert",
                                "Turns a picture into its negative.",
+                               publicDefinition("1 - rgb"),
                                "10.4",
                                categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
                                {imageInput()},

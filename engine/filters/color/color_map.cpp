@@ -72,6 +72,7 @@ InputInfo gradientInput() {
 const Registrar filter{{"CIColorMap",
                         "Color Map",
                         "Gives a picture the colours of a gradient, by how bright it is.",
+                        fitted("linear luminance looked up in the gradient's lowest row", 0.28),
                         "10.4",
                         categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
                         {imageInput(), gradientInput()},

@@ -25,6 +25,7 @@ static const Registrar filter{
     {"CIColorMonochrome",
      "Color Monochrome",
      "Turns a picture into shades of one colour.",
+     fitted("black to the colour at luminance one half and on to white"),
      "10.4",
      categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
      {imageInput(), colorInput("inputColor", "Color", "OpaqueColor", {0.6, 0.45, 0.3, 1}),

@@ -31,6 +31,7 @@ const Registrar filter{
     {"CIFaceBalance",
      "Face Balance",
      "Shifts the colours of a picture so that a face in it gets the colour of skin in good light.",
+     ourOwn("a shift of I and Q towards the colour of skin"),
      "10.8",
      {},
      {imageInput(),

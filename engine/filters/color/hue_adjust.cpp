@@ -22,6 +22,7 @@ static const Registrar filter{
     {"CIHueAdjust",
      "Hue Adjust",
      "Turns all hues around the colour circle by an angle.",
+     fitted("hueRotate of SVG's feColorMatrix, in linear light"),
      "10.4",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(), numberInput("inputAngle", "Angle", "Angle",

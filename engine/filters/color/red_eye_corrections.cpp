@@ -46,6 +46,7 @@ const Registrar filter{
     {"CIRedEyeCorrections",
      "Red Eye Corrections",
      "Takes the red of a flash out of pupils, which are given as x, y and radius of each.",
+     ourOwn("red that is far from that of skin is taken out of a circle"),
      "10.8",
      {},
      {imageInput(), vectorInput("inputCorrectionInfo", "Correction Info", "", {}, Numbers{})},

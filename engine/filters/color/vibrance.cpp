@@ -35,6 +35,7 @@ static const Registrar filter{
     {"CIVibrance",
      "Vibrance",
      "Makes dull colours more vivid, and leaves skin and vivid colours alone.",
+     fitted("an amount of -1; positive amounts are our own"),
      "10.7",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(),

@@ -24,6 +24,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIBumpDistortion",
                         "Bump Distortion",
                         "Raises a round bump out of a picture, or presses one in.",
+                        fitted("smoothstep of the distance", 0.01),
                         "10.4",
                         categories("DistortionEffect Video StillImage BuiltIn"),
                         {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -33,6 +33,7 @@ const Registrar filter{
     {"CIBumpDistortionLinear",
      "Bump Distortion Linear",
      "Raises a ridge out of a picture, or presses a groove in.",
+     fitted("smoothstep of the distance from the line", 0.01),
      "10.5",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -25,6 +25,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CICircleSplashDistortion",
                         "Circle Splash Distortion",
                         "Draws the rim of a circle outwards without end.",
+                        fitted("the rim drawn outwards", 0.15),
                         "10.4",
                         categories("DistortionEffect Video StillImage BuiltIn"),
                         {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -49,6 +49,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CICircularWrap",
                         "Circular Wrap Distortion",
                         "Bends a picture around a circle.",
+                        ourOwn("the rows of the picture as circles, the lowest on the radius"),
                         "10.5",
                         categories("DistortionEffect Video StillImage BuiltIn"),
                         {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

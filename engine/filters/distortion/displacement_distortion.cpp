@@ -32,6 +32,7 @@ const Registrar filter{
     {"CIDisplacementDistortion",
      "Displacement Distortion",
      "Moves each pixel as far as a second picture says.",
+     ourOwn("red moves across and green upwards, by up to half the scale"),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), mapInput(),

@@ -41,6 +41,7 @@ const Registrar filter{
     {"CIGlassDistortion",
      "Glass Distortion",
      "Shows a picture through glass with a texture.",
+     ourOwn("light bent by the slope of the texture's gray"),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), imageInput("inputTexture", "Texture"),

@@ -18,6 +18,7 @@ const Registrar filter{
     {"CIVortexDistortion",
      "Vortex Distortion",
      "Turns the inside of a circle many times, like water that runs off.",
+     fitted("the turn is the angle times (1 - d / radius)^2 / d"),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

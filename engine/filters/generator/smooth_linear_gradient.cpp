@@ -26,6 +26,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CISmoothLinearGradient",
                         "Smooth Linear Gradient",
                         "Makes a transition between two colours along a line, with gentle ends.",
+                        fitted("smoothstep along the line, in linear light", 0.2),
                         "10.10",
                         categories("Gradient Video StillImage BuiltIn"),
                         {vectorInput("inputPoint0", "Point 0", "Position", {0, 0}),

@@ -28,6 +28,7 @@ const Registrar filter{
     {"CISunbeamsGenerator",
      "Sunbeams",
      "Makes a sun with rays.",
+     fitted("light and rays that fade with the square of the distance", 0.19),
      "10.4",
      categories("Generator Video StillImage BuiltIn"),
      {vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -32,6 +32,7 @@ const Registrar filter{
     {"CIStraightenFilter",
      "Straighten",
      "Turns a picture and enlarges it to fill its frame.",
+     ourOwn("turned, and enlarged until it fills its old extent"),
      "10.7",
      categories("GeometryAdjustment Video StillImage BuiltIn"),
      {imageInput(), numberInput("inputAngle", "Angle", "Angle",

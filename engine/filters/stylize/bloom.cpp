@@ -20,7 +20,8 @@ static Image build(const Inputs& in) {
                      });
 }
 
-static const Registrar filter{
-    glowInfo("CIBloom", "Bloom", "Softens edges and lets bright places glow.", build)};
+static const Registrar filter{glowInfo("CIBloom", "Bloom", "Softens edges and lets bright places glow.",
+                                       fitted("towards the larger of the picture and its blur", 0.27),
+                                       build)};
 
 } // namespace engine

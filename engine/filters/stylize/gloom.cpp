@@ -21,6 +21,8 @@ static Image build(const Inputs& in) {
                      });
 }
 
-static const Registrar filter{glowInfo("CIGloom", "Gloom", "Softens edges and dulls bright places.", build)};
+static const Registrar filter{glowInfo("CIGloom", "Gloom", "Softens edges and dulls bright places.",
+                                       fitted("towards the smaller of the picture and its blur", 0.18),
+                                       build)};
 
 } // namespace engine

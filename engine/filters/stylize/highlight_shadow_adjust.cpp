@@ -28,6 +28,7 @@ static const Registrar filter{
     {"CIHighlightShadowAdjust",
      "Highlight and Shadow Adjust",
      "Darkens highlights and brightens or darkens shadows, each by what surrounds it.",
+     ourOwn("up to two stops for shadows and 1.2 for highlights"),
      "10.7",
      categories("Stylize Video StillImage BuiltIn"),
      {imageInput(),

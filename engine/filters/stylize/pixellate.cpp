@@ -21,6 +21,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIPixellate",
                         "Pixelate",
                         "Makes a picture of squares of one colour each.",
+                        fitted("the colour in the middle of each square", 0.08),
                         "10.4",
                         categories("Stylize Video StillImage BuiltIn"),
                         {imageInput(), cellCentreInput(),

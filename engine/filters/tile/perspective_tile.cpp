@@ -51,7 +51,8 @@ Image build(const Inputs& in) {
 
 const Registrar filter{
     {"CIPerspectiveTile", "Perspective Tile",
-     "Leans a picture so that its corners come to four points, and repeats it without end.", "10.4",
+     "Leans a picture so that its corners come to four points, and repeats it without end.",
+     fitted("copies that meet in the middles of their outermost pixels", 0.25), "10.4",
      categories("TileEffect Video StillImage BuiltIn"), perspectiveInputs(), build}};
 
 } // namespace

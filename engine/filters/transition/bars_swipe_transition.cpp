@@ -59,6 +59,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIBarsSwipeTransition",
                         "Bars Swipe Transition",
                         "Cuts a picture into bars, which slide away one after the other.",
+                        fitted("bars that slide by the square of how many began after them", 0.3),
                         "10.5",
                         categories("Transition Video StillImage BuiltIn"),
                         {imageInput(), targetInput(),

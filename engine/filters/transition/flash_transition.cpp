@@ -57,6 +57,7 @@ const Registrar filter{
     {"CIFlashTransition",
      "Flash",
      "Lets a flash spread over a picture, and another one come out of it.",
+     fitted("a sun that grows exponentially, and then fades", 0.07),
      "10.4",
      categories("Transition Video StillImage BuiltIn"),
      {imageInput(), targetInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

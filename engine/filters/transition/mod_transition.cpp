@@ -65,6 +65,7 @@ const Registrar filter{
     {"CIModTransition",
      "Mod",
      "Shows a picture through holes in another one, which grow.",
+     fitted("holes on a lattice that is compressed away from the centre", 0.02),
      "10.4",
      categories("Transition Video StillImage BuiltIn"),
      {imageInput(), targetInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}), timeInput(),

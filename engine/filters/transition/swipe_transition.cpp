@@ -34,6 +34,7 @@ const Registrar filter{
     {"CISwipeTransition",
      "Swipe",
      "Moves a coloured bar over a picture and leaves another one behind it.",
+     fitted("a bar across which one picture becomes the other", 0),
      "10.4",
      categories("Transition Video StillImage BuiltIn"),
      {imageInput(), targetInput(), vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 300, 300}),
