@@ -51,40 +51,11 @@ Local& Compiler::declareLocal(const std::string& name, Position position, const 
     return entry->second;
 }
 
-namespace {
-
-std::size_t editDistance(const std::string& a, const std::string& b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            std::size_t next = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (a[i - 1] != b[j - 1])});
-            diagonal = row[j];
-            row[j] = next;
-        }
-    }
-    return row[b.size()];
-}
-
-} // namespace
-
 void Compiler::unknown(Position position, const std::string& what, std::string_view name,
                        const std::vector<std::string>& known) {
     if (auto global = globals_.find(folded(name)); global != globals_.end() && !global->second.declaredYet)
         throw SourceError(position, what + " '" + std::string(name) + "' yet: its Dim comes later");
-    std::string best;
-    std::size_t nearest = std::max<std::size_t>(2, name.size() / 3) + 1;
-    for (const std::string& candidate : known) {
-        std::size_t distance = editDistance(folded(name), folded(candidate));
-        if (distance < nearest) {
-            nearest = distance;
-            best = candidate;
-        }
-    }
-    throw SourceError(position, what + " '" + std::string(name) + "'" +
-                                    (best.empty() ? "" : "; did you mean '" + best + "'?"));
+    throw SourceError(position, what + " '" + std::string(name) + "'" + suggestion(name, known));
 }
 
 std::vector<std::string> Compiler::namesInScope() const {
