@@ -1,5 +1,6 @@
 // The program kaz_apply: pictures through a chain of filters, from files to files.
 #include "catalogue.h"
+#include "chain.h"
 #include "command.h"
 #include "jobs.h"
 #include "pictures.h"
@@ -25,61 +26,13 @@ using engine::FilterInfo;
 using engine::InputInfo;
 using engine::InputKind;
 
-constexpr const char* kUsage =
-    "usage: kaz apply [PICTURE...] [FILTER [KEY=VALUE...]]... -o OUTPUT\n"
-    "\n"
-    "Sends each PICTURE through the filters, in their order. A PICTURE is a file, or - for the standard "
-    "input.\n"
-    "OUTPUT is a file, a folder, a pattern in which % stands for the picture's name, or - for the standard "
-    "output.\n"
-    "\n"
-    "  key=value           a key with or without its \"input\"; './kaz filters FILTER' lists them\n"
-    "    0.5  10px  5%     a number, pixels, or a share of the shorter side\n"
-    "    45deg             an angle; without deg it is in radians\n"
-    "    100,80  50%,50%  center     a position\n"
-    "    #ff8000  #ff800080  orange  a colour\n"
-    "    other.png  @      another picture, or the one that was read\n"
-    "    scale:2+rotate:30+move:10,5 a transform, or its six numbers\n"
-    "  -o, --output OUTPUT where to write: .png, .jpg or .tiff\n"
-    "  --size WxH | W | P% fit the result into W x H pixels, make it W wide, or scale it; for a generator, "
-    "its size\n"
-    "  --quality N         of JPEG, 1 to 100 (default 85)\n"
-    "  --type TYPE         png, jpeg or tiff, whatever the names say\n"
-    "  --keep-metadata     write the picture's metadata (EXIF, GPS, resolution)\n"
-    "  --jobs N            pictures at a time (default: one for each core)\n"
-    "  --list              list what would be read and written and every value, and write nothing\n"
-    "  --plan              print the engine's steps for the first picture, and write nothing\n"
-    "  --version           print the version\n"
-    "\n"
-    "Exit code 1 if a picture failed, 2 for a mistake on the command line.\n";
-
 [[noreturn]] void mistaken(const std::string& message) { misuse("apply", message); }
-
-struct Step {
-    const FilterInfo* filter;
-    /// In the order given.
-    std::vector<std::pair<const InputInfo*, std::string>> values;
-
-    bool takesPicture() const { return filter->findInput("inputImage") != nullptr; }
-    const std::string* valueOf(const InputInfo& input) const {
-        for (auto& [given, text] : values)
-            if (given == &input) return &text;
-        return nullptr;
-    }
-};
-
-struct Size {
-    /// Zero: as it comes out.
-    double width = 0, height = 0;
-    double scale = 1;
-};
 
 struct Task {
     std::vector<std::string> inputs;
-    std::vector<Step> chain;
+    Chain chain;
     std::vector<std::string> outputs;
     std::string output, type;
-    Size size;
     std::optional<double> quality;
     bool keepMetadata = false, list = false, plan = false;
     std::size_t jobs = 0;
@@ -118,8 +71,8 @@ bool looksLikeFilter(const std::string& word) {
 
 void takeWord(Task& task, const std::string& word) {
     std::size_t equals = word.find('=');
-    if (!task.chain.empty() && equals != std::string::npos) {
-        Step& step = task.chain.back();
+    if (!task.chain.steps.empty() && equals != std::string::npos) {
+        Step& step = task.chain.steps.back();
         std::string key = word.substr(0, equals), text = word.substr(equals + 1), mistake;
         const InputInfo* input = inputNamed(*step.filter, key);
         if (!input)
@@ -132,10 +85,10 @@ void takeWord(Task& task, const std::string& word) {
         step.values.emplace_back(input, text);
         return;
     }
-    const FilterInfo* filter = exists(word) && task.chain.empty() ? nullptr : filterNamed(word);
+    const FilterInfo* filter = exists(word) && task.chain.steps.empty() ? nullptr : filterNamed(word);
     if (filter)
-        task.chain.push_back({filter, {}});
-    else if (!task.chain.empty() || looksLikeFilter(word))
+        task.chain.steps.push_back({filter, {}});
+    else if (!task.chain.steps.empty() || looksLikeFilter(word))
         mistaken("there is no filter '" + word + "'" + filterSuggestion(word) +
                  (exists(word) ? "\n  pictures come before the first filter" : ""));
     else if (word != "-" && !exists(word) && word.find_first_of("./=") == std::string::npos &&
@@ -153,16 +106,10 @@ Task parse(int count, char** arguments) {
         double number = 0;
         if (word == "-" || !word.starts_with("-")) {
             takeWord(task, word);
-        } else if (word == "--help" || word == "-h") {
-            std::fputs(kUsage, stdout);
-            std::exit(kFine);
-        } else if (word == "--version") {
-            std::puts("kaz apply " KAZ_VERSION);
-            std::exit(kFine);
         } else if (word == "-o" || word == "--output") {
             task.output = words.valueOf(word);
         } else if (word == "--size") {
-            task.size = parseSize(words.valueOf(word));
+            task.chain.size = parseSize(words.valueOf(word));
         } else if (word == "--quality") {
             std::string text = words.valueOf(word);
             if (!parseNumber(text, number) || number < 1 || number > 100)
@@ -184,10 +131,9 @@ Task parse(int count, char** arguments) {
         } else if (word == "--plan") {
             task.plan = true;
         } else {
-            mistaken(
-                "there is no option " + word +
-                studio::suggestion(word, {"--output", "--size", "--quality", "--type", "--jobs",
-                                          "--keep-metadata", "--list", "--plan", "--help", "--version"}));
+            mistaken("there is no option " + word +
+                     studio::suggestion(word, {"--output", "--size", "--quality", "--type", "--jobs",
+                                               "--keep-metadata", "--list", "--plan", "--help"}));
         }
     }
     return task;
@@ -242,15 +188,15 @@ void checkOutputs(Task& task) {
 }
 
 void check(Task& task) {
-    bool generates = !task.chain.empty() && !task.chain[0].takesPicture();
+    bool generates = !task.chain.steps.empty() && !task.chain.steps[0].takesPicture();
     if (task.inputs.empty() && !generates)
-        mistaken(task.chain.empty() ? "a picture is missing; './kaz apply --help' tells more"
-                                    : task.chain[0].filter->name + " needs a picture");
-    for (const Step& step : task.chain)
-        if (!step.takesPicture() && (&step != &task.chain[0] || !task.inputs.empty()))
+        mistaken(task.chain.steps.empty() ? "a picture is missing; './kaz apply --help' tells more"
+                                          : task.chain.steps[0].filter->name + " needs a picture");
+    for (const Step& step : task.chain.steps)
+        if (!step.takesPicture() && (&step != &task.chain.steps[0] || !task.inputs.empty()))
             mistaken(step.filter->name +
                      " makes a picture and takes none; it has to come first, without a picture");
-    for (const Step& step : task.chain)
+    for (const Step& step : task.chain.steps)
         for (auto& [input, text] : step.values)
             if (input->kind == InputKind::image && text != "@" && !exists(text))
                 mistaken(step.filter->name + ": " + shortKey(input->key) + ": there is no file " + text);
@@ -260,108 +206,12 @@ void check(Task& task) {
     if (!task.plan && (!task.list || !task.output.empty())) checkOutputs(task);
 }
 
-// --------------------------------------------------------------------------------------- the pictures
-
-/// The infinite parts of an extent cut to the canvas.
-CGRect cut(CGRect extent, CGRect canvas) {
-    bool endless = CGRectIsInfinite(extent) || extent.size.width > 1e7f || extent.size.height > 1e7f;
-    return endless ? CGRectIntersection(extent, canvas) : extent;
-}
-
-NSString* text(const std::string& s) { return [NSString stringWithUTF8String:s.c_str()]; }
-
-/// The picture after one filter; nil, and why in `failure`, if there is none.
-CIImage* applied(const Step& step, CIImage* image, const Surroundings& around, std::string& failure) {
-    CIFilter* filter = [CIFilter filterWithName:text(step.filter->name)];
-    [filter setDefaults];
-    if (image) [filter setValue:image forKey:kCIInputImageKey];
-    for (auto& [input, word] : step.values) {
-        id value = parseValue(*input, word, around, failure);
-        if (!value) {
-            failure = step.filter->name + ": " + shortKey(input->key) + ": " + failure;
-            return nil;
-        }
-        [filter setValue:value forKey:text(input->key)];
-    }
-    CIImage* output = nil;
-    @try {
-        output = [filter outputImage];
-    } @catch (NSException* exception) {
-        failure = [[exception reason] UTF8String];
-        return nil;
-    }
-    if (output) return output;
-    std::vector<std::string> missing;
-    for (const InputInfo& input : step.filter->inputs)
-        if (input.kind == InputKind::image && !step.valueOf(input) && input.key != "inputImage")
-            missing.push_back(shortKey(input.key));
-    failure = step.filter->name + " makes no picture" +
-              (missing.empty() ? "" : "; it may need " + joined(missing, ", ") + ", each a path");
-    return nil;
-}
-
-struct Result {
-    CIImage* image = nil;
-    CGRect area;
-    Picture original;
-};
-
-/// The picture scaled so that its area has whole sides, and cut to them.
-void resize(Result& result, const Size& size) {
-    double w = result.area.size.width, h = result.area.size.height;
-    double scale = size.scale;
-    if (size.width) scale = size.height ? std::min(size.width / w, size.height / h) : size.width / w;
-    double width = std::max(1.0, std::round(w * scale)), height = std::max(1.0, std::round(h * scale));
-    if (width == w && height == h) return;
-    CIImage* image =
-        [result.image imageByApplyingTransform:CGAffineTransformMakeTranslation(-result.area.origin.x,
-                                                                                -result.area.origin.y)];
-    CIFilter* filter = [CIFilter filterWithName:@"CILanczosScaleTransform"];
-    [filter setDefaults];
-    [filter setValue:image forKey:kCIInputImageKey];
-    [filter setValue:[NSNumber numberWithDouble:height / h] forKey:@"inputScale"];
-    [filter setValue:[NSNumber numberWithDouble:(width / w) / (height / h)] forKey:@"inputAspectRatio"];
-    result.image = [filter outputImage];
-    result.area = CGRectMake(0, 0, CGFloat(width), CGFloat(height));
-}
-
-/// The recipe of a result. Empty, and why in `failure`, if there is none.
-Result recipe(const Task& task, const std::string& input, std::string& failure) {
-    Result result;
-    if (!input.empty()) {
-        result.original = readPicture(input, failure);
-        if (!result.original.image) return {};
-        result.image = result.original.image;
-    }
-    // What is endless is as large as the picture that was read, or as the size that is asked for.
-    CGRect canvas = result.image ? [result.image extent]
-                                 : CGRectMake(0, 0, CGFloat(task.size.width), CGFloat(task.size.height));
-    bool endless = false;
-    for (const Step& step : task.chain) {
-        CGRect extent = result.image ? cut([result.image extent], canvas) : canvas;
-        result.image = applied(step, result.image, {extent, result.original.image}, failure);
-        if (!result.image) return {};
-    }
-    CGRect extent = [result.image extent];
-    result.area = CGRectIntegral(cut(extent, canvas));
-    endless = !CGRectEqualToRect(cut(extent, canvas), extent);
-    if (CGRectIsEmpty(result.area)) {
-        failure = endless && CGRectIsEmpty(canvas)
-                      ? "the result has no end; give it a --size, such as 400x300"
-                      : "nothing is left of the picture";
-        return {};
-    }
-    if (task.size.width || task.size.scale != 1)
-        if (!(endless && input.empty())) resize(result, task.size);
-    return result;
-}
-
 /// Empty, or why it failed.
 std::string process(const Task& task, std::size_t index) {
     @autoreleasepool {
         const std::string& input = task.inputs[index];
         std::string failure, prefix = input.empty() ? "" : input + ": ";
-        Result result = recipe(task, input, failure);
+        Result result = resultOf(task.chain, input, failure);
         if (failure.starts_with("cannot read " + input)) return failure;
         if (!result.image) return prefix + failure;
         const std::string& output = task.outputs[index];
@@ -386,7 +236,7 @@ void list(const Task& task) {
         if (!task.outputs.empty()) std::printf(" -> %s", task.outputs[i].c_str());
         std::puts("");
     }
-    for (const Step& step : task.chain) {
+    for (const Step& step : task.chain.steps) {
         std::printf("%s\n", step.filter->name.c_str());
         for (const InputInfo& input : step.filter->inputs) {
             const std::string* given = step.valueOf(input);
@@ -400,7 +250,7 @@ void list(const Task& task) {
 
 int plan(const Task& task) {
     std::string failure;
-    Result result = recipe(task, task.inputs[0], failure);
+    Result result = resultOf(task.chain, task.inputs[0], failure);
     if (!result.image) {
         std::fprintf(stderr, "kaz apply: %s\n", failure.c_str());
         return kFailed;

@@ -16,15 +16,6 @@ using namespace commands;
 using engine::FilterInfo;
 using engine::InputInfo;
 
-constexpr const char* kUsage =
-    "usage: kaz filters [--source] [WORDS]\n"
-    "\n"
-    "Lists the filters by category: all, or those that have all of the WORDS in their name, description or\n"
-    "category. A filter's name shows that filter with its inputs.\n"
-    "\n"
-    "  --source    list what each filter's formula stands on\n"
-    "  --version   print the version\n";
-
 bool has(const FilterInfo& filter, const std::string& word) {
     std::string all = filter.name + "\n" + filter.displayName + "\n" + filter.description;
     for (const std::string& category : categoryNames(filter)) all += "\n" + category;
@@ -80,13 +71,11 @@ int run(int count, char** arguments) {
     std::vector<std::string> wanted;
     while (!words.atEnd()) {
         std::string word = words.take();
-        if (word == "--help" || word == "-h") return std::fputs(kUsage, stdout), kFine;
-        if (word == "--version") return std::puts("kaz filters " KAZ_VERSION), kFine;
         if (word == "--source" || word == "--sources")
             sources = true;
         else if (word.starts_with("-"))
-            misuse("filters", "there is no option " + word +
-                                  studio::suggestion(word, {"--source", "--version", "--help"}));
+            misuse("filters",
+                   "there is no option " + word + studio::suggestion(word, {"--source", "--help"}));
         else
             wanted.push_back(word);
     }

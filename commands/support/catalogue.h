@@ -21,8 +21,8 @@ std::vector<std::string> categoryNames(const engine::FilterInfo& filter);
 
 /// A key without its "input": "radius" for "inputRadius", "EV" for "inputEV".
 std::string shortKey(const std::string& key);
-/// Finds an input by its key, with or without "input" and, for a further image, "Image", in any case. Null if there is
-/// none.
+/// Finds an input by its key, with or without "input" and, for a further image, "Image", in any case. Null if
+/// there is none.
 const engine::InputInfo* inputNamed(const engine::FilterInfo& filter, const std::string& key);
 std::string inputSuggestion(const engine::FilterInfo& filter, const std::string& key);
 /// The short keys, separated by commas.

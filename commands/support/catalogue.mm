@@ -106,7 +106,8 @@ const engine::InputInfo* inputNamed(const engine::FilterInfo& filter, const std:
         std::string brief = shortKey(input.key);
         if (studio::sameName(input.key, key) || studio::sameName(brief, key)) return &input;
         // "mask" will do for inputMaskImage.
-        if (brief.ends_with("Image") && studio::sameName(brief.substr(0, brief.size() - 5), key)) return &input;
+        if (brief.ends_with("Image") && studio::sameName(brief.substr(0, brief.size() - 5), key))
+            return &input;
     }
     return nullptr;
 }

@@ -20,14 +20,6 @@ expect() {
     [[ "$output" == *"$text"* ]] || fail "'$*' does not say '$text', but: $output"
 }
 
-# is TEXT COMMAND...: the command's output is exactly the text.
-is() {
-    local text="$1" output
-    shift
-    output="$("$@" 2>&1 </dev/null)"
-    [[ "$output" == "$text" ]] || fail "'$*' says '$output', not '$text'"
-}
-
 # The width and height of a PNG, "600x400".
 png_size() { od -An -tu1 -j16 -N8 "$1" | awk '{print $1 * 16777216 + $2 * 65536 + $3 * 256 + $4 "x" $5 * 16777216 + $6 * 65536 + $7 * 256 + $8}'; }
 

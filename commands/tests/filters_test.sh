@@ -34,6 +34,4 @@ expect 2 "did you mean 'CISepiaTone'?" "$filters" CISepaiTone
 expect 2 "did you mean 'CISepiaTone'?" "$filters" SepaiTone
 expect 2 "no filter has 'qqqqqqqq'" "$filters" qqqqqqqq
 expect 2 "there is no option --sorce; did you mean '--source'?" "$filters" --sorce
-is "kaz filters $KAZ_VERSION" "$filters" --version
-expect 0 "usage: kaz filters" "$filters" --help
 finish
