@@ -130,6 +130,15 @@ NSData* encodePicture(CIImage* image, CGRect area, const Encoding& encoding, std
     if (!pixels) return nil;
     NSMutableDictionary* properties = [NSMutableDictionary dictionary];
     if (encoding.metadata) [properties addEntriesFromDictionary:encoding.metadata];
+    if (NSDictionary* exif = [properties objectForKey:(id)kCGImagePropertyExifDictionary]) {
+        // The camera's size is not that of the result.
+        NSMutableDictionary* adapted = [[exif mutableCopy] autorelease];
+        [adapted setObject:[NSNumber numberWithUnsignedLong:CGImageGetWidth(pixels)]
+                    forKey:@"PixelXDimension"];
+        [adapted setObject:[NSNumber numberWithUnsignedLong:CGImageGetHeight(pixels)]
+                    forKey:@"PixelYDimension"];
+        [properties setObject:adapted forKey:(id)kCGImagePropertyExifDictionary];
+    }
     [properties setObject:[NSNumber numberWithInt:1] forKey:(id)kCGImagePropertyOrientation];
     if (encoding.quality)
         [properties setObject:[NSNumber numberWithDouble:*encoding.quality]

@@ -64,6 +64,25 @@ if [[ -f "$photo" ]]; then
     (($(stat -c %s low.jpg) * 3 < $(stat -c %s high.jpg))) || fail "--quality changes nothing"
 fi
 
+# A picture comes upright, whatever its orientation (here 6, a quarter turn to the right), and its metadata come along on
+# demand: a JPEG gets a block with the maker's name.
+expect 0 "" "$apply" in.png -o plain.jpg
+{
+    head -c 2 plain.jpg
+    printf '\xff\xe1\x00\x40Exif\x00\x00MM\x00\x2a\x00\x00\x00\x08\x00\x02'
+    printf '\x01\x0f\x00\x02\x00\x00\x00\x0e\x00\x00\x00\x26\x01\x12\x00\x03\x00\x00\x00\x01\x00\x06\x00\x00\x00\x00\x00\x00'
+    printf 'Camera Makers\x00\x00\x00\x00\x00'
+    tail -c +3 plain.jpg
+} >turned.jpg
+expect 0 "" "$apply" turned.jpg --keep-metadata -o a.png
+[[ "$(png_size a.png)" == 40x60 ]] || fail "a turned picture is $(png_size a.png)"
+grep -q 'Camera Makers' a.png || fail "--keep-metadata loses the maker"
+expect 0 "" "$apply" a.png --keep-metadata -o b.jpg
+expect 0 "" "$apply" b.jpg -o c.png
+[[ "$(png_size c.png)" == 40x60 ]] || fail "what was turned upright is turned again"
+grep -q 'Camera Makers' b.jpg || fail "--keep-metadata loses the maker in a JPEG"
+grep -q 'Camera Makers' c.png && fail "metadata are kept without being asked for"
+
 # Several pictures: to a folder and to a pattern, one line for each failure, the others written.
 mkdir out
 echo broken >broken.png
