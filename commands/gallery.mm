@@ -170,8 +170,22 @@ bool isOpaque(CIImage* image, CGRect area) {
     return pixel[3] == 255;
 }
 
-/// Renders one variant and describes it in JSON. Empty, and why in `failure`, if that fails.
-std::string rendered(const Variant& variant, std::size_t index, const Job& job, std::string& failure) {
+/// How opaque pictures are written.
+Encoding asJPEG() {
+    Encoding encoding;
+    encoding.type = "public.jpeg";
+    encoding.quality = 0.85;
+    return encoding;
+}
+
+/// A variant's picture as a file, and its description in JSON; empty if it failed.
+struct Exhibit {
+    NSData* data = nil;
+    std::string text;
+};
+
+/// Renders one variant. Without a result, `failure` says why.
+Exhibit rendered(const Variant& variant, std::size_t index, const Job& job, std::string& failure) {
     const FilterInfo& filter = *variant.step.filter;
     Chain chain{{variant.step}, {}};
     bool generates = !variant.step.takesPicture();
@@ -192,9 +206,8 @@ std::string rendered(const Variant& variant, std::size_t index, const Job& job, 
         result.area = frame;
     }
     bool opaque = !small && isOpaque(result.image, result.area);
-    Encoding encoding;
-    encoding.type = opaque ? "public.jpeg" : "public.png";
-    encoding.quality = 0.85;
+    Encoding encoding = asJPEG();
+    if (!opaque) encoding.type = "public.png";
     NSData* data = encodePicture(result.image, result.area, encoding, failure);
     if (!data) return {};
     std::string file = "pictures/" + filter.name + "-" + std::to_string(index) + (opaque ? ".jpg" : ".png");
@@ -202,14 +215,25 @@ std::string rendered(const Variant& variant, std::size_t index, const Job& job, 
     std::vector<std::string> words;
     for (auto& [input, text] : variant.step.values)
         words.push_back(array({quoted(input->key), quoted(kindOf(*input)), quoted(text)}));
-    return object({{"label", quoted(variant.label)},
-                   {"input", variant.input.empty() ? "" : quoted(variant.input)},
-                   {"file", quoted(file)},
-                   {"small", small ? "true" : ""},
-                   {"words", array(words)}});
+    return {data, object({{"label", quoted(variant.label)},
+                          {"input", variant.input.empty() ? "" : quoted(variant.input)},
+                          {"file", quoted(file)},
+                          {"small", small ? "true" : ""},
+                          {"words", array(words)}})};
 }
 
-std::string describe(const FilterInfo& filter, const std::vector<std::string>& variants) {
+/// Which variant shows best what a filter does: the first, unless that leaves the photograph as it is. Then
+/// it is one at an end of a slider that does not take most of the picture away, which the size of its file
+/// tells.
+std::size_t bestOf(const std::vector<Exhibit>& exhibits, NSData* untouched) {
+    if (![exhibits[0].data isEqualToData:untouched]) return 0;
+    for (std::size_t i = exhibits.size(); i-- > 1;)
+        if (![exhibits[i].data isEqualToData:untouched] && [exhibits[i].data length] * 2 > [untouched length])
+            return i;
+    return 0;
+}
+
+std::string describe(const FilterInfo& filter, const std::vector<std::string>& variants, std::size_t best) {
     std::vector<std::string> inputs;
     for (const InputInfo& input : filter.inputs)
         inputs.push_back(object({{"key", quoted(input.key)},
@@ -226,7 +250,8 @@ std::string describe(const FilterInfo& filter, const std::vector<std::string>& v
                    {"source", quoted(sourceText(filter.source))},
                    {"generates", filter.findInput("inputImage") ? "" : "true"},
                    {"inputs", array(inputs)},
-                   {"variants", array(variants)}});
+                   {"variants", array(variants)},
+                   {"show", std::to_string(best)}});
 }
 
 // ---------------------------------------------------------------------------------- the pictures to work on
@@ -388,14 +413,19 @@ int run(int count, char** arguments) {
     std::size_t failed =
         runJobs(filters.size(), workers, isatty(STDERR_FILENO), "kaz gallery: ", [&](std::size_t index) {
             @autoreleasepool {
-                std::vector<std::string> variants;
                 std::string failure;
+                CIImage* photo = readPicture("photo.jpg", failure).image;
+                NSData* untouched = encodePicture(photo, [photo extent], asJPEG(), failure);
+                std::vector<Exhibit> exhibits;
+                std::vector<std::string> variants;
                 for (const Variant& variant : variantsOf(*filters[index], job)) {
-                    std::string text = rendered(variant, variants.size(), job, failure);
-                    if (text.empty()) return filters[index]->name + " (" + variant.label + "): " + failure;
-                    variants.push_back(text);
+                    exhibits.push_back(rendered(variant, exhibits.size(), job, failure));
+                    if (!exhibits.back().data)
+                        return filters[index]->name + " (" + variant.label + "): " + failure;
+                    variants.push_back(exhibits.back().text);
                 }
-                return writeFile(filters[index]->name + ".part", dataOf(describe(*filters[index], variants)));
+                std::string text = describe(*filters[index], variants, bestOf(exhibits, untouched));
+                return writeFile(filters[index]->name + ".part", dataOf(text));
             }
         });
     std::vector<std::string> parts;

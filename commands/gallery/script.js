@@ -135,7 +135,7 @@ function showDetail(filter) {
     shown.replaceChildren(stage(filter, variant));
     code.replaceChildren(codeBox("With ./kaz apply", commandOf(filter, variant)), codeBox("In a program", programOf(filter, variant)));
   }
-  choose(filter.variants[0]);
+  choose(filter.variants[filter.show]);
   const order = filter.category === "Transition" ? [...buttons.slice(1, 3), buttons[0], ...buttons.slice(3)] : buttons;
   detail.replaceChildren(
     make("nav", {class: "back", "aria-label": "Filters"}, make("a", {href: "#"}, "All filters"),
@@ -157,7 +157,7 @@ let category = "";
 
 for (const filter of filters) {
   filter.words = [filter.name, filter.title, filter.text, filter.category, ...filter.inputs.map(input => input.key)].join(" ").toLowerCase();
-  filter.item = make("li", {}, make("a", {class: "card", href: "#" + filter.name}, picture(filter.variants[0], "", true),
+  filter.item = make("li", {}, make("a", {class: "card", href: "#" + filter.name}, picture(filter.variants[filter.show], "", true),
     make("div", {class: "words"}, make("strong", {}, filter.title), make("span", {}, filter.text))));
 }
 // What automatic adjustment alone makes comes last: those filters show little by themselves.
