@@ -228,7 +228,7 @@ Exhibit rendered(const Variant& variant, std::size_t index, const Job& job, std:
 std::size_t bestOf(const std::vector<Exhibit>& exhibits, NSData* untouched) {
     if (![exhibits[0].data isEqualToData:untouched]) return 0;
     for (std::size_t i = exhibits.size(); i-- > 1;)
-        if (![exhibits[i].data isEqualToData:untouched] && [exhibits[i].data length] * 2 > [untouched length])
+        if (![exhibits[i].data isEqualToData:untouched] && [exhibits[i].data length] * 4 > [untouched length])
             return i;
     return 0;
 }

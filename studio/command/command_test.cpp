@@ -106,13 +106,13 @@ TEST_F(Command, RunsTests) {
 }
 
 TEST_F(Command, TellsOneMistakeOnce) {
-    // Wherever a name that was not declared, or not in order, is used.
-    Outcome run = program(
-        "Dim a As New Dictionry\na.Value(1) = total\nPrint a.Count\nPrint total\n"
-        "Class C\n  Dim q As Foo\n  Sub Go()\n    q.Bar\n    Dim r As Foo\n    r.Bar\n  End Sub\nEnd Class");
+    // Wherever a name that is not declared, or declared with a mistake, is used.
+    Outcome run = program("Dim a As New Dictionry\na.Value(1) = 2\nPrint total\nPrint a.Count + total\n"
+                          "Class C\n  Dim q As Foo\n  Sub Go()\n    q.Bar\n    Dim r As Foo\n    r.Bar\n"
+                          "  End Sub\nEnd Class");
     EXPECT_EQ(run.code, 2);
     EXPECT_EQ(run.output, "p.rbs:1:14: error: there is no type 'Dictionry'; did you mean 'Dictionary'?\n"
-                          "p.rbs:2:14: error: there is no 'total'\n"
+                          "p.rbs:3:7: error: there is no 'total'\n"
                           "p.rbs:6:12: error: there is no type 'Foo'\n");
 }
 

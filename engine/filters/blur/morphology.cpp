@@ -118,8 +118,7 @@ Image smallest(const Image& image, const Shape& shape) {
     return std::make_shared<ExtremeNode<Smaller>>(image, extent, shape);
 }
 
-/// Of each premultiplied component and alpha, in the disc with that radius. (Fitted to a picture of Core
-/// Image's, mean residual 0.00 of 255.)
+/// Of each premultiplied component and alpha, in the disc with that radius.
 template <Image (*extreme)(const Image&, const Shape&)>
 Image inDisc(const Inputs& in) {
     return extreme(in.image("inputImage"), disc(in.number("inputRadius", 0, 500)));

@@ -4,7 +4,7 @@
 
 namespace engine {
 
-/// Each component of the straight colour is kept between two limits; the upper one wins. (Public definition.)
+/// Each component of the straight colour is kept between two limits; the upper one wins.
 static Image build(const Inputs& in) {
     auto low = floats<4>(in, "inputMinComponents"), high = floats<4>(in, "inputMaxComponents");
     return eachStraightPixel(in.image("inputImage"), "color clamp", [=](Pixel p) SIMD_INLINE -> Pixel {

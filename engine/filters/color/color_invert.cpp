@@ -3,7 +3,7 @@
 
 namespace engine {
 
-/// 1 - rgb on straight colour; alpha stays. (Public definition.)
+/// 1 - rgb on straight colour; alpha stays.
 static Image build(const Inputs& in) {
     return colorMatrix(in.image("inputImage"), colorsOnly({-1, 0, 0, 0, -1, 0, 0, 0, -1}, 1));
 }

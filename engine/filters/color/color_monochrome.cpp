@@ -5,7 +5,7 @@
 namespace engine {
 
 /// Mixes each pixel with a shade: from black to the colour at luminance one half, and on to white, both ways
-/// in even steps of linear light. (Fitted to Core Image's pictures.)
+/// in even steps of linear light.
 static Image build(const Inputs& in) {
     double intensity = in.number("inputIntensity", -10, 10);
     if (intensity == 0) return in.image("inputImage");

@@ -8,9 +8,9 @@ namespace engine {
 
 namespace {
 
-/// Takes the red out of a pupil: what is much redder than skin, in a circle that fades out between 0.8
-/// and 1.2 of the radius. In linear light skin has up to three times as much red as green or blue, a
-/// flash-lit pupil many times. (Our own formula.)
+/// Takes the red out of a pupil: what is much redder than skin, in a circle that fades out between 0.8 and
+/// 1.2 of the radius. In linear light skin has up to three times as much red as green or blue, a flash-lit
+/// pupil many times.
 SpanFunction correctionStep(Point centre, double radius) {
     return [=](const Span& s, int x, int y, int n) {
         double dy = (y + 0.5 - centre.y) / radius;

@@ -38,8 +38,7 @@ SIMD_INLINE inline float hardLight(float s, float d) {
     return s <= 0.5f ? 2 * s * d : 1 - 2 * (1 - s) * (1 - d);
 }
 SIMD_INLINE inline float overlay(float s, float d) { return hardLight(d, s); }
-/// A gamma curve, from the square of the background under black to its root under white. (Fitted to Core
-/// Image's pictures.)
+/// A gamma curve, from the square of the background under black to its root under white.
 SIMD_INLINE inline float softLight(float s, float d) {
     float darker = 2 - 2 * s, lighter = 1.5f - s;
     return simd::pow(d, simd::max(s < 0.5f ? darker : lighter, 0));

@@ -6,8 +6,7 @@ namespace engine {
 
 namespace {
 
-/// Beyond the circle, each pixel shows what lies on the rim in its direction. (Fitted to Core Image's
-/// picture, mean residual 0.15 of 255.)
+/// Beyond the circle, each pixel shows what lies on the rim in its direction.
 Image build(const Inputs& in) {
     Point centre = in.point("inputCenter");
     double radius = in.number("inputRadius", 0, 1e6);

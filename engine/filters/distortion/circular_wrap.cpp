@@ -9,8 +9,7 @@ namespace engine {
 namespace {
 
 /// The lower edge of the picture lies on the circle, its middle at the angle, counted from the top; the rows
-/// above it are larger circles. What is longer than the circle ends on the opposite side. (Our own:
-/// no picture of Core Image's is known.)
+/// above it are larger circles. What is longer than the circle ends on the opposite side.
 class CircularWrap : public Warp {
   public:
     CircularWrap(Point centre, double radius, double angle, const Rect& source)

@@ -7,7 +7,7 @@ namespace engine {
 namespace {
 
 /// Red moves across and green upwards, by up to half the scale either way and not at all at 0.5. Nothing
-/// moves outside of the map. (Our own: no picture of Core Image's is known.)
+/// moves outside of the map.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double scale = in.number("inputScale", 0, 1e5);

@@ -5,8 +5,7 @@ namespace engine {
 
 namespace {
 
-/// The turn is the angle times (1 - distance / radius)^2 / distance, with the distance in pixels. (Fitted to
-/// Core Image's picture.)
+/// The turn is the angle times (1 - distance / radius)^2 / distance, with the distance in pixels.
 Image build(const Inputs& in) {
     return distortion::turned(in, [](float inside, float distance) SIMD_INLINE {
         // At the centre the turn would have no end.

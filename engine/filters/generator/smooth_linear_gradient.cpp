@@ -8,8 +8,7 @@ namespace engine {
 
 namespace {
 
-/// The way along the line through the third-degree S-curve, in linear light. (Fitted to a picture of Core
-/// Image's, mean residual 0.2 of 255.)
+/// The way along the line through the third-degree S-curve, in linear light.
 Image build(const Inputs& in) {
     Point from = in.point("inputPoint0"), to = in.point("inputPoint1");
     Color first = in.color("inputColor0"), second = in.color("inputColor1");

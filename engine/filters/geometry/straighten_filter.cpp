@@ -9,7 +9,7 @@ namespace engine {
 namespace {
 
 /// Turned about its middle, enlarged until it fills its old extent, and cut to that. A positive angle turns
-/// to the left. (Our own: no picture of Core Image's is known.)
+/// to the left.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double angle = in.number("inputAngle", -1e6, 1e6);

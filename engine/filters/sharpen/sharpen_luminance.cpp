@@ -21,18 +21,19 @@ static Image build(const Inputs& in) {
                      });
 }
 
-static const Registrar filter{
-    {"CISharpenLuminance",
-     "Sharpen Luminance",
-     "Sharpens the brightness of a picture and leaves its colours.",
-     fitted("the difference from a Gaussian blur, added to all components alike", 0.62),
-     "10.4",
-     categories("Sharpen Video StillImage BuiltIn"),
-     {imageInput(),
-      numberInput("inputSharpness", "Sharpness", "Scalar",
-                  {.value = 0.4, .identity = 0, .sliderMin = 0, .sliderMax = 2}),
-      numberInput("inputRadius", "Radius", "Scalar",
-                  {.value = 1.69, .identity = 0, .sliderMin = 0, .sliderMax = 20})},
-     build}};
+static const Registrar filter{{"CISharpenLuminance",
+                               "Sharpen Luminance",
+                               "Sharpens the brightness of a picture and leaves its colours.",
+                               fitted("the difference from a Gaussian blur, added to all components alike "
+                                      "(the residual is that of coded colours, as in the picture)",
+                                      0.62),
+                               "10.4",
+                               categories("Sharpen Video StillImage BuiltIn"),
+                               {imageInput(),
+                                numberInput("inputSharpness", "Sharpness", "Scalar",
+                                            {.value = 0.4, .identity = 0, .sliderMin = 0, .sliderMax = 2}),
+                                numberInput("inputRadius", "Radius", "Scalar",
+                                            {.value = 1.69, .identity = 0, .sliderMin = 0, .sliderMax = 20})},
+                               build}};
 
 } // namespace engine

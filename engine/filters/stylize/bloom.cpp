@@ -21,7 +21,9 @@ static Image build(const Inputs& in) {
 }
 
 static const Registrar filter{glowInfo("CIBloom", "Bloom", "Softens edges and lets bright places glow.",
-                                       fitted("towards the larger of the picture and its blur", 0.27),
+                                       fitted("towards the larger of the picture and its blur (the residual "
+                                              "is that of coded colours, as in the picture)",
+                                              0.27),
                                        build)};
 
 } // namespace engine

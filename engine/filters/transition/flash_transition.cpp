@@ -15,8 +15,7 @@ double coreRadius(const Inputs& in, Point centre) {
     return 1.0235 * farthestCorner(in.rect("inputExtent"), centre) * std::exp(std::min(growth, 60.0));
 }
 
-/// The light is that of a sun, its rays the smaller of two components of the noise. Fitted to Core Image's
-/// pictures (mean residual 0.07 of 255).
+/// The light is that of a sun, its rays the smaller of two components of the noise.
 Image flash(const Inputs& in, const Rect& extent) {
     Point centre = in.point("inputCenter");
     double radius = std::min(coreRadius(in, centre), 1e12);

@@ -26,8 +26,7 @@ struct Compression {
 };
 
 /// Round holes on a square lattice, `radius` apart and turned by the angle, to which they come from an eighth
-/// of a turn. They grow with the time until they overlap. Fitted to Core Image's pictures (mean residual 0.02
-/// of 255).
+/// of a turn. They grow with the time until they overlap.
 struct Holes {
     Compression across;
     float c, s, perRadius, perSize;
