@@ -259,21 +259,19 @@ int plan(const Task& task) {
     return kFine;
 }
 
-int run(int count, char** arguments) {
-    Task task = parse(count, arguments);
+int run(int argumentCount, char** arguments) {
+    Task task = parse(argumentCount, arguments);
     check(task);
     if (task.list) return list(task), kFine;
     if (task.plan) return plan(task);
     removeUnfinishedFilesWhenInterrupted();
-    std::size_t jobs = task.inputs.size(), workers = std::min(task.jobs ? task.jobs : coreCount(), jobs);
+    std::size_t count = task.inputs.size(), workers = std::min(task.jobs ? task.jobs : coreCount(), count);
+    Jobs jobs{count, [&](std::size_t index) { return process(task, index); },
+              [&](std::size_t index) { return task.inputs[index]; }};
     // Several pictures at a time leave each fewer cores.
-    int threads = int(std::max<std::size_t>(1, coreCount() / workers));
-    bool bar = jobs > 1 && isatty(STDERR_FILENO);
-    std::size_t failed = runJobs(jobs, workers, bar, "kaz apply: ", [&](std::size_t index) {
-        if (workers > 1) engine::setThreadCount(threads);
-        return process(task, index);
-    });
-    if (failed && jobs > 1) std::fprintf(stderr, "kaz apply: %zu of %zu pictures failed\n", failed, jobs);
+    if (workers > 1) engine::setThreadCount(int(std::max<std::size_t>(1, coreCount() / workers)));
+    std::size_t failed = runJobs(jobs, workers, count > 1 && isatty(STDERR_FILENO), "kaz apply: ");
+    if (failed && count > 1) std::fprintf(stderr, "kaz apply: %zu of %zu pictures failed\n", failed, count);
     return failed ? kFailed : kFine;
 }
 

@@ -401,7 +401,8 @@ int run(int count, char** arguments) {
             filters.push_back(filter);
     }
     if (filters.empty()) mistaken("no filter has '" + joined(job.only, ",") + "' in its name");
-    std::string page = KAZ_GALLERY_PAGE;
+    std::string page = absolute("/proc/self/exe");
+    page = page.substr(0, page.rfind('/')) + "/../share/gallery";
     makeFolder(job.folder);
     if (chdir(job.folder.c_str()) != 0) mistaken("cannot write " + job.folder + ": " + std::strerror(errno));
     makeFolder("pictures");
@@ -410,24 +411,25 @@ int run(int count, char** arguments) {
     // than cores.
     engine::setThreadCount(1);
     makePhotos(job);
-    std::size_t failed =
-        runJobs(filters.size(), workers, isatty(STDERR_FILENO), "kaz gallery: ", [&](std::size_t index) {
-            @autoreleasepool {
-                std::string failure;
-                CIImage* photo = readPicture("photo.jpg", failure).image;
-                NSData* untouched = encodePicture(photo, [photo extent], asJPEG(), failure);
-                std::vector<Exhibit> exhibits;
-                std::vector<std::string> variants;
-                for (const Variant& variant : variantsOf(*filters[index], job)) {
-                    exhibits.push_back(rendered(variant, exhibits.size(), job, failure));
-                    if (!exhibits.back().data)
-                        return filters[index]->name + " (" + variant.label + "): " + failure;
-                    variants.push_back(exhibits.back().text);
-                }
-                std::string text = describe(*filters[index], variants, bestOf(exhibits, untouched));
-                return writeFile(filters[index]->name + ".part", dataOf(text));
+    auto render = [&](std::size_t index) {
+        @autoreleasepool {
+            std::string failure;
+            CIImage* photo = readPicture("photo.jpg", failure).image;
+            NSData* untouched = encodePicture(photo, [photo extent], asJPEG(), failure);
+            std::vector<Exhibit> exhibits;
+            std::vector<std::string> variants;
+            for (const Variant& variant : variantsOf(*filters[index], job)) {
+                exhibits.push_back(rendered(variant, exhibits.size(), job, failure));
+                if (!exhibits.back().data)
+                    return filters[index]->name + " (" + variant.label + "): " + failure;
+                variants.push_back(exhibits.back().text);
             }
-        });
+            std::string text = describe(*filters[index], variants, bestOf(exhibits, untouched));
+            return writeFile(filters[index]->name + ".part", dataOf(text));
+        }
+    };
+    Jobs jobs{filters.size(), render, [&](std::size_t index) { return filters[index]->name; }};
+    std::size_t failed = runJobs(jobs, workers, isatty(STDERR_FILENO), "kaz gallery: ");
     std::vector<std::string> parts;
     for (const FilterInfo* filter : filters) {
         NSString* path = [NSString stringWithUTF8String:(filter->name + ".part").c_str()];

@@ -30,6 +30,8 @@ std::string keysOf(const engine::FilterInfo& filter);
 
 /// The class that Core Image names for the input, such as "NSNumber".
 std::string classOf(const engine::FilterInfo& filter, const engine::InputInfo& input);
+/// Whether its numbers are pixels. Core Image calls most of those distances.
+bool isInPixels(const engine::InputInfo& input);
 /// What its values mean, such as "Distance, in pixels"; empty when there is nothing more to say.
 std::string meaningOf(const engine::InputInfo& input);
 /// "0 to 1", "at least 0", with the slider's ends where they differ; empty without limits.

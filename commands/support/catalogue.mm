@@ -131,21 +131,23 @@ std::string classOf(const engine::FilterInfo& filter, const engine::InputInfo& i
     return utf8([attributes objectForKey:kCIAttributeClass]);
 }
 
+bool isInPixels(const engine::InputInfo& input) {
+    if (input.type == "Distance" || input.type == "Offset") return true;
+    // Some are called scalars; a slider that ends early is one of shares, and so are radii of radii.
+    bool length =
+        input.key.ends_with("Radius") || input.key.ends_with("Width") || input.key.ends_with("Height");
+    bool share = input.key.ends_with("StriationRadius") || (input.sliderMax && *input.sliderMax <= 2);
+    return input.kind == engine::InputKind::number && length && !share;
+}
+
 std::string meaningOf(const engine::InputInfo& input) {
-    static const std::vector<std::pair<std::string, std::string>> units{{"Distance", "pixels"},
-                                                                        {"Position", "pixels x,y"},
-                                                                        {"Position3", "pixels x,y,z"},
-                                                                        {"Offset", "pixels x,y"},
-                                                                        {"Rectangle", "x,y,w,h"},
-                                                                        {"Angle", "radians"},
-                                                                        {"Time", "0 to 1"},
-                                                                        {"Boolean", "0 or 1"},
-                                                                        {"Count", "a whole number"},
-                                                                        {"Color", ""},
-                                                                        {"Integer", "whole number"},
-                                                                        {"OpaqueColor", ""}};
+    constexpr std::pair<std::string_view, std::string_view> units[] = {
+        {"Position", "pixels x,y"}, {"Position3", "pixels x,y,z"}, {"Offset", "pixels x,y"},
+        {"Rectangle", "x,y,w,h"},   {"Angle", "radians"},          {"Time", "0 to 1"},
+        {"Boolean", "0 or 1"},      {"Count", "whole number"},     {"Integer", "whole number"}};
+    if (input.kind == engine::InputKind::number && isInPixels(input)) return input.type + ", pixels";
     for (auto& [type, unit] : units)
-        if (type == input.type) return unit.empty() ? type : type + ", " + unit;
+        if (type == input.type) return input.type + ", " + std::string(unit);
     return input.type == "Image" ? "" : input.type;
 }
 

@@ -109,13 +109,13 @@ std::size_t coreCount() {
     return std::max(1, CPU_COUNT(&set));
 }
 
-std::size_t runJobs(std::size_t count, std::size_t workers, bool bar, const std::string& prefix,
-                    const std::function<std::string(std::size_t)>& job) {
+std::size_t runJobs(const Jobs& jobs, std::size_t workers, bool bar, const std::string& prefix) {
+    std::size_t count = jobs.count;
     Progress progress(count, bar, prefix);
     workers =
         std::clamp<std::size_t>(workers, 1, std::min<std::size_t>(std::max<std::size_t>(count, 1), 256));
     if (workers == 1 && count <= 1) {
-        for (std::size_t i = 0; i < count; ++i) progress.finished(job(i));
+        for (std::size_t i = 0; i < count; ++i) progress.finished(jobs.run(i));
         progress.clear();
         return progress.failed();
     }
@@ -134,7 +134,7 @@ std::size_t runJobs(std::size_t count, std::size_t workers, bool bar, const std:
             prctl(PR_SET_PDEATHSIG, SIGTERM); // an interrupted parent takes its workers along
             for (std::uint32_t i; (i = shared.next++) < count;) {
                 shared.current[worker] = i;
-                send(ends[1], worker, job(i));
+                send(ends[1], worker, jobs.run(i));
                 shared.current[worker] = none;
             }
             _exit(0);
@@ -173,7 +173,7 @@ std::size_t runJobs(std::size_t count, std::size_t workers, bool bar, const std:
             }
             std::uint32_t lost = shared.current[worker];
             if (lost == none || WIFEXITED(status)) continue;
-            progress.finished("job " + std::to_string(lost + 1) + " crashed: " + strsignal(WTERMSIG(status)));
+            progress.finished(jobs.name(lost) + ": its process ended: " + strsignal(WTERMSIG(status)));
             if (shared.next < count) running += start(worker);
         }
     }

@@ -18,8 +18,6 @@ namespace {
 using engine::InputKind;
 using engine::Numbers;
 
-bool isDistance(const std::string& type) { return type == "Distance" || type == "Offset"; }
-
 /// A number with its unit. `whole` is what 100 % are.
 bool measure(std::string_view text, double whole, double& number) {
     if (text.ends_with("%")) {
@@ -42,7 +40,7 @@ bool number(const engine::InputInfo& input, const std::string& text, CGRect exte
         return true;
     }
     double shorter = std::min(extent.size.width, extent.size.height);
-    return measure(text, isDistance(input.type) ? shorter : 1, out);
+    return measure(text, isInPixels(input) ? shorter : 1, out);
 }
 
 /// Positions are counted from the corner of the extent when they are percentages, offsets and sizes are not.
@@ -58,7 +56,7 @@ bool numbers(const engine::InputInfo& input, const std::string& text, CGRect ext
             continue;
         }
         std::size_t i = out.size();
-        bool across = i % 2 == 0, place = i < 2 && !isDistance(input.type);
+        bool across = i % 2 == 0, place = i < 2 && !isInPixels(input);
         double value = 0;
         if (!measure(part, across ? extent.size.width : extent.size.height, value)) return false;
         if (place && part.ends_with('%')) value += across ? extent.origin.x : extent.origin.y;
@@ -162,7 +160,7 @@ std::string expectation(const engine::InputInfo& input) {
     case InputKind::number:
         if (input.type == "Angle") return "an angle in radians, or in degrees such as 45deg";
         if (input.type == "Boolean") return "yes or no";
-        return isDistance(input.type) ? "a number of pixels, or a percentage such as 5%" : "a number";
+        return isInPixels(input) ? "a number of pixels, or a percentage such as 5%" : "a number";
     case InputKind::vector:
         if (std::size_t count = lengthOf(input))
             return std::to_string(count) + " numbers, such as " + defaultOf(input) +

@@ -27,6 +27,9 @@ expect 0 "" "$apply" in.png CITwirlDistortion center=center radius=50% angle=1.5
 expect 0 "" "$apply" in.png CITwirlDistortion center=50%,50% radius=20px angle=1.5707963267948966 -o c.png
 same a.png b.png
 same a.png c.png
+expect 0 "" "$apply" in.png CIGaussianBlur radius=5% -o a.png
+expect 0 "" "$apply" in.png CIGaussianBlur radius=2 -o b.png
+same a.png b.png
 for color in '#ffa500' orange '#FFA500ff' 1,0.6470588235294118,0; do
     expect 0 "" "$apply" CIConstantColorGenerator color="$color" --size 4x4 -o "color.png"
     [[ -f first.png ]] || cp color.png first.png
@@ -92,6 +95,19 @@ same out/in.png b.png
 expect 1 "1 of 3 pictures failed" "$apply" in.png broken.png stripes.png -o out
 expect 0 "" "$apply" in.png stripes.png CIColorInvert -o 'out/%-inverted.jpg' --jobs 2
 [[ -f out/in-inverted.jpg && -f out/stripes-inverted.jpg ]] || fail "a pattern does not name the pictures"
+
+# A process that dies takes no other picture along.
+mkfifo stuck.png
+rm -f out/*
+"$apply" in.png stuck.png stripes.png -o out/ --jobs 2 2>errors &
+for _ in $(seq 100); do [[ -f out/in.png && -f out/stripes.png ]] && break; sleep 0.1; done
+kill -KILL $(pgrep -P $!)
+wait $! && fail "a process that died is no failure"
+grep -q 'stuck.png: its process ended: Killed' errors || fail "a process that died is not told: $(cat errors)"
+
+# An interruption leaves no half files.
+timeout -s INT 0.7 "$apply" in.png stripes.png CIGaussianBlur --size 3000x2000 -o 'out/%-large.png' 2>/dev/null
+[[ -z "$(find out -name '.*')" ]] || fail "an interruption leaves $(find out -name '.*')"
 
 # On a terminal there is a bar, in a pipe none.
 if command -v script >/dev/null; then

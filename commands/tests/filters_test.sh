@@ -8,6 +8,8 @@ expect 0 "CISepiaTone: Sepia Tone" "$filters" CISepiaTone
 expect 0 "Tints a picture brown like an old photograph." "$filters" cisepiatone
 expect 0 "  intensity  NSNumber  Scalar  at least 0, slider 0 to 1  1" "$filters" SepiaTone
 expect 0 "  radius  NSNumber  Distance, pixels" "$filters" CIBoxBlur
+expect 0 "radius  NSNumber  Scalar, pixels" "$filters" CIGaussianBlur
+expect 0 "center     CIVector  Position, pixels x,y" "$filters" CIVignetteEffect
 expect 0 "color0  CIColor  Color         #4d0000" "$filters" CIFalseColor
 expect 0 "150,150" "$filters" CITwirlDistortion
 expect 0 "NSAffineTransform" "$filters" CIAffineTransform
