@@ -133,7 +133,7 @@ Task parse(int count, char** arguments) {
         } else {
             mistaken("there is no option " + word +
                      studio::suggestion(word, {"--output", "--size", "--quality", "--type", "--jobs",
-                                               "--keep-metadata", "--list", "--plan", "--help"}));
+                                               "--keep-metadata", "--list", "--plan"}));
         }
     }
     return task;

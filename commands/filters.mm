@@ -74,8 +74,7 @@ int run(int count, char** arguments) {
         if (word == "--source" || word == "--sources")
             sources = true;
         else if (word.starts_with("-"))
-            misuse("filters",
-                   "there is no option " + word + studio::suggestion(word, {"--source", "--help"}));
+            misuse("filters", "there is no option " + word + studio::suggestion(word, {"--source"}));
         else
             wanted.push_back(word);
     }

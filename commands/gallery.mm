@@ -90,7 +90,7 @@ const char* kindOf(const InputInfo& input) {
 // -------------------------------------------------------------------------------------- what to render
 
 /// What an input is given so that there is something to see; empty for its default.
-std::string exhibit(const InputInfo& input, const Job& job) {
+std::string sampleValue(const InputInfo& input, const Job& job) {
     if (input.kind == InputKind::image) {
         if (input.key == "inputImage") return {};
         if (input.key == "inputMaskImage" || input.key == "inputMask") return "mask.png";
@@ -122,7 +122,7 @@ bool has(const FilterInfo& filter, const char* category) {
 std::vector<Variant> variantsOf(const FilterInfo& filter, const Job& job) {
     Step step{&filter, {}};
     for (const InputInfo& input : filter.inputs)
-        if (std::string text = exhibit(input, job); !text.empty()) step.values.emplace_back(&input, text);
+        if (std::string text = sampleValue(input, job); !text.empty()) step.values.emplace_back(&input, text);
     auto with = [&](const InputInfo& input, const std::string& text) {
         Step changed = step;
         changed.values.emplace_back(&input, text);
@@ -368,9 +368,8 @@ Job parse(int count, char** arguments) {
         } else if (word == "--only") {
             job.only = split(words.valueOf(word), ',');
         } else if (word.starts_with("-")) {
-            mistaken(
-                "there is no option " + word +
-                studio::suggestion(word, {"--photo", "--second", "--size", "--jobs", "--only", "--help"}));
+            mistaken("there is no option " + word +
+                     studio::suggestion(word, {"--photo", "--second", "--size", "--jobs", "--only"}));
         } else if (!job.folder.empty()) {
             mistaken("one folder is enough: " + job.folder + " or " + word);
         } else {

@@ -144,7 +144,8 @@ function showDetail(filter) {
     make("div", {class: "columns"},
       make("div", {}, shown, make("div", {class: "strip", role: "group", "aria-label": "Values to see"}, ...order)),
       make("div", {}, inputsTable(filter), code,
-        make("p", {class: "facts"}, `${filter.category} · since Mac OS X ${filter.since}`, make("br"), "Formula: " + filter.source))));
+        make("p", {class: "facts"}, `${filter.category} · since Mac OS X ${filter.since}`, make("br"), "Formula: " + filter.source,
+          make("br"), "The pictures that the codes read, such as photo.jpg, lie beside this page."))));
   document.title = filter.title + " – Core Image filters";
   return heading;
 }

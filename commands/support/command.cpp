@@ -13,6 +13,15 @@ void misuse(std::string_view command, const std::string& message) {
     std::exit(kMistake);
 }
 
+Words::Words(std::string_view command, int count, char** words)
+    : command_(command), words_(words + 1, words + count) {
+    for (const std::string& word : words_)
+        if (word == "--help" || word == "-h") {
+            std::printf("./kaz help %.*s explains this command\n", int(command.size()), command.data());
+            std::exit(kFine);
+        }
+}
+
 std::string Words::valueOf(const std::string& option) {
     if (atEnd()) misuse(command_, option + " needs a value");
     return take();

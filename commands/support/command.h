@@ -16,8 +16,8 @@ enum Exit { kFine = 0, kFailed = 1, kMistake = 2 };
 /// The arguments of a command, one word after the other.
 class Words {
   public:
-    Words(std::string_view command, int count, char** words)
-        : command_(command), words_(words + 1, words + count) {}
+    /// Answers --help and ends the program: the launcher has the commands' texts.
+    Words(std::string_view command, int count, char** words);
 
     bool atEnd() const { return next_ == words_.size(); }
     std::string take() { return words_[next_++]; }

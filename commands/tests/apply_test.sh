@@ -149,4 +149,5 @@ expect 2 "expected a number from 1 to 100" "$apply" in.png --quality 300 -o a.pn
 expect 2 "expected 800x600, 800 or 50%" "$apply" in.png --size 0x3 -o a.png
 expect 1 "CIBlendWithMask makes no picture; it may need maskImage" "$apply" in.png CIBlendWithMask background=in.png -o a.png
 expect 1 "no such file" "$apply" missing.png -o a.png
+expect 0 "./kaz help apply explains this command" "$apply" in.png --help
 finish
