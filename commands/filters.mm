@@ -79,8 +79,6 @@ int run(int count, char** arguments) {
             wanted.push_back(word);
     }
     const FilterInfo* exact = wanted.size() == 1 ? filterNamed(wanted[0]) : nullptr;
-    if (wanted.size() == 1 && !exact) exact = filterNamed("CI" + wanted[0]);
-    if (exact && !sources) return show(*exact), kFine;
     std::vector<const FilterInfo*> found;
     for (const FilterInfo* filter : engine::allFilters()) {
         bool fits = std::all_of(wanted.begin(), wanted.end(),
@@ -90,7 +88,10 @@ int run(int count, char** arguments) {
     if (found.empty())
         misuse("filters", "no filter has '" + joined(wanted, " ") + "' in its name, description or category" +
                               (wanted.size() == 1 ? filterSuggestion(wanted[0]) : ""));
-    list(found, sources);
+    if (found.size() == 1 && !sources)
+        show(*found[0]);
+    else
+        list(found, sources);
     return kFine;
 }
 

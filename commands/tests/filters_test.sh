@@ -16,7 +16,9 @@ expect 0 "NSAffineTransform" "$filters" CIAffineTransform
 
 # Lists: by category, by words in names, descriptions and categories, all of which have to fit.
 expect 0 $'\nTransition\n  CIBarsSwipeTransition' "$filters"
-expect 0 "CIComicEffect" "$filters" comics
+expect 0 $'Geometry Adjustment\n  CICrop' "$filters" crop # which other filters have in their names, too
+expect 0 "CICrop: Crop" "$filters" CICrop
+expect 0 "CIComicEffect: Comic Effect" "$filters" comics
 expect 0 "CIPhotoEffectNoir" "$filters" black-and-white high
 [[ "$("$filters" black-and-white high)" == *CIPhotoEffectMono* ]] && fail "CIPhotoEffectMono is not of high contrast"
 [[ "$("$filters" transition | grep -c '^  CI')" -ge 11 ]] || fail "fewer transitions than Core Image has"
