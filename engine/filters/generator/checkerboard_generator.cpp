@@ -26,7 +26,8 @@ Image build(const Inputs& in) {
 }
 
 const Registrar filter{{"CICheckerboardGenerator", "Checkerboard",
-                        "Makes a pattern of squares in two colours.", "10.4",
+                        "Makes a pattern of squares in two colours.",
+                        ourOwn("the product of two square waves; the sharpness is ours"), "10.4",
                         categories("Generator Video StillImage BuiltIn"), waveInputs(), build}};
 
 } // namespace

@@ -23,7 +23,8 @@ Image build(const Inputs& in) {
 }
 
 const Registrar filter{{"CIStripesGenerator", "Stripes", "Makes a pattern of upright stripes in two colours.",
-                        "10.4", categories("Generator Video StillImage BuiltIn"), waveInputs(), build}};
+                        fitted("a square wave, the second colour to the right of the centre", 0), "10.4",
+                        categories("Generator Video StillImage BuiltIn"), waveInputs(), build}};
 
 } // namespace
 

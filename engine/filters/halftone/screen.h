@@ -11,7 +11,7 @@ namespace engine::halftone {
 /// 0 at whole numbers, 1 half-way between them.
 SIMD_INLINE inline float triangle(float x) { return 2 * simd::abs(x - simd::floor(x + 0.5f)); }
 
-/// A pattern of dots, of a place in units of their distance. (Fitted to Core Image's pictures.)
+/// A pattern of dots, of a place in units of their distance.
 struct Dots {
     SIMD_INLINE static float at(Position p) {
         constexpr float turn = static_cast<float>(2 * pi);

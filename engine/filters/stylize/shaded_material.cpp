@@ -84,6 +84,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIShadedMaterial",
                         "Shaded Material",
                         "Gives a height field the look of a material, by a picture of a sphere of it.",
+                        ourOwn("the slope looked up in the picture of a sphere"),
                         "10.4",
                         categories("Stylize Video StillImage BuiltIn"),
                         {imageInput(), imageInput("inputShadingImage", "Shading Image"),
