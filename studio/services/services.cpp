@@ -182,7 +182,8 @@ REALclassRef pluginObjectType(const char* className) {
 }
 
 bool RuntimeObjectIsa(REALobject object, REALclassRef cls) {
-    if (!object || !cls || !heap().check(object, "RuntimeObjectIsa")) return false;
+    if (!given(object, "RuntimeObjectIsa") || !given(cls, "RuntimeObjectIsa")) return false;
+    if (!heap().check(object, "RuntimeObjectIsa")) return false;
     return classOf(object).isA(reinterpret_cast<Class*>(cls));
 }
 

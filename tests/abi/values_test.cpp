@@ -1,6 +1,9 @@
 // Values on their way through the wrapper classes: none is swapped, narrowed or taken for another.
 #include "plugin_test.h"
 
+#include <algorithm>
+#include <functional>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -209,6 +212,33 @@ TEST_F(Values, EverySideOfARectangleIsItsOwn) {
     EXPECT_EQ(host.call(picture, "Height").integer(), 10);
     Value empty = host.call(picture, "imageByCroppingToRect", {Value()});
     EXPECT_EQ(host.call(empty, "Width").integer(), 0);
+}
+
+// --- order ------------------------------------------------------------------------------------------------
+
+TEST_F(Values, AnArrayOfNamesIsMadeBeforeAnythingElse) {
+    Value filter = host.shared("CIFilterKaz", "FilterWithName", {"CIGaussianBlur"});
+    Value names = host.array("String", {"CICategoryBlur", "CICategoryStillImage"});
+    for (const std::function<void()>& call : std::initializer_list<std::function<void()>>{
+             [&] { host.call(filter, "InputKeys"); }, [&] { host.call(filter, "Categories"); },
+             [&] { host.shared("CIFilterKaz", "FilterNamesInCategory", {"CICategoryBlur"}); },
+             [&] { host.shared("CIFilterKaz", "FilterNamesInCategories", {names}); }}) {
+        std::vector<studio::ServiceCall> calls = host.callsDuring(call);
+        ASSERT_FALSE(calls.empty());
+        EXPECT_EQ(calls.front().service, "RuntimeArrayCreateSingleDimBoundedArray");
+    }
+}
+
+TEST_F(Values, ADestroyedContextGivesBackItsPictureThenItsContext) {
+    Value picture = host.create("Picture", {4, 4, 32});
+    Value context = host.create("CIContextKaz", {picture});
+    Value canvas = host.get(context, "CGContext");
+    std::vector<const void*> unlocked;
+    for (const studio::ServiceCall& call : host.callsDuring([&] { host.call(context, "Destructor"); }))
+        if (call.service == "REALUnlockObject") unlocked.push_back(call.subject);
+    EXPECT_EQ(unlocked, (std::vector<const void*>{picture.object(), canvas.object()}));
+    canvas = context = picture = {};
+    host.clearRecords(); // the picture's description stays locked
 }
 
 // --- what a wrapper keeps ---------------------------------------------------------------------------------

@@ -153,12 +153,13 @@ TEST(FixedArguments, NothingIsDoneToNull) {
     SERVICE_OF(host, REALUnlockString)(nullptr);
     SERVICE_OF(host, RuntimeRaiseException)(nullptr);
     SERVICE_OF(host, RuntimeUBound)(nullptr);
+    SERVICE_OF(host, RuntimeObjectIsa)(host.create("Date").object(), nullptr);
     SERVICE_OF(host, REALPictureClearCache)(nullptr);
-    EXPECT_EQ(
-        host.report().violations,
-        (std::vector<std::string>{"REALLockObject: null", "REALUnlockObject: null", "REALLockString: null",
-                                  "REALUnlockString: null", "RuntimeRaiseException: null",
-                                  "RuntimeUBound: null", "REALPictureClearCache: null"}));
+    EXPECT_EQ(host.report().violations,
+              (std::vector<std::string>{"REALLockObject: null", "REALUnlockObject: null",
+                                        "REALLockString: null", "REALUnlockString: null",
+                                        "RuntimeRaiseException: null", "RuntimeUBound: null",
+                                        "RuntimeObjectIsa: null", "REALPictureClearCache: null"}));
 }
 
 // --- the log ----------------------------------------------------------------------------------------------
