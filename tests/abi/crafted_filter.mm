@@ -85,6 +85,8 @@ int craftedFilter() {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(filter));
 }
 
+int classOfObjects() { return static_cast<int>(reinterpret_cast<std::intptr_t>([NSObject class])); }
+
 CraftedReferences referencesTo(const char* key) {
     @autoreleasepool {
         CIFilter* filter = reinterpret_cast<CIFilter*>(craftedFilter());
