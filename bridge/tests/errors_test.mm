@@ -4,7 +4,6 @@
 #include <bridge/errors.h>
 #include <bridge/guard.h>
 #include <bridge/registry.h>
-#include <malloc.h>
 
 #include <objc/runtime.h>
 
@@ -168,23 +167,6 @@ TEST_F(Errors, WithoutMemoryForTheMessageItIsTheShortOne) {
 // What was written to the property "Message" last.
 int messagesSet = 0;
 REALstring lastMessage = nullptr;
-
-TEST_F(Errors, AMessageLeavesNoMemory) {
-    // The host keeps a little of each exception for a while.
-    auto bytesFor = [&](int times) {
-        std::size_t before = mallinfo2().uordblks;
-        std::string name(2000, 'x');
-        for (int i = 0; i < times; ++i) {
-            RaiseOutOfBoundsException(7, 0, 4, name.c_str(), "Component");
-            host.takePendingException();
-        }
-        return static_cast<long>(mallinfo2().uordblks - before);
-    };
-    bytesFor(300);
-    // Without what the host still holds of the text itself: a second copy of each would be as much again.
-    long again = bytesFor(300);
-    EXPECT_LT(again, 300 * 1000);
-}
 
 TEST_F(Errors, AnEmptyMessageIsSetAllTheSame) {
     static auto original =
