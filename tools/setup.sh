@@ -9,7 +9,7 @@ sysroot="$kaz/sysroot"
 photos="$kaz/photos"
 packages="$root/tools/sysroot-packages.txt"
 single_files="$root/tools/single-files.txt"
-host_tools=(clang lld cmake ninja-build libclang-rt-14-dev valgrind)
+host_tools=(clang lld llvm cmake ninja-build libclang-rt-14-dev valgrind)
 
 say() { printf 'kaz: %s\n' "$*" >&2; }
 die() { say "$1"; shift; for line in "$@"; do printf '     %s\n' "$line" >&2; done; exit 1; }
