@@ -30,12 +30,19 @@ REALobject newExceptionOf(NSException* exception) {
 
 } // namespace
 
+// Called outside of every guard of this plugin, so it leaves nothing in the ledger when the text's own code
+// raises.
 REALobject bridge::newRuntimeException(NSString* message) {
-    host::Held made(REALnewInstance("RuntimeException"));
-    if (!made) return nullptr;
-    host::Held text(CFString2RBString((CFStringRef)message));
-    REALSetPropValueString(made.get(), "Message", text.get());
-    return made.release();
+    REALobject result = nullptr;
+    NSException* raised = raisedBy([&] {
+        host::Held made(REALnewInstance("RuntimeException"));
+        if (!made) return;
+        host::Held text(CFString2RBString((CFStringRef)message));
+        REALSetPropValueString(made.get(), "Message", text.get());
+        result = made.release();
+    });
+    if (raised) @throw raised;
+    return result;
 }
 
 void RaiseException(const char* exceptionClassName, const char* message, unsigned long) {
