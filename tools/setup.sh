@@ -11,7 +11,7 @@ photos="$kaz/photos"
 packages="$root/tools/sysroot-packages.txt"
 single_files="$root/tools/single-files.txt"
 host_tools=(clang lld cmake ninja-build libclang-rt-14-dev valgrind)
-test_tools=(chromium parallel)
+test_tools=(chromium llvm parallel)
 
 say() { printf 'kaz: %s\n' "$*" >&2; }
 die() { say "$1"; shift; for line in "$@"; do printf '     %s\n' "$line" >&2; done; exit 1; }
