@@ -111,7 +111,7 @@ void loadPlugins(Host& host, const CommandLine& command) {
 
 } // namespace
 
-int main(int count, char** words) {
+int main(int count, char** words) try {
     CommandLine command = parse(count, words);
     std::ifstream file(command.program, std::ios::binary);
     if (!file) {
@@ -131,4 +131,7 @@ int main(int count, char** words) {
         return runTests(command.program, source.str(),
                         {command.arguments.empty() ? "" : command.arguments[0], command.onlyTest});
     return runProgram(command.program, source.str(), command.arguments);
+} catch (const std::bad_alloc&) {
+    std::fputs("studio: there is not enough memory\n", stderr);
+    return kFailed;
 }

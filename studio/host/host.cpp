@@ -39,6 +39,7 @@ struct Host::Impl {
 Host::Host(HostOptions options) : impl_(std::make_unique<Impl>(std::move(options))) {
     theHost = this;
     defineFramework(impl_->runtime.classes);
+    prepareForNoMemory();
 }
 
 Host::~Host() {

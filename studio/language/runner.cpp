@@ -39,8 +39,10 @@ template <class Body>
 Outcome outcomeOf(Body body) {
     Outcome result;
     try {
-        body();
-        throwPending(); // from a destructor that ran last
+        inMemory([&] {
+            body();
+            throwPending(); // from a destructor that ran last
+        });
     } catch (const Raised& raised) {
         REALobject exception = raised.exception.object();
         bool assertion = isA(exception, "AssertionFailed");
@@ -74,8 +76,10 @@ int runProgram(const std::string& fileName, std::string_view source,
     int code = kFine;
     std::string unhandled;
     try {
-        program->begin(arguments);
-        throwPending();
+        inMemory([&] {
+            program->begin(arguments);
+            throwPending();
+        });
     } catch (const Raised& raised) {
         REALobject exception = raised.exception.object();
         unhandled = "Unhandled " + describe(exception) + "\n";
