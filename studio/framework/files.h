@@ -1,6 +1,7 @@
 // Paths of files, for the framework's own use.
 #pragma once
 
+#include <cstdio>
 #include <string>
 
 namespace studio::files {
@@ -10,7 +11,8 @@ std::string parent(const std::string& path);
 std::string leaf(const std::string& path);
 bool exists(const std::string& path);
 bool isDirectory(const std::string& path);
-std::string read(const std::string& path);                     // raises IOException
-void write(const std::string& path, const std::string& bytes); // raises IOException
+// Both raise IOException, also for what is no regular file: a pipe would never end.
+std::string read(const std::string& path);
+std::FILE* openForWriting(const std::string& path, bool append);
 
 } // namespace studio::files

@@ -90,7 +90,10 @@ int runProgram(const std::string& fileName, std::string_view source,
     }
     program->end();
     program.reset();
-    std::fflush(stdout);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+        std::fputs("studio: not all of the output could be written\n", stderr);
+        if (code == kFine) code = kFailed;
+    }
     std::fputs(unhandled.c_str(), stderr);
     Report report = heap().report();
     if (report.sound()) return code;

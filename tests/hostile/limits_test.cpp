@@ -137,3 +137,14 @@ TEST_F(Limits, AnEndlessSumIsAMistake) {
     EXPECT_EQ(run.code, 2);
     EXPECT_NE(run.output.find("this expression is too long"), std::string::npos);
 }
+
+TEST_F(Limits, PrintingToAFullDeviceFails) {
+    Outcome run = program("Print \"lost\"\n", "", "> /dev/full");
+    EXPECT_EQ(run.code, 1);
+    EXPECT_NE(run.output.find("not all of the output could be written"), std::string::npos) << run.output;
+    run = program("For i As Integer = 1 To 100000\n  Print \"lost\"\nNext\n", "", "> /dev/full");
+    EXPECT_EQ(run.code, 1);
+    EXPECT_NE(run.output.find("Unhandled IOException: cannot print: No space left on device\n  at p.rbs:2"),
+              std::string::npos)
+        << run.output;
+}
