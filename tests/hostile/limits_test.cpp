@@ -148,3 +148,19 @@ TEST_F(Limits, PrintingToAFullDeviceFails) {
               std::string::npos)
         << run.output;
 }
+
+// Ctrl-C gives up whatever runs, also a render that would take minutes.
+TEST_F(Limits, AnInterruptEndsARenderWithinASecond) {
+    Outcome run = program(
+        "Dim wide As CIImageKaz = CIImageKaz.imageWithColor(NewCIColorKaz(1, 0, 0))\n"
+        "Dim f As CIFilterKaz = CIFilterKaz.FilterWithName(\"CIZoomBlur\")\n"
+        "f.SetDefaults\n"
+        "f.ValueAsCIImage(\"inputImage\") = wide.imageByCroppingToRect(New CGRectKaz(0, 0, 3000, 2000))\n"
+        "f.ValueAsNumber(\"inputAmount\") = 100\n"
+        "Dim p As Picture = f.ValueAsCIImage(\"outputImage\").RenderPicture\n"
+        "Print \"rendered\"\n",
+        "start=$(date +%s%N); timeout -s INT --preserve-status 1",
+        "; code=$?; echo $(( ($(date +%s%N) - start) / 1000000 )); exit $code");
+    EXPECT_EQ(run.code, 130);
+    EXPECT_LT(std::atoi(run.output.c_str()), 3000) << run.output; // 1 s of it is the render's own
+}

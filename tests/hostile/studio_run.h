@@ -42,7 +42,7 @@ class StudioRun : public testing::Test {
     }
     Outcome program(const std::string& text, const std::string& before = "", const std::string& after = "") {
         std::ofstream(folder / "p.rbs") << text;
-        return shell(before + " timeout 100 $STUDIO p.rbs " + after);
+        return shell(before + " timeout --foreground 100 $STUDIO p.rbs " + after);
     }
 
     std::filesystem::path folder;
