@@ -109,3 +109,21 @@ TEST_F(Files, AnImageKeepsItsPixelsWhenItsFileShrinksOrGoes) {
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.output, "200\n200\n");
 }
+
+// A chunk of a few bytes can claim a gigabyte.
+TEST_F(Files, APNGFileOfFiftySevenBytesCostsNoMemory) {
+    const char header[] = "\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\x01\0\0\0\x01\x08\x02\0\0\0\x90\x77\x53\xde"
+                          "\x3f\xff\xff\xf0iCCPname\0\0abcdefg";
+    std::ofstream(folder / "small.png", std::ios::binary).write(header, sizeof header - 1);
+    Outcome run = program(R"(
+Function Peak() As Double
+  Dim text As String = TextInputStream.Open(GetFolderItem("/proc/self/status")).ReadAll
+  Return Val(Trim(Mid(text, InStr(text, "VmPeak:") + 7)))
+End Function
+Dim before As Double = Peak
+If CIImageKaz.imageWithContentsOfFile(GetFolderItem("small.png")) Is Nil Then Print "no image"
+If Peak - before > 100000 Then Print "cost " + Str(Peak - before) + " KB"
+)");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.output, "no image\n");
+}
