@@ -113,7 +113,7 @@ TEST_F(Files, AnImageKeepsItsPixelsWhenItsFileShrinksOrGoes) {
 // A chunk of a few bytes can claim a gigabyte.
 TEST_F(Files, APNGFileOfFiftySevenBytesCostsNoMemory) {
     const char header[] = "\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\x01\0\0\0\x01\x08\x02\0\0\0\x90\x77\x53\xde"
-                          "\x3f\xff\xff\xf0iCCPname\0\0abcdefg";
+                          "\x3f\xff\xff\xf0tEXtname\0\0abcdefghij";
     std::ofstream(folder / "small.png", std::ios::binary).write(header, sizeof header - 1);
     Outcome run = program(R"(
 Function Peak() As Double
