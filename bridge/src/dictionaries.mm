@@ -1,5 +1,6 @@
 // Host dictionaries against NSDictionary.
 #include <bridge/dictionaries.h>
+#include <bridge/nesting.h>
 #include <bridge/variants.h>
 #include <hostapi/handles.h>
 
@@ -29,6 +30,7 @@ void refreshMethods(REALobject dictionary) {
 
 NSDictionary* NewNSDictionary(REALobject dictionary) {
     if (!dictionary) return nil;
+    bridge::Nesting nesting(dictionary);
     std::int32_t count = host::propertyValue(REALGetPropValueInt32, dictionary, "Count");
     if (count < 1) return [NSDictionary dictionary];
     NSMutableDictionary* result = [NSMutableDictionary dictionaryWithCapacity:static_cast<NSUInteger>(count)];

@@ -3,17 +3,25 @@
 #include "table.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 
 namespace studio {
 
 namespace {
 
+// A program whose output goes nowhere is told, instead of running on in silence.
+void put(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+        raise("IOException", std::string("cannot print: ") + std::strerror(errno));
+}
+
 void print(REALobject value) {
     std::string line = display(value) + "\n";
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    put(line);
 }
 
 void doEvents(std::int32_t milliseconds) {
@@ -30,7 +38,7 @@ void doEvents(std::int32_t milliseconds) {
 FrameworkFunctions consoleFunctions() {
     return {
         method("Print(value As Variant)", print),
-        method("Print", [] { std::fputs("\n", stdout); }),
+        method("Print", [] { put("\n"); }),
         method("Input As String",
                [] {
                    std::string line;

@@ -92,11 +92,12 @@ FrameworkClass graphicsClass() {
         method("DrawRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
                    Picture& p = target(self);
-                   I across = std::min(p.penWidth, w), down = std::min(p.penHeight, h);
-                   p.pixels.fillRect(x, y, w, down, p.foreColor);
-                   p.pixels.fillRect(x, y + h - down, w, h > down ? down : 0, p.foreColor);
-                   p.pixels.fillRect(x, y + down, across, h - 2 * down, p.foreColor);
-                   p.pixels.fillRect(x + w - across, y + down, w > across ? across : 0, h - 2 * down,
+                   Pixels::Place left = x, top = y, across = std::min(p.penWidth, w),
+                                 down = std::min(p.penHeight, h);
+                   p.pixels.fillRect(left, top, w, down, p.foreColor);
+                   p.pixels.fillRect(left, top + h - down, w, h > down ? down : 0, p.foreColor);
+                   p.pixels.fillRect(left, top + down, across, h - 2 * down, p.foreColor);
+                   p.pixels.fillRect(left + w - across, top + down, w > across ? across : 0, h - 2 * down,
                                      p.foreColor);
                }),
         method("FillOval(x As Integer, y As Integer, width As Integer, height As Integer)",

@@ -21,25 +21,27 @@ struct OutputStream {
     std::FILE* file = nullptr;
 };
 
-void close(REALobject self) {
-    if (std::FILE* file = std::exchange(dataOf<OutputStream>(self).file, nullptr)) std::fclose(file);
+[[noreturn]] void cannotWrite() {
+    raise("IOException", std::string("cannot write: ") + std::strerror(errno));
+}
+
+bool closed(REALobject self) {
+    std::FILE* file = std::exchange(dataOf<OutputStream>(self).file, nullptr);
+    return !file || std::fclose(file) == 0;
 }
 
 void put(REALobject self, REALstring text, bool line) {
     std::FILE* file = dataOf<OutputStream>(self).file;
     if (!file) raise("IOException", "the stream is closed");
     std::string utf8 = toUtf8(text) + (line ? "\n" : "");
-    if (std::fwrite(utf8.data(), 1, utf8.size(), file) != utf8.size()) raise("IOException", "cannot write");
+    if (std::fwrite(utf8.data(), 1, utf8.size(), file) != utf8.size()) cannotWrite();
 }
 
-REALobject openForWriting(REALobject item, const char* mode) {
+REALobject openForWriting(REALobject item, bool append) {
     if (!item) raise("NilObjectException", "file is nil");
-    std::string path = folderItemPath(item);
-    std::FILE* file = std::fopen(path.c_str(), mode);
-    if (!file) files::cannotWrite(path);
-    REALobject result = newInstance("TextOutputStream");
-    dataOf<OutputStream>(result).file = file;
-    return result;
+    ObjectRef result(newInstance("TextOutputStream"));
+    dataOf<OutputStream>(result).file = files::openForWriting(folderItemPath(item), append);
+    return result.release();
 }
 
 FrameworkClass textInputStreamClass() {
@@ -80,18 +82,21 @@ FrameworkClass textInputStreamClass() {
 
 FrameworkClass textOutputStreamClass() {
     FrameworkClass table = classWithData<OutputStream>("TextOutputStream");
-    table.destructor = close;
+    table.destructor = +[](REALobject self) { closed(self); };
     table.methods = {
         method("Write(text As String)", [](REALobject self, REALstring text) { put(self, text, false); }),
         method("WriteLine(text As String = \"\")",
                [](REALobject self, REALstring text) { put(self, text, true); }),
-        method("Close", close),
+        method("Close",
+               [](REALobject self) {
+                   if (!closed(self)) cannotWrite();
+               }),
     };
     table.sharedMethods = {
         method("Create(file As FolderItem) As TextOutputStream",
-               [](REALobject item) { return openForWriting(item, "wb"); }),
+               [](REALobject item) { return openForWriting(item, false); }),
         method("Append(file As FolderItem) As TextOutputStream",
-               [](REALobject item) { return openForWriting(item, "ab"); }),
+               [](REALobject item) { return openForWriting(item, true); }),
     };
     return table;
 }

@@ -39,6 +39,7 @@ struct Host::Impl {
 Host::Host(HostOptions options) : impl_(std::make_unique<Impl>(std::move(options))) {
     theHost = this;
     defineFramework(impl_->runtime.classes);
+    prepareForNoMemory();
 }
 
 Host::~Host() {
@@ -119,6 +120,8 @@ Class& classNamed(std::string_view name) {
 class Arguments {
   public:
     Arguments(const Signature& signature, const std::vector<Value>& given) {
+        types_.reserve(signature.parameters.size()); // so that add() keeps what it is given
+        bits_.reserve(signature.parameters.size());
         for (std::size_t i = 0; i < signature.parameters.size(); ++i) {
             const Parameter& p = signature.parameters[i];
             if (i < given.size())

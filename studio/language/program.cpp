@@ -109,7 +109,7 @@ Bits Program::call(const Routine& routine, REALobject self, Bits* arguments) {
     std::copy(arguments, arguments + given, frame.slots);
     std::fill(frame.slots + given, frame.slots + count, Bits());
     try {
-        routine.body(frame);
+        inMemory([&] { routine.body(frame); });
     } catch (...) { // a Finally that throws may leave a result behind
         if (routine.method && routine.method->signature.result)
             release(routine.method->signature.result, frame.result);

@@ -515,7 +515,7 @@ Action Compiler::tryStatement(const ast::Statement& s) {
     Action guarded = [body, handlers](Frame& f) {
         std::optional<Raised> caught;
         try {
-            return body(f);
+            return inMemory([&] { return body(f); });
         } catch (Raised& raised) {
             caught = std::move(raised);
         }
@@ -537,7 +537,7 @@ Action Compiler::tryStatement(const ast::Statement& s) {
         Flow flow;
         int target = 0;
         try {
-            flow = guarded(f);
+            flow = inMemory([&] { return guarded(f); });
             target = f.target;
         } catch (const Raised&) {
             if (Flow left = finally(f); left != Flow::Next) return left;

@@ -17,7 +17,10 @@ Runtime::Runtime(std::optional<double> version) : toldVersion(version), heap(ver
     current = this;
 }
 
-Runtime::~Runtime() { current = nullptr; }
+Runtime::~Runtime() {
+    heap.release(outOfMemory);
+    current = nullptr;
+}
 
 Runtime& runtime() {
     if (!current) throw UsageError("there is no host");

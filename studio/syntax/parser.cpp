@@ -94,6 +94,30 @@ class Parser {
         take();
         return true;
     }
+    // Parsing, compiling and running go as deep as the text is nested, and the stack is finite.
+    class Nested {
+      public:
+        explicit Nested(Parser& parser) : parser_(parser) {
+            constexpr int kDeepest = 500;
+            if (parser.nesting_ == kDeepest) throw SourceError(parser.here(), "this is nested too deeply");
+            ++parser.nesting_;
+        }
+        ~Nested() { --parser_.nesting_; }
+        Nested(const Nested&) = delete;
+
+      private:
+        Parser& parser_;
+    };
+    // Likewise for operators, calls and dots in a row, each of which has all that precede it as its operand.
+    ExprPtr over(ExprPtr e) const {
+        constexpr int kHighest = 20000;
+        if (e->a) e->height = e->a->height + 1;
+        if (e->b) e->height = std::max(e->height, e->b->height + 1);
+        for (const ExprPtr& argument : e->arguments) e->height = std::max(e->height, argument->height + 1);
+        if (e->height > kHighest) throw SourceError(e->position, "this expression is too long");
+        return e;
+    }
+
     [[noreturn]] void fail(const std::string& expected) const {
         throw SourceError(here(), "expected " + expected + ", found " + peek().describe());
     }
@@ -321,6 +345,7 @@ class Parser {
     }
 
     StatementPtr statement() {
+        Nested nested(*this);
         if (atWord("if")) return ifStatement();
         if (atWord("for")) return forStatement();
         if (atWord("while")) return whileStatement();
@@ -608,14 +633,18 @@ class Parser {
     }
 
     // Operators from loosest to tightest.
-    ExprPtr expression() { return binaryWords({"or", "xor"}, &Parser::conjunction); }
+    ExprPtr expression() {
+        Nested nested(*this);
+        return binaryWords({"or", "xor"}, &Parser::conjunction);
+    }
     ExprPtr conjunction() { return binaryWords({"and", ""}, &Parser::negation); }
     ExprPtr negation() {
         if (!atWord("not")) return comparison();
+        Nested nested(*this);
         auto result = make(ExprKind::Unary, here());
         result->text = folded(take().text);
         result->a = negation();
-        return result;
+        return over(std::move(result));
     }
     ExprPtr comparison() {
         ExprPtr left = sum();
@@ -625,7 +654,7 @@ class Parser {
                 auto result = make(ExprKind::IsA, position);
                 result->a = std::move(left);
                 result->type = typeName();
-                left = std::move(result);
+                left = over(std::move(result));
                 continue;
             }
             bool found = atWord("is");
@@ -647,15 +676,17 @@ class Parser {
     }
     ExprPtr negative() {
         if (!atSymbol("-") && !atSymbol("+")) return power();
+        Nested nested(*this);
         auto result = make(ExprKind::Unary, here());
         result->text = take().text;
         result->a = negative();
-        return result;
+        return over(std::move(result));
     }
     ExprPtr power() {
         ExprPtr left = postfix();
-        if (atSymbol("^")) return binary(std::move(left), &Parser::negative);
-        return left;
+        if (!atSymbol("^")) return left;
+        Nested nested(*this);
+        return binary(std::move(left), &Parser::negative);
     }
 
     ExprPtr binary(ExprPtr left, ExprPtr (Parser::*operand)()) {
@@ -663,7 +694,7 @@ class Parser {
         result->text = folded(take().text);
         result->a = std::move(left);
         result->b = (this->*operand)();
-        return result;
+        return over(std::move(result));
     }
     ExprPtr binaryWords(std::array<std::string_view, 2> words, ExprPtr (Parser::*operand)()) {
         ExprPtr left = (this->*operand)();
@@ -691,12 +722,12 @@ class Parser {
                 auto call = make(ExprKind::Call, result->position);
                 call->arguments = argumentList();
                 call->a = std::move(result);
-                result = std::move(call);
+                result = over(std::move(call));
             } else if (acceptSymbol(".")) {
                 auto member = make(ExprKind::Member, here());
                 member->text = expectName("a name after the dot");
                 member->a = std::move(result);
-                result = std::move(member);
+                result = over(std::move(member));
             } else {
                 return result;
             }
@@ -750,7 +781,7 @@ class Parser {
             if (result->type.array)
                 throw SourceError(position, "an array is not made with New; use Dim or Array(...)");
             if (atSymbol("(")) result->arguments = argumentList();
-            return result;
+            return over(std::move(result));
         }
         if (acceptWord("addressof")) {
             auto result = make(ExprKind::AddressOf, position);
@@ -765,6 +796,7 @@ class Parser {
 
     std::vector<Token> tokens_;
     std::size_t index_ = 0;
+    int nesting_ = 0;
 };
 
 } // namespace

@@ -34,13 +34,15 @@ Value locked(Value value) {
     return value;
 }
 
-// Unlocks a string or an object. Null and values that have no reference count are left alone.
+// Unlocks a string or an object. Null and values that have no reference count are left alone. A host that
+// cannot lock does not count what the plugin takes: nothing is given back to it, since that would free what
+// others hold.
 template <class Value>
 void unlock(Value value) {
     if constexpr (ObjectHandle<Value>) {
-        if (value) REALUnlockObject(asObject(value));
+        if (value && REALLockObject.resolve()) REALUnlockObject(asObject(value));
     } else if constexpr (CountedHandle<Value>) {
-        if (value) REALUnlockString(value);
+        if (value && REALLockString.resolve()) REALUnlockString(value);
     }
 }
 

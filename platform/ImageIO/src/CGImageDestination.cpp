@@ -5,8 +5,8 @@
 #include "properties.h"
 
 #include <cg/image.h>
+#include <files/wholefile.h>
 
-#include <cstdio>
 #include <vector>
 
 namespace imageio {
@@ -147,10 +147,12 @@ bool ImageDestination::store(const std::vector<std::uint8_t>& file) const {
         CFDataAppendBytes(data_.get(), file.data(), static_cast<CFIndex>(file.size()));
         return true;
     }
-    std::FILE* out = std::fopen(path_.c_str(), "wb");
-    if (!out) return false;
-    bool written = std::fwrite(file.data(), 1, file.size(), out) == file.size();
-    return std::fclose(out) == 0 && written;
+    try {
+        wholefile::replace(path_, file);
+        return true;
+    } catch (const wholefile::Error&) {
+        return false;
+    }
 }
 
 } // namespace imageio

@@ -25,9 +25,36 @@ struct Frame {
 
 enum class Flow { Next, Exit, Continue, Return };
 
+// A function of the frame. Copies share one closure: each operator takes those of its operands, so copying
+// would make a long sum quadratic.
+template <class Result>
+class Compiled {
+  public:
+    Compiled(std::nullptr_t = nullptr) {}
+    template <class F>
+    requires std::is_invocable_r_v<Result, const F&, Frame&> Compiled(F f)
+        : body_(std::make_shared<const Body<F>>(std::move(f))) {}
+
+    explicit operator bool() const { return bool(body_); }
+    Result operator()(Frame& frame) const { return body_->run(frame); }
+
+  private:
+    struct Base {
+        virtual ~Base() = default;
+        virtual Result run(Frame& frame) const = 0;
+    };
+    template <class F>
+    struct Body final : Base {
+        explicit Body(F f) : f(std::move(f)) {}
+        Result run(Frame& frame) const override { return f(frame); }
+        F f;
+    };
+    std::shared_ptr<const Base> body_;
+};
+
 // Compiled code. A value of a counted type comes with a reference that the receiver owns.
-using Code = std::function<Bits(Frame&)>;
-using Action = std::function<Flow(Frame&)>;
+using Code = Compiled<Bits>;
+using Action = Compiled<Flow>;
 
 struct Routine {
     const Method* method = nullptr;
@@ -70,7 +97,10 @@ class Program {
 
     // Keeps an object until the running statement ends: a native handle that was read from a temporary stays
     // valid that long.
-    void keep(REALobject object) { kept_.push_back(Heap::retain(object)); }
+    void keep(REALobject object) {
+        kept_.push_back(object);
+        Heap::retain(object);
+    }
 
     // The time of a statement, or of a condition that is evaluated again and again.
     class Statement {

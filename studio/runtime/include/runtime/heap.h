@@ -25,9 +25,12 @@ struct ObjectHeader {
     std::int32_t hostReferences;
     std::int32_t pluginReferences;
     std::uint32_t flags;
-    std::uint32_t unused[2];
+    REALobject nextWaiting; // see Heap::destroy
+    std::uint32_t unused;
 
     static constexpr std::uint32_t kDying = 1;
+    static constexpr std::uint32_t kWaiting = 2;   // will be destroyed, see Heap::destroy
+    static constexpr std::uint32_t kPermanent = 4; // the host keeps one reference for good
 };
 static_assert(sizeof(ObjectHeader) == sizeof(REALobjectStruct));
 
@@ -79,7 +82,7 @@ class Heap {
     }
 
     // ---- objects ----------------------------------------------------------------------------------------
-    // Zeroed instance with one host reference; no constructor is called.
+    // Zeroed instance with one host reference; no constructor is called. Throws std::bad_alloc.
     REALobject allocate(Class& cls, std::int32_t size);
     static REALobject retain(REALobject object) {
         if (object) ++header(object).hostReferences;
@@ -138,9 +141,12 @@ class Heap {
 
     void destroy(REALobject object);
     void freeString(StringCell& cell);
-    void bury(const void* handle, std::string what, void* memory, std::size_t size);
+    void finalizeAndBury(REALobject object);
+    template <class Describe>
+    void bury(const void* handle, Describe describe, void* memory, std::size_t size);
     void arrangeFace(StringCell& cell) const;
     StringCell* makeCell(std::string_view bytes, std::uint32_t encoding);
+    void beAlive(const void* handle, bool isString, void* memory); // frees the memory when it throws
     std::string describeDead(const void* handle) const;
 
     bool openStrings_;
@@ -150,6 +156,8 @@ class Heap {
     std::deque<std::pair<const void*, Freed>> graveyard_;
     std::size_t graveyardBytes_ = 0;
     std::set<void*> lent_;
+    int destroying_ = 0; // the depth of destroy()
+    REALobject waiting_ = nullptr;
     std::vector<std::string> violations_, remarks_;
     std::vector<std::string_view> calls_;
 };

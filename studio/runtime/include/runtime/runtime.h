@@ -19,6 +19,7 @@ struct Runtime {
     ClassTable classes;
     std::optional<std::int32_t> recordVersion; // announced by the plugins
     REALobject pending = nullptr;              // raised, not thrown yet; one host reference
+    REALobject outOfMemory = nullptr;          // the exception to raise when none can be made
     std::optional<int> quit;                   // Quit was called below a plugin's frame
     // The last call of a plugin that found nothing by a name: its type and its text, to explain a nil later
     // on.

@@ -49,6 +49,7 @@ struct Expr {
     ExprPtr a, b;
     std::vector<ExprPtr> arguments;
     TypeName type;
+    int height = 0; // the longest way down to an expression without operands
 };
 
 struct Parameter {
