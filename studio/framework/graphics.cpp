@@ -1,7 +1,13 @@
 // Graphics and RGBSurface: two ways to a picture's pixels.
+#include "drawing.h"
 #include "framework/picture.h"
 #include "picture_data.h"
 #include "table.h"
+
+#include <typeset/text.h>
+
+#include <cstdio>
+#include <set>
 
 namespace studio {
 
@@ -46,6 +52,68 @@ void setPixel(REALobject self, std::int32_t x, std::int32_t y, std::uint32_t col
     if (pixels.contains(x, y)) pixels.setColor(x, y, color);
 }
 
+// ---- text ------------------------------------------------------------------------------------------------
+
+// Calls `body`; what typesetting throws, for want of a font, becomes the program's exception.
+template <class Body>
+auto withFonts(Body body) {
+    try {
+        return body();
+    } catch (const std::runtime_error& error) {
+        raise("UnsupportedOperationException", error.what());
+    }
+}
+
+void drawString(REALobject self, REALstring text, double x, double y, double wrapWidth, bool condense) {
+    Picture& picture = target(self);
+    auto tooWide = condense ? typeset::TooWide::isCut : typeset::TooWide::wraps;
+    withFonts([&] {
+        typeset::Text lines(toUtf8(text), picture.textStyle, wrapWidth, tooWide);
+        Drawing(picture).fill(lines, x, y);
+    });
+}
+
+double stringWidth(REALobject self, REALstring text) {
+    return withFonts([&] { return typeset::Text(toUtf8(text), target(self).textStyle).width(); });
+}
+double stringHeight(REALobject self, REALstring text, double wrapWidth) {
+    return withFonts([&] { return typeset::Text(toUtf8(text), target(self).textStyle, wrapWidth).height(); });
+}
+double textAscent(REALobject self) {
+    return withFonts([&] { return typeset::metrics(target(self).textStyle).ascent; });
+}
+double textHeight(REALobject self) {
+    return withFonts([&] { return typeset::metrics(target(self).textStyle).lineHeight; });
+}
+
+// A program written for a machine with other fonts goes on with the default; its user is told once.
+void setTextFont(REALobject self, std::uint32_t, REALstring name) {
+    static std::set<std::string> told;
+    std::string family = toUtf8(name);
+    target(self).textStyle.family = family;
+    if (!withFonts([&] { return typeset::knowsFamily(family); }) && told.insert(family).second)
+        std::fprintf(stderr, "studio: there is no font \"%s\"; its text is drawn in %s\n", family.c_str(),
+                     typeset::kDefaultFamily);
+}
+
+// One of the style's switches as a property.
+template <bool typeset::Style::*Switch>
+FrameworkProperty styleSwitch(const char* name) {
+    return property(
+        name, "Boolean", [](REALobject self) { return target(self).textStyle.*Switch; },
+        [](REALobject self, std::uint32_t, bool on) { target(self).textStyle.*Switch = on; });
+}
+
+std::int32_t fontCount() {
+    return withFonts([] { return std::int32_t(typeset::families().size()); });
+}
+REALstring fontName(std::int32_t index) {
+    std::vector<std::string> names = withFonts([] { return typeset::families(); });
+    if (index < 0 || std::size_t(index) >= names.size())
+        raise("OutOfBoundsException", "there is no font " + std::to_string(index));
+    return makeString(names[std::size_t(index)]);
+}
+
 FrameworkClass viewClass(const char* name) {
     FrameworkClass table = classWithData<View>(name);
     table.destructor = +[](REALobject self) { heap().release(dataOf<View>(self).picture); };
@@ -74,6 +142,17 @@ FrameworkClass graphicsClass() {
         property(
             "PenHeight", "Integer", [](REALobject self) { return target(self).penHeight; },
             [](REALobject self, std::uint32_t, I height) { target(self).penHeight = std::max(height, 1); }),
+        property(
+            "TextFont", "String", [](REALobject self) { return makeString(target(self).textStyle.family); },
+            setTextFont),
+        property(
+            "TextSize", "Single", [](REALobject self) { return float(target(self).textStyle.size); },
+            [](REALobject self, std::uint32_t, float size) { target(self).textStyle.size = double(size); }),
+        styleSwitch<&typeset::Style::bold>("Bold"),
+        styleSwitch<&typeset::Style::italic>("Italic"),
+        styleSwitch<&typeset::Style::underline>("Underline"),
+        property("TextAscent", "Double", textAscent),
+        property("TextHeight", "Double", textHeight),
     };
     table.methods = {
         method("DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, "
@@ -117,6 +196,11 @@ FrameworkClass graphicsClass() {
                [](REALobject self, I x, I y, I w, I h) {
                    target(self).pixels.clearRect(x, y, w, h, target(self).hasAlpha ? 0 : 0xFFFFFFFF);
                }),
+        method("DrawString(text As String, x As Double, y As Double, wrapWidth As Double = 0, "
+               "condense As Boolean = False)",
+               drawString),
+        method("StringWidth(text As String) As Double", stringWidth),
+        method("StringHeight(text As String, wrapWidth As Double) As Double", stringHeight),
         method("Pixel(x As Integer, y As Integer) As Color", pixel, setPixel),
     };
     return table;
@@ -128,7 +212,11 @@ FrameworkClass surfaceClass() {
     return table;
 }
 
-const Registrar registrar([] { return FrameworkPart{{graphicsClass(), surfaceClass()}}; });
+const Registrar registrar([] {
+    return FrameworkPart{
+        {graphicsClass(), surfaceClass()},
+        {method("FontCount() As Integer", fontCount), method("Font(index As Integer) As String", fontName)}};
+});
 
 } // namespace
 
