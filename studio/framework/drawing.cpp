@@ -11,7 +11,10 @@ CGContextRef newContextOn(Pixels& p) {
     return context;
 }
 
-Drawing::Drawing(Picture& picture) : context_(newContextOn(picture.pixels)) {
+// Outlines are cut one pixel beyond the border, where the cut does not show.
+Drawing::Drawing(Picture& picture)
+    : context_(newContextOn(picture.pixels)), visible_{-1, -1, picture.pixels.width + 2.0,
+                                                       picture.pixels.height + 2.0} {
     CGContextTranslateCTM(context_, 0, CGFloat(picture.pixels.height));
     CGContextScaleCTM(context_, 1, -1);
     auto component = [&](int shift) { return CGFloat(picture.foreColor >> shift & 255) / 255; };
@@ -37,6 +40,18 @@ struct PathOutlines final : typeset::Outlines {
 };
 
 } // namespace
+
+void Drawing::fill(const shapes::Shape& shape) {
+    CGContextBeginPath(context_);
+    PathOutlines outlines(context_);
+    for (const auto& outline : shapes::clipped(shape, visible_)) {
+        if (outline.empty()) continue;
+        outlines.move(outline[0].x, outline[0].y);
+        for (const shapes::Point& p : outline) outlines.line(p.x, p.y);
+        outlines.close();
+    }
+    CGContextFillPath(context_);
+}
 
 void Drawing::fill(const typeset::Text& text, double x, double y) {
     CGContextBeginPath(context_);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "picture_data.h"
+#include "shapes.h"
 
 #include <CoreGraphics/CoreGraphics.h>
 #include <typeset/text.h>
@@ -18,10 +19,12 @@ class Drawing {
     ~Drawing();
     Drawing(const Drawing&) = delete;
 
+    void fill(const shapes::Shape& shape);
     void fill(const typeset::Text& text, double x, double y); // where its first baseline starts
 
   private:
     CGContextRef context_;
+    shapes::Box visible_;
 };
 
 } // namespace studio

@@ -52,6 +52,26 @@ void setPixel(REALobject self, std::int32_t x, std::int32_t y, std::uint32_t col
     if (pixels.contains(x, y)) pixels.setColor(x, y, color);
 }
 
+// ---- shapes ----------------------------------------------------------------------------------------------
+
+void fill(REALobject self, const shapes::Shape& shape) { Drawing(target(self)).fill(shape); }
+
+shapes::Pen pen(REALobject self) { return {double(target(self).penWidth), double(target(self).penHeight)}; }
+
+shapes::Box box(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
+    return {double(x), double(y), double(width), double(height)};
+}
+
+// The language counts a polygon's numbers from 1: x, y, x, y; the element 0 is not used.
+std::vector<shapes::Point> corners(REALobject points) {
+    if (!points) raise("NilObjectException", "the array of points is nil");
+    std::vector<shapes::Point> result;
+    for (std::int32_t i = 1; i + 1 < arrayOf(points).count; i += 2)
+        result.push_back(
+            {double(arrayGet(arrayOf(points), i).i32), double(arrayGet(arrayOf(points), i + 1).i32)});
+    return result;
+}
+
 // ---- text ------------------------------------------------------------------------------------------------
 
 // Calls `body`; what typesetting throws, for want of a font, becomes the program's exception.
@@ -180,17 +200,31 @@ FrameworkClass graphicsClass() {
                                      p.foreColor);
                }),
         method("FillOval(x As Integer, y As Integer, width As Integer, height As Integer)",
-               [](REALobject self, I x, I y, I w, I h) {
-                   target(self).pixels.fillOval(x, y, w, h, target(self).foreColor);
-               }),
+               [](REALobject self, I x, I y, I w, I h) { fill(self, shapes::oval(box(x, y, w, h))); }),
         method("DrawOval(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
-                   target(self).pixels.drawOval(x, y, w, h, target(self).penWidth, target(self).foreColor);
+                   fill(self, shapes::ovalFrame(box(x, y, w, h), pen(self)));
+               }),
+        method("FillRoundRect(x As Integer, y As Integer, width As Integer, height As Integer, "
+               "arcWidth As Integer, arcHeight As Integer)",
+               [](REALobject self, I x, I y, I w, I h, I arcWidth, I arcHeight) {
+                   fill(self, shapes::roundRect(box(x, y, w, h), {double(arcWidth), double(arcHeight)}));
+               }),
+        method("DrawRoundRect(x As Integer, y As Integer, width As Integer, height As Integer, "
+               "arcWidth As Integer, arcHeight As Integer)",
+               [](REALobject self, I x, I y, I w, I h, I arcWidth, I arcHeight) {
+                   fill(self, shapes::roundRectFrame(box(x, y, w, h), {double(arcWidth), double(arcHeight)},
+                                                     pen(self)));
                }),
         method("DrawLine(x1 As Integer, y1 As Integer, x2 As Integer, y2 As Integer)",
                [](REALobject self, I x1, I y1, I x2, I y2) {
-                   Picture& p = target(self);
-                   p.pixels.drawLine(x1, y1, x2, y2, p.penWidth, p.penHeight, p.foreColor);
+                   fill(self, shapes::line({double(x1), double(y1)}, {double(x2), double(y2)}, pen(self)));
+               }),
+        method("FillPolygon(points() As Integer)",
+               [](REALobject self, REALobject points) { fill(self, shapes::polygon(corners(points))); }),
+        method("DrawPolygon(points() As Integer)",
+               [](REALobject self, REALobject points) {
+                   fill(self, shapes::polygonFrame(corners(points), pen(self)));
                }),
         method("ClearRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
