@@ -1,5 +1,8 @@
 #include "drawing.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace studio {
 
 CGContextRef newContextOn(Pixels& p) {
@@ -58,6 +61,69 @@ void Drawing::fill(const typeset::Text& text, double x, double y) {
     PathOutlines outlines(context_);
     text.outline(x, y, outlines);
     CGContextFillPath(context_);
+}
+
+namespace {
+
+// A picture's pixels as an image, without copying them.
+CGImageRef newImageOf(const Pixels& p) {
+    CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+    CGDataProviderRef provider =
+        CGDataProviderCreateWithData(nullptr, p.bytes.data(), p.bytes.size(), nullptr);
+    CGImageRef image =
+        CGImageCreate(std::size_t(p.width), std::size_t(p.height), 8, 32, std::size_t(p.width) * 4, space,
+                      kCGImageAlphaPremultipliedFirst, provider, nullptr, true, kCGRenderingIntentDefault);
+    CGDataProviderRelease(provider);
+    CGColorSpaceRelease(space);
+    return image;
+}
+
+// One axis of a scaled copy.
+struct Axis {
+    double to, toLength, from, fromLength;
+
+    bool isEmpty() const { return !(toLength > 0 && fromLength > 0); }
+
+    void limitSource(double low, double high) {
+        double scale = toLength / fromLength;
+        double start = std::max(from, low), end = std::min(from + fromLength, high);
+        to += (start - from) * scale;
+        from = start;
+        fromLength = end - start;
+        toLength = fromLength * scale;
+    }
+
+    // Lets go of source pixels that do not reach 0 to `size`. Otherwise a context's floats were too coarse.
+    void reduce(double size) {
+        constexpr double kExactFloats = 1 << 20, kMargin = 2;
+        if (std::abs(to) + toLength < kExactFloats) return;
+        double scale = fromLength / toLength;
+        limitSource(std::floor(from - to * scale) - kMargin, std::ceil(from + (size - to) * scale) + kMargin);
+    }
+};
+
+} // namespace
+
+void Drawing::draw(const Pixels& source, shapes::Box to, shapes::Box from) {
+    Axis x = {to.x, to.width, from.x, from.width}, y = {to.y, to.height, from.y, from.height};
+    if (x.isEmpty() || y.isEmpty()) return;
+    x.limitSource(0, source.width);
+    y.limitSource(0, source.height);
+    if (x.isEmpty() || y.isEmpty()) return;
+    x.reduce(visible_.width);
+    y.reduce(visible_.height);
+    if (x.isEmpty() || y.isEmpty()) return;
+    CGImageRef whole = newImageOf(source);
+    CGImageRef part = CGImageCreateWithImageInRect(
+        whole, CGRectMake(CGFloat(x.from), CGFloat(y.from), CGFloat(x.fromLength), CGFloat(y.fromLength)));
+    CGContextSaveGState(context_);
+    // An image stands upright where y points upwards.
+    CGContextTranslateCTM(context_, CGFloat(x.to), CGFloat(y.to + y.toLength));
+    CGContextScaleCTM(context_, 1, -1);
+    CGContextDrawImage(context_, CGRectMake(0, 0, CGFloat(x.toLength), CGFloat(y.toLength)), part);
+    CGContextRestoreGState(context_);
+    CGImageRelease(part);
+    CGImageRelease(whole);
 }
 
 } // namespace studio

@@ -19,6 +19,9 @@ class Drawing {
     ~Drawing();
     Drawing(const Drawing&) = delete;
 
+    // Scales what lies in `from` to fill `to`; both are in whole pixels. What is outside of the source draws
+    // nothing.
+    void draw(const Pixels& source, shapes::Box to, shapes::Box from);
     void fill(const shapes::Shape& shape);
     void fill(const typeset::Text& text, double x, double y); // where its first baseline starts
 

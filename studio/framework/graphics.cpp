@@ -30,6 +30,10 @@ Picture& target(REALobject self) {
     return pictureOf(picture);
 }
 
+shapes::Box box(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
+    return {double(x), double(y), double(width), double(height)};
+}
+
 void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t y, std::int32_t w,
                  std::int32_t h, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh) {
     constexpr std::int32_t kWhole = -10000;
@@ -37,10 +41,17 @@ void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t
     Picture& source = pictureOf(image);
     if (sw == kWhole) sw = source.pixels.width;
     if (sh == kWhole) sh = source.pixels.height;
-    if (source.mask || &source == &target(self))
-        target(self).pixels.draw(masked(image), x, y, w, h, sx, sy, sw, sh);
+    Picture& picture = target(self);
+    auto draw = [&](const Pixels& pixels) {
+        if (w == sw && h == sh)
+            picture.pixels.draw(pixels, x, y, w, h, sx, sy);
+        else
+            Drawing(picture).draw(pixels, box(x, y, w, h), box(sx, sy, sw, sh));
+    };
+    if (source.mask || &source == &picture)
+        draw(masked(image));
     else
-        target(self).pixels.draw(source.pixels, x, y, w, h, sx, sy, sw, sh);
+        draw(source.pixels);
 }
 
 std::uint32_t pixel(REALobject self, std::int32_t x, std::int32_t y) {
@@ -57,10 +68,6 @@ void setPixel(REALobject self, std::int32_t x, std::int32_t y, std::uint32_t col
 void fill(REALobject self, const shapes::Shape& shape) { Drawing(target(self)).fill(shape); }
 
 shapes::Pen pen(REALobject self) { return {double(target(self).penWidth), double(target(self).penHeight)}; }
-
-shapes::Box box(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
-    return {double(x), double(y), double(width), double(height)};
-}
 
 // The language counts a polygon's numbers from 1: x, y, x, y; the element 0 is not used.
 std::vector<shapes::Point> corners(REALobject points) {

@@ -84,60 +84,16 @@ void Pixels::clearRect(Place x, Place y, Place w, Place h, std::uint32_t color) 
             std::memcpy(at(column, row), source.argb, 4);
 }
 
-void Pixels::draw(const Pixels& source, Place x, Place y, Place w, Place h, std::int64_t sx, std::int64_t sy,
-                  std::int64_t sw, std::int64_t sh) {
-    if (w < 1 || h < 1 || sw < 1 || sh < 1) return;
-    Range rows = visible(y, h, height), columns = visible(x, w, width);
-    if (w == sw && h == sh) {
-        Range sourceRows = visible(sy, sh, source.height), sourceColumns = visible(sx, sw, source.width);
-        auto both = [](Range a, Range b, std::int64_t shift) {
-            return Range{int(std::max<std::int64_t>(a.from, b.from + shift)),
-                         int(std::min<std::int64_t>(a.to, b.to + shift))};
-        };
-        rows = both(rows, sourceRows, y - sy);
-        columns = both(columns, sourceColumns, x - sx);
-        for (int row = rows.from; row < rows.to; ++row)
-            for (int column = columns.from; column < columns.to; ++column)
-                over(at(column, row), source.at(int(column - x + sx), int(row - y + sy)));
-        return;
-    }
-    // The source pixels that a target pixel covers, at least one whole pixel wide.
-    struct Span {
-        std::int64_t first, last;
-        double firstWeight, lastWeight;
-
-        Span(std::int64_t index, std::int64_t target, std::int64_t origin, std::int64_t length) {
-            double scale = double(length) / double(target), width = std::max(scale, 1.0);
-            double middle = double(origin) + (double(index) + 0.5) * scale, end = double(origin + length);
-            double low = std::clamp(middle - width / 2, double(origin), end - width * 0.5);
-            double high = std::min(low + width, end);
-            first = std::int64_t(std::floor(low));
-            last = std::max(std::int64_t(std::ceil(high)) - 1, first);
-            firstWeight = first == last ? high - low : double(first) + 1 - low;
-            lastWeight = first == last ? high - low : high - double(last);
-        }
-        double weight(std::int64_t i) const { return i == first ? firstWeight : i == last ? lastWeight : 1; }
-        double total() const {
-            return first == last ? firstWeight : firstWeight + lastWeight + double(last - first - 1);
-        }
+void Pixels::draw(const Pixels& source, Place x, Place y, Place w, Place h, Place sx, Place sy) {
+    auto both = [](Range a, Range b, std::int64_t shift) {
+        return Range{int(std::max<std::int64_t>(a.from, b.from + shift)),
+                     int(std::min<std::int64_t>(a.to, b.to + shift))};
     };
-    for (int row = rows.from; row < rows.to; ++row) {
-        Span down(row - y, h, sy, sh);
-        Range there = visible(down.first, down.last - down.first + 1, source.height);
-        for (int column = columns.from; column < columns.to; ++column) {
-            Span across(column - x, w, sx, sw);
-            Range here = visible(across.first, across.last - across.first + 1, source.width);
-            double sum[4] = {}, total = down.total() * across.total();
-            for (int v = there.from; v < there.to; ++v)
-                for (int u = here.from; u < here.to; ++u) {
-                    double weight = down.weight(v) * across.weight(u);
-                    for (int i = 0; i < 4; ++i) sum[i] += weight * source.at(u, v)[i];
-                }
-            std::uint8_t pixel[4];
-            for (int i = 0; i < 4; ++i) pixel[i] = std::uint8_t(total > 0 ? sum[i] / total + 0.5 : 0);
-            over(at(column, row), pixel);
-        }
-    }
+    Range rows = both(visible(y, h, height), visible(sy, h, source.height), y - sy);
+    Range columns = both(visible(x, w, width), visible(sx, w, source.width), x - sx);
+    for (int row = rows.from; row < rows.to; ++row)
+        for (int column = columns.from; column < columns.to; ++column)
+            over(at(column, row), source.at(int(column - x + sx), int(row - y + sy)));
 }
 
 void Pixels::applyMask(const Pixels& mask) {
