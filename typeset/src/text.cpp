@@ -34,6 +34,10 @@ struct Buffer {
     ~Buffer() { hb_buffer_destroy(ref); }
 };
 
+/// On one letter. No text has more (Unicode's Stream-Safe Text Format), and shaping takes the square of their
+/// number.
+constexpr std::size_t kMostMarks = 31;
+
 /// A paragraph with the font of each character.
 class Setter {
   public:
@@ -52,11 +56,12 @@ class Setter {
     /// In the order of their characters; spaces at the end run as the paragraph does.
     std::vector<Run> runs(std::size_t from, std::size_t to) const {
         std::vector<Run> result;
-        std::size_t visible = withoutSpaces(from, to);
+        std::size_t visible = withoutSpaces(from, to), marks = 0;
         for (std::size_t i = from; i < to; ++i) {
             auto level = i < visible ? p_.levels[i] : std::uint8_t(p_.rightToLeft);
+            marks = extends(p_.text[i]) ? marks + 1 : 0;
             bool same = !result.empty() && result.back().level == level && result.back().face == faces_[i] &&
-                        p_.scripts[i] == p_.scripts[i - 1];
+                        p_.scripts[i] == p_.scripts[i - 1] && (marks == 0 || marks % kMostMarks != 0);
             if (same)
                 result.back().to = i + 1;
             else

@@ -198,6 +198,12 @@ TEST(Text, TakesAnyBytesAndSizes) {
     EXPECT_EQ(Text("abc", {}, std::nan("")).lines().size(), 1u);
 }
 
+TEST(Text, TakesAnyNumberOfMarks) {
+    std::string text = "e";
+    for (int i = 0; i < 200000; ++i) text += "\u0301";
+    EXPECT_LT(width(text), 1.1 * width("e")); // in seconds, not in minutes
+}
+
 TEST(Fonts, AreFoundByName) {
     EXPECT_EQ(familyFor(""), "DejaVu Sans");
     EXPECT_EQ(familyFor("system"), "DejaVu Sans");
