@@ -1,7 +1,13 @@
 // Graphics and RGBSurface: two ways to a picture's pixels.
+#include "drawing.h"
 #include "framework/picture.h"
 #include "picture_data.h"
 #include "table.h"
+
+#include <typeset/text.h>
+
+#include <cstdio>
+#include <set>
 
 namespace studio {
 
@@ -24,6 +30,10 @@ Picture& target(REALobject self) {
     return pictureOf(picture);
 }
 
+shapes::Box box(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
+    return {double(x), double(y), double(width), double(height)};
+}
+
 void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t y, std::int32_t w,
                  std::int32_t h, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh) {
     constexpr std::int32_t kWhole = -10000;
@@ -31,10 +41,17 @@ void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t
     Picture& source = pictureOf(image);
     if (sw == kWhole) sw = source.pixels.width;
     if (sh == kWhole) sh = source.pixels.height;
-    if (source.mask || &source == &target(self))
-        target(self).pixels.draw(masked(image), x, y, w, h, sx, sy, sw, sh);
+    Picture& picture = target(self);
+    auto draw = [&](const Pixels& pixels) {
+        if (w == sw && h == sh)
+            picture.pixels.draw(pixels, x, y, w, h, sx, sy);
+        else
+            Drawing(picture).draw(pixels, box(x, y, w, h), box(sx, sy, sw, sh));
+    };
+    if (source.mask || &source == &picture)
+        draw(masked(image));
     else
-        target(self).pixels.draw(source.pixels, x, y, w, h, sx, sy, sw, sh);
+        draw(source.pixels);
 }
 
 std::uint32_t pixel(REALobject self, std::int32_t x, std::int32_t y) {
@@ -44,6 +61,84 @@ std::uint32_t pixel(REALobject self, std::int32_t x, std::int32_t y) {
 void setPixel(REALobject self, std::int32_t x, std::int32_t y, std::uint32_t color) {
     Pixels& pixels = target(self).pixels;
     if (pixels.contains(x, y)) pixels.setColor(x, y, color);
+}
+
+// ---- shapes ----------------------------------------------------------------------------------------------
+
+void fill(REALobject self, const shapes::Shape& shape) { Drawing(target(self)).fill(shape); }
+
+shapes::Pen pen(REALobject self) { return {double(target(self).penWidth), double(target(self).penHeight)}; }
+
+// The language counts a polygon's numbers from 1: x, y, x, y; the element 0 is not used.
+std::vector<shapes::Point> corners(REALobject points) {
+    if (!points) raise("NilObjectException", "the array of points is nil");
+    std::vector<shapes::Point> result;
+    for (std::int32_t i = 1; i + 1 < arrayOf(points).count; i += 2)
+        result.push_back(
+            {double(arrayGet(arrayOf(points), i).i32), double(arrayGet(arrayOf(points), i + 1).i32)});
+    return result;
+}
+
+// ---- text ------------------------------------------------------------------------------------------------
+
+// Calls `body`; what typesetting throws, for want of a font, becomes the program's exception.
+template <class Body>
+auto withFonts(Body body) {
+    try {
+        return body();
+    } catch (const std::runtime_error& error) {
+        raise("UnsupportedOperationException", error.what());
+    }
+}
+
+void drawString(REALobject self, REALstring text, double x, double y, double wrapWidth, bool condense) {
+    Picture& picture = target(self);
+    auto tooWide = condense ? typeset::TooWide::isCut : typeset::TooWide::wraps;
+    withFonts([&] {
+        typeset::Text lines(toUtf8(text), picture.textStyle, wrapWidth, tooWide);
+        Drawing(picture).fill(lines, x, y);
+    });
+}
+
+double stringWidth(REALobject self, REALstring text) {
+    return withFonts([&] { return typeset::Text(toUtf8(text), target(self).textStyle).width(); });
+}
+double stringHeight(REALobject self, REALstring text, double wrapWidth) {
+    return withFonts([&] { return typeset::Text(toUtf8(text), target(self).textStyle, wrapWidth).height(); });
+}
+double textAscent(REALobject self) {
+    return withFonts([&] { return typeset::metrics(target(self).textStyle).ascent; });
+}
+double textHeight(REALobject self) {
+    return withFonts([&] { return typeset::metrics(target(self).textStyle).lineHeight; });
+}
+
+// A program written for a machine with other fonts goes on with the default; its user is told once.
+void setTextFont(REALobject self, std::uint32_t, REALstring name) {
+    static std::set<std::string> told;
+    std::string family = toUtf8(name);
+    target(self).textStyle.family = family;
+    if (!withFonts([&] { return typeset::knowsFamily(family); }) && told.insert(family).second)
+        std::fprintf(stderr, "studio: there is no font \"%s\"; its text is drawn in %s\n", family.c_str(),
+                     typeset::kDefaultFamily);
+}
+
+// One of the style's switches as a property.
+template <bool typeset::Style::*Switch>
+FrameworkProperty styleSwitch(const char* name) {
+    return property(
+        name, "Boolean", [](REALobject self) { return target(self).textStyle.*Switch; },
+        [](REALobject self, std::uint32_t, bool on) { target(self).textStyle.*Switch = on; });
+}
+
+std::int32_t fontCount() {
+    return withFonts([] { return std::int32_t(typeset::families().size()); });
+}
+REALstring fontName(std::int32_t index) {
+    std::vector<std::string> names = withFonts([] { return typeset::families(); });
+    if (index < 0 || std::size_t(index) >= names.size())
+        raise("OutOfBoundsException", "there is no font " + std::to_string(index));
+    return makeString(names[std::size_t(index)]);
 }
 
 FrameworkClass viewClass(const char* name) {
@@ -74,6 +169,17 @@ FrameworkClass graphicsClass() {
         property(
             "PenHeight", "Integer", [](REALobject self) { return target(self).penHeight; },
             [](REALobject self, std::uint32_t, I height) { target(self).penHeight = std::max(height, 1); }),
+        property(
+            "TextFont", "String", [](REALobject self) { return makeString(target(self).textStyle.family); },
+            setTextFont),
+        property(
+            "TextSize", "Single", [](REALobject self) { return float(target(self).textStyle.size); },
+            [](REALobject self, std::uint32_t, float size) { target(self).textStyle.size = double(size); }),
+        styleSwitch<&typeset::Style::bold>("Bold"),
+        styleSwitch<&typeset::Style::italic>("Italic"),
+        styleSwitch<&typeset::Style::underline>("Underline"),
+        property("TextAscent", "Double", textAscent),
+        property("TextHeight", "Double", textHeight),
     };
     table.methods = {
         method("DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, "
@@ -101,22 +207,41 @@ FrameworkClass graphicsClass() {
                                      p.foreColor);
                }),
         method("FillOval(x As Integer, y As Integer, width As Integer, height As Integer)",
-               [](REALobject self, I x, I y, I w, I h) {
-                   target(self).pixels.fillOval(x, y, w, h, target(self).foreColor);
-               }),
+               [](REALobject self, I x, I y, I w, I h) { fill(self, shapes::oval(box(x, y, w, h))); }),
         method("DrawOval(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
-                   target(self).pixels.drawOval(x, y, w, h, target(self).penWidth, target(self).foreColor);
+                   fill(self, shapes::ovalFrame(box(x, y, w, h), pen(self)));
+               }),
+        method("FillRoundRect(x As Integer, y As Integer, width As Integer, height As Integer, "
+               "arcWidth As Integer, arcHeight As Integer)",
+               [](REALobject self, I x, I y, I w, I h, I arcWidth, I arcHeight) {
+                   fill(self, shapes::roundRect(box(x, y, w, h), {double(arcWidth), double(arcHeight)}));
+               }),
+        method("DrawRoundRect(x As Integer, y As Integer, width As Integer, height As Integer, "
+               "arcWidth As Integer, arcHeight As Integer)",
+               [](REALobject self, I x, I y, I w, I h, I arcWidth, I arcHeight) {
+                   fill(self, shapes::roundRectFrame(box(x, y, w, h), {double(arcWidth), double(arcHeight)},
+                                                     pen(self)));
                }),
         method("DrawLine(x1 As Integer, y1 As Integer, x2 As Integer, y2 As Integer)",
                [](REALobject self, I x1, I y1, I x2, I y2) {
-                   Picture& p = target(self);
-                   p.pixels.drawLine(x1, y1, x2, y2, p.penWidth, p.penHeight, p.foreColor);
+                   fill(self, shapes::line({double(x1), double(y1)}, {double(x2), double(y2)}, pen(self)));
+               }),
+        method("FillPolygon(points() As Integer)",
+               [](REALobject self, REALobject points) { fill(self, shapes::polygon(corners(points))); }),
+        method("DrawPolygon(points() As Integer)",
+               [](REALobject self, REALobject points) {
+                   fill(self, shapes::polygonFrame(corners(points), pen(self)));
                }),
         method("ClearRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
                    target(self).pixels.clearRect(x, y, w, h, target(self).hasAlpha ? 0 : 0xFFFFFFFF);
                }),
+        method("DrawString(text As String, x As Double, y As Double, wrapWidth As Double = 0, "
+               "condense As Boolean = False)",
+               drawString),
+        method("StringWidth(text As String) As Double", stringWidth),
+        method("StringHeight(text As String, wrapWidth As Double) As Double", stringHeight),
         method("Pixel(x As Integer, y As Integer) As Color", pixel, setPixel),
     };
     return table;
@@ -128,7 +253,11 @@ FrameworkClass surfaceClass() {
     return table;
 }
 
-const Registrar registrar([] { return FrameworkPart{{graphicsClass(), surfaceClass()}}; });
+const Registrar registrar([] {
+    return FrameworkPart{
+        {graphicsClass(), surfaceClass()},
+        {method("FontCount() As Integer", fontCount), method("Font(index As Integer) As String", fontName)}};
+});
 
 } // namespace
 

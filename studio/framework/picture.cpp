@@ -1,6 +1,7 @@
 // Picture: the class, its files, and its faces for plugins.
 #include "framework/picture.h"
 
+#include "drawing.h"
 #include "files.h"
 #include "framework/cfstring.h"
 #include "framework/folderitem.h"
@@ -59,13 +60,7 @@ void construct(REALobject self, std::int32_t width, std::int32_t height, std::in
 }
 
 CGContextRef contextOf(Picture& picture) {
-    if (!picture.context) {
-        ColorSpace space;
-        Pixels& p = picture.pixels;
-        picture.context =
-            CGBitmapContextCreate(p.bytes.data(), std::size_t(p.width), std::size_t(p.height), 8,
-                                  std::size_t(p.width) * 4, space.ref, kCGImageAlphaPremultipliedFirst);
-    }
+    if (!picture.context) picture.context = newContextOn(picture.pixels);
     return static_cast<CGContextRef>(picture.context);
 }
 

@@ -67,53 +67,6 @@ Range visible(std::int64_t start, std::int64_t length, int size) {
     return {within(start), within(start + length)};
 }
 
-// A line has one step for each pixel along its longer side.
-struct Line {
-    std::int64_t x1, y1, dx, dy, steps;
-
-    Line(std::int64_t x1, std::int64_t y1, std::int64_t x2, std::int64_t y2)
-        : x1(x1), y1(y1), dx(x2 - x1), dy(y2 - y1),
-          steps(std::max({std::abs(dx), std::abs(dy), std::int64_t(1)})) {}
-
-    std::int64_t x(std::int64_t step) const {
-        return x1 + std::llround(double(dx) * double(step) / double(steps));
-    }
-    std::int64_t y(std::int64_t step) const {
-        return y1 + std::llround(double(dy) * double(step) / double(steps));
-    }
-
-    // The steps in which the longer side runs through 0 to `size`.
-    std::pair<std::int64_t, std::int64_t> within(int width, int height) const {
-        bool level = std::abs(dx) >= std::abs(dy);
-        std::int64_t start = level ? x1 : y1, last = (level ? width : height) - 1;
-        bool back = (level ? dx : dy) < 0;
-        return {std::max<std::int64_t>(0, back ? start - last : -start),
-                std::min(steps, back ? start : last - start)};
-    }
-    // The first step at which the line has come past `row`, or to it; one behind the last step if it never
-    // does.
-    std::int64_t stepPast(std::int64_t row) const {
-        return search([&](std::int64_t i) { return y(i) > row; });
-    }
-    std::int64_t stepTo(std::int64_t row) const {
-        return search([&](std::int64_t i) { return y(i) <= row; });
-    }
-
-  private:
-    template <class Test>
-    std::int64_t search(Test holds) const { // `holds` stays true once it is
-        std::int64_t low = 0, high = steps + 1;
-        while (low < high) {
-            std::int64_t middle = low + (high - low) / 2;
-            if (holds(middle))
-                high = middle;
-            else
-                low = middle + 1;
-        }
-        return low;
-    }
-};
-
 } // namespace
 
 void Pixels::fillRect(Place x, Place y, Place w, Place h, std::uint32_t color) {
@@ -131,115 +84,16 @@ void Pixels::clearRect(Place x, Place y, Place w, Place h, std::uint32_t color) 
             std::memcpy(at(column, row), source.argb, 4);
 }
 
-// A pixel belongs to the oval when its centre does.
-void Pixels::fillOval(Place x, Place y, Place w, Place h, std::uint32_t color) {
-    Range rows = visible(y, h, height);
-    for (int row = rows.from; row < rows.to; ++row) {
-        double v = (double(row - y) + 0.5) / double(h) * 2 - 1, middle = double(w) / 2;
-        double half = std::sqrt(std::max(0.0, 1 - v * v)) * middle;
-        auto from = std::int64_t(std::ceil(middle - half - 0.5)),
-             to = std::int64_t(std::floor(middle + half - 0.5));
-        if (to >= from) fillRect(x + from, row, to - from + 1, 1, color);
-    }
-}
-
-void Pixels::drawOval(Place x, Place y, Place w, Place h, int pen, std::uint32_t color) {
-    double centreX = double(w) / 2, centreY = double(h) / 2;
-    auto inside = [&](std::int64_t column, std::int64_t row, double inset) {
-        double rx = centreX - inset, ry = centreY - inset;
-        if (rx <= 0 || ry <= 0) return false;
-        double u = (double(column) + 0.5 - centreX) / rx, v = (double(row) + 0.5 - centreY) / ry;
-        return u * u + v * v <= 1;
+void Pixels::draw(const Pixels& source, Place x, Place y, Place w, Place h, Place sx, Place sy) {
+    auto both = [](Range a, Range b, std::int64_t shift) {
+        return Range{int(std::max<std::int64_t>(a.from, b.from + shift)),
+                     int(std::min<std::int64_t>(a.to, b.to + shift))};
     };
-    Premultiplied source(color);
-    Range rows = visible(y, h, height), columns = visible(x, w, width);
+    Range rows = both(visible(y, h, height), visible(sy, h, source.height), y - sy);
+    Range columns = both(visible(x, w, width), visible(sx, w, source.width), x - sx);
     for (int row = rows.from; row < rows.to; ++row)
         for (int column = columns.from; column < columns.to; ++column)
-            if (inside(column - x, row - y, 0) && !inside(column - x, row - y, pen))
-                over(at(column, row), source.argb);
-}
-
-void Pixels::drawLine(std::int64_t x1, std::int64_t y1, std::int64_t x2, std::int64_t y2,
-                      std::int64_t penWidth, std::int64_t penHeight, std::uint32_t color) {
-    Line line(x1, y1, x2, y2);
-    std::int64_t left = std::min(x1, x2), top = std::min(y1, y2);
-    std::int64_t w = std::abs(line.dx) + penWidth, h = std::abs(line.dy) + penHeight;
-    if (x1 == x2 || y1 == y2) return fillRect(left, top, w, h, color);
-    if (penWidth == 1 && penHeight == 1) {
-        Premultiplied source(color);
-        auto [first, last] = line.within(width, height);
-        for (std::int64_t i = first; i <= last; ++i)
-            if (std::int64_t x = line.x(i), y = line.y(i); x >= 0 && y >= 0 && x < width && y < height)
-                over(at(int(x), int(y)), source.argb);
-        return;
-    }
-    // A thick slanted line: in each row, what the pen touches from the first step to the last that reaches
-    // it.
-    Range rows = visible(top, h, height);
-    for (int row = rows.from; row < rows.to; ++row) {
-        bool down = line.dy > 0;
-        std::int64_t first = down ? line.stepPast(row - penHeight) : line.stepTo(row);
-        std::int64_t last = (down ? line.stepPast(row) : line.stepTo(row - penHeight)) - 1;
-        if (first > last) continue;
-        std::int64_t a = line.x(first), b = line.x(last);
-        fillRect(std::min(a, b), row, std::abs(b - a) + penWidth, 1, color);
-    }
-}
-
-void Pixels::draw(const Pixels& source, Place x, Place y, Place w, Place h, std::int64_t sx, std::int64_t sy,
-                  std::int64_t sw, std::int64_t sh) {
-    if (w < 1 || h < 1 || sw < 1 || sh < 1) return;
-    Range rows = visible(y, h, height), columns = visible(x, w, width);
-    if (w == sw && h == sh) {
-        Range sourceRows = visible(sy, sh, source.height), sourceColumns = visible(sx, sw, source.width);
-        auto both = [](Range a, Range b, std::int64_t shift) {
-            return Range{int(std::max<std::int64_t>(a.from, b.from + shift)),
-                         int(std::min<std::int64_t>(a.to, b.to + shift))};
-        };
-        rows = both(rows, sourceRows, y - sy);
-        columns = both(columns, sourceColumns, x - sx);
-        for (int row = rows.from; row < rows.to; ++row)
-            for (int column = columns.from; column < columns.to; ++column)
-                over(at(column, row), source.at(int(column - x + sx), int(row - y + sy)));
-        return;
-    }
-    // The source pixels that a target pixel covers, at least one whole pixel wide.
-    struct Span {
-        std::int64_t first, last;
-        double firstWeight, lastWeight;
-
-        Span(std::int64_t index, std::int64_t target, std::int64_t origin, std::int64_t length) {
-            double scale = double(length) / double(target), width = std::max(scale, 1.0);
-            double middle = double(origin) + (double(index) + 0.5) * scale, end = double(origin + length);
-            double low = std::clamp(middle - width / 2, double(origin), end - width * 0.5);
-            double high = std::min(low + width, end);
-            first = std::int64_t(std::floor(low));
-            last = std::max(std::int64_t(std::ceil(high)) - 1, first);
-            firstWeight = first == last ? high - low : double(first) + 1 - low;
-            lastWeight = first == last ? high - low : high - double(last);
-        }
-        double weight(std::int64_t i) const { return i == first ? firstWeight : i == last ? lastWeight : 1; }
-        double total() const {
-            return first == last ? firstWeight : firstWeight + lastWeight + double(last - first - 1);
-        }
-    };
-    for (int row = rows.from; row < rows.to; ++row) {
-        Span down(row - y, h, sy, sh);
-        Range there = visible(down.first, down.last - down.first + 1, source.height);
-        for (int column = columns.from; column < columns.to; ++column) {
-            Span across(column - x, w, sx, sw);
-            Range here = visible(across.first, across.last - across.first + 1, source.width);
-            double sum[4] = {}, total = down.total() * across.total();
-            for (int v = there.from; v < there.to; ++v)
-                for (int u = here.from; u < here.to; ++u) {
-                    double weight = down.weight(v) * across.weight(u);
-                    for (int i = 0; i < 4; ++i) sum[i] += weight * source.at(u, v)[i];
-                }
-            std::uint8_t pixel[4];
-            for (int i = 0; i < 4; ++i) pixel[i] = std::uint8_t(total > 0 ? sum[i] / total + 0.5 : 0);
-            over(at(column, row), pixel);
-        }
-    }
+            over(at(column, row), source.at(int(column - x + sx), int(row - y + sy)));
 }
 
 void Pixels::applyMask(const Pixels& mask) {

@@ -1,4 +1,5 @@
-// A rectangle of pixels and drawing into it: 4 bytes a pixel, alpha first, premultiplied; the top row first.
+// A rectangle of pixels, and what fills or copies whole pixels of it: 4 bytes a pixel, alpha first,
+// premultiplied; the top row first.
 #pragma once
 
 #include <cstdint>
@@ -26,13 +27,8 @@ struct Pixels {
     using Place = std::int64_t;
     void fillRect(Place x, Place y, Place w, Place h, std::uint32_t color);
     void clearRect(Place x, Place y, Place w, Place h, std::uint32_t color); // replaces
-    void fillOval(Place x, Place y, Place w, Place h, std::uint32_t color);
-    void drawOval(Place x, Place y, Place w, Place h, int pen, std::uint32_t color);
-    void drawLine(Place x1, Place y1, Place x2, Place y2, Place penWidth, Place penHeight,
-                  std::uint32_t color);
-    // Scales by averaging the source pixels that fall on a pixel, so smaller copies are smooth.
-    void draw(const Pixels& source, Place x, Place y, Place w, Place h, Place sx, Place sy, Place sw,
-              Place sh);
+    void draw(const Pixels& source, Place x, Place y, Place w, Place h, Place sx,
+              Place sy); // as large as it is
     // Multiplies by what the mask lets through: black everything, white nothing.
     void applyMask(const Pixels& mask);
 };
