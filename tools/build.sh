@@ -12,8 +12,8 @@ parts_of() {
     [[ $# -gt 0 ]] || echo all
     for target in "$@"; do
         case "$target" in
-        programs | kaz_apply | kaz_filters | kaz_gallery | build.ninja) echo run ;;
-        vision) echo faces ;;
+        vision | kaz_bench) echo faces ;;
+        programs | kaz_* | build.ninja) echo run ;;
         *) echo all ;;
         esac
     done

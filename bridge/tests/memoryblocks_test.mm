@@ -63,6 +63,30 @@ TEST_P(MemoryBlocks, DataThatIsTooLongRaisesWithItsLength) {
     }
 }
 
+TEST_P(MemoryBlocks, TheLongestBlockIsAskedFor) {
+    static std::vector<std::int32_t> sizes;
+    replace(
+        "newMemoryBlock", +[](std::int32_t size) -> REALmemoryBlock {
+            sizes.push_back(size);
+            return nullptr;
+        });
+    EndlessData* data = [[EndlessData alloc] autorelease];
+    for (NSUInteger length : {0x7FFFFFFEu, 0x7FFFFFFFu, 0x80000000u}) {
+        data->claimed = length;
+        EXPECT_EQ(NSDataRB(data), nullptr);
+        EXPECT_EQ(raised(), "OutOfMemoryException: Failed to allocate a memoryblock with " +
+                                std::to_string(length) + " bytes in size.");
+    }
+    EXPECT_EQ(sizes, std::vector<std::int32_t>{0x7FFFFFFE});
+}
+
+TEST_P(MemoryBlocks, ABlockOfUnknownSizeIsEmpty) {
+    replace(
+        "memoryBlockGetSize", +[](REALmemoryBlock) { return -1; });
+    Value block = host.memoryBlock("bytes");
+    EXPECT_EQ(rbData(reinterpret_cast<REALmemoryBlock>(block.object())).length(), 0u);
+}
+
 TEST_P(MemoryBlocks, ABlockThatTheHostDoesNotMakeRaises) {
     host.failService("newMemoryBlock");
     EXPECT_EQ(NSDataRB([NSData dataWithBytes:"abc" length:3]), nullptr);

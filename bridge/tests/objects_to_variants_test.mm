@@ -1,6 +1,8 @@
 // Cocoa objects as host variants, rule by rule.
 #include "conversion_test.h"
 
+#include <functional>
+
 #include <bridge/registry.h>
 #include <bridge/wrapping.h>
 #include <hostapi/records.h>
@@ -458,6 +460,28 @@ TEST_P(Outward, AFileURLIntoAMissingFolderBecomesItsText) {
 TEST_P(Outward, AnyOtherURLBecomesItsText) {
     for (NSString *text in [NSArray arrayWithObjects:@"http://localhost/a%20b?c=d#e", @"mailto:a@b", nil])
         expectVariant([NSURL URLWithString:text], kREALVariantString, textOf(text));
+}
+
+TEST_P(Outward, AURLWithABaseBecomesItsWholeText) {
+    NSURL* base = [NSURL URLWithString:@"http://localhost/folder/page"];
+    expectVariant([NSURL URLWithString:@"other?a=b" relativeToURL:base], kREALVariantString,
+                  std::string("http://localhost/folder/other?a=b"));
+}
+
+TEST_P(Outward, NothingIsLeftOfAConversion) {
+    const std::pair<const char*, std::function<id()>> objects[] = {
+        {"text", [] { return [NSString stringWithFormat:@"text %d", 1]; }},
+        {"data", [] { return [NSData dataWithBytes:"data" length:4]; }},
+        {"date", [] { return [NSDate dateWithTimeIntervalSinceReferenceDate:1e6]; }},
+        {"URL", [] { return [NSURL URLWithString:@"http://localhost/"]; }},
+        {"file", [] { return [NSURL fileURLWithPath:@"/tmp"]; }},
+        {"number", [] { return [NSNumber numberWithDouble:0.1]; }},
+        {"array", [] { return [NSArray arrayWithObjects:@"a", [NSNumber numberWithInt:1], nil]; }},
+        {"dictionary", [] { return [NSDictionary dictionaryWithObject:@"value" forKey:@"key"]; }},
+        {"rectangle", [] { return [NSValue valueWithRect:NSMakeRect(1, 2, 3, 4)]; }},
+    };
+    for (const auto& [name, make] : objects)
+        EXPECT_TRUE(objectsLeftBy([&, make = make] { variant(make()); }).empty()) << name;
 }
 
 // --- values -----------------------------------------------------------------------------------------------

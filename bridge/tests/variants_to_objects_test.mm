@@ -316,6 +316,36 @@ TEST_F(MissingGetters, WithoutItsPropertyAStringIsEmpty) {
     EXPECT_EQ(textOf(convertWithoutReader<REALstring>("VariantToString", "text")), "");
 }
 
+TEST_F(MissingGetters, ADateThatCannotBeReadIsNilWhateverTheHostWrote) {
+    static Value written;
+    written = host.create("Date");
+    Value variant = boxed(host.create("Date"));
+    replace(
+        "REALGetPropValueObject", +[](REALobject, const char*, REALobject* out) {
+            *out = written.object();
+            return false;
+        });
+    EXPECT_EQ(GetVariantAsNSObject(variant.object()), nil);
+    written = {};
+}
+
+TEST_F(MissingGetters, NothingIsLeftOfAConversion) {
+    const std::pair<const char*, Value> values[] = {
+        {"text", "some text"},
+        {"date", host.create("Date")},
+        {"data", host.memoryBlock("data")},
+        {"file", host.create("FolderItem", {"/tmp"})},
+        {"number", 0.1},
+        {"texts", host.array("String", {"a", "b"})},
+        {"variants", host.array("Variant", {"a", 1, host.memoryBlock("data")})},
+        {"dictionary", host.dictionary({{"key", "value"}, {2, host.create("Date")}})},
+        {"image", host.create("NSSizeKaz", {1.0f, 2.0f})},
+        {"string", host.create("CFStringKaz", {"text"})},
+    };
+    for (const auto& [name, value] : values)
+        EXPECT_TRUE(objectsLeftBy([&, value = value] { cocoa(value); }).empty()) << name;
+}
+
 TEST_F(MissingGetters, WithoutItsPropertyADateIsNil) {
     withhold("REALGetPropValueObject");
     EXPECT_EQ(cocoa(host.create("Date")), nil);

@@ -164,6 +164,62 @@ TEST_F(Records, EventsAreRebuiltForTheOldestHost) {
     EXPECT_STREQ(static_cast<REALevent9*>(record.events)[1].declaration, "Closed");
 }
 
+// The words of a table's records, each its own number from `first` on; pointers among them lead nowhere.
+template <class Record, std::size_t N>
+void number(Record (&table)[N], std::uint32_t first) {
+    std::uint32_t words[sizeof(Record) * N / 4];
+    for (std::size_t i = 0; i < std::size(words); ++i) words[i] = first + static_cast<std::uint32_t>(i);
+    std::memcpy(table, words, sizeof table);
+}
+
+template <class Old, class New, std::size_t N>
+void expectBeginnings(const void* table, const New (&original)[N]) {
+    ASSERT_NE(table, original);
+    for (std::size_t i = 0; i < N; ++i)
+        EXPECT_EQ(std::memcmp(static_cast<const Old*>(table) + i, &original[i], sizeof(Old)), 0) << i;
+}
+
+TEST_F(Records, EveryWordOfTheOldLayoutIsWhereItBelongs) {
+    CurrentREALControlVersion = 9;
+    REALproperty manyProperties[2], manyShared[3];
+    REALmethodDefinition manyMethods[3], sharedMethods[2];
+    REALevent events[2];
+    REALconstant manyConstants[3];
+    number(manyProperties, 0x100);
+    number(manyShared, 0x200);
+    number(manyMethods, 0x300);
+    number(sharedMethods, 0x400);
+    number(events, 0x500);
+    number(manyConstants, 0x600);
+
+    REALclassDefinition record;
+    std::uint32_t words[29];
+    for (std::uint32_t i = 0; i < 29; ++i) words[i] = 0x1000 + i;
+    std::memcpy(&record, words, sizeof record);
+    record.properties = manyProperties, record.propertyCount = 2;
+    record.methods = manyMethods, record.methodCount = 3;
+    record.events = events, record.eventCount = 2;
+    record.constants = manyConstants, record.constantCount = 3;
+    record.sharedProperties = manyShared, record.sharedPropertyCount = 3;
+    record.sharedMethods = sharedMethods, record.sharedMethodCount = 2;
+    std::memcpy(words, &record, sizeof record);
+
+    MyREALRegisterClass(&record);
+    std::uint32_t now[29];
+    std::memcpy(now, &record, sizeof record);
+    words[0] = 9;
+    words[3] = 0x1010; // rounded up
+    words[16] = words[17] = 0;
+    for (int table : {7, 9, 11, 18, 21, 23}) now[table] = words[table] = 0;
+    for (int i = 0; i < 29; ++i) EXPECT_EQ(now[i], words[i]) << "word " << i;
+    expectBeginnings<REALproperty9>(record.properties, manyProperties);
+    expectBeginnings<REALproperty9>(record.sharedProperties, manyShared);
+    expectBeginnings<REALmethodDefinition9>(record.methods, manyMethods);
+    expectBeginnings<REALmethodDefinition9>(record.sharedMethods, sharedMethods);
+    expectBeginnings<REALevent9>(record.events, events);
+    expectBeginnings<REALconstant9>(record.constants, manyConstants);
+}
+
 TEST_F(Records, NullTablesStayNullInTheOldLayout) {
     CurrentREALControlVersion = 9;
     REALclassDefinition record = host::classDefinition({.name = "Empty"}, {});
@@ -206,6 +262,9 @@ TEST_F(Records, RecordVersionsFollowTheHostsVersion) {
     EXPECT_EQ(RecordVersionForHost(2013.0), 11);
     EXPECT_EQ(RecordVersionForHost(2012.99), 10);
     EXPECT_EQ(RecordVersionForHost(2012.0), 10);
+    EXPECT_EQ(RecordVersionForHost(2012.9999), 10);
+    EXPECT_EQ(RecordVersionForHost(2011.9999), 9);
+    EXPECT_EQ(RecordVersionForHost(2013.0299), 11);
     EXPECT_EQ(RecordVersionForHost(2011), 9);
     EXPECT_EQ(RecordVersionForHost(0.0), 9);
 }

@@ -117,7 +117,7 @@ void save(REALobject self, REALobject file, std::int32_t format, std::int32_t qu
         static_cast<CFStringRef>(makeCFString(format == kSaveAsJPEG ? "public.jpeg" : "public.png")));
     Owned<CGImageDestinationRef> destination(url.ref ? CGImageDestinationCreateWithURL(url, type, 1, nullptr)
                                                      : nullptr);
-    if (!destination.ref) raise("IOException", "cannot write " + path);
+    if (!destination.ref) files::cannotWrite(path);
     double level = quality / 100.0;
     Owned<CFNumberRef> number(CFNumberCreate(nullptr, kCFNumberDoubleType, &level));
     Owned<CFMutableDictionaryRef> properties(CFDictionaryCreateMutable(
@@ -126,7 +126,7 @@ void save(REALobject self, REALobject file, std::int32_t format, std::int32_t qu
     auto* image = static_cast<CGImageRef>(pictureCGImage(self));
     CGImageDestinationAddImage(destination, image, properties);
     CGImageRelease(image);
-    if (!CGImageDestinationFinalize(destination)) raise("IOException", "cannot write " + path);
+    if (!CGImageDestinationFinalize(destination)) files::cannotWrite(path);
 }
 
 REALobject open(REALobject file) {

@@ -4,6 +4,8 @@
 #include "language/program.h"
 #include "runtime/class_table.h"
 
+#include <set>
+
 namespace studio {
 
 namespace ast {
@@ -154,6 +156,7 @@ class Compiler {
     Program& program_;
     const ast::Program& source_;
     std::vector<SourceError> errors_;
+    std::set<std::string> spoilt_; // names whose declaration is a mistake, so that using them is none
     std::map<std::string, Local> globals_;
     std::map<const Class*, std::vector<Field>> fields_;
     std::vector<PendingBody> bodies_;

@@ -7,6 +7,7 @@
 #include "syntax/parser.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace studio {
 
@@ -51,40 +52,14 @@ Local& Compiler::declareLocal(const std::string& name, Position position, const 
     return entry->second;
 }
 
-namespace {
-
-std::size_t editDistance(const std::string& a, const std::string& b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            std::size_t next = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (a[i - 1] != b[j - 1])});
-            diagonal = row[j];
-            row[j] = next;
-        }
-    }
-    return row[b.size()];
-}
-
-} // namespace
-
 void Compiler::unknown(Position position, const std::string& what, std::string_view name,
                        const std::vector<std::string>& known) {
     if (auto global = globals_.find(folded(name)); global != globals_.end() && !global->second.declaredYet)
         throw SourceError(position, what + " '" + std::string(name) + "' yet: its Dim comes later");
-    std::string best;
-    std::size_t nearest = std::max<std::size_t>(2, name.size() / 3) + 1;
-    for (const std::string& candidate : known) {
-        std::size_t distance = editDistance(folded(name), folded(candidate));
-        if (distance < nearest) {
-            nearest = distance;
-            best = candidate;
-        }
-    }
-    throw SourceError(position, what + " '" + std::string(name) + "'" +
-                                    (best.empty() ? "" : "; did you mean '" + best + "'?"));
+    SourceError error(position, what + " '" + std::string(name) + "'" + suggestion(name, known));
+    error.unknownName = true;
+    error.consequence = spoilt_.contains(folded(name));
+    throw error;
 }
 
 std::vector<std::string> Compiler::namesInScope() const {
@@ -177,17 +152,18 @@ void Compiler::declareClasses() {
 }
 
 void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
-    auto guarded = [&](auto body) {
+    auto guarded = [&](const std::string& name, auto body) {
         try {
             body();
         } catch (const SourceError& error) {
+            spoilt_.insert(folded(name));
             errors_.push_back(error);
         }
     };
     std::vector<Field>& fields = fields_[&cls];
     std::vector<std::pair<Field, Code>> initials;
     for (const ast::Variable& v : source.properties)
-        guarded([&] {
+        guarded(v.name, [&] {
             Field field{v.name, resolveType(v.type),
                         cls.dataOffset + std::int32_t(fields.size() * sizeof(Bits))};
             if (findField(&cls, v.name))
@@ -222,11 +198,12 @@ void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
             release(field.type, std::exchange(dataAt<Bits>(self, field.offset), Bits()));
     };
     for (const ast::Variable& v : source.constants)
-        guarded([&] {
+        guarded(v.name, [&] {
             Local constant = constantOf(v);
             cls.constants.push_back({v.name, v.name, *constant.constant});
         });
-    for (const ast::Routine& method : source.methods) guarded([&] { declareRoutine(method, &cls); });
+    for (const ast::Routine& method : source.methods)
+        guarded(method.signature.name, [&] { declareRoutine(method, &cls); });
 }
 
 // ---- routines --------------------------------------------------------------------------------------------
@@ -290,6 +267,7 @@ void Compiler::declareGlobals() {
                     addVariable(v.name, v.position, resolveType(v.type), false);
                 if (s->kind == ast::StatementKind::Const) add(v.name, v.position, constantOf(v));
             } catch (const SourceError& error) {
+                spoilt_.insert(folded(v.name));
                 errors_.push_back(error);
             }
 }
@@ -330,15 +308,27 @@ void Compiler::compile() {
     for (const ast::Routine& routine : source_.routines) try {
             declareRoutine(routine, nullptr);
         } catch (const SourceError& error) {
+            spoilt_.insert(folded(routine.signature.name));
             errors_.push_back(error);
         }
     declareGlobals();
     compileBodies();
     if (errors_.empty()) return;
+    std::erase_if(errors_, [](const SourceError& error) { return error.consequence; });
     std::stable_sort(errors_.begin(), errors_.end(), [](const SourceError& a, const SourceError& b) {
         return std::pair(a.position.line, a.position.column) < std::pair(b.position.line, b.position.column);
     });
-    throw SourceErrors{std::move(errors_)};
+    // Some declarations are looked at twice.
+    std::vector<SourceError> told;
+    for (const SourceError& error : errors_) {
+        bool again = std::any_of(told.begin(), told.end(), [&](const SourceError& other) {
+            bool samePlace =
+                other.position.line == error.position.line && other.position.column == error.position.column;
+            return std::strcmp(other.what(), error.what()) == 0 && (error.unknownName || samePlace);
+        });
+        if (!again) told.push_back(error);
+    }
+    throw SourceErrors{std::move(told)};
 }
 
 std::unique_ptr<Program> compileProgram(const std::string& fileName, std::string_view source) {

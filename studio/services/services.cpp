@@ -74,10 +74,24 @@ void PluginRegisterMethod(REALmethodDefinition* record) { registerPluginFunction
 
 // ---- references ------------------------------------------------------------------------------------------
 
-void REALLockObject(REALobject object) { heap().pluginLock(object); }
-void REALUnlockObject(REALobject object) { heap().pluginUnlock(object); }
-void REALLockString(REALstring string) { heap().pluginLock(string); }
-void REALUnlockString(REALstring string) { heap().pluginUnlock(string); }
+// Services that work on an object are never called with null.
+bool given(const void* handle, const char* service) {
+    if (!handle) heap().violation(std::string(service) + ": null");
+    return handle;
+}
+
+void REALLockObject(REALobject object) {
+    if (given(object, "REALLockObject")) heap().pluginLock(object);
+}
+void REALUnlockObject(REALobject object) {
+    if (given(object, "REALUnlockObject")) heap().pluginUnlock(object);
+}
+void REALLockString(REALstring string) {
+    if (given(string, "REALLockString")) heap().pluginLock(string);
+}
+void REALUnlockString(REALstring string) {
+    if (given(string, "REALUnlockString")) heap().pluginUnlock(string);
+}
 
 // ---- strings ---------------------------------------------------------------------------------------------
 
@@ -147,21 +161,35 @@ void REALSetStringEncoding(REALstring string, std::uint32_t encoding) {
 
 // ---- objects and classes ---------------------------------------------------------------------------------
 
+// The language ignores case, but a plugin spells the names of classes and properties as the host does.
+void checkSpelling(const char* service, std::string_view given, std::string_view name) {
+    if (given != name)
+        heap().violation(std::string(service) + ": " + std::string(name) + " is spelt " + std::string(given));
+}
+
+Class* classFor(const char* service, const char* className) {
+    Class* found = className ? classes().find(className) : nullptr;
+    if (found) checkSpelling(service, className, found->name);
+    return found;
+}
+
 REALobject PluginNewInstance(const char* className) {
-    return className ? heap().handOut(newInstance(className)) : nullptr;
+    return classFor("PluginNewInstance", className) ? heap().handOut(newInstance(className)) : nullptr;
 }
 
 REALclassRef pluginObjectType(const char* className) {
-    return reinterpret_cast<REALclassRef>(className ? classes().find(className) : nullptr);
+    return reinterpret_cast<REALclassRef>(classFor("pluginObjectType", className));
 }
 
 bool RuntimeObjectIsa(REALobject object, REALclassRef cls) {
-    if (!object || !cls || !heap().check(object, "RuntimeObjectIsa")) return false;
+    if (!given(object, "RuntimeObjectIsa") || !given(cls, "RuntimeObjectIsa")) return false;
+    if (!heap().check(object, "RuntimeObjectIsa")) return false;
     return classOf(object).isA(reinterpret_cast<Class*>(cls));
 }
 
 void RuntimeRaiseException(REALobject exception) {
-    if (!exception || !heap().check(exception, "RuntimeRaiseException")) return;
+    if (!given(exception, "RuntimeRaiseException") || !heap().check(exception, "RuntimeRaiseException"))
+        return;
     if (!isA(exception, "RuntimeException")) {
         heap().violation("RuntimeRaiseException: a " + classNameOf(exception) + " is not an exception");
         return;
@@ -177,6 +205,7 @@ bool readAs(REALobject object, const char* name, const char* service, Out* out, 
     if (!object || !name || !heap().check(object, service)) return false;
     const Property* property = findProperty(object, name);
     if (!property || !property->getter || !accepts(*property->type)) return false;
+    checkSpelling(service, name, property->name);
     Bits bits = convert(property->type, simpleType(as), readProperty(*property, object));
     std::memcpy(out, &bits, sizeof *out);
     return true;
@@ -221,6 +250,7 @@ bool writeAs(REALobject object, const char* name, const char* service, const Typ
     if (!object || !name || !heap().check(object, service)) return false;
     const Property* property = findProperty(object, name);
     if (!property || !property->setter || !accepts(*property->type)) return false;
+    checkSpelling(service, name, property->name);
     writeProperty(*property, object, convert(type, property->type, retain(type, value)));
     return true;
 }
@@ -302,7 +332,7 @@ void* REALLoadObjectMethod(REALobject object, const char* declaration) {
 
 bool checkArray(REALarray array, const char* service) {
     auto* object = reinterpret_cast<REALobject>(array);
-    if (!object || !heap().check(object, service)) return false;
+    if (!given(object, service) || !heap().check(object, service)) return false;
     if (isArray(object)) return true;
     heap().violation(std::string(service) + ": a " + classNameOf(object) + " is not an array");
     return false;
@@ -418,7 +448,7 @@ void REALYieldToRB() { runtime().yield(); }
 template <class Handle>
 bool checkClass(Handle handle, const char* className, const char* service) {
     auto* object = reinterpret_cast<REALobject>(handle);
-    if (!object || !heap().check(object, service)) return false;
+    if (!given(object, service) || !heap().check(object, service)) return false;
     if (isA(object, className)) return true;
     heap().violation(std::string(service) + ": a " + classNameOf(object) + " is not a " + className);
     return false;
@@ -447,7 +477,7 @@ REALpicture newPicture(std::int32_t width, std::int32_t height, std::int32_t dep
     return reinterpret_cast<REALpicture>(heap().handOut(tryNewPicture(width, height, depth)));
 }
 REALobject pluginPictureGraphicsGetter(REALpicture picture) {
-    return checkPicture(picture, "pluginPictureGraphicsGetter")
+    return picture && checkPicture(picture, "pluginPictureGraphicsGetter")
                ? heap().handOut(pictureGraphics(objectOf(picture)))
                : nullptr;
 }

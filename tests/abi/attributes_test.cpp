@@ -44,6 +44,26 @@ TEST_F(Attributes, AnAbsentMinimumIsFalseAndZero) {
     EXPECT_EQ(text(attribute, "Name"), "inputNothing");
 }
 
+TEST_F(Attributes, EveryPropertyReadsItsOwnKey) {
+    Value attribute = crafted("inputDistinct");
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(number(attribute, numberNames[i]), i + 1) << numberNames[i];
+    EXPECT_EQ(text(attribute, "ClassName"), "class");
+    EXPECT_EQ(text(attribute, "Type"), "type");
+    EXPECT_EQ(text(attribute, "DisplayName"), "display name");
+
+    const char* keys[] = {"inputMinimum", "inputMaximum", "inputSliderMinimum", "inputSliderMaximum"};
+    for (int key = 0; key < 4; ++key)
+        for (int name = 0; name < 4; ++name)
+            EXPECT_EQ(has(crafted(keys[key]), presenceNames[name]), key == name)
+                << keys[key] << " " << presenceNames[name];
+
+    Value vectors = crafted("inputTwoVectors"), transforms = crafted("inputTwoTransforms");
+    EXPECT_EQ(number(host.get(vectors, "DefaultVector"), "X"), 1);
+    EXPECT_EQ(number(host.get(vectors, "IdentityVector"), "X"), 3);
+    EXPECT_EQ(number(host.get(transforms, "DefaultAffineTransform"), "M11"), 2);
+    EXPECT_EQ(number(host.get(transforms, "IdentityAffineTransform"), "M11"), 3);
+}
+
 TEST_F(Attributes, TheNameIsTheKeyAndNotTheNameInTheDictionary) {
     EXPECT_EQ(text(crafted("inputNumbers"), "Name"), "inputNumbers");
 }
@@ -75,7 +95,7 @@ TEST_F(Attributes, OfTheOutputTheClassAloneIsTold) {
 
 TEST_F(Attributes, OnlyDictionariesAreEntries) {
     Value filter = crafted();
-    EXPECT_EQ(host.call(filter, "AttributesCount").integer(), 4);
+    EXPECT_EQ(host.call(filter, "AttributesCount").integer(), 11);
     for (const char* key : {"inputText", "inputList", "inputMissing", ""})
         EXPECT_TRUE(host.call(filter, "AttributesItem", {key}).isNil()) << key;
 }

@@ -12,6 +12,9 @@
 //     "inputText", "inputList"   no dictionaries
 int craftedFilter();
 
+// The handle of the class NSObject, which is an object, too.
+int classOfObjects();
+
 // How many references there are to the key of its entry with that name, and to the entry's dictionary.
 struct CraftedReferences {
     int key, dictionary;

@@ -21,6 +21,12 @@
     return entry;
 }
 
++ (NSAffineTransform*)scaled:(CGFloat)factor {
+    NSAffineTransform* transform = [NSAffineTransform transform];
+    [transform scaleBy:factor];
+    return transform;
+}
+
 + (NSDictionary*)makeAttributes {
     NSMutableDictionary* numbers =
         [NSMutableDictionary dictionaryWithDictionary:[CraftedFilter entryWith:@7]];
@@ -35,6 +41,29 @@
         @"inputVectors" : [CraftedFilter entryWith:[CIVector vectorWithX:1 Y:2]],
         @"inputTexts" : texts,
         @"inputNothing" : [NSDictionary dictionary],
+        @"inputDistinct" : @{
+            kCIAttributeMin : @1,
+            kCIAttributeMax : @2,
+            kCIAttributeSliderMin : @3,
+            kCIAttributeSliderMax : @4,
+            kCIAttributeDefault : @5,
+            kCIAttributeIdentity : @6,
+            kCIAttributeClass : @"class",
+            kCIAttributeType : @"type",
+            kCIAttributeDisplayName : @"display name",
+        },
+        @"inputMinimum" : @{kCIAttributeMin : @0},
+        @"inputMaximum" : @{kCIAttributeMax : @0},
+        @"inputSliderMinimum" : @{kCIAttributeSliderMin : @0},
+        @"inputSliderMaximum" : @{kCIAttributeSliderMax : @0},
+        @"inputTwoVectors" : @{
+            kCIAttributeDefault : [CIVector vectorWithX:1 Y:2],
+            kCIAttributeIdentity : [CIVector vectorWithX:3 Y:4],
+        },
+        @"inputTwoTransforms" : @{
+            kCIAttributeDefault : [CraftedFilter scaled:2],
+            kCIAttributeIdentity : [CraftedFilter scaled:3],
+        },
         @"inputText" : @"no dictionary",
         @"inputList" : @[ @"no", @"dictionary" ],
     };
@@ -55,6 +84,8 @@ int craftedFilter() {
     static CIFilter* filter = static_cast<CIFilter*>(class_createInstance([CraftedFilter class], 0));
     return static_cast<int>(reinterpret_cast<std::intptr_t>(filter));
 }
+
+int classOfObjects() { return static_cast<int>(reinterpret_cast<std::intptr_t>([NSObject class])); }
 
 CraftedReferences referencesTo(const char* key) {
     @autoreleasepool {

@@ -13,6 +13,12 @@ void breakDetectors(const char* name, const char* reason);
 // Features that were made by hand; each comes with a reference that is given back by releaseNative.
 void* newPlainFeature();
 void* newFaceFeature();
+
+// A kind of face that has what is said of it, at points of its own.
+struct Face {
+    bool leftEye, rightEye, mouth, trackingID, trackingFrameCount;
+};
+void* newFace(Face face);
 int retainCount(void* object);
 void releaseNative(void* object);
 

@@ -5,6 +5,48 @@
 
 #include <objc/runtime.h>
 
+@interface CraftedFace : CIFaceFeature {
+  @public
+    Face face;
+}
+@end
+
+@implementation CraftedFace
+- (CGRect)bounds {
+    return CGRectMake(1, 2, 3, 4);
+}
+- (BOOL)hasLeftEyePosition {
+    return face.leftEye;
+}
+- (BOOL)hasRightEyePosition {
+    return face.rightEye;
+}
+- (BOOL)hasMouthPosition {
+    return face.mouth;
+}
+- (BOOL)hasTrackingID {
+    return face.trackingID;
+}
+- (BOOL)hasTrackingFrameCount {
+    return face.trackingFrameCount;
+}
+- (CGPoint)leftEyePosition {
+    return CGPointMake(5, 6);
+}
+- (CGPoint)rightEyePosition {
+    return CGPointMake(7, 8);
+}
+- (CGPoint)mouthPosition {
+    return CGPointMake(9, 10.5f);
+}
+- (int)trackingID {
+    return 11;
+}
+- (int)trackingFrameCount {
+    return 12;
+}
+@end
+
 namespace {
 
 std::vector<void*> given;
@@ -54,6 +96,11 @@ void breakDetectors(const char* name, const char* reason) {
 
 void* newPlainFeature() { return [[CIFeature alloc] init]; }
 void* newFaceFeature() { return [[CIFaceFeature alloc] init]; }
+void* newFace(Face face) {
+    CraftedFace* made = [[CraftedFace alloc] init];
+    made->face = face;
+    return made;
+}
 int retainCount(void* object) { return static_cast<int>([(id)object retainCount]); }
 void releaseNative(void* object) { [(id)object release]; }
 

@@ -61,6 +61,35 @@ TEST_F(Detection, AnyOtherFeatureComesBackAsAFeature) {
     expectClean();
 }
 
+TEST_F(Detection, EveryFactOfAFaceIsItsOwn) {
+    const char* const questions[] = {"hasLeftEyePosition", "hasRightEyePosition", "hasMouthPosition",
+                                     "hasTrackingID", "hasTrackingFrameCount"};
+    for (int fact = 0; fact < 5; ++fact) {
+        void* native = newFace({fact == 0, fact == 1, fact == 2, fact == 3, fact == 4});
+        detectorsFind({native});
+        Value face = features(detector()).at(0);
+        EXPECT_EQ(face.className(), "CIFaceFeatureKaz");
+        for (int i = 0; i < 5; ++i)
+            EXPECT_EQ(host.call(face, questions[i]).boolean(), i == fact) << questions[i] << " of " << fact;
+        auto point = [&](const char* name) {
+            Value p = host.call(face, name);
+            return std::make_pair(host.get(p, "X").number(), host.get(p, "Y").number());
+        };
+        EXPECT_EQ(point("leftEyePosition"), std::make_pair(5.0, 6.0));
+        EXPECT_EQ(point("rightEyePosition"), std::make_pair(7.0, 8.0));
+        EXPECT_EQ(point("mouthPosition"), std::make_pair(9.0, 10.5));
+        EXPECT_EQ(host.call(face, "trackingID").integer(), 11);
+        EXPECT_EQ(host.call(face, "trackingFrameCount").integer(), 12);
+        Value bounds = host.call(face, "bounds");
+        EXPECT_EQ(host.get(bounds, "X").number(), 1);
+        EXPECT_EQ(host.get(bounds, "Y").number(), 2);
+        EXPECT_EQ(host.get(bounds, "Width").number(), 3);
+        EXPECT_EQ(host.get(bounds, "Height").number(), 4);
+        face = {};
+        releaseNative(native);
+    }
+}
+
 TEST_F(Detection, AFeatureThatHasAWrapperComesBackAsThatWrapper) {
     void* face = newFaceFeature();
     detectorsFind({face, face});

@@ -3,6 +3,7 @@
 // its test, so a new member cannot be forgotten.
 #include "asked_family.h"
 #include "plugin_test.h"
+#include "raising.h"
 
 #include <algorithm>
 #include <cctype>
@@ -378,5 +379,131 @@ TEST_P(PreparingFunctions, IsForAllOfThem) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Global, PreparingFunctions, testing::Values("CIColorKaz"));
+
+// --- guards -----------------------------------------------------------------------------------------------
+
+// A Cocoa exception in any member becomes one host exception, and one line in the log.
+class Guards : public Members {
+  protected:
+    // Members that send no message: fields, constants, and what only gives back or passes on.
+    static bool sendsNothing(const std::string& name) {
+        return isAmong(name + " ",
+                       {"Handle", "Picture", "CGContext", "Constructor ", "Destructor", "Flush",
+                        "kCIImageAutoAdjustEnhance", "kCIImageAutoAdjustRedEye", "kCIImageAutoAdjustFeatures",
+                        "CIFeatureTypeFace", "CIDetectorTypeFace", "CIDetectorAccuracy",
+                        "CIDetectorAccuracyLow", "CIDetectorAccuracyHigh", "FilterWithHandle"});
+    }
+    bool systemHas(const std::string& className) {
+        bool ofDetectors = className == "CIDetectorKaz" || className.starts_with("CIFeature") ||
+                           className == "CIFaceFeatureKaz";
+        return !ofDetectors || !detector().isNil();
+    }
+    static bool loadsOnWorker(const std::string& name) {
+        return isAmong(name, {"imageWithDataMT", "imageWithContentsOfFileMT"});
+    }
+    static bool isAmong(const std::string& declaration, const std::vector<std::string>& names) {
+        return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+            return declaration == name ||
+                   (declaration.starts_with(name) && !std::isalnum(declaration[name.size()]));
+        });
+    }
+
+    // A wrapper whose native object raises.
+    Value raisingSubject() {
+        Value object = host.instantiate(GetParam());
+        *reinterpret_cast<const void**>(reinterpret_cast<char*>(object.object()) + kREALInstanceDataOffset) =
+            raisingObject();
+        return object;
+    }
+    // What would be released with the wrapper is not its own.
+    static void emptied(const Value& object) {
+        *reinterpret_cast<const void**>(reinterpret_cast<char*>(object.object()) + kREALInstanceDataOffset) =
+            nullptr;
+    }
+
+    void expectOneException(const std::string& declaration, const std::function<void()>& call) {
+        SCOPED_TRACE(declaration);
+        std::string raised;
+        testing::internal::CaptureStderr();
+        auto calls = host.callsDuring([&] { raised = raisedBy(call); });
+        std::string log = testing::internal::GetCapturedStderr();
+        int exceptions = 0, lines = 0;
+        for (const studio::ServiceCall& service : calls)
+            exceptions += service.service == "RuntimeRaiseException";
+        std::string line = std::string("A Raised: ") + kRaisedReason;
+        for (std::size_t at = 0; (at = log.find(line, at)) != std::string::npos; ++at) ++lines;
+
+        bool silent = sendsNothing(declaration);
+        bool worker = loadsOnWorker(declaration);
+        EXPECT_EQ(exceptions, silent || worker ? 0 : 1);
+        EXPECT_EQ(lines, silent || worker ? 0 : 1);
+        EXPECT_EQ(raised, silent || worker ? "(none)" : std::string("RuntimeException: ") + kRaisedReason);
+        if (worker) EXPECT_NE(log.find(kRaisedReason), std::string::npos);
+    }
+};
+
+TEST_P(Guards, AreAroundEveryMethodAndProperty) {
+    for (const auto& method : subject().methods) {
+        if (isConstructor(*method)) continue;
+        std::vector<Value> arguments = goodArguments(method->signature);
+        Value object = raisingSubject();
+        expectOneException(method->declaration, [&] { host.call(object, method->declaration, arguments); });
+        if (method->setter) {
+            Parameter assigned;
+            assigned.type = method->signature.result;
+            Value value = goodArgument(assigned);
+            expectOneException(method->declaration,
+                               [&] { host.assign(object, method->signature.name, arguments, value); });
+        }
+        emptied(object);
+    }
+    for (const studio::Property& property : subject().properties) {
+        if (property.name == "Name") continue; // an attribute's own text
+        Value object = raisingSubject();
+        expectOneException(property.name, [&] { host.get(object, property.name); });
+        emptied(object);
+    }
+    expectCleanButForKeptLocks();
+}
+
+TEST_P(Guards, AreAroundEveryConstructor) {
+    for (const auto& method : subject().methods) {
+        if (!isConstructor(*method)) continue;
+        std::vector<Value> arguments = goodArguments(method->signature);
+        bool takesHandle = method->declaration == "Constructor(Handle as Integer)";
+        if (!systemHas(GetParam())) continue; // nothing raises where there are no detectors
+        if (takesHandle) arguments = {static_cast<int>(reinterpret_cast<std::intptr_t>(raisingObject()))};
+        Value object = host.instantiate(GetParam());
+        RaisingClasses raising;
+        expectOneException(method->declaration, [&] { host.call(object, method->declaration, arguments); });
+        EXPECT_EQ(host.get(object, "Handle").integer(), 0) << method->declaration;
+    }
+    expectCleanButForKeptLocks();
+}
+
+TEST_P(Guards, AreAroundEverySharedMethod) {
+    for (const auto& method : subject().sharedMethods) {
+        std::vector<Value> arguments = goodArguments(method->signature);
+        RaisingClasses raising;
+        expectOneException(method->declaration,
+                           [&] { host.shared(GetParam(), method->declaration, arguments); });
+    }
+    expectCleanButForKeptLocks();
+}
+
+INSTANTIATE_TEST_SUITE_P(Classes, Guards, kClasses, [](const auto& info) { return std::string(info.param); });
+
+class GuardedFunctions : public Guards {};
+
+TEST_P(GuardedFunctions, AreAll) {
+    for (const Method* function : host.pluginFunctions()) {
+        std::vector<Value> arguments = goodArguments(function->signature);
+        RaisingClasses raising;
+        expectOneException(function->declaration, [&] { host.function(function->declaration, arguments); });
+    }
+    expectCleanButForKeptLocks();
+}
+
+INSTANTIATE_TEST_SUITE_P(Global, GuardedFunctions, testing::Values("CIColorKaz"));
 
 } // namespace

@@ -1,6 +1,8 @@
 // Watches the messages that the plugin sends to Core Image, and replaces some of the answers.
 #pragma once
 
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,16 @@ extern std::vector<std::string> nativeCalls;
 // The bytes of the data that came with the last bitmap, and with the last image file in memory.
 extern const void* lastBitmapBytes;
 extern const void* lastDataBytes;
+
+// The objects in the last options that came with a message, by key.
+extern std::map<std::string, const void*> lastOptions;
+
+// The Cocoa objects that the work leaves alive, by class and number. What is made once and kept is made in a
+// first run that does not count.
+std::map<std::string, int> cocoaObjectsLeftBy(const std::function<void()>& work);
+
+// The URL of every image is from here on "name.png" below "http://localhost/folder/".
+void answerURLsWithABase();
 
 // From here on messages are noted. Bitmaps are not made, since their length may be a lie.
 void watchNativeCalls();

@@ -6,7 +6,15 @@
 
 #include <objc/runtime.h>
 
+// GNUstep counts objects in every build and declares it in debug builds alone.
+extern "C" {
+BOOL GSDebugAllocationActive(BOOL active);
+Class* GSDebugAllocationClassList();
+int GSDebugAllocationCount(Class);
+}
+
 std::vector<std::string> nativeCalls;
+std::map<std::string, const void*> lastOptions;
 const void* lastBitmapBytes = nullptr;
 const void* lastDataBytes = nullptr;
 
@@ -15,6 +23,7 @@ namespace {
 // --- arguments as text ------------------------------------------------------------------------------------
 
 std::string text(NSDictionary* options) {
+    lastOptions.clear();
     if (!options) return "nil";
     std::string result = "{";
     NSArray* keys = [[options allKeys] sortedArrayUsingSelector:@selector(compare:)];
@@ -22,6 +31,7 @@ std::string text(NSDictionary* options) {
         if (result.size() > 1) result += " ";
         id value = [options objectForKey:key];
         result += [key UTF8String];
+        lastOptions[[key UTF8String]] = value;
         if ([value isKindOfClass:[NSNumber class]])
             result += std::string("=") + [[value stringValue] UTF8String];
     }
@@ -213,6 +223,40 @@ bool somethingHasTheFocus() {
         return [NSGraphicsContext currentContext] != nil;
     }
 }
+
+namespace {
+
+std::map<std::string, int> livingCocoaObjects() {
+    std::map<std::string, int> result;
+    Class* classes = GSDebugAllocationClassList(); // ends in Nil; freed with the zone it came from
+    for (Class* c = classes; *c; ++c) result[class_getName(*c)] = GSDebugAllocationCount(*c);
+    NSZoneFree(NSDefaultMallocZone(), classes);
+    return result;
+}
+
+id urlWithABase(id, SEL) {
+    return [NSURL URLWithString:@"name.png" relativeToURL:[NSURL URLWithString:@"http://localhost/folder/"]];
+}
+
+} // namespace
+
+std::map<std::string, int> cocoaObjectsLeftBy(const std::function<void()>& work) {
+    auto run = [&] {
+        @autoreleasepool {
+            work();
+        }
+    };
+    GSDebugAllocationActive(YES);
+    run();
+    std::map<std::string, int> left = livingCocoaObjects();
+    run();
+    for (const auto& [name, count] : livingCocoaObjects())
+        if ((left[name] = count - left[name]) == 0) left.erase(name);
+    GSDebugAllocationActive(NO);
+    return left;
+}
+
+void answerURLsWithABase() { replace([CIImage class], @selector(url), urlWithABase); }
 
 void raiseWhenInsetting(const char* reason) {
     givenReason = reason;

@@ -2,6 +2,7 @@
 #include "native_calls.h"
 #include "plugin_test.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <gmock/gmock.h>
@@ -366,6 +367,98 @@ TEST_F(NativeCalls, AContextsColorSpaces) {
     EXPECT_THAT(calls(), ElementsAre("contextWithCGContext:options: "
                                      "{output_color_space software_renderer=0 working_color_space}"));
     expectClean();
+}
+
+TEST_F(NativeCalls, EachColorSpaceOfAContextIsItsOwn) {
+    Value output = space(), working = host.shared("CGColorSpaceKaz", "GenericRGBLinear");
+    auto native = [&](const Value& wrapper) {
+        return reinterpret_cast<const void*>(
+            static_cast<std::intptr_t>(host.get(wrapper, "Handle").integer()));
+    };
+    host.create("CIContextKaz", {canvas(), output, working, true});
+    EXPECT_EQ(lastOptions["output_color_space"], native(output));
+    EXPECT_EQ(lastOptions["working_color_space"], native(working));
+    host.function("NewCIContextKaz", {canvas(), output, working, true});
+    EXPECT_EQ(lastOptions["output_color_space"], native(output));
+    EXPECT_EQ(lastOptions["working_color_space"], native(working));
+    host.function("NewCIImagewithDataKaz", {host.memoryBlock("none"), working});
+    EXPECT_EQ(lastOptions["color_space"], native(working));
+}
+
+TEST_F(NativeCalls, AnImagesURLIsWhole) {
+    Value subject = image(rect(0, 0, 4, 4));
+    answerURLsWithABase();
+    EXPECT_EQ(host.call(subject, "url").text(), "http://localhost/folder/name.png");
+}
+
+// --- what is left -----------------------------------------------------------------------------------------
+
+TEST_F(NativeCalls, NoCallLeavesACocoaObject) {
+    const char* photos = std::getenv("KAZ_PHOTOS");
+    Value file = host.function("GetFolderItem", {std::string(photos ? photos : ".") + "/chelsea.png"});
+    Value missing = host.function("GetFolderItem", {"no-such-file.png"});
+    Value data = host.memoryBlock("no image"), picture = image(rect(0, 0, 4, 4));
+    Value color = host.function("NewCIColorKaz", {1.0, 0.5, 0.0});
+    Value vector = host.function("NewCIVectorWithXYKaz", {1.0, 2.0});
+    Value filter = host.shared("CIFilterKaz", "FilterWithName", {"CIGaussianBlur"});
+    const std::pair<const char*, std::function<void()>> calls[] = {
+        {"URL", [&] { host.shared("CIImageKaz", "imageWithContentsOfURL", {"file:///no/such.png"}); }},
+        {"URL, space",
+         [&] {
+             host.function("NewCIImagewithURLKaz", {"file:///no/such.png", space()});
+         }},
+        {"path",
+         [&] {
+             host.shared("CIImageKaz", "imageWithContentsOfPath", {"/no/such.png", space()});
+         }},
+        {"file", [&] { host.shared("CIImageKaz", "imageWithContentsOfFile", {missing}); }},
+        {"file on a worker", [&] { host.shared("CIImageKaz", "imageWithContentsOfFileMT", {missing}); }},
+        {"file and space on a worker",
+         [&] {
+             host.shared("CIImageKaz", "imageWithContentsOfFileMT", {missing, space()});
+         }},
+        {"image on a worker", [&] { host.shared("CIImageKaz", "imageWithContentsOfFileMT", {file}); }},
+        {"data", [&] { host.shared("CIImageKaz", "imageWithData", {data}); }},
+        {"data on a worker", [&] { host.shared("CIImageKaz", "imageWithDataMT", {data}); }},
+        {"constructor of data", [&] { host.create("CIImageKaz", {data}); }},
+        {"copy of a colour", [&] { host.call(color, "copy"); }},
+        {"copy of a vector", [&] { host.call(vector, "copy"); }},
+        {"vector of text", [&] { host.create("CIVectorKaz", {"[1 2 3]"}); }},
+        {"colour of text", [&] { host.function("NewCIColorWithStringKaz", {"1 0 0 1"}); }},
+        {"colour of numbers",
+         [&] {
+             host.create("CIColorKaz", {1.0, 0.0, 0.0, 0.5});
+         }},
+        {"description", [&] { host.get(color, "description"); }},
+        {"sampler with options",
+         [&] {
+             host.function("NewCISamplerKaz",
+                           {picture, host.create("NSAffineTransformKaz"), "clamp", "linear"});
+         }},
+        {"sampler", [&] { host.create("CISamplerKaz", {picture}); }},
+        {"shape", [&] { host.create("CIFilterShapeKaz", {rect(0, 0, 4, 4)}); }},
+        {"definition", [&] { host.call(picture, "Definition"); }},
+        {"NSImage", [&] { host.call(picture, "AsNSImageKaz"); }},
+        {"drawn NSImage", [&] { host.call(picture, "RenderNSImage", {true}); }},
+        {"picture", [&] { host.call(picture, "RenderPicture"); }},
+        {"context",
+         [&] {
+             host.create("CIContextKaz", {canvas(), space(), space(), true});
+         }},
+        {"text value", [&] { host.assign(filter, "ValueAsString", {"inputRadius"}, "3"); }},
+        {"data value", [&] { host.assign(filter, "ValueAsData", {"inputRadius"}, data); }},
+        {"number value", [&] { host.assign(filter, "ValueAsNumber", {"inputRadius"}, 0.1); }},
+        {"attribute", [&] { host.call(filter, "AttributesItem", {0}); }},
+        {"attributes", [&] { host.call(filter, "attributesDictionary"); }},
+        {"names",
+         [&] {
+             host.shared("CIFilterKaz", "FilterNamesInCategories",
+                         {host.array("String", {"CICategoryBlur"})});
+         }},
+        {"filter", [&] { host.shared("CIFilterKaz", "FilterWithName", {"CISepiaTone"}); }},
+    };
+    for (const auto& [name, call] : calls) EXPECT_THAT(cocoaObjectsLeftBy(call), testing::IsEmpty()) << name;
+    nativeCalls.clear();
 }
 
 TEST_F(NativeCalls, AContextWithoutOptionsPassesNil) {

@@ -124,6 +124,44 @@ TEST(FixedArguments, TheFlagsOfATextAre0) {
               std::vector<std::string>{"REALGetStringCFString: the flags are not 0"});
 }
 
+TEST(FixedArguments, NamesAreSpeltAsTheHostSpellsThem) {
+    Host host;
+    auto classRef = SERVICE_OF(host, pluginObjectType);
+    auto newInstance = SERVICE_OF(host, PluginNewInstance);
+    auto number = SERVICE_OF(host, REALGetPropValueInt);
+    auto setNumber = SERVICE_OF(host, REALSetPropValueInt);
+    Value date = host.create("Date");
+    std::int32_t year = 0;
+    EXPECT_TRUE(classRef("Date") && number(date.object(), "Year", &year) &&
+                setNumber(date.object(), "Year", 1999));
+    EXPECT_TRUE(host.report().violations.empty());
+    EXPECT_TRUE(classRef("date"));
+    EXPECT_TRUE(number(date.object(), "year", &year));
+    EXPECT_TRUE(setNumber(date.object(), "YEAR", 1999));
+    Value::received(newInstance("DATE"));
+    EXPECT_EQ(host.report().violations, (std::vector<std::string>{"pluginObjectType: Date is spelt date",
+                                                                  "REALGetPropValueInt: Year is spelt year",
+                                                                  "REALSetPropValueInt: Year is spelt YEAR",
+                                                                  "PluginNewInstance: Date is spelt DATE"}));
+}
+
+TEST(FixedArguments, NothingIsDoneToNull) {
+    Host host;
+    SERVICE_OF(host, REALLockObject)(nullptr);
+    SERVICE_OF(host, REALUnlockObject)(nullptr);
+    SERVICE_OF(host, REALLockString)(nullptr);
+    SERVICE_OF(host, REALUnlockString)(nullptr);
+    SERVICE_OF(host, RuntimeRaiseException)(nullptr);
+    SERVICE_OF(host, RuntimeUBound)(nullptr);
+    SERVICE_OF(host, RuntimeObjectIsa)(host.create("Date").object(), nullptr);
+    SERVICE_OF(host, REALPictureClearCache)(nullptr);
+    EXPECT_EQ(host.report().violations,
+              (std::vector<std::string>{"REALLockObject: null", "REALUnlockObject: null",
+                                        "REALLockString: null", "REALUnlockString: null",
+                                        "RuntimeRaiseException: null", "RuntimeUBound: null",
+                                        "RuntimeObjectIsa: null", "REALPictureClearCache: null"}));
+}
+
 // --- the log ----------------------------------------------------------------------------------------------
 
 TEST(Log, NotesEachCallWithItsObjectAndItsTextWhileItIsOn) {

@@ -1,0 +1,57 @@
+// The entry of test programs: GoogleTest's own, and a run in which every test has a process of its own.
+//
+// PROGRAM --forked [TEST...] runs the tests named, or all, each in a child of a process that has loaded its
+// libraries once: what ctest does, without the start of each program. It stops at the first failure, prints
+// that test's name and returns 1.
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr unsigned kSecondsPerTest = 60;
+
+std::vector<std::string> everyTest() {
+    std::vector<std::string> names;
+    const testing::UnitTest& program = *testing::UnitTest::GetInstance();
+    for (int s = 0; s < program.total_test_suite_count(); ++s) {
+        const testing::TestSuite& suite = *program.GetTestSuite(s);
+        for (int t = 0; t < suite.total_test_count(); ++t)
+            names.push_back(std::string(suite.name()) + "." + suite.GetTestInfo(t)->name());
+    }
+    return names;
+}
+
+bool passes(const std::string& test) {
+    pid_t child = fork();
+    if (child == 0) {
+        int nowhere = open("/dev/null", O_WRONLY);
+        dup2(nowhere, STDOUT_FILENO);
+        dup2(nowhere, STDERR_FILENO);
+        alarm(kSecondsPerTest);
+        testing::GTEST_FLAG(filter) = test;
+        std::exit(RUN_ALL_TESTS());
+    }
+    int status = 0;
+    return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    if (argc < 2 || std::strcmp(argv[1], "--forked") != 0) return RUN_ALL_TESTS();
+
+    std::vector<std::string> tests(argv + 2, argv + argc);
+    if (tests.empty()) tests = everyTest();
+    auto failed = std::find_if_not(tests.begin(), tests.end(), passes);
+    if (failed == tests.end()) return 0;
+    std::puts(failed->c_str());
+    return 1;
+}
