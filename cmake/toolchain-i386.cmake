@@ -20,18 +20,18 @@ set(CMAKE_OBJCXX_COMPILER "${KAZ_CLANGXX}")
 
 # SSE2 arithmetic: floats round as floats, and every Mac with this processor has it.
 set(_kaz_arch "-msse2 -mfpmath=sse")
-set(_kaz_objc "-fobjc-runtime=gcc -fobjc-exceptions -fexceptions -D_NATIVE_OBJC_EXCEPTIONS -DGNUSTEP -DGNUSTEP_BASE_LIBRARY=1 -DGNU_RUNTIME=1 -fconstant-string-class=NSConstantString -isystem ${CMAKE_SYSROOT}/usr/include/GNUstep -isystem ${CMAKE_SYSROOT}/usr/lib/gcc/i686-linux-gnu/12/include")
+set(_kaz_objc "-fobjc-runtime=gcc -fobjc-exceptions -fexceptions -D_NATIVE_OBJC_EXCEPTIONS -DGNUSTEP -DGNUSTEP_BASE_LIBRARY=1 -DGNU_RUNTIME=1 -fconstant-string-class=NSConstantString -iwithsysroot /usr/include/GNUstep -iwithsysroot /usr/lib/gcc/i686-linux-gnu/12/include")
 set(CMAKE_C_FLAGS_INIT "${_kaz_arch}")
 set(CMAKE_CXX_FLAGS_INIT "${_kaz_arch}")
 set(CMAKE_OBJC_FLAGS_INIT "${_kaz_arch} ${_kaz_objc}")
 set(CMAKE_OBJCXX_FLAGS_INIT "${_kaz_arch} ${_kaz_objc}")
 
-# Programs start with the sysroot's own loader and find every library, also the libraries' own, through
-# the old-style rpath, which the loader applies to indirect dependencies as well.
-set(_kaz_sys "${CMAKE_SYSROOT}")
-set(_kaz_rpath "-Wl,-rpath,${_kaz_sys}/lib/i386-linux-gnu:${_kaz_sys}/usr/lib/i386-linux-gnu:${_kaz_sys}/usr/lib")
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-fuse-ld=lld -Wl,--disable-new-dtags ${_kaz_rpath} -Wl,--dynamic-linker=${_kaz_sys}/lib/ld-linux.so.2")
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-fuse-ld=lld -Wl,--disable-new-dtags ${_kaz_rpath} -Wl,-z,defs")
+# Programs start with the sysroot's own loader, whose path is quoted for the shell. The old-style rpath applies to what
+# libraries need, too.
+string(REPLACE "'" "'\\''" _kaz_loader "${CMAKE_SYSROOT}/lib/ld-linux.so.2")
+set(_kaz_linking "-fuse-ld=lld -Wl,--disable-new-dtags")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "${_kaz_linking} -Xlinker '--dynamic-linker=${_kaz_loader}'")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "${_kaz_linking} -Wl,-z,defs")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "${CMAKE_SHARED_LINKER_FLAGS_INIT}")
 
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

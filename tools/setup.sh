@@ -1,108 +1,238 @@
 #!/usr/bin/env bash
-# Makes everything the build needs below .kaz/: an i386 sysroot from Debian packages, and sample photographs.
-# With --tests it only installs the tools that the tests alone use.
-# Idempotent: a second run only compares a stamp. Prints what it does; on failure says what to do next.
+# setup.sh [PART...]: brings parts of tools/packages.txt (by default run; all: every part) to this machine and below .kaz/.
+#
+# A part that is there costs a comparison. Several at once wait for each other. An interrupted set-up goes on where it
+# was: a part's mark in .kaz/ready/ is its lines of the table, is taken away before anything changes and comes back when
+# everything is in place. Nothing below .kaz/ holds its path, so a checkout may be moved. Says what to do next on failure.
 set -euo pipefail
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+table="$root/tools/packages.txt"
 kaz="$root/.kaz"
 sysroot="$kaz/sysroot"
 photos="$kaz/photos"
-packages="$root/tools/sysroot-packages.txt"
-single_files="$root/tools/single-files.txt"
-host_tools=(clang lld cmake ninja-build libclang-rt-14-dev valgrind)
-test_tools=(chromium llvm parallel)
+log="$kaz/setup.log"
+# Raise it when what is unpacked, or how, changes: the sysroot is then made anew.
+layout=3
 
 say() { printf 'kaz: %s\n' "$*" >&2; }
 die() { say "$1"; shift; for line in "$@"; do printf '     %s\n' "$line" >&2; done; exit 1; }
 
-# install_missing STEP PACKAGE...: those of the packages that this machine does not have.
-install_missing() {
-    local step="$1" missing=() tool sudo
-    shift
-    for tool in "$@"; do
-        dpkg-query -W -f='${db:Status-Status}\n' "$tool" 2>/dev/null | grep -qx installed || missing+=("$tool")
-    done
-    ((${#missing[@]})) || return 0
-    if [[ $EUID -eq 0 ]]; then sudo=(); elif command -v sudo >/dev/null; then sudo=(sudo); else
-        die "these packages are missing: ${missing[*]}" "Install them as root:  apt-get install ${missing[*]}"
-    fi
-    say "${step}installing ${missing[*]} ..."
-    "${sudo[@]}" apt-get update >"$kaz/apt.log" 2>&1 || true
-    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" \
-        >>"$kaz/apt.log" 2>&1 ||
-        die "installing ${missing[*]} failed; the end of $kaz/apt.log:" "$(tail -n 5 "$kaz/apt.log")" \
-            "Install them as root:  apt-get install ${missing[*]}"
+# failed WHAT: ends the set-up with the end of the log, and advice that fits it.
+failed() {
+    local advice="Run the command again; what was fetched is kept." end
+    end="$(grep -v '^$' "$log" | tail -n 5)"
+    case "$end" in
+    *"No space left"* | *"enough free space"*)
+        advice="The disk is full: $(df -h --output=avail,target "$kaz" | tail -n 1 | sed 's/^ *//; s/ / free on /'). Free some space and run the command again." ;;
+    *"Permission denied"* | *"Read-only"*)
+        advice="Run the command as the owner of $root, or in a copy of it that you own." ;;
+    *resolv* | *connect* | *"Network is unreachable"* | *"timed out"* | *"Failed to fetch"*)
+        advice="Check the network and the Debian sources in /etc/apt, then run the command again; what was fetched is kept." ;;
+    *"Unable to locate"* | *"no installation candidate"*)
+        advice="Check that /etc/apt names the sources of Debian 12, and the network, then run the command again." ;;
+    esac
+    die "$1 failed; the end of $log:" "$end" "$advice"
 }
 
-if [[ "${1:-}" == --tests ]]; then
-    mkdir -p "$kaz"
-    install_missing "" "${test_tools[@]}"
-    exit 0
-fi
+rows() { grep -E "^($1) +($2) " "$table" || true; }
+names() { rows "$1" "$2" | awk '{print $3}'; }
+either() { local IFS='|'; echo "$*"; }
+mark() { echo "layout $layout"; rows "$1" '[a-z]+'; }
+is_ready() { [[ -f "$kaz/ready/$1" && "$(<"$kaz/ready/$1")" == "$(mark "$1")" ]]; }
 
-stamp="$(cat "$packages" "$single_files" "${BASH_SOURCE[0]}" | sha256sum | cut -d' ' -f1)"
-if [[ -f "$kaz/stamp" && "$(<"$kaz/stamp")" == "$stamp $root" ]]; then exit 0; fi
+known=(run faces tests sanitize)
+parts=(run)
+for part in "$@"; do
+    case "$part" in
+    run) ;;
+    all) parts=("${known[@]}") ;;
+    *)
+        [[ " ${known[*]} " == *" $part "* ]] || die "there is no part '$part' of the set-up; there are ${known[*]}."
+        parts+=("$part")
+        ;;
+    esac
+done
 
-command -v apt-get >/dev/null && command -v dpkg >/dev/null ||
+# The parts of $parts that are not there yet, into $missing. A tool may be gone although its part was set up, when the
+# checkout is seen from another machine.
+find_missing() {
+    local part tools
+    missing=()
+    for part in "${parts[@]}"; do is_ready "$part" || missing+=("$part"); done
+    mapfile -t tools < <(names "$(either "${parts[@]}")" tool)
+    mapfile -t missing_tools < <(comm -23 <(printf '%s\n' "${tools[@]}" | sort) \
+        <(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "${tools[@]}" 2>/dev/null | sed -n 's/^installed //p' | sort))
+}
+
+command -v apt-get >/dev/null && command -v dpkg-deb >/dev/null ||
     die "this set-up needs Debian's apt-get and dpkg (Debian 12 or a relative)."
-mkdir -p "$kaz"
+find_missing
+if ((${#missing[@]} + ${#missing_tools[@]} == 0)); then exit 0; fi
+
+mkdir -p "$kaz" 2>/dev/null && [[ -w "$kaz" ]] ||
+    die "cannot write to $kaz." "Run the command as the owner of $root, or in a copy of it that you own:" \
+        "  cp -r $(printf %q "$root") ~ && cd ~/$(printf %q "${root##*/}")"
+exec {lock}>"$kaz/lock"
+if ! flock -n "$lock"; then
+    say "another set-up is at work in $kaz; waiting for it ..."
+    flock "$lock"
+    find_missing
+    if ((${#missing[@]} + ${#missing_tools[@]} == 0)); then exit 0; fi
+fi
+: >"$log"
 
 # --- the tools that run on this machine ----------------------------------------------------------
-install_missing "1/3 " "${host_tools[@]}"
-say "1/3 the build tools are there"
+if ((${#missing_tools[@]})); then
+    by_hand="Install them as root:  apt-get install ${missing_tools[*]}"
+    if [[ $EUID -eq 0 ]]; then sudo=(); elif command -v sudo >/dev/null; then sudo=(sudo); else
+        die "these packages are missing: ${missing_tools[*]}" "$by_hand"
+    fi
+    say "installing ${missing_tools[*]} ..."
+    # A source that fails to refresh matters only if a package cannot be found, which the next step tells.
+    "${sudo[@]}" apt-get update >>"$log" 2>&1 || true
+    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing_tools[@]}" \
+        >>"$log" 2>&1 || { say "$by_hand"; failed "installing ${missing_tools[*]}"; }
+    if ((${#missing[@]} == 0)); then exit 0; fi
+fi
 
 # --- the private i386 sysroot --------------------------------------------------------------------
-# apt with its own state: GNUstep's i386 packages cannot be installed beside an amd64 system.
+# apt with a state of its own, which is what lies in the sysroot: GNUstep's i386 packages cannot be installed beside an
+# amd64 system. apt runs in its folder and sees relative paths, so that no character of the path matters.
 apt="$kaz/apt"
-mkdir -p "$apt/state/lists/partial" "$apt/cache/archives/partial"
-: >"$apt/state/status"
-apt_options=(-o "Dir::State=$apt/state" -o "Dir::State::status=$apt/state/status" -o "Dir::Cache=$apt/cache"
-    -o APT::Architecture=i386 -o APT::Architectures=i386 -o Debug::NoLocking=1 -o APT::Sandbox::User=root)
+status="$apt/status"
+archives="$apt/archives"
+done_files="$kaz/files"
 
-say "2/3 making the i386 sysroot (about 180 MB to fetch, once) ..."
-# A source that fails to refresh matters only if a package cannot be found, which the next step tells.
-apt-get "${apt_options[@]}" update >"$kaz/sysroot.log" 2>&1 || true
-mapfile -t wanted < <(grep -v '^#' "$packages")
-apt-get "${apt_options[@]}" -y --no-install-recommends --download-only install "${wanted[@]}" \
-    >>"$kaz/sysroot.log" 2>&1 ||
-    die "fetching the i386 packages failed; the end of $kaz/sysroot.log:" "$(tail -n 5 "$kaz/sysroot.log")" \
-        "Check the network and the Debian sources in /etc/apt, then run the command again."
-rm -rf "$sysroot.new"
-mkdir -p "$sysroot.new"
-for deb in "$apt"/cache/archives/*.deb; do dpkg -x "$deb" "$sysroot.new"; done
-# Links that name the machine's own root must stay inside the sysroot.
-find "$sysroot.new" -type l -lname '/*' -print0 | while IFS= read -r -d '' link; do
-    ln -sfnr "$sysroot.new$(readlink "$link")" "$link"
-done
-# Valgrind needs the loader's symbols, and looks beside the loader.
-mkdir -p "$sysroot.new/lib/i386-linux-gnu/.debug"
-find "$sysroot.new/usr/lib/debug/.build-id" -name '*.debug' -exec mv -t "$sysroot.new/lib/i386-linux-gnu/.debug" {} +
-rm -rf "$sysroot.new/usr/lib/debug"
+if [[ ! -f "$kaz/layout" || "$(<"$kaz/layout")" != "$layout" ]]; then
+    rm -rf "$kaz/ready" "$sysroot" "$photos" "$done_files" "$apt" "$kaz/layout"
+fi
+mkdir -p "$sysroot" "$photos" "$apt/state/lists/partial" "$archives/partial" "$kaz/ready"
+echo "$layout" >"$kaz/layout"
+touch "$status" "$done_files"
 
-# --- single files: headers, and photographs that anyone may use -----------------------------------
-say "3/3 unpacking headers and the sample photographs ..."
-rm -rf "$photos" "$apt/single"
-mkdir -p "$photos"
-# Lines of a destination, a package, and patterns of the files wanted from it.
-while read -r destination package patterns; do
-    (cd "$apt" && apt-get "${apt_options[@]}" download "$package") >>"$kaz/sysroot.log" 2>&1 ||
-        die "fetching $package failed; the end of $kaz/sysroot.log:" "$(tail -n 5 "$kaz/sysroot.log")"
-    mkdir -p "$apt/single"
-    dpkg -x "$apt/${package}"_*.deb "$apt/single"
-    for pattern in $patterns; do
-        found=("$apt/single"/$pattern)
-        [[ -e "${found[0]}" ]] || die "$package no longer holds $pattern."
-        case "$destination" in
-        sysroot) mkdir -p "$sysroot.new/${pattern%/*}" && cp -r "${found[@]}" "$sysroot.new/${pattern%/*}/" ;;
-        photos) cp "${found[@]}" "$photos/" ;;
-        *) die "$single_files names an unknown destination, $destination." ;;
-        esac
+cd "$apt"
+apt_options=(-o Dir::State=./state -o Dir::State::status=./known -o Dir::Cache=. -o Dir::Cache::archives=./archives
+    -o APT::Architecture=i386 -o APT::Architectures=i386 -o APT::Sandbox::User=root -o Debug::NoLocking=1
+    -o Acquire::Languages=none -o Acquire::ForceHash=SHA256 -o APT::Get::AllowUnauthenticated=false)
+apt_get() { apt-get "${apt_options[@]}" -y --no-install-recommends "$@"; }
+
+# What apt takes for installed: what is in the sysroot, and what is never wanted there.
+write_known() {
+    local package
+    cat "$status"
+    for package in $(names - never); do
+        printf 'Package: %s\nStatus: install ok installed\nVersion: 99:0\nArchitecture: i386\nMulti-Arch: foreign\n\n' \
+            "$package"
     done
-    rm -rf "$apt/single" "$apt/${package}"_*.deb
-done < <(grep -v '^#' "$single_files")
-rm -rf "$sysroot" && mv "$sysroot.new" "$sysroot"
-rm -rf "$apt/cache/archives"/*.deb
+}
+write_known >known
 
-printf '%s %s' "$stamp" "$root" >"$kaz/stamp"
-say "set-up is complete"
+# The entries of the packages in the sysroot, without those named.
+status_without() { awk -v gone=" $* " 'BEGIN {RS = ""; ORS = "\n\n"} index(gone, " " $2 " ") == 0' "$status"; }
+
+missing_pattern="$(either "${missing[@]}")"
+mapfile -t wanted < <(names "$missing_pattern" sysroot)
+mapfile -t files < <(rows "$missing_pattern" 'headers|photos' | grep -vFx -f "$done_files" || true)
+
+say "reading Debian's lists of packages ..."
+apt_get update >>"$log" 2>&1 || true
+
+# uris COMMAND...: a line for each package that apt would fetch: its file, size and SHA-256.
+uris() { apt_get --print-uris -o Dir::Cache::archives=./nothing "$@" | sed -nE "s/^'.*' ([^ ]+) ([0-9]+) SHA256:/\1 \2 /p"; }
+mkdir -p nothing/partial
+: >to-unpack
+if ((${#wanted[@]})); then uris install "${wanted[@]}" >to-unpack 2>>"$log" || failed "finding the packages"; fi
+: >to-pick
+for line in "${files[@]}"; do
+    read -r _ _ package _ <<<"$line"
+    uris download "$package" >>to-pick 2>>"$log" || failed "finding $package"
+done
+
+# is_whole FILE SHA256: the file was fetched completely and is what Debian signed.
+is_whole() { [[ -f "$archives/$1" ]] && sha256sum -c --status <<<"$2  $archives/$1" 2>/dev/null; }
+bytes=0
+while read -r file size sum; do
+    # apt looks at the size alone.
+    is_whole "$file" "$sum" || { rm -f "$archives/$file"; bytes=$((bytes + size)); }
+done < <(cat to-unpack to-pick)
+
+if ((bytes)); then
+    say "fetching $(((bytes + 999999) / 1000000)) MB for: ${missing[*]} ..."
+    if [[ -s to-unpack ]]; then
+        apt_get --download-only install "${wanted[@]}" >>"$log" 2>&1 || failed "fetching the i386 packages"
+    fi
+    while read -r file size sum; do
+        is_whole "$file" "$sum" && continue
+        # It lands in this folder.
+        apt_get download "${file%%_*}" >>"$log" 2>&1 && mv "$file" archives/ || failed "fetching ${file%%_*}"
+    done <to-pick
+fi
+while read -r file size sum; do
+    is_whole "$file" "$sum" || failed "fetching $file"
+done < <(cat to-unpack to-pick)
+
+ready=()
+for part in "${known[@]}"; do if is_ready "$part"; then ready+=("$part"); fi; done
+rm -f "$kaz"/ready/*
+
+# take_packages: unpacks what is to be linked and run; not documents, translations, programs, nor static libraries with a
+# shared twin. Copyright files stay, since `./kaz package` hands the libraries on.
+take_packages() {
+    local -a debs
+    mapfile -t debs < <(awk '{print $1}' to-unpack)
+    ((${#debs[@]})) || return 0
+    status_without "${debs[@]%%_*}" >status.new
+    mv status.new status
+    # shellcheck disable=SC2016
+    printf '%s\0' "${debs[@]}" | xargs -0 -n 1 -P "$(nproc)" bash -c '
+        set -o pipefail
+        dpkg-deb --fsys-tarfile "archives/$2" | tar -x -C "$1" --no-same-owner --keep-directory-symlink \
+            --exclude="./usr/share/locale/*" --exclude="./usr/share/man/*" --exclude="./usr/share/info/*" \
+            --exclude="./usr/share/doc/*/*.gz" --exclude="./usr/share/doc/*/examples" --exclude="./usr/share/lintian" \
+            --exclude="./bin/*" --exclude="./sbin/*" --exclude="./usr/bin/*" --exclude="./usr/sbin/*" \
+            --exclude="libgnustep-base.a" --exclude="libc.a" --exclude="lib*san.a" --exclude="libstdc++.a"' \
+        unpack "$sysroot" || return
+    # Links that name the machine's own root must stay inside the sysroot.
+    find "$sysroot" -type l -lname '/*' -print0 | while IFS= read -r -d '' link; do
+        ln -sfnr "$sysroot$(readlink "$link")" "$link"
+    done
+    # Valgrind needs the loader's symbols, and looks beside the loader.
+    if [[ -d "$sysroot/usr/lib/debug/.build-id" ]]; then
+        mkdir -p "$sysroot/lib/i386-linux-gnu/.debug"
+        find "$sysroot/usr/lib/debug/.build-id" -name '*.debug' \
+            -exec mv -f -t "$sysroot/lib/i386-linux-gnu/.debug" {} + || return
+        rm -rf "$sysroot/usr/lib/debug"
+    fi
+    { cat status; for deb in "${debs[@]}"; do
+        dpkg-deb -f "archives/$deb" | sed '1a Status: install ok installed' || return
+        echo
+    done; } >status.new && mv status.new status
+}
+
+# take_files: picks single files out of packages.
+take_files() {
+    local part kind package patterns line
+    local -a pick
+    for line in "${files[@]}"; do
+        read -r part kind package patterns <<<"$line"
+        case "$kind" in
+        headers) pick=(-C "$sysroot") ;;
+        photos) pick=(-C "$photos" --transform='s,.*/,,') ;;
+        esac
+        set -f # the patterns are tar's
+        # shellcheck disable=SC2086
+        dpkg-deb --fsys-tarfile "archives/$(grep "^${package}_" to-pick | awk '{print $1}')" |
+            tar -x --no-same-owner --wildcards --no-wildcards-match-slash "${pick[@]}" $(printf './%s ' $patterns) || return
+        set +f
+        printf '%s\n' "$line" >>"$done_files"
+    done
+}
+
+say "unpacking ..."
+take_packages 2>>"$log" && take_files 2>>"$log" || failed "unpacking"
+rm -rf nothing archives/*.deb to-unpack to-pick
+# A mark is on the disk only after what it stands for.
+sync -f "$kaz"
+for part in "${ready[@]}" "${missing[@]}"; do mark "$part" >"$kaz/ready/$part"; done
+say "the set-up is complete: ${missing[*]}"

@@ -14,6 +14,8 @@ vision::FaceFinder* faceFinder(std::string& problem) {
     if (entry) return entry(&problem);
     const char* reason = dlerror();
     problem = reason ? reason : "libvision.so cannot be loaded";
+    // A build makes it only when it is wanted, which cannot always be seen in a program's text.
+    problem += " (./kaz build vision makes it)";
     return nullptr;
 }
 
