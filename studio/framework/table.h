@@ -105,7 +105,7 @@ struct FrameworkClass {
     std::int32_t variantType = kREALVariantObject;
     REALobject (*fromString)(REALstring) = nullptr;
     REALstring (*toString)(REALobject) = nullptr;
-    void (*setHandler)(REALobject, std::string_view event, const Method* handler) = nullptr;
+    void (*setHandler)(REALobject, std::string_view event, REALobject handler) = nullptr;
     void (*atYield)() = nullptr; // runs whenever the program yields
 };
 

@@ -2,6 +2,8 @@
 
 #include "framework/exceptions.h"
 #include "runtime/arrays.h"
+#include "runtime/calls.h"
+#include "runtime/delegates.h"
 #include "runtime/exceptions.h"
 #include "runtime/references.h"
 #include "runtime/strings.h"
@@ -48,6 +50,7 @@ void Program::begin(const std::vector<std::string>& arguments) {
     args.bits = Bits::of(newArray(simpleType(Kind::String)));
     for (const std::string& argument : arguments)
         arrayAppend(arrayOf(args.bits.object), Bits::of(makeString(argument)));
+    run(prepare);
     run(main);
 }
 
@@ -94,14 +97,14 @@ Bits Program::call(const Routine& routine, REALobject self, Bits* arguments) {
         Call(Program& program, const Routine& routine, std::size_t count)
             : program(program), routine(routine), bottom(program.top_) {
             program.top_ += count;
-            program.callLines_.push_back(program.line);
+            program.callers_.push_back(program.at);
         }
         ~Call() {
             for (std::size_t i = 0; i < routine.parameters.size(); ++i)
                 release(routine.parameters[i], program.stack_[bottom + i]);
             program.top_ = bottom;
-            program.line = program.callLines_.back();
-            program.callLines_.pop_back();
+            program.at = program.callers_.back();
+            program.callers_.pop_back();
         }
     } call(*this, routine, count);
 
@@ -109,7 +112,7 @@ Bits Program::call(const Routine& routine, REALobject self, Bits* arguments) {
     std::copy(arguments, arguments + given, frame.slots);
     std::fill(frame.slots + given, frame.slots + count, Bits());
     try {
-        routine.body(frame);
+        if (routine.body) routine.body(frame);
     } catch (...) { // a Finally that throws may leave a result behind
         if (routine.method && routine.method->signature.result)
             release(routine.method->signature.result, frame.result);
@@ -118,6 +121,22 @@ Bits Program::call(const Routine& routine, REALobject self, Bits* arguments) {
     for (std::size_t i = 0; i < given; ++i)
         arguments[i] = routine.byRef[i] ? std::exchange(frame.slots[i], Bits()) : Bits();
     return frame.result;
+}
+
+Bits Program::callDelegate(REALobject delegate, Bits* arguments) {
+    DelegateData target = delegateTarget(delegate);
+    ObjectRef self(target.self);
+    const Method& method = *target.method;
+    if (method.routine) return call(*method.routine, self, arguments);
+    struct Release {
+        const Signature& signature;
+        Bits* arguments;
+        ~Release() {
+            for (std::size_t i = 0; i < signature.parameters.size(); ++i)
+                release(signature.parameters[i].type, std::exchange(arguments[i], Bits()));
+        }
+    } releaseAtEnd{method.signature, arguments};
+    return invoke(method, self, arguments);
 }
 
 const Routine& Program::dispatch(const Routine& routine, REALobject self) {
@@ -137,13 +156,13 @@ const Routine& Program::dispatch(const Routine& routine, REALobject self) {
 void Program::noteRaised(REALobject exception) {
     std::vector<std::string>& places = exceptionData(exception).places;
     if (!places.empty()) return;
-    auto add = [&](int at) {
-        if (at > 0) places.push_back(fileName + ":" + std::to_string(at));
+    auto add = [&](Place place) {
+        if (place.line > 0)
+            places.push_back(files[std::size_t(place.file)] + ":" + std::to_string(place.line));
     };
-    add(line);
+    add(at);
     constexpr std::size_t kMostPlaces = 20;
-    for (auto caller = callLines_.rbegin(); caller != callLines_.rend() && places.size() < kMostPlaces;
-         ++caller)
+    for (auto caller = callers_.rbegin(); caller != callers_.rend() && places.size() < kMostPlaces; ++caller)
         add(*caller);
 }
 

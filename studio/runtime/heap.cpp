@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <utility>
 
 namespace studio {
 
@@ -89,10 +90,22 @@ REALobject Heap::allocate(Class& cls, std::int32_t size) {
     return object;
 }
 
+WeakCell* Heap::weakReference(REALobject object) {
+    if (!object) return nullptr;
+    WeakCell*& cell = header(object).weak;
+    if (!cell) cell = new WeakCell{object, 1}; // the object's own reference
+    ++cell->references;
+    return cell;
+}
+
 void Heap::destroy(REALobject object) {
     ObjectHeader& head = header(object);
     if (head.flags & ObjectHeader::kDying) return; // its own destructor retained and released it
     head.flags |= ObjectHeader::kDying;
+    if (WeakCell* cell = std::exchange(head.weak, nullptr)) {
+        cell->object = nullptr;
+        release(cell);
+    }
     std::int32_t size = head.cls->instanceSize;
     std::string name = head.cls->name;
     finalizeInstance(object);

@@ -14,7 +14,7 @@ TEST(Declarations, HaveParametersAndAResult) {
     ASSERT_EQ(signature.parameters.size(), 4u);
     EXPECT_TRUE(signature.parameters[0].byRef);
     EXPECT_EQ(signature.parameters[0].type.name, "Integer");
-    EXPECT_TRUE(signature.parameters[1].type.array);
+    EXPECT_TRUE(signature.parameters[1].type.rank == 1);
     ASSERT_TRUE(signature.parameters[2].defaultValue);
     EXPECT_EQ(signature.parameters[2].defaultValue->text, "x");
     EXPECT_TRUE(signature.parameters[3].paramArray);
@@ -26,7 +26,7 @@ TEST(Declarations, OfConstantsAndTypes) {
     auto [name, value] = parseConstant("kLimit = &h1F");
     EXPECT_EQ(name, "kLimit");
     EXPECT_EQ(value->number, 31);
-    EXPECT_TRUE(parseTypeName("Date()").array);
+    EXPECT_TRUE(parseTypeName("Date()").rank == 1);
     EXPECT_THROW(parseTypeName("Date)"), SourceError);
 }
 
