@@ -1,10 +1,12 @@
 // Print, Input, Quit, time, System and App.
 #include "clock.h"
+#include "framework/folderitem.h"
 #include "table.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 
 namespace studio {
@@ -31,6 +33,12 @@ FrameworkFunctions consoleFunctions() {
     return {
         method("Print(value As Variant)", print),
         method("Print", [] { std::fputs("\n", stdout); }),
+        method("MsgBox(text As String)",
+               [](REALstring text) {
+                   std::string line = toUtf8(text) + "\n";
+                   std::fwrite(line.data(), 1, line.size(), stdout);
+               }),
+        method("Beep", [] { std::fputc('\a', stderr); }),
         method("Input As String",
                [] {
                    std::string line;
@@ -63,7 +71,14 @@ FrameworkClass systemClass() {
 FrameworkClass appClass() {
     FrameworkClass table;
     table.name = "App";
-    table.sharedMethods = {method("DoEvents(milliseconds As Integer = 10)", doEvents)};
+    table.sharedMethods = {
+        method("DoEvents(milliseconds As Integer = 10)", doEvents),
+        method("ExecutableFile As FolderItem",
+               [] {
+                   std::error_code error;
+                   return newFolderItem(std::filesystem::read_symlink("/proc/self/exe", error).string());
+               }),
+    };
     return table;
 }
 
