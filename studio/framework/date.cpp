@@ -1,4 +1,6 @@
 // Date: local wall-clock fields.
+#include "date.h"
+
 #include "table.h"
 
 #include <cmath>
@@ -38,6 +40,13 @@ void setFields(Date& d, const std::tm& fields) {
     d.hour = fields.tm_hour;
     d.minute = fields.tm_min;
     d.second = fields.tm_sec;
+}
+
+void setLocal(Date& d, std::time_t time) {
+    std::tm local = {};
+    localtime_r(&time, &local);
+    setFields(d, local);
+    d.gmtOffset = double(local.tm_gmtoff) / 3600;
 }
 
 std::tm fields(const Date& d) {
@@ -92,11 +101,7 @@ FrameworkClass dateClass() {
     table.variantType = kREALVariantDate;
     table.constructor = +[](REALobject self) {
         new (instanceData(self)) Date();
-        std::time_t now = std::time(nullptr);
-        std::tm local = {};
-        localtime_r(&now, &local);
-        setFields(date(self), local);
-        date(self).gmtOffset = double(local.tm_gmtoff) / 3600;
+        setLocal(date(self), std::time(nullptr));
     };
     table.properties = {
         fieldProperty<&Date::year>("Year"),
@@ -187,5 +192,11 @@ const Registrar registrar([] {
 });
 
 } // namespace
+
+REALobject newDate(std::time_t time) {
+    REALobject result = newInstance("Date");
+    setLocal(date(result), time);
+    return result;
+}
 
 } // namespace studio
