@@ -73,6 +73,8 @@ FrameworkClass appClass() {
     table.name = "App";
     table.sharedMethods = {
         method("DoEvents(milliseconds As Integer = 10)", doEvents),
+        method("YieldToNextThread", [] { runtime().yield(); }),
+        method("SleepCurrentThread(milliseconds As Integer)", doEvents),
         method("ExecutableFile As FolderItem",
                [] {
                    std::error_code error;

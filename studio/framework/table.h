@@ -107,6 +107,7 @@ struct FrameworkClass {
     REALstring (*toString)(REALobject) = nullptr;
     void (*setHandler)(REALobject, std::string_view event, REALobject handler) = nullptr;
     void (*atYield)() = nullptr; // runs whenever the program yields
+    void (*atEnd)() = nullptr;   // runs when a program is over
 };
 
 // The C++ data of a framework class, right behind the header: such a class inherits from Object only.

@@ -110,7 +110,8 @@ class Compiler {
     Operand name(const ast::Expr& e);
     Operand variable(const Local& local, Position position);
     Operand member(const ast::Expr& e, const std::vector<const ast::Expr*>& arguments, bool called);
-    Operand receiver(const ast::Expr& e); // an object whose member is named; a temporary is kept
+    Operand receiver(const ast::Expr& e);             // an object whose member is named; a temporary is kept
+    Operand kept(const ast::Expr& e, Operand object); // a temporary lives until its statement ends
     Operand memberOf(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments,
                      bool called);
     Operand sharedMember(Class& cls, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments,
@@ -139,6 +140,7 @@ class Compiler {
         std::vector<Operand> operands;
         std::vector<Target> places; // of arguments by reference; the others have no store
     };
+    Operand argumentValue(const ast::Expr& e);
     Operand invokeMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
                          const std::vector<const ast::Expr*>& arguments, std::string_view name,
                          Position position, bool virtualCall = true, std::optional<Operand> first = {});

@@ -343,6 +343,11 @@ void Compiler::declareRoutine(const ast::Routine& source, Class* owner) {
                                                                  event->raise->signature.text() +
                                                                  "; expected its parameters and result");
         }
+    // Where a class of the framework has an event and a method of one name, this handles the event.
+    for (const Class* c = owner ? owner->superclass : nullptr; c; c = c->superclass)
+        if (c->origin == Origin::Framework && !c->methodsNamed(source.signature.name).empty())
+            for (const std::string& event : c->events)
+                if (sameName(event, source.signature.name)) method->signature.name = "event " + event;
     program_.routines.emplace_back();
     Routine& routine = program_.routines.back();
     routine.method = method.get();
@@ -464,6 +469,12 @@ void Compiler::compile() {
         auto order = [](const Position& p) { return std::tuple(p.file, p.line, p.column); };
         return order(a.position) < order(b.position);
     });
+    // A declaration is looked at more than once, but told of once.
+    auto same = [](const SourceError& a, const SourceError& b) {
+        return a.position.file == b.position.file && a.position.line == b.position.line &&
+               a.position.column == b.position.column && std::string_view(a.what()) == b.what();
+    };
+    errors_.erase(std::unique(errors_.begin(), errors_.end(), same), errors_.end());
     throw SourceErrors{std::move(errors_), program_.files};
 }
 

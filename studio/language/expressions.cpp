@@ -344,8 +344,12 @@ Operand Compiler::member(const ast::Expr& e, const std::vector<const ast::Expr*>
 
 Operand Compiler::receiver(const ast::Expr& e) {
     Operand result = value(e);
+    return result.type->isObject() ? kept(e, std::move(result)) : result;
+}
+
+Operand Compiler::kept(const ast::Expr& e, Operand result) {
     bool lives = e.kind == ast::ExprKind::Self || (e.kind == ast::ExprKind::Name && findVariable(e.text));
-    if (lives || !result.type->isObject()) return result;
+    if (lives) return result;
     keepsReceivers_ = true;
     result.code = [code = std::move(result.code), program = &program_](Frame& f) {
         Bits object = code(f);
@@ -754,6 +758,14 @@ Operand Compiler::call(const ast::Expr& e) {
     return cast(type, *arguments[0]);
 }
 
+// AddressOf one of several routines waits for the parameter that tells which.
+Operand Compiler::argumentValue(const ast::Expr& e) {
+    if (e.kind == ast::ExprKind::AddressOf && addressed(e).candidates.size() > 1)
+        return {simpleType(Kind::Nil), [](Frame&) { return Bits(); }, e.position};
+    Operand result = value(e);
+    return result.type->kind == Kind::Object ? kept(e, std::move(result)) : result;
+}
+
 Operand Compiler::invokeMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
                                const std::vector<const ast::Expr*>& arguments, std::string_view name,
                                Position position, bool virtualCall, std::optional<Operand> first) {
@@ -766,9 +778,12 @@ Operand Compiler::invokeMethod(const std::vector<const Method*>& candidates, std
         sources.insert(sources.begin(), nullptr);
     }
     for (const ast::Expr* argument : arguments) {
-        given.push_back(value(*argument));
+        given.push_back(argumentValue(*argument));
         types.push_back(given.back().type);
     }
+    if (std::all_of(candidates.begin(), candidates.end(),
+                    [](const Method* m) { return m->origin == Origin::Program && m->signature.assigns(); }))
+        throw SourceError(position, candidates[0]->fullName() + " can only be set");
     Choice choice = chooseOverload(candidates, types, name);
     if (!choice.method) throw SourceError(position, choice.problem);
     const Method& method = *choice.method;

@@ -17,9 +17,9 @@ namespace {
 
 constexpr std::size_t kNativeStackBytes = 5u << 20;
 
-// Measures the depth of the native stack from the first call.
+// Measures the depth of the thread's native stack from its first call.
 bool nativeStackIsUsedUp() {
-    static const char* base = nullptr;
+    static thread_local const char* base = nullptr;
     char here;
     if (!base || &here > base) base = &here;
     return std::size_t(base - &here) > kNativeStackBytes;
@@ -27,11 +27,29 @@ bool nativeStackIsUsedUp() {
 
 } // namespace
 
+struct Program::Context : RoutineContext {
+    std::vector<Bits> stack = std::vector<Bits>(1 << 16);
+    std::size_t top = 0;
+    std::vector<Place> callers;
+    std::vector<REALobject> kept;
+    Place at;
+};
+
+void Program::exchange(Context& other) {
+    std::swap(stack_, other.stack);
+    std::swap(top_, other.top);
+    std::swap(callers_, other.callers);
+    std::swap(kept_, other.kept);
+    std::swap(at, other.at);
+}
+
 Program::~Program() {
     end();
     for (REALstring literal : literals) heap().freePermanent(literal);
     runtime().runRoutine = nullptr;
     runtime().noteRaised = nullptr;
+    runtime().makeContext = nullptr;
+    runtime().exchangeContext = nullptr;
 }
 
 void Program::begin(const std::vector<std::string>& arguments) {
@@ -46,6 +64,8 @@ void Program::begin(const std::vector<std::string>& arguments) {
         return result;
     };
     runtime().noteRaised = [this](REALobject exception) { noteRaised(exception); };
+    runtime().makeContext = [] { return std::make_unique<Context>(); };
+    runtime().exchangeContext = [this](RoutineContext& other) { exchange(static_cast<Context&>(other)); };
     Global& args = globals.front(); // declared by the compiler
     args.bits = Bits::of(newArray(simpleType(Kind::String)));
     for (const std::string& argument : arguments)
@@ -60,6 +80,7 @@ void Program::run(const Routine& routine) {
 }
 
 void Program::end() {
+    for (const auto& hook : runtime().endHooks) hook();
     for (Global& global : globals) release(global.type, std::exchange(global.bits, Bits()));
 }
 

@@ -102,7 +102,7 @@ Action Compiler::statement(const ast::Statement& s) {
         return assign(*s.target, *s.value);
     case StatementKind::Call: {
         if (s.value->kind != ast::ExprKind::Call && s.value->kind != ast::ExprKind::Member &&
-            s.value->kind != ast::ExprKind::Name)
+            s.value->kind != ast::ExprKind::Name && s.value->kind != ast::ExprKind::RaiseEvent)
             throw SourceError(s.position, "expected a statement, found a value");
         Operand operand = expression(*s.value);
         bool variable = s.value->kind == ast::ExprKind::Name && findVariable(s.value->text);

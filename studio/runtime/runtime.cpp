@@ -25,6 +25,7 @@ Runtime& runtime() {
 }
 
 void Runtime::yield() {
+    if (yieldThread && yieldThread()) return;
     if (std::exchange(yielding_, true)) return;
     struct Done {
         bool& yielding;

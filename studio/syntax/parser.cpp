@@ -811,14 +811,14 @@ class Parser {
     void directive() {
         Position position = here();
         take();
-        std::string word = folded(expectName("a directive after '#'"));
+        std::string written = expectName("a directive after '#'"), word = folded(written);
         if (word == "end" && acceptWord("if")) word = "endif";
         if (word == "if") {
             conditions_.push_back(position);
             if (!directiveCondition()) skipBranch(true);
         } else if (word == "elseif" || word == "else") { // the branch above was taken
             if (conditions_.empty())
-                throw SourceError(position, "there is no '#If' above this '#" + word + "'");
+                throw SourceError(position, "there is no '#If' above this '#" + written + "'");
             skipLine();
             skipBranch(false);
         } else if (word == "endif") {
@@ -832,7 +832,7 @@ class Parser {
             include();
         } else {
             throw SourceError(
-                position, "expected #If, #ElseIf, #Else, #EndIf, #Include or #Pragma, found '#" + word + "'");
+                position, "expected #If, #ElseIf, #Else, #EndIf, #Include or #Pragma, found '#" + written + "'");
         }
         if (!atEndOfLine() && !atSymbol("#")) fail("the end of the line");
     }

@@ -16,7 +16,7 @@ struct MemoryBlockBytes {
 
 MemoryBlockBytes& memoryBlockBytes(REALobject block);
 bool resizeMemoryBlock(REALobject block, std::int32_t size); // false when there is no memory for it
-REALobject newMemoryBlock(std::string_view bytes); // owned
-REALobject tryNewMemoryBlock(std::int32_t size);   // null when there is no memory for it
+REALobject newMemoryBlock(std::string_view bytes);           // owned
+REALobject tryNewMemoryBlock(std::int32_t size);             // null when there is no memory for it
 
 } // namespace studio

@@ -102,6 +102,9 @@ class Program {
     void noteRaised(REALobject exception);
     void releaseKept(std::size_t bottom);
 
+    struct Context;
+    void exchange(Context& other);
+
     std::vector<Bits> stack_ = std::vector<Bits>(1 << 18);
     std::size_t top_ = 0;
     std::vector<Place> callers_; // where each running routine was called
