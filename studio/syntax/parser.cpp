@@ -831,8 +831,9 @@ class Parser {
         } else if (word == "include") {
             include();
         } else {
-            throw SourceError(
-                position, "expected #If, #ElseIf, #Else, #EndIf, #Include or #Pragma, found '#" + written + "'");
+            throw SourceError(position,
+                              "expected #If, #ElseIf, #Else, #EndIf, #Include or #Pragma, found '#" +
+                                  written + "'");
         }
         if (!atEndOfLine() && !atSymbol("#")) fail("the end of the line");
     }
