@@ -123,6 +123,7 @@ FrameworkClass dictionaryClass() {
                  [](REALobject self) { return std::int32_t(dictionary(self).index.bucket_count()); }),
     };
     table.methods = {
+        method("Constructor", [](REALobject) {}),
         method("Constructor(ParamArray entries As Pair)",
                [](REALobject self, REALobject entries) {
                    for (std::int32_t i = 0; i < arrayOf(entries).count; ++i) {
