@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Makes everything the build needs below .kaz/: an i386 sysroot from Debian packages, and sample photographs.
+# With --tests it only installs the tools that the tests alone use.
 # Idempotent: a second run only compares a stamp. Prints what it does; on failure says what to do next.
 set -euo pipefail
 
@@ -10,9 +11,35 @@ photos="$kaz/photos"
 packages="$root/tools/sysroot-packages.txt"
 single_files="$root/tools/single-files.txt"
 host_tools=(clang lld cmake ninja-build libclang-rt-14-dev valgrind)
+test_tools=(chromium parallel)
 
 say() { printf 'kaz: %s\n' "$*" >&2; }
 die() { say "$1"; shift; for line in "$@"; do printf '     %s\n' "$line" >&2; done; exit 1; }
+
+# install_missing STEP PACKAGE...: those of the packages that this machine does not have.
+install_missing() {
+    local step="$1" missing=() tool sudo
+    shift
+    for tool in "$@"; do
+        dpkg-query -W -f='${db:Status-Status}\n' "$tool" 2>/dev/null | grep -qx installed || missing+=("$tool")
+    done
+    ((${#missing[@]})) || return 0
+    if [[ $EUID -eq 0 ]]; then sudo=(); elif command -v sudo >/dev/null; then sudo=(sudo); else
+        die "these packages are missing: ${missing[*]}" "Install them as root:  apt-get install ${missing[*]}"
+    fi
+    say "${step}installing ${missing[*]} ..."
+    "${sudo[@]}" apt-get update >"$kaz/apt.log" 2>&1 || true
+    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" \
+        >>"$kaz/apt.log" 2>&1 ||
+        die "installing ${missing[*]} failed; the end of $kaz/apt.log:" "$(tail -n 5 "$kaz/apt.log")" \
+            "Install them as root:  apt-get install ${missing[*]}"
+}
+
+if [[ "${1:-}" == --tests ]]; then
+    mkdir -p "$kaz"
+    install_missing "" "${test_tools[@]}"
+    exit 0
+fi
 
 stamp="$(cat "$packages" "$single_files" "${BASH_SOURCE[0]}" | sha256sum | cut -d' ' -f1)"
 if [[ -f "$kaz/stamp" && "$(<"$kaz/stamp")" == "$stamp $root" ]]; then exit 0; fi
@@ -22,23 +49,8 @@ command -v apt-get >/dev/null && command -v dpkg >/dev/null ||
 mkdir -p "$kaz"
 
 # --- the tools that run on this machine ----------------------------------------------------------
-missing=()
-for tool in "${host_tools[@]}"; do
-    dpkg-query -W -f='${db:Status-Status}\n' "$tool" 2>/dev/null | grep -qx installed || missing+=("$tool")
-done
-if ((${#missing[@]})); then
-    if [[ $EUID -eq 0 ]]; then sudo=(); elif command -v sudo >/dev/null; then sudo=(sudo); else
-        die "these packages are missing: ${missing[*]}" "Install them as root:  apt-get install ${missing[*]}"
-    fi
-    say "1/3 installing ${missing[*]} ..."
-    "${sudo[@]}" apt-get update >"$kaz/apt.log" 2>&1 || true
-    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" \
-        >>"$kaz/apt.log" 2>&1 ||
-        die "installing ${missing[*]} failed; the end of $kaz/apt.log:" "$(tail -n 5 "$kaz/apt.log")" \
-            "Install them as root:  apt-get install ${missing[*]}"
-else
-    say "1/3 the build tools are there"
-fi
+install_missing "1/3 " "${host_tools[@]}"
+say "1/3 the build tools are there"
 
 # --- the private i386 sysroot --------------------------------------------------------------------
 # apt with its own state: GNUstep's i386 packages cannot be installed beside an amd64 system.

@@ -14,6 +14,7 @@
 #include <dlfcn.h>
 #include <memory>
 #include <optional>
+#include <semaphore.h>
 #include <thread>
 #include <vector>
 
@@ -35,6 +36,7 @@ struct Watch {
         dispatch_queue_t queue = nullptr, used = nullptr;
         std::optional<ThreadedCall> call;   // as it was queued
         std::weak_ptr<ThreadedCall> shared; // and what became of it
+        int tasks = 0;
     } dispatch;
     std::atomic<int> unlocks{0};                        // of mutexes, on other threads
     std::vector<std::pair<std::string, int>> libraries; // that were opened, with the mode
@@ -154,13 +156,34 @@ dispatch_queue_t __wrap_dispatch_get_global_queue(long priority, unsigned long f
     return watch.dispatch.queue = __real_dispatch_get_global_queue(priority, flags);
 }
 
+struct Task {
+    void* context;
+    dispatch_function_t work;
+};
+// POSIX's, which a race detector understands.
+sem_t tasksFinished;
+const int tasksFinishedError = sem_init(&tasksFinished, 0, 0);
+
+void runAndCount(void* data) {
+    const std::unique_ptr<Task> task(static_cast<Task*>(data));
+    task->work(task->context);
+    sem_post(&tasksFinished);
+}
+
 void __real_dispatch_async_f(dispatch_queue_t, void*, dispatch_function_t);
 void __wrap_dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t work) {
     const auto& call = *static_cast<std::shared_ptr<ThreadedCall>*>(context); // the task's own reference
     watch.dispatch.used = queue;
     watch.dispatch.call = *call;
     watch.dispatch.shared = call;
-    __real_dispatch_async_f(queue, context, work);
+    ++watch.dispatch.tasks;
+    __real_dispatch_async_f(queue, new Task{context, work}, runAndCount);
+}
+
+// A worker outlives its call by a few instructions, in which it still writes to `watch`.
+void waitForTasks() {
+    ASSERT_EQ(tasksFinishedError, 0);
+    for (; watch.dispatch.tasks > 0; --watch.dispatch.tasks) sem_wait(&tasksFinished);
 }
 
 #else
@@ -168,6 +191,7 @@ void __wrap_dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_fun
 // A system that has the function form and not the one with a block counts as one without the library.
 dispatch_queue_t dispatch_get_global_queue(long, unsigned long) { return nullptr; }
 void dispatch_async_f(dispatch_queue_t, void*, dispatch_function_t) { std::abort(); }
+void waitForTasks() {} // threads are joined
 
 #endif
 
@@ -187,6 +211,7 @@ class Threads : public BridgeTest {
             if (yields == releaseAt) released = true;
         });
     }
+    ~Threads() override { waitForTasks(); }
 
     // Work that lasts until the host has been given time `releaseAt` times.
     static void waitForRelease(void* test) {

@@ -9,6 +9,13 @@ struct Registrar {
     explicit Registrar(FilterInfo info);
 };
 
+/// What a filter stands on; for the arguments see Source.
+constexpr Source publicDefinition(std::string_view text) { return {Source::Kind::publicDefinition, text}; }
+constexpr Source fitted(std::string_view text, std::optional<double> residual = {}) {
+    return {Source::Kind::fitted, text, residual};
+}
+constexpr Source ourOwn(std::string_view text) { return {Source::Kind::ourOwn, text}; }
+
 /// From their names, separated by blanks.
 std::vector<std::string> categories(std::string_view names);
 

@@ -105,8 +105,8 @@ std::array<float, N> floats(const Inputs& in, std::string_view key) {
 // -------------------------------------------------------------------------------------------- places
 
 // Where pixels lie, as a formula sees it. A place has row(x, y) for the row whose first pixel is (x, y), and
-// the row has at(i), the centre of its pixel i. The first centre is computed in double precision, so that
-// pixels far from the origin are as exact as those near it.
+// the row has at(i), the centre of its pixel i, as long as that lies in the same block. Large numbers
+// are whole or in double precision, so that pixels far from the origin are as exact as those near it.
 
 struct Position {
     float x, y;
@@ -117,11 +117,14 @@ struct From {
     Point origin;
 
     struct Row {
-        float x, y;
-        SIMD_INLINE Position at(int i) const { return {x + static_cast<float>(i), y}; }
+        int whole;
+        float rest, y;
+        SIMD_INLINE Position at(int i) const { return {static_cast<float>(whole + i) + rest, y}; }
     };
     Row row(int x, int y) const {
-        return {static_cast<float>(x + 0.5 - origin.x), static_cast<float>(y + 0.5 - origin.y)};
+        int start = wholePart(origin.x);
+        return {x - start, static_cast<float>(start + 0.5 - origin.x),
+                static_cast<float>(y + 0.5 - origin.y)};
     }
 };
 
@@ -131,20 +134,26 @@ struct ScaledFrom {
     double scale;
 
     struct Row {
-        float x, step, y;
-        SIMD_INLINE Position at(int i) const { return {x + static_cast<float>(i) * step, y}; }
+        From::Row row;
+        float scale;
+        SIMD_INLINE Position at(int i) const {
+            Position p = row.at(i);
+            return {p.x * scale, p.y};
+        }
     };
     Row row(int x, int y) const {
-        return {static_cast<float>((x + 0.5 - origin.x) * scale), static_cast<float>(scale),
-                static_cast<float>((y + 0.5 - origin.y) * scale)};
+        From::Row row = From{origin}.row(x, y);
+        row.y = static_cast<float>((y + 0.5 - origin.y) * scale);
+        return {row, static_cast<float>(scale)};
     }
 };
 
 /// Rows that run in any direction: both coordinates change from pixel to pixel.
 struct SlantedRow {
     float x, stepX, y, stepY;
+    int offset;
     SIMD_INLINE Position at(int i) const {
-        float k = static_cast<float>(i);
+        float k = static_cast<float>(i + offset);
         return {x + k * stepX, y + k * stepY};
     }
 };
@@ -154,9 +163,10 @@ struct Through {
     Affine matrix;
 
     SlantedRow row(int x, int y) const {
-        Point first = matrix.apply(Point{x + 0.5, y + 0.5});
+        int anchor = anchorOf(x);
+        Point first = matrix.apply(Point{anchor + 0.5, y + 0.5});
         return {static_cast<float>(first.x), static_cast<float>(matrix.a), static_cast<float>(first.y),
-                static_cast<float>(matrix.b)};
+                static_cast<float>(matrix.b), x - anchor};
     }
 };
 
@@ -167,11 +177,13 @@ struct Along {
 
     struct Row {
         float first, step;
-        SIMD_INLINE float at(int i) const { return first + static_cast<float>(i) * step; }
+        int offset;
+        SIMD_INLINE float at(int i) const { return first + static_cast<float>(i + offset) * step; }
     };
     Row row(int x, int y) const {
-        double way = (x + 0.5 - origin.x) * direction.x + (y + 0.5 - origin.y) * direction.y;
-        return {static_cast<float>(way / unit), static_cast<float>(direction.x / unit)};
+        int anchor = anchorOf(x);
+        double way = (anchor + 0.5 - origin.x) * direction.x + (y + 0.5 - origin.y) * direction.y;
+        return {static_cast<float>(way / unit), static_cast<float>(direction.x / unit), x - anchor};
     }
 };
 

@@ -79,7 +79,7 @@ class Warp {
     virtual Rect extent(const Rect& source) const = 0;
     /// What the pixels of `area` read, neighbours not counted.
     virtual Rect region(const Rect& area) const = 0;
-    /// For the centres of pixels x..x+n-1 of row y: how far away from them to read.
+    /// For the centres of pixels x..x+n-1 of row y, which lie in one block: how far away from them to read.
     virtual void displace(int x, int y, int n, float* dx, float* dy) const = 0;
 };
 Image warp(const Image& image, std::shared_ptr<const Warp> warp);

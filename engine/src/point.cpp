@@ -14,7 +14,7 @@ class StepEvaluator : public Evaluator {
 
     void row(int x, int y, int n, const Span& out) override {
         if (input_) input_->row(x, y, n, out);
-        step_(out, x, y, n);
+        eachBlock(x, n, [&](int first, int count) { step_(out.at(first - x), first, y, count); });
     }
 
   private:

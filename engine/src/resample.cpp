@@ -31,31 +31,57 @@ Rect centresOf(const IntRect& area, const Affine& m) {
             first.y + std::max(across.y, 0.0) + std::max(along.y, 0.0)};
 }
 
-void readBilinear(const Pixels& from, const float* u, const float* v, int n, const Span& out) {
-    namespace simd = color::simd;
-    alignas(32) float fu[maxSpan], fv[maxSpan];
-    alignas(32) int index[maxSpan];
-    int width = from.area.width(), height = from.area.height(), step = static_cast<int>(from.rowStep());
+namespace {
+
+namespace simd = color::simd;
+
+/// A coordinate as a whole number and what is left, for two neighbours that both exist.
+struct Split {
+    float whole, rest;
+};
+
+/// Takes the whole pixels out of `v` before they are counted from the edge of what is kept, so that the rest
+/// does not depend on it. `most` is the last pixel that has a neighbour.
+SIMD_INLINE Split split(float v, float offset, float most) {
+    constexpr float far = 1 << 23; // beyond it floats are whole
+    v = simd::clamp(v, -far, far);
+    float whole = static_cast<float>(static_cast<int>(v));
+    whole -= whole > v ? 1.0f : 0.0f;
+    float rest = v - whole;
+    whole += offset;
+    rest = whole < 0 ? 0.0f : whole > most ? 1.0f : rest;
+    return {simd::clamp(whole, 0, most), rest};
+}
+
+} // namespace
+
+Readings::Readings(const Pixels& from) : from_(from) {}
+
+void Readings::locate(int first, int x, int y, int step, const float* u, const float* v, int n) {
+    const IntRect& area = from_.area;
     // The last pixel is read from the one before it, if there is one.
-    int right = width > 1 ? 1 : 0, up = height > 1 ? step : 0;
-    float lastU = static_cast<float>(width - 1), lastV = static_cast<float>(height - 1);
-    float mostX = static_cast<float>(std::max(width - 2, 0)),
-          mostY = static_cast<float>(std::max(height - 2, 0));
-    simd::run([=, fu = fu, fv = fv, index = index]() SIMD_INLINE {
+    float mostX = static_cast<float>(std::max(area.width() - 2, 0)),
+          mostY = static_cast<float>(std::max(area.height() - 2, 0));
+    simd::run([=, offsetX = static_cast<float>(x - area.x0), offsetY = static_cast<float>(y - area.y0),
+               stepX = static_cast<float>(step), rowStep = static_cast<int>(from_.rowStep()), fu = u_ + first,
+               fv = v_ + first, index = index_ + first]() SIMD_INLINE {
         SIMD_LOOP
         for (int i = 0; i < n; ++i) {
-            float x = simd::clamp(u[i], 0, lastU), y = simd::clamp(v[i], 0, lastV);
-            float wholeX = static_cast<float>(static_cast<int>(simd::min(x, mostX)));
-            float wholeY = static_cast<float>(static_cast<int>(simd::min(y, mostY)));
-            fu[i] = x - wholeX;
-            fv[i] = y - wholeY;
-            index[i] = static_cast<int>(wholeX) + static_cast<int>(wholeY) * step;
+            Split across = split(u[i], offsetX + static_cast<float>(i) * stepX, mostX),
+                  along = split(v[i], offsetY, mostY);
+            fu[i] = across.rest;
+            fv[i] = along.rest;
+            index[i] = static_cast<int>(across.whole) + static_cast<int>(along.whole) * rowStep;
         }
     });
-    for (int c = 0; c < 4; ++c) {
-        const float* p = from.row(from.area.y0).plane[c];
-        float* o = out.plane[c];
-        simd::run([=, fu = fu, fv = fv, index = index]() SIMD_INLINE {
+}
+
+void Readings::read(int n, const Span& out) const {
+    int right = from_.area.width() > 1 ? 1 : 0,
+        up = from_.area.height() > 1 ? static_cast<int>(from_.rowStep()) : 0;
+    for (int c = 0; c < 4; ++c)
+        simd::run([=, fu = &u_[0], fv = &v_[0], index = &index_[0], o = out.plane[c],
+                   p = from_.row(from_.area.y0).plane[c]]() SIMD_INLINE {
             SIMD_LOOP
             for (int i = 0; i < n; ++i) {
                 int k = index[i];
@@ -64,7 +90,6 @@ void readBilinear(const Pixels& from, const float* u, const float* v, int n, con
                 o[i] = simd::mix(low, high, fv[i]);
             }
         });
-    }
 }
 
 } // namespace engine

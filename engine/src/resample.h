@@ -33,9 +33,30 @@ void computeInParts(const IntRect& area, const Pixels& out, Needed needed, Work 
     }
 }
 
-/// Reads by bilinear interpolation: u and v count pixels from the centre of the first pixel of `from`; places
-/// outside are moved to the edge. n is at most maxSpan.
-void readBilinear(const Pixels& from, const float* u, const float* v, int n, const Span& out);
+/// Where to read by bilinear interpolation, for at most maxSpan pixels.
+class Readings {
+  public:
+    explicit Readings(const Pixels& from);
+    /// Reading first + i, for i below n, lies (u[i], v[i]) away from the centre of pixel (x + i * step, y).
+    /// Whole pixels are counted apart from the rest, so that the rest does not depend on what `from` holds.
+    /// Places outside of `from` are moved to its edge.
+    void locate(int first, int x, int y, int step, const float* u, const float* v, int n);
+    /// The readings 0..n-1.
+    void read(int n, const Span& out) const;
+
+  private:
+    const Pixels& from_;
+    alignas(32) float u_[maxSpan], v_[maxSpan];
+    alignas(32) int index_[maxSpan];
+};
+
+/// Reads n pixels that lie (u, v) away from the centre of pixel (x, y).
+inline void readBilinear(const Pixels& from, int x, int y, const float* u, const float* v, int n,
+                         const Span& out) {
+    Readings readings(from);
+    readings.locate(0, x, y, 0, u, v, n);
+    readings.read(n, out);
+}
 
 /// Rows that were computed beforehand.
 class Computed : public Evaluator {

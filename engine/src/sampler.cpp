@@ -31,8 +31,7 @@ class SamplerNode : public Node {
             Pixels in(read);
             fill(*context.prepare(inputs()[0], read), in);
             for (int y = part.y0; y < part.y1; ++y)
-                for (int x = part.x0; x < part.x1; x += maxSpan)
-                    row(x, y, std::min(maxSpan, part.x1 - x), in, out.at(x, y));
+                eachBlock(part.x0, part.width(), [&](int x, int n) { row(x, y, n, in, out.at(x, y)); });
         });
         return std::make_shared<Computed>(std::move(out));
     }
@@ -45,16 +44,23 @@ class SamplerNode : public Node {
     }
 
     void row(int x, int y, int n, const Pixels& in, const Span& out) const {
-        alignas(32) float u[maxSpan], v[maxSpan];
-        Point from = inverse_.apply(Point{x + 0.5, y + 0.5});
-        // Places are computed in double precision, so that "nearest" is the right pixel far away, too.
-        for (int i = 0; i < n; ++i) {
-            double px = from.x + i * inverse_.a - in.area.x0, py = from.y + i * inverse_.b - in.area.y0;
-            bool linear = interpolation_ == Interpolation::linear;
-            u[i] = static_cast<float>(linear ? px - 0.5 : std::floor(px));
-            v[i] = static_cast<float>(linear ? py - 0.5 : std::floor(py));
-        }
-        readBilinear(in, u, v, n, out);
+        constexpr int width = 32;
+        float u[width], v[width];
+        Readings readings(in);
+        eachBlock<width>(x, n, [&](int first, int count) {
+            Point from = inverse_.apply(Point{anchorOf<width>(first) + 0.5, y + 0.5});
+            int baseX = wholePart(from.x), baseY = wholePart(from.y);
+            // Places are computed in double precision, so that "nearest" is the right pixel far away, too.
+            for (int i = 0; i < count; ++i) {
+                Point place = inverse_.apply(Point{first + i + 0.5, y + 0.5});
+                double px = place.x - baseX, py = place.y - baseY;
+                bool linear = interpolation_ == Interpolation::linear;
+                u[i] = static_cast<float>(linear ? px - 0.5 : std::floor(px));
+                v[i] = static_cast<float>(linear ? py - 0.5 : std::floor(py));
+            }
+            readings.locate(first - x, baseX, baseY, 0, u, v, count);
+        });
+        readings.read(n, out);
     }
 
     Affine inverse_;

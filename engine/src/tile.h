@@ -4,6 +4,7 @@
 #include <engine/engine.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <functional>
 #include <map>
@@ -55,6 +56,28 @@ struct Span {
 /// The most pixels a span has. Eight kilobytes, so that a chain of steps works within the first cache.
 constexpr int maxSpan = 512;
 
+/// The pixel below a coordinate, limited so that sizes fit an int.
+inline int wholePart(double v) {
+    constexpr double most = 1 << 29;
+    return static_cast<int>(std::clamp(std::floor(v), -most, most));
+}
+
+/// Places along a row are computed from the middle column of the block that they lie in, so that they come
+/// out the same wherever a span begins. The nearer the column, the more exact they are.
+template <int width = maxSpan>
+int anchorOf(int x) {
+    return (x & ~(width - 1)) + width / 2;
+}
+/// Calls work(first, count) for the parts of pixels x..x+n-1 that lie in one block each.
+template <int width = maxSpan, class Work>
+void eachBlock(int x, int n, Work work) {
+    for (int first = x, end = x + n; first < end;) {
+        int next = std::min(end, anchorOf<width>(first) + width / 2);
+        work(first, next - first);
+        first = next;
+    }
+}
+
 struct SpanBuffer {
     alignas(32) float data[4][maxSpan];
     Span span() { return {{data[0], data[1], data[2], data[3]}}; }
@@ -87,7 +110,7 @@ class Evaluator {
 /// Transparent outside of `bounds`.
 std::shared_ptr<Evaluator> clipped(std::shared_ptr<Evaluator> evaluator, const IntRect& bounds);
 
-/// A step on pixels x..x+n-1 of row y, in place.
+/// A step on pixels x..x+n-1 of row y, in place. They lie in one block.
 using SpanFunction = std::function<void(const Span& pixels, int x, int y, int n)>;
 
 using Rgba = std::array<float, 4>;

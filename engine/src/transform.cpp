@@ -30,6 +30,8 @@ class Reduction {
           x0_(std::isfinite(image->extent().x0) ? bounds_.x0 : 0),
           y0_(std::isfinite(image->extent().y0) ? bounds_.y0 : 0) {}
 
+    int factorX() const { return fx_; }
+    int factorY() const { return fy_; }
     double toX(double x) const { return (x - x0_) / fx_; }
     double toY(double y) const { return (y - y0_) / fy_; }
     IntRect bounds() const {
@@ -121,16 +123,17 @@ class Reduction {
     int fx_, fy_, x0_, y0_;
 };
 
-/// Multiplies the coverage of n pixels, whose positions are from + i * step, by how much of each lies between
-/// two edges.
-void coverAxis(double from, double step, double low, double high, double footprint, float* coverage, int n) {
+/// Multiplies the coverage of n pixels, whose positions are from + (offset + i) * step, by how much of each
+/// lies between two edges.
+void coverAxis(double from, double step, double low, double high, double footprint, float* coverage,
+               int offset, int n) {
     float scale = static_cast<float>(1 / footprint), move = static_cast<float>(step);
     float toLow = std::isfinite(low) ? static_cast<float>(from - low) : 1e30f;
     float toHigh = std::isfinite(high) ? static_cast<float>(high - from) : 1e30f;
     color::simd::run([=]() SIMD_INLINE {
         SIMD_LOOP
         for (int i = 0; i < n; ++i) {
-            float d = static_cast<float>(i) * move;
+            float d = static_cast<float>(i + offset) * move;
             float a = color::simd::unit((toLow + d) * scale + 0.5f),
                   b = color::simd::unit((toHigh - d) * scale + 0.5f);
             coverage[i] *= color::simd::max(a + b - 1, 0);
@@ -184,30 +187,41 @@ class TransformNode : public Node {
             Pixels in(read);
             source.compute(in, context);
             for (int y = part.y0; y < part.y1; ++y)
-                for (int x = part.x0; x < part.x1; x += maxSpan)
-                    row(x, y, std::min(maxSpan, part.x1 - x), in, source, out.at(x, y));
+                eachBlock(part.x0, part.width(),
+                          [&](int x, int n) { row(x, y, n, in, source, out.at(x, y)); });
         });
     }
 
     void row(int x, int y, int n, const Pixels& in, const Reduction& source, const Span& out) const {
-        alignas(32) float u[maxSpan], v[maxSpan], coverage[maxSpan];
-        Point from = inverse_.apply(Point{x + 0.5, y + 0.5});
-        float u0 = static_cast<float>(source.toX(from.x) - 0.5 - in.area.x0);
-        float v0 = static_cast<float>(source.toY(from.y) - 0.5 - in.area.y0);
-        float du = static_cast<float>(source.toX(from.x + inverse_.a) - source.toX(from.x));
-        float dv = static_cast<float>(source.toY(from.y + inverse_.b) - source.toY(from.y));
-        color::simd::run([=, u = u, v = v, coverage = coverage]() SIMD_INLINE {
-            SIMD_LOOP
-            for (int i = 0; i < n; ++i) {
-                u[i] = u0 + static_cast<float>(i) * du;
-                v[i] = v0 + static_cast<float>(i) * dv;
-                coverage[i] = 1;
-            }
-        });
-        readBilinear(in, u, v, n, out);
+        constexpr int width = 64; // few enough that float places are exact
+        alignas(32) float u[width], v[width], coverage[maxSpan];
+        Readings readings(in);
         Rect edges = inputs()[0]->extent().integral();
-        coverAxis(from.x, inverse_.a, edges.x0, edges.x1, std::hypot(inverse_.a, inverse_.c), coverage, n);
-        coverAxis(from.y, inverse_.b, edges.y0, edges.y1, std::hypot(inverse_.b, inverse_.d), coverage, n);
+        float du = static_cast<float>(inverse_.a / source.factorX()),
+              dv = static_cast<float>(inverse_.b / source.factorY());
+        eachBlock<width>(x, n, [&](int first, int count) {
+            int anchor = anchorOf<width>(first), offset = first - anchor;
+            Point from = inverse_.apply(Point{anchor + 0.5, y + 0.5});
+            double atX = source.toX(from.x) - 0.5, atY = source.toY(from.y) - 0.5;
+            int wholeX = wholePart(atX), wholeY = wholePart(atY);
+            float* cover = coverage + (first - x);
+            color::simd::run([=, u = u, v = v, u0 = static_cast<float>(atX - wholeX),
+                              v0 = static_cast<float>(atY - wholeY)]() SIMD_INLINE {
+                SIMD_LOOP
+                for (int i = 0; i < count; ++i) {
+                    float k = static_cast<float>(i + offset);
+                    u[i] = u0 + k * du;
+                    v[i] = v0 + k * dv;
+                    cover[i] = 1;
+                }
+            });
+            readings.locate(first - x, wholeX, wholeY, 0, u, v, count);
+            coverAxis(from.x, inverse_.a, edges.x0, edges.x1, std::hypot(inverse_.a, inverse_.c), cover,
+                      offset, count);
+            coverAxis(from.y, inverse_.b, edges.y0, edges.y1, std::hypot(inverse_.b, inverse_.d), cover,
+                      offset, count);
+        });
+        readings.read(n, out);
         for (float* p : out.plane)
             color::simd::run([=, coverage = coverage]() SIMD_INLINE {
                 SIMD_LOOP
@@ -225,8 +239,10 @@ Image transform(const Image& image, const Affine& matrix) {
     if (!image) return nullptr;
     if (auto before = dynamic_cast<const TransformNode*>(image.get())) {
         Affine both = before->matrix().then(matrix);
-        // Where the product overflows, the steps stay apart.
-        if (both.isFinite()) return transform(before->inputs()[0], both);
+        // A move stays apart, so that the part of a picture that is rendered does not change how it is
+        // sampled. So do steps whose product overflows.
+        bool apart = isWholeMove(matrix) && !isWholeMove(before->matrix());
+        if (!apart && both.isFinite()) return transform(before->inputs()[0], both);
     }
     auto inverse = matrix.inverse();
     if (!inverse || image->extent().isEmpty()) return empty();

@@ -56,15 +56,13 @@ class DisplacedNode : public Node {
         }
         Pixels in(needed);
         fill(*context.prepare(inputs()[0], needed), in);
+        Readings readings(in);
         for (int y = area.y0; y < area.y1; ++y) {
             float *rowX = &dx[(y - area.y0) * width], *rowY = &dy[(y - area.y0) * width];
-            for (int i = 0; i < area.width(); ++i) {
-                rowX[i] += static_cast<float>(area.x0 + i - needed.x0);
-                rowY[i] += static_cast<float>(y - needed.y0);
-            }
-            for (int x = 0; x < area.width(); x += maxSpan)
-                readBilinear(in, rowX + x, rowY + x, std::min(maxSpan, area.width() - x),
-                             out.at(area.x0 + x, y));
+            eachBlock(area.x0, area.width(), [&](int x, int n) {
+                readings.locate(0, x, y, 1, rowX + (x - area.x0), rowY + (x - area.x0), n);
+                readings.read(n, out.at(x, y));
+            });
         }
     }
 };
@@ -83,7 +81,9 @@ class WarpNode : public DisplacedNode {
     void displace(const IntRect& area, float* dx, float* dy, RenderContext&) const override {
         std::size_t width = area.width();
         for (int y = area.y0; y < area.y1; ++y, dx += width, dy += width)
-            warp_->displace(area.x0, y, area.width(), dx, dy);
+            eachBlock(area.x0, area.width(), [&](int x, int n) {
+                warp_->displace(x, y, n, dx + (x - area.x0), dy + (x - area.x0));
+            });
     }
 
     std::shared_ptr<const Warp> warp_;

@@ -35,7 +35,7 @@ TEST(EveryFilter, DescribesItself) {
     for (const FilterInfo* info : allFilters()) {
         EXPECT_LT(last, info->name);
         last = info->name;
-        EXPECT_FALSE(info->description.empty()) << info->name;
+        EXPECT_TRUE(info->description.ends_with('.')) << info->name;
         // Those that automatic adjustment alone makes are in no category.
         bool hidden = info->name == "CIFaceBalance" || info->name == "CIRedEyeCorrections";
         EXPECT_EQ(info->categories.empty(), hidden) << info->name;
@@ -46,6 +46,16 @@ TEST(EveryFilter, DescribesItself) {
                          input.key == "inputMessage";
             if (!given) EXPECT_TRUE(input.defaultValue) << info->name << input.key;
         }
+    }
+}
+
+TEST(EveryFilter, NamesTheSourceOfItsFormula) {
+    for (const FilterInfo* info : allFilters()) {
+        EXPECT_GT(info->source.text.size(), 4u) << info->name;
+        if (!info->source.residual) continue;
+        EXPECT_EQ(info->source.kind, Source::Kind::fitted) << info->name;
+        EXPECT_GE(*info->source.residual, 0) << info->name;
+        EXPECT_LT(*info->source.residual, 2) << info->name;
     }
 }
 

@@ -105,6 +105,47 @@ TEST_F(Command, RunsTests) {
     EXPECT_EQ(program("Print 1", "--test").code, 1); // running no test is not a success
 }
 
+TEST_F(Command, TellsOneMistakeOnce) {
+    // Wherever a name that is not declared, or declared with a mistake, is used.
+    Outcome run = program("Dim a As New Dictionry\na.Value(1) = 2\nPrint total\nPrint a.Count + total\n"
+                          "Class C\n  Dim q As Foo\n  Sub Go()\n    q.Bar\n    Dim r As Foo\n    r.Bar\n"
+                          "  End Sub\nEnd Class");
+    EXPECT_EQ(run.code, 2);
+    EXPECT_EQ(run.output, "p.rbs:1:14: error: there is no type 'Dictionry'; did you mean 'Dictionary'?\n"
+                          "p.rbs:3:7: error: there is no 'total'\n"
+                          "p.rbs:6:12: error: there is no type 'Foo'\n");
+}
+
+TEST_F(Command, PrintReachesAPipeLineByLine) {
+    // The program would go on for a minute; what it printed has arrived when it is interrupted.
+    std::ofstream(folder / "p.rbs") << "Print 1\nPrint 2\nDoEvents(60000)\nPrint 3";
+    std::string line =
+        "cd " + folder.string() + " && (timeout -s INT 2 " STUDIO_COMMAND " --no-plugins p.rbs | cat)";
+    std::FILE* pipe = popen(line.c_str(), "r");
+    std::array<char, 100> buffer;
+    std::string output(buffer.data(), fread(buffer.data(), 1, buffer.size(), pipe));
+    pclose(pipe);
+    EXPECT_EQ(output, "1\n2\n");
+}
+
+TEST_F(Command, RefusesAFolder) {
+    Outcome run = studio("--no-plugins .");
+    EXPECT_EQ(run.code, 2);
+    EXPECT_EQ(run.output, "studio: cannot read .: it is a folder\n");
+}
+
+TEST_F(Command, SaysWhyAFileCannotBeWritten) {
+    for (std::string statement :
+         {"Dim t As TextOutputStream = TextOutputStream.Create(GetFolderItem(\"no/x\"))",
+          "Dim p As New Picture(2, 2, 32)\np.Save(GetFolderItem(\"no/x\"), Picture.SaveAsPNG)"}) {
+        Outcome run = program(statement);
+        EXPECT_EQ(run.code, 1);
+        EXPECT_NE(run.output.find("cannot write " + (folder / "no/x").string() + ": no such folder\n"),
+                  std::string::npos)
+            << run.output;
+    }
+}
+
 TEST_F(Command, ExplainsItself) {
     EXPECT_EQ(studio("").code, 2);
     EXPECT_EQ(studio("--help").code, 0);

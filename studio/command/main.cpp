@@ -40,7 +40,7 @@ struct CommandLine {
 };
 
 [[noreturn]] void misuse(const std::string& message) {
-    std::fprintf(stderr, "studio: %s\n%s", message.c_str(), kUsage);
+    std::fprintf(stderr, "studio: %s; studio --help lists the options\n", message.c_str());
     std::exit(kMistake);
 }
 
@@ -112,10 +112,14 @@ void loadPlugins(Host& host, const CommandLine& command) {
 } // namespace
 
 int main(int count, char** words) {
+    // Whoever reads along gets each line when it is printed, whatever ends the program.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     CommandLine command = parse(count, words);
     std::ifstream file(command.program, std::ios::binary);
-    if (!file) {
-        std::fprintf(stderr, "studio: cannot read %s: %s\n", command.program.c_str(), std::strerror(errno));
+    bool folder = fs::is_directory(command.program);
+    if (!file || folder) {
+        std::fprintf(stderr, "studio: cannot read %s: %s\n", command.program.c_str(),
+                     folder ? "it is a folder" : std::strerror(errno));
         return kMistake;
     }
     std::stringstream source;

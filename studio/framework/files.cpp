@@ -38,11 +38,20 @@ std::string read(const std::string& path) {
     return result;
 }
 
+void cannotWrite(const std::string& path) {
+    std::string reason = std::strerror(errno);
+    if (isDirectory(path))
+        reason = "it is a folder";
+    else if (!isDirectory(parent(absolute(path))))
+        reason = "no such folder";
+    raise("IOException", "cannot write " + path + ": " + reason);
+}
+
 void write(const std::string& path, const std::string& bytes) {
     std::FILE* file = std::fopen(path.c_str(), "wb");
     bool written = file && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
     if (file && std::fclose(file) != 0) written = false;
-    if (!written) raise("IOException", "cannot write " + path + ": " + std::strerror(errno));
+    if (!written) cannotWrite(path);
 }
 
 } // namespace studio::files

@@ -173,7 +173,7 @@ void save(REALobject self, REALobject file, std::int32_t format, std::int32_t qu
     Owned<CFStringRef> type(static_cast<CFStringRef>(makeCFString(kind.type)));
     Owned<CGImageDestinationRef> destination(url.ref ? CGImageDestinationCreateWithURL(url, type, 1, nullptr)
                                                      : nullptr);
-    if (!destination.ref || !encode(self, destination, quality)) raise("IOException", "cannot write " + path);
+    if (!destination.ref || !encode(self, destination, quality)) files::cannotWrite(path);
 }
 
 REALobject getData(REALobject self, REALstring format, std::int32_t quality) {

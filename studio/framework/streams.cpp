@@ -40,7 +40,7 @@ REALobject openForWriting(REALobject item, const char* mode) {
     if (!item) raise("NilObjectException", "file is nil");
     std::string path = folderItemPath(item);
     std::FILE* file = std::fopen(path.c_str(), mode);
-    if (!file) raise("IOException", "cannot write " + path + ": " + std::strerror(errno));
+    if (!file) files::cannotWrite(path);
     REALobject result = newInstance("TextOutputStream");
     dataOf<OutputStream>(result).file = file;
     return result;

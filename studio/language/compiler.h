@@ -5,6 +5,8 @@
 #include "runtime/arrays.h"
 #include "runtime/class_table.h"
 
+#include <set>
+
 namespace studio {
 
 namespace ast {
@@ -221,6 +223,7 @@ class Compiler {
     Program& program_;
     const ast::Program& source_;
     std::vector<SourceError> errors_;
+    std::set<std::string> spoilt_; // names whose declaration is a mistake, so that using them is none
     std::map<std::string, Local> globals_;
     std::map<const Class*, std::vector<Field>> fields_;
     std::map<const Class*, std::map<std::string, Local>> shared_; // properties, by folded name

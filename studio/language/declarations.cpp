@@ -8,6 +8,7 @@
 #include "targets.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <tuple>
@@ -86,40 +87,14 @@ Local& Compiler::declareLocal(const std::string& name, Position position, const 
     return entry->second;
 }
 
-namespace {
-
-std::size_t editDistance(const std::string& a, const std::string& b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            std::size_t next = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (a[i - 1] != b[j - 1])});
-            diagonal = row[j];
-            row[j] = next;
-        }
-    }
-    return row[b.size()];
-}
-
-} // namespace
-
 void Compiler::unknown(Position position, const std::string& what, std::string_view name,
                        const std::vector<std::string>& known) {
     if (auto global = globals_.find(folded(name)); global != globals_.end() && !global->second.declaredYet)
         throw SourceError(position, what + " '" + std::string(name) + "' yet: its Dim comes later");
-    std::string best;
-    std::size_t nearest = std::max<std::size_t>(2, name.size() / 3) + 1;
-    for (const std::string& candidate : known) {
-        std::size_t distance = editDistance(folded(name), folded(candidate));
-        if (distance < nearest) {
-            nearest = distance;
-            best = candidate;
-        }
-    }
-    throw SourceError(position, what + " '" + std::string(name) + "'" +
-                                    (best.empty() ? "" : "; did you mean '" + best + "'?"));
+    SourceError error(position, what + " '" + std::string(name) + "'" + suggestion(name, known));
+    error.unknownName = true;
+    error.consequence = spoilt_.contains(folded(name));
+    throw error;
 }
 
 std::vector<std::string> Compiler::namesInScope() const {
@@ -240,24 +215,25 @@ void Compiler::declareClasses() {
 }
 
 void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
-    auto guarded = [&](auto body) {
+    auto guarded = [&](const std::string& name, auto body) {
         try {
             body();
         } catch (const SourceError& error) {
+            spoilt_.insert(folded(name));
             errors_.push_back(error);
         }
     };
     owner_ = &cls; // its constants and shared properties have names
     hasSelf_ = false;
     for (const ast::Variable& v : source.constants)
-        guarded([&] {
+        guarded(v.name, [&] {
             Local constant = constantOf(v);
             cls.constants.push_back({v.name, v.name, *constant.constant});
         });
     std::vector<Field>& fields = fields_[&cls];
     std::vector<std::pair<Field, Code>> initials;
     for (const ast::Variable& v : source.properties)
-        guarded([&] {
+        guarded(v.name, [&] {
             if (findField(&cls, v.name) || shared_[&cls].contains(folded(v.name)))
                 throw SourceError(v.position, "there is already a property '" + v.name + "'");
             if (v.shared) return declareShared(v, cls);
@@ -281,7 +257,8 @@ void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
         });
     std::int32_t handlers = cls.dataOffset + std::int32_t(source.properties.size() * sizeof(Bits));
     for (std::size_t i = 0; i < source.events.size(); ++i)
-        guarded([&] { defineEvent(source.events[i], cls, handlers + std::int32_t(i * sizeof(Bits))); });
+        guarded(source.events[i].name,
+                [&] { defineEvent(source.events[i], cls, handlers + std::int32_t(i * sizeof(Bits))); });
     cls.initialize = [initials = std::move(initials), slots = slotCount_,
                       program = &program_](REALobject self) {
         Program::Statement statement(*program);
@@ -298,13 +275,14 @@ void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
         for (const Event& event : events)
             heap().release(std::exchange(dataAt<Bits>(self, event.handler), Bits()).object);
     };
-    if (source.kind == ast::ClassKind::Structure) guarded([&] { defineStructure(source, cls); });
+    if (source.kind == ast::ClassKind::Structure) guarded(source.name, [&] { defineStructure(source, cls); });
 }
 
 void Compiler::declareMethods(const ast::ClassDeclaration& source, Class& cls) {
     for (const ast::Routine& method : source.methods) try {
             declareRoutine(method, &cls);
         } catch (const SourceError& error) {
+            spoilt_.insert(folded(method.signature.name));
             errors_.push_back(error);
         }
 }
@@ -401,6 +379,7 @@ void Compiler::declareGlobalConstants() {
         try {
             addGlobal(v.name, v.position, constantOf(v));
         } catch (const SourceError& error) {
+            spoilt_.insert(folded(v.name));
             errors_.push_back(error);
         }
     }
@@ -412,6 +391,7 @@ void Compiler::declareGlobals() {
                 if (s->kind == ast::StatementKind::Dim)
                     addGlobalVariable(v.name, v.position, resolveType(v.type), false);
             } catch (const SourceError& error) {
+                spoilt_.insert(folded(v.name));
                 errors_.push_back(error);
             }
 }
@@ -460,22 +440,29 @@ void Compiler::compile() {
     for (const ast::Routine& routine : source_.routines) try {
             declareRoutine(routine, nullptr);
         } catch (const SourceError& error) {
+            spoilt_.insert(folded(routine.signature.name));
             errors_.push_back(error);
         }
     declareGlobals();
     compileBodies();
     if (errors_.empty()) return;
+    std::erase_if(errors_, [](const SourceError& error) { return error.consequence; });
     std::stable_sort(errors_.begin(), errors_.end(), [](const SourceError& a, const SourceError& b) {
         auto order = [](const Position& p) { return std::tuple(p.file, p.line, p.column); };
         return order(a.position) < order(b.position);
     });
-    // A declaration is looked at more than once, but told of once.
-    auto same = [](const SourceError& a, const SourceError& b) {
-        return a.position.file == b.position.file && a.position.line == b.position.line &&
-               a.position.column == b.position.column && std::string_view(a.what()) == b.what();
-    };
-    errors_.erase(std::unique(errors_.begin(), errors_.end(), same), errors_.end());
-    throw SourceErrors{std::move(errors_), program_.files};
+    // Some declarations are looked at twice.
+    std::vector<SourceError> told;
+    for (const SourceError& error : errors_) {
+        bool again = std::any_of(told.begin(), told.end(), [&](const SourceError& other) {
+            bool samePlace = other.position.file == error.position.file &&
+                             other.position.line == error.position.line &&
+                             other.position.column == error.position.column;
+            return std::strcmp(other.what(), error.what()) == 0 && (error.unknownName || samePlace);
+        });
+        if (!again) told.push_back(error);
+    }
+    throw SourceErrors{std::move(told), program_.files};
 }
 
 std::unique_ptr<Program> compileProgram(const std::string& fileName, std::string_view source) {

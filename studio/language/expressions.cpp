@@ -29,7 +29,9 @@ std::vector<const ast::Expr*> pointers(const std::vector<ast::ExprPtr>& list) {
 }
 
 [[noreturn]] void nilHas(const Type* type, const std::string& member) {
-    raise("NilObjectException", "this " + type->name + " is nil and has no " + member);
+    const auto& note = runtime().foundNothing;
+    raise("NilObjectException", "this " + type->name + " is nil and has no " + member +
+                                    (note.type == type ? "; " + note.call + " returned nil" : ""));
 }
 
 ArrayObject& arrayIn(const ObjectRef& object) {

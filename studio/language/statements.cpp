@@ -239,7 +239,13 @@ Action Compiler::dim(const ast::Statement& s) {
 Action Compiler::declare(const ast::Variable& v) {
     // Routines may use a global from the start; the main program only after its Dim.
     bool global = routine_ == &program_.main && scopes_.size() == 1;
-    const Type* type = resolveType(v.type);
+    const Type* type = nullptr;
+    try {
+        type = resolveType(v.type);
+    } catch (const SourceError&) {
+        spoilt_.insert(folded(v.name));
+        throw;
+    }
     Local variable;
     Code initial;
     std::optional<SourceError> mistake; // declared all the same, or every use would be another mistake

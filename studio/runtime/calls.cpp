@@ -4,6 +4,7 @@
 #include "runtime/autorelease_pool.h"
 #include "runtime/exceptions.h"
 #include "runtime/references.h"
+#include "runtime/strings.h"
 #include "runtime/variants.h"
 
 #include <ffi.h>
@@ -167,12 +168,28 @@ Bits callByOrigin(const CallPlan& plan, void* function, Origin origin, REALobjec
     return result;
 }
 
+/// Remembers a call that looked something up by its name and found nothing, until one of that type finds
+/// something.
+void noteWhatWasFound(const Method& method, const Bits* arguments, Bits result) {
+    const std::vector<Parameter>& parameters = method.signature.parameters;
+    bool byName = method.origin == Origin::Plugin && method.signature.result && !parameters.empty() &&
+                  method.signature.result->kind == Kind::Object && parameters[0].type->kind == Kind::String;
+    if (!byName) return;
+    auto& note = runtime().foundNothing;
+    if (!result.object)
+        note = {method.signature.result, method.fullName() + "(\"" + toUtf8(arguments[0].string) + "\")"};
+    else if (note.type == method.signature.result)
+        note = {};
+}
+
 } // namespace
 
 Bits invoke(const Method& method, REALobject self, const Bits* arguments) {
     if (method.routine) // runRoutine is empty when an object outlives its program
         return runtime().runRoutine ? runtime().runRoutine(method, self, arguments) : Bits();
-    return callByOrigin(planOf(method, false), method.function, method.origin, self, arguments);
+    Bits result = callByOrigin(planOf(method, false), method.function, method.origin, self, arguments);
+    noteWhatWasFound(method, arguments, result);
+    return result;
 }
 
 void invokeSetter(const Method& method, REALobject self, const Bits* arguments) {

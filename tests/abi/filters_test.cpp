@@ -28,11 +28,11 @@ class Filters : public PluginTest {
     std::size_t countOfAll() { return inCategories({"CICategoryBuiltIn"}).size(); }
     // Cocoa's message about an unknown key.
     static std::string reason(const Value& filter, const char* method, const char* key) {
-        char text[200];
+        char text[300];
         std::snprintf(
             text, sizeof text,
             "RuntimeException: [<CISepiaTone 0x%x> %s]: this class is not key value coding-compliant "
-            "for the key %s.",
+            "for the key %s. The inputs of CISepiaTone are inputImage, inputIntensity.",
             filter.word(), method, key);
         return text;
     }

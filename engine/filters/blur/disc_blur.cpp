@@ -102,6 +102,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIDiscBlur",
                         "Disc Blur",
                         "Blurs a picture by the mean of a disc around each pixel, as a lens does.",
+                        fitted("the mean of a disc, which Core Image approximates", 0.4),
                         "10.5",
                         categories("Blur Video StillImage BuiltIn"),
                         {imageInput(), numberInput("inputRadius", "Radius", "Distance",

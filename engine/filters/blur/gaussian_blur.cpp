@@ -13,6 +13,7 @@ const Registrar filter{
     {"CIGaussianBlur",
      "Gaussian Blur",
      "Blurs a picture with a bell-shaped spread.",
+     fitted("the radius is the standard deviation", 0.12),
      "10.4",
      categories("Blur StillImage Video BuiltIn"),
      {imageInput(), numberInput("inputRadius", "Radius", "Scalar",

@@ -21,8 +21,7 @@ Rect pyramidExtent(const Rect& r, double radius) {
 
 /// The mask's linear light times the radius is how wide to blur: at 0.66 * 2^k pixels it shows level k of the
 /// pyramid, and between levels it is eased from one to the next over the logarithm. Without a mask, and where
-/// the mask is black or clear, the image stays. (Fitted to a picture of Core Image's, mean residual 0.2 of
-/// 255.)
+/// the mask is black or clear, the image stays.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage"), mask = in.image("inputMask"), out = image;
     double radius = in.number("inputRadius", 0, 1000), levels = radius / 0.66;
@@ -47,6 +46,7 @@ InputInfo maskInput() {
 const Registrar filter{{"CIMaskedVariableBlur",
                         "Masked Variable Blur",
                         "Blurs a picture the more, the brighter a mask is.",
+                        fitted("a pyramid of blurs, read at the level that the mask asks for", 0.17),
                         "10.10",
                         categories("Blur StillImage Video BuiltIn"),
                         {imageInput(), maskInput(),

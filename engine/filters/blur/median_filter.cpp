@@ -44,6 +44,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIMedianFilter",
                         "Median",
                         "Takes out specks by the median of the pixels around each pixel.",
+                        publicDefinition("the median of 3 by 3 pixels"),
                         "10.4",
                         categories("Blur Video StillImage BuiltIn"),
                         {imageInput()},

@@ -118,8 +118,7 @@ Image smallest(const Image& image, const Shape& shape) {
     return std::make_shared<ExtremeNode<Smaller>>(image, extent, shape);
 }
 
-/// Of each premultiplied component and alpha, in the disc with that radius. (Fitted to a picture of Core
-/// Image's, mean residual 0.00 of 255.)
+/// Of each premultiplied component and alpha, in the disc with that radius.
 template <Image (*extreme)(const Image&, const Shape&)>
 Image inDisc(const Inputs& in) {
     return extreme(in.image("inputImage"), disc(in.number("inputRadius", 0, 500)));
@@ -144,9 +143,9 @@ Image gradient(const Inputs& in) {
     });
 }
 
-FilterInfo info(const char* name, const char* displayName, const char* description, const char* since,
-                std::vector<InputInfo> inputs, Image (*build)(const Inputs&)) {
-    return {name,   displayName, description, since, categories("Blur Video StillImage BuiltIn"),
+FilterInfo info(const char* name, const char* displayName, const char* description, Source source,
+                const char* since, std::vector<InputInfo> inputs, Image (*build)(const Inputs&)) {
+    return {name,   displayName, description, source, since, categories("Blur Video StillImage BuiltIn"),
             inputs, build};
 }
 std::vector<InputInfo> radiusInputs(const NumberFacts& facts) {
@@ -160,18 +159,28 @@ std::vector<InputInfo> sideInputs() {
 constexpr NumberFacts radius{.value = 0, .identity = 0, .sliderMin = 0, .sliderMax = 50};
 
 const Registrar filters[] = {
-    Registrar(info("CIMorphologyMaximum", "Morphology Maximum", "Lightens a picture by round spots.", "10.13",
-                   radiusInputs(radius), inDisc<largest>)),
-    Registrar(info("CIMorphologyMinimum", "Morphology Minimum", "Darkens a picture by round spots.", "10.13",
-                   radiusInputs(radius), inDisc<smallest>)),
-    Registrar(info("CIMorphologyGradient", "Morphology Gradient",
-                   "Shows the edges of a picture by how much colours differ nearby.", "10.13",
-                   radiusInputs({.value = 5, .identity = 0, .min = 0, .sliderMin = 0, .sliderMax = 50}),
-                   gradient)),
+    Registrar(info("CIMorphologyMaximum", "Morphology Maximum", "Lightens a picture by round spots.",
+                   fitted("the largest of each component in a disc", 0), "10.13", radiusInputs(radius),
+                   inDisc<largest>)),
+    Registrar(info("CIMorphologyMinimum", "Morphology Minimum", "Darkens a picture by round spots.",
+                   publicDefinition(
+                       "the smallest of each component in a disc, as CIMorphologyMaximum takes the largest"),
+                   "10.13", radiusInputs(radius), inDisc<smallest>)),
+    Registrar(info(
+        "CIMorphologyGradient", "Morphology Gradient",
+        "Shows the edges of a picture by how much colours differ nearby.",
+        ourOwn(
+            "Core Image documents the difference of the extremes; that flat places are black is our reading"),
+        "10.13", radiusInputs({.value = 5, .identity = 0, .min = 0, .sliderMin = 0, .sliderMax = 50}),
+        gradient)),
     Registrar(info("CIMorphologyRectangleMaximum", "Morphology Rectangle Maximum",
-                   "Lightens a picture by rectangular spots.", "10.15", sideInputs(), inRectangle<largest>)),
+                   "Lightens a picture by rectangular spots.",
+                   publicDefinition("Core Image's documentation: the largest in a rectangle with odd sides"),
+                   "10.15", sideInputs(), inRectangle<largest>)),
     Registrar(info("CIMorphologyRectangleMinimum", "Morphology Rectangle Minimum",
-                   "Darkens a picture by rectangular spots.", "10.15", sideInputs(), inRectangle<smallest>)),
+                   "Darkens a picture by rectangular spots.",
+                   publicDefinition("Core Image's documentation: the smallest in a rectangle with odd sides"),
+                   "10.15", sideInputs(), inRectangle<smallest>)),
 };
 
 } // namespace

@@ -50,6 +50,7 @@ const Registrar filter{
     {"CIMotionBlur",
      "Motion Blur",
      "Blurs a picture in one direction, as if it moved.",
+     fitted("a Gaussian along the angle; the haze around Core Image's picture is left out", 0.9),
      "10.4",
      categories("Blur StillImage Video BuiltIn"),
      {imageInput(),

@@ -28,6 +28,7 @@ InputInfo secondInput() {
 const Registrar filter{{"CIColorAbsoluteDifference",
                         "Color Absolute Difference",
                         "Shows how much the colours of two pictures differ.",
+                        publicDefinition("Apple's documented formula"),
                         "11.0",
                         categories("ColorAdjustment Video Interlaced NonSquarePixels StillImage BuiltIn"),
                         {imageInput(), secondInput()},

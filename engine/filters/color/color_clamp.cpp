@@ -4,7 +4,7 @@
 
 namespace engine {
 
-/// Each component of the straight colour is kept between two limits; the upper one wins. (Public definition.)
+/// Each component of the straight colour is kept between two limits; the upper one wins.
 static Image build(const Inputs& in) {
     auto low = floats<4>(in, "inputMinComponents"), high = floats<4>(in, "inputMaxComponents");
     return eachStraightPixel(in.image("inputImage"), "color clamp", [=](Pixel p) SIMD_INLINE -> Pixel {
@@ -17,6 +17,7 @@ static const Registrar filter{
     {"CIColorClamp",
      "Color Clamp",
      "Keeps each colour component between two limits.",
+     publicDefinition("each component kept between two limits"),
      "10.9",
      categories("ColorAdjustment Video Interlaced NonSquarePixels StillImage BuiltIn"),
      {imageInput(), vectorInput("inputMinComponents", "Min Components", "", {0, 0, 0, 0}),

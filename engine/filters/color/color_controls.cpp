@@ -5,7 +5,7 @@
 namespace engine {
 
 /// Saturation mixes with the luminance, then contrast scales around one half, and brightness is added last.
-/// All in linear light. (Fitted to Core Image's pictures.)
+/// All in linear light.
 static Image build(const Inputs& in) {
     double s = in.number("inputSaturation", -1000, 1000), c = in.number("inputContrast", -1000, 1000);
     double bias = 0.5 - 0.5 * c + in.number("inputBrightness", -1000, 1000);
@@ -18,6 +18,7 @@ static const Registrar filter{
     {"CIColorControls",
      "Color Controls",
      "Changes the saturation, brightness and contrast of a picture.",
+     fitted("saturation, then contrast around one half, then brightness, in linear light"),
      "10.4",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(),

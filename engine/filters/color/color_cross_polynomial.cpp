@@ -35,6 +35,7 @@ const Registrar filter{
     {"CIColorCrossPolynomial",
      "Color Cross Polynomial",
      "Makes each colour component a quadratic polynomial of all three.",
+     publicDefinition("Apple's documented formula"),
      "10.9",
      categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
      {imageInput(), coefficients("Red", 0), coefficients("Green", 1), coefficients("Blue", 2)},

@@ -137,13 +137,15 @@ InputInfo spaceInput() {
 }
 
 const Registrar cubes{{"CIColorCube", "Color Cube", "Looks every colour up in a table with three dimensions.",
-                       "10.4", categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
+                       publicDefinition("trilinear interpolation in a table"), "10.4",
+                       categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
                        cubeInputs(), build}};
 
 const Registrar cubesInSpaces{
     {"CIColorCubeWithColorSpace", "Color Cube with ColorSpace",
      "Looks every colour up in a table with three dimensions, which holds colours of a space of its own.",
-     "10.9", categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
+     publicDefinition("trilinear interpolation in a table, in the table's colour space"), "10.9",
+     categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
      [] {
          std::vector<InputInfo> inputs = cubeInputs();
          inputs.push_back(spaceInput());

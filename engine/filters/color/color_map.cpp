@@ -8,8 +8,7 @@ namespace engine {
 namespace {
 
 /// Looks the linear luminance of each pixel up in the lowest row of a gradient, which it reads as a line from
-/// the left edge for black to the right edge for white. (Fitted to Core Image's picture: mean residual 0.28
-/// of 255.)
+/// the left edge for black to the right edge for white.
 class ColorMapNode : public Node {
   public:
     ColorMapNode(const Image& image, const Image& gradient)
@@ -43,7 +42,7 @@ class ColorMapNode : public Node {
                 place[i] = width * simd::unit(light) - 0.5f;
                 alpha[i] = p.a;
             });
-            readBilinear(gradient_, place, zero, n, out);
+            readBilinear(gradient_, gradient_.area.x0, gradient_.area.y0, place, zero, n, out);
             for (float* p : out.plane)
                 eachIndex(n, [=, alpha = alpha](int i) SIMD_INLINE { p[i] *= alpha[i]; });
         }
@@ -72,6 +71,7 @@ InputInfo gradientInput() {
 const Registrar filter{{"CIColorMap",
                         "Color Map",
                         "Gives a picture the colours of a gradient, by how bright it is.",
+                        fitted("linear luminance looked up in the gradient's lowest row", 0.28),
                         "10.4",
                         categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
                         {imageInput(), gradientInput()},

@@ -21,6 +21,7 @@ static const Registrar filter{
     {"CIColorMatrix",
      "Color Matrix",
      "Makes each component a weighted sum of all components plus a constant.",
+     publicDefinition("Apple's documented formula"),
      "10.4",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(), vectorInput("inputRVector", "Red Vector", "", {1, 0, 0, 0}, Numbers{1, 0, 0, 0}),

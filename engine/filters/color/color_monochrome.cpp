@@ -5,7 +5,7 @@
 namespace engine {
 
 /// Mixes each pixel with a shade: from black to the colour at luminance one half, and on to white, both ways
-/// in even steps of linear light. (Fitted to Core Image's pictures.)
+/// in even steps of linear light.
 static Image build(const Inputs& in) {
     double intensity = in.number("inputIntensity", -10, 10);
     if (intensity == 0) return in.image("inputImage");
@@ -25,6 +25,7 @@ static const Registrar filter{
     {"CIColorMonochrome",
      "Color Monochrome",
      "Turns a picture into shades of one colour.",
+     fitted("black to the colour at luminance one half and on to white"),
      "10.4",
      categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
      {imageInput(), colorInput("inputColor", "Color", "OpaqueColor", {0.6, 0.45, 0.3, 1}),

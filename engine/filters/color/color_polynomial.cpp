@@ -28,6 +28,7 @@ const Registrar filter{
     {"CIColorPolynomial",
      "Color Polynomial",
      "Makes each colour component a cubic polynomial of itself.",
+     publicDefinition("Apple's documented formula"),
      "10.9",
      categories("ColorAdjustment Video Interlaced NonSquarePixels StillImage BuiltIn"),
      {imageInput(), coefficients("Red"), coefficients("Green"), coefficients("Blue"), coefficients("Alpha")},

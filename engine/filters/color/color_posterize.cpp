@@ -16,6 +16,7 @@ static const Registrar filter{
     {"CIColorPosterize",
      "Color Posterize",
      "Leaves a picture only so many steps of each colour component.",
+     fitted("even steps of linear light; every pixel agrees", 0),
      "10.4",
      categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
      {imageInput(), numberInput("inputLevels", "Levels", "Scalar",

@@ -16,6 +16,7 @@ static const Registrar filter{
     {"CIColorThreshold",
      "Color Threshold",
      "Makes each colour component full or nothing.",
+     publicDefinition("Apple's documented definition"),
      "11.0",
      categories("ColorAdjustment Video Interlaced NonSquarePixels StillImage BuiltIn"),
      {imageInput(),

@@ -15,6 +15,7 @@ static const Registrar filter{
     {"CIExposureAdjust",
      "Exposure Adjust",
      "Brightens or darkens a picture as a longer or shorter exposure would.",
+     publicDefinition("rgb * 2^EV in linear light"),
      "10.4",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(),

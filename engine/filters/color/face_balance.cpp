@@ -11,7 +11,7 @@ constexpr double skinI = 0.103905, skinQ = 0.0176465;
 
 /// Adds a shift in I and Q to coded colour. It comes with the luminance, as a colour of the light would: by
 /// its full amount where that is 1, and not at all in black. Warmth 0.5 aims at skin in neutral light; 0 at
-/// half of its I, 1 at half as much again. (Our own formula.)
+/// half of its I, 1 at half as much again.
 Image build(const Inputs& in) {
     double strength = in.number("inputStrength", 0, 1), warmth = in.number("inputWarmth", 0, 1);
     float shiftI = static_cast<float>(strength * (skinI * (0.5 + warmth) - in.number("inputOrigI", -1, 1)));
@@ -31,6 +31,7 @@ const Registrar filter{
     {"CIFaceBalance",
      "Face Balance",
      "Shifts the colours of a picture so that a face in it gets the colour of skin in good light.",
+     ourOwn("a shift of I and Q towards the colour of skin"),
      "10.8",
      {},
      {imageInput(),

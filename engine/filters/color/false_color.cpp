@@ -20,13 +20,15 @@ static Image build(const Inputs& in) {
     });
 }
 
-static const Registrar filter{{"CIFalseColor",
-                               "False Color",
-                               "Puts a mix of two colours in place of dark and bright.",
-                               "10.4",
-                               categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
-                               {imageInput(), colorInput("inputColor0", "Color 1", "Color", {0.3, 0, 0, 1}),
-                                colorInput("inputColor1", "Color 2", "Color", {1, 0.9, 0.8, 1})},
-                               build}};
+static const Registrar filter{
+    {"CIFalseColor",
+     "False Color",
+     "Puts a mix of two colours in place of dark and bright.",
+     publicDefinition("a mix of two colours by brightness; that it is linear luminance is fitted"),
+     "10.4",
+     categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
+     {imageInput(), colorInput("inputColor0", "Color 1", "Color", {0.3, 0, 0, 1}),
+      colorInput("inputColor1", "Color 2", "Color", {1, 0.9, 0.8, 1})},
+     build}};
 
 } // namespace engine

@@ -17,6 +17,7 @@ static const Registrar filter{
     {"CIGammaAdjust",
      "Gamma Adjust",
      "Lightens or darkens the middle tones by a power curve.",
+     publicDefinition("rgb to a power"),
      "10.4",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(), numberInput("inputPower", "Power", "Scalar",

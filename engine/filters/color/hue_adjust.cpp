@@ -7,7 +7,7 @@
 namespace engine {
 
 /// The rotation of hues that keeps luminance, hueRotate of SVG's feColorMatrix, in linear light: a positive
-/// angle turns red towards yellow. (Fitted to Core Image's pictures.)
+/// angle turns red towards yellow.
 static Image build(const Inputs& in) {
     double angle = in.number("inputAngle", -1e6, 1e6), c = std::cos(angle), s = std::sin(angle);
     // Gray, the part of a colour that turns with the cosine, and the part across it that turns with the sine.
@@ -22,6 +22,7 @@ static const Registrar filter{
     {"CIHueAdjust",
      "Hue Adjust",
      "Turns all hues around the colour circle by an angle.",
+     fitted("hueRotate of SVG's feColorMatrix, in linear light"),
      "10.4",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(), numberInput("inputAngle", "Angle", "Angle",

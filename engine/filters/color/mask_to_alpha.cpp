@@ -17,6 +17,7 @@ static const Registrar filter{
     {"CIMaskToAlpha",
      "Mask to Alpha",
      "Turns a picture in grays into white that is opaque where the picture is bright.",
+     publicDefinition("white as opaque as the pixel is bright; that it is linear luminance is fitted"),
      "10.4",
      categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
      {imageInput()},

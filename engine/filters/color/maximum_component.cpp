@@ -13,6 +13,7 @@ static Image build(const Inputs& in) {
 static const Registrar filter{{"CIMaximumComponent",
                                "Maximum Component",
                                "Makes a gray picture of the largest component of each pixel.",
+                               publicDefinition("the largest component"),
                                "10.5",
                                categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
                                {imageInput()},

@@ -13,6 +13,7 @@ static Image build(const Inputs& in) {
 static const Registrar filter{{"CIMinimumComponent",
                                "Minimum Component",
                                "Makes a gray picture of the smallest component of each pixel.",
+                               publicDefinition("the smallest component"),
                                "10.5",
                                categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
                                {imageInput()},

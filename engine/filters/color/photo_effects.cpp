@@ -11,23 +11,27 @@ namespace {
 
 struct Look {
     const char *name, *displayName, *description;
+    Source source;
     std::string_view table;
 };
 
 constexpr Look looks[] = {
     {"CIPhotoEffectChrome", "Photo Effect Chrome", "Exaggerates colours, as slides on chrome film do.",
-     photo::chrome},
-    {"CIPhotoEffectFade", "Photo Effect Fade", "Fades colours.", photo::fade},
+     fitted("a table of 11 x 11 x 11 colours", 0.51), photo::chrome},
+    {"CIPhotoEffectFade", "Photo Effect Fade", "Fades colours.",
+     fitted("a table of 11 x 11 x 11 colours", 0.2), photo::fade},
     {"CIPhotoEffectInstant", "Photo Effect Instant", "Distorts colours as instant pictures do.",
-     photo::instant},
+     fitted("a table of 11 x 11 x 11 colours", 0.27), photo::instant},
     {"CIPhotoEffectMono", "Photo Effect Mono", "Makes a black-and-white picture of low contrast.",
-     photo::mono},
+     fitted("a table of 11 x 11 x 11 grays", 0.19), photo::mono},
     {"CIPhotoEffectNoir", "Photo Effect Noir", "Makes a black-and-white picture of high contrast.",
-     photo::noir},
-    {"CIPhotoEffectProcess", "Photo Effect Process", "Gives a picture cool colours.", photo::process},
+     fitted("a table of 11 x 11 x 11 grays", 0.21), photo::noir},
+    {"CIPhotoEffectProcess", "Photo Effect Process", "Gives a picture cool colours.",
+     fitted("a table of 11 x 11 x 11 colours", 0.33), photo::process},
     {"CIPhotoEffectTonal", "Photo Effect Tonal", "Makes a black-and-white picture that keeps the contrast.",
-     photo::tonal},
-    {"CIPhotoEffectTransfer", "Photo Effect Transfer", "Gives a picture warm colours.", photo::transfer},
+     fitted("a table of 11 x 11 x 11 grays", 0.2), photo::tonal},
+    {"CIPhotoEffectTransfer", "Photo Effect Transfer", "Gives a picture warm colours.",
+     fitted("a table of 11 x 11 x 11 colours", 0.35), photo::transfer},
 };
 
 constexpr int lattice = 11, finer = 3, side = (lattice - 1) * finer + 1;
@@ -120,13 +124,11 @@ Image build(const Inputs& in) {
 template <std::size_t... i>
 std::array<Registrar, sizeof...(i)> registerAll(std::index_sequence<i...>) {
     auto info = [](const Look& look, Image (*build)(const Inputs&)) -> FilterInfo {
-        return {look.name,
-                look.displayName,
-                look.description,
-                "10.9",
-                categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
-                {imageInput()},
-                build};
+        return {
+            look.name,        look.displayName,
+            look.description, look.source,
+            "10.9",           categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
+            {imageInput()},   build};
     };
     return {Registrar(info(looks[i], build<i>))...};
 }

@@ -8,9 +8,9 @@ namespace engine {
 
 namespace {
 
-/// Takes the red out of a pupil: what is much redder than skin, in a circle that fades out between 0.8
-/// and 1.2 of the radius. In linear light skin has up to three times as much red as green or blue, a
-/// flash-lit pupil many times. (Our own formula.)
+/// Takes the red out of a pupil: what is much redder than skin, in a circle that fades out between 0.8 and
+/// 1.2 of the radius. In linear light skin has up to three times as much red as green or blue, a flash-lit
+/// pupil many times.
 SpanFunction correctionStep(Point centre, double radius) {
     return [=](const Span& s, int x, int y, int n) {
         double dy = (y + 0.5 - centre.y) / radius;
@@ -46,6 +46,7 @@ const Registrar filter{
     {"CIRedEyeCorrections",
      "Red Eye Corrections",
      "Takes the red of a flash out of pupils, which are given as x, y and radius of each.",
+     ourOwn("red that is far from that of skin is taken out of a circle"),
      "10.8",
      {},
      {imageInput(), vectorInput("inputCorrectionInfo", "Correction Info", "", {}, Numbers{})},

@@ -23,6 +23,7 @@ static const Registrar filter{
     {"CISepiaTone",
      "Sepia Tone",
      "Tints a picture brown like an old photograph.",
+     fitted("a power of the luminance for each component, within 0.0014 of 1"),
      "10.4",
      categories("ColorEffect Video Interlaced NonSquarePixels StillImage BuiltIn"),
      {imageInput(), numberInput("inputIntensity", "Intensity", "Scalar",

@@ -16,21 +16,20 @@ Image toSrgb(const Inputs& in) {
                              [](float v) SIMD_INLINE { return simd::linearToSrgb(v); });
 }
 
-FilterInfo info(const char* name, const char* displayName, const char* description,
+FilterInfo info(const char* name, const char* displayName, const char* description, Source source,
                 Image (*build)(const Inputs&)) {
-    return {name,
-            displayName,
-            description,
-            "10.10",
-            categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
-            {imageInput()},
-            build};
+    return {name,           displayName,
+            description,    source,
+            "10.10",        categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
+            {imageInput()}, build};
 }
 
 const Registrar linear{info("CISRGBToneCurveToLinear", "sRGB Tone Curve to Linear",
-                            "Takes colours as coded by sRGB and makes them linear.", toLinear)};
+                            "Takes colours as coded by sRGB and makes them linear.",
+                            publicDefinition("IEC 61966-2-1"), toLinear)};
 const Registrar coding{info("CILinearToSRGBToneCurve", "Linear to sRGB Tone Curve",
-                            "Takes colours as linear and codes them as sRGB does.", toSrgb)};
+                            "Takes colours as linear and codes them as sRGB does.",
+                            publicDefinition("IEC 61966-2-1"), toSrgb)};
 
 } // namespace
 

@@ -70,6 +70,7 @@ const Registrar filter{
     {"CITemperatureAndTint",
      "Temperature and Tint",
      "Makes the white of one light the white of another.",
+     ourOwn("von Kries's adaptation in Bradford's cones, from the light of black bodies"),
      "10.7",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(), vectorInput("inputNeutral", "Neutral", "Offset", {6500, 0}, Numbers{6500, 0}),

@@ -88,6 +88,7 @@ InputInfo pointInput(const std::string& number, double value) {
 const Registrar filter{{"CIToneCurve",
                         "Tone Curve",
                         "Changes brightness along a curve through five points.",
+                        fitted("a natural cubic spline of coded colours"),
                         "10.7",
                         categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
                         {imageInput(), pointInput("0", 0), pointInput("1", 0.25), pointInput("2", 0.5),

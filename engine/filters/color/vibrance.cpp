@@ -7,10 +7,9 @@ namespace engine {
 /// Scales the distance of a colour from the mean of its components, in linear light.
 ///
 /// An amount of -1 leaves 0.15 of it where a colour is vivid and 0.55 where it is dull, between these by the
-/// root of what the saturation lacks to 1; reds keep 0.19 however vivid they are. (Fitted to Core Image's
-/// pictures.) Smaller negative amounts take off their share of that. No picture of a positive amount is
-/// known: there it is the dull colours that change by 0.85 of the amount, vivid ones by 0.45, and reds, skin
-/// among them, by 0.25.
+/// root of what the saturation lacks to 1; reds keep 0.19 however vivid they are. Smaller negative amounts
+/// take off their share of that. No picture of a positive amount is known: there it is the dull colours that
+/// change by 0.85 of the amount, vivid ones by 0.45, and reds, skin among them, by 0.25.
 static Image build(const Inputs& in) {
     double amount = in.number("inputAmount", -1, 1);
     if (amount == 0) return in.image("inputImage");
@@ -35,6 +34,7 @@ static const Registrar filter{
     {"CIVibrance",
      "Vibrance",
      "Makes dull colours more vivid, and leaves skin and vivid colours alone.",
+     fitted("an amount of -1; positive amounts are our own"),
      "10.7",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(),

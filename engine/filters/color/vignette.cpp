@@ -27,6 +27,7 @@ static const Registrar filter{
     {"CIVignette",
      "Vignette",
      "Darkens a picture towards its corners.",
+     fitted("one picture of intensity 2 and radius 10; how the radius counts otherwise is our own"),
      "10.9",
      categories("ColorEffect Video Interlaced StillImage BuiltIn"),
      {imageInput(),

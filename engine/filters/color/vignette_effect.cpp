@@ -29,6 +29,7 @@ static const Registrar filter{
     {"CIVignetteEffect",
      "Vignette Effect",
      "Darkens a picture outside of a circle.",
+     fitted("a falloff of 0.5; other falloffs are our own", 0.08),
      "10.9",
      categories("ColorEffect Video Interlaced StillImage BuiltIn"),
      {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -20,6 +20,7 @@ static const Registrar filter{
     {"CIWhitePointAdjust",
      "White Point Adjust",
      "Tints a picture so that white becomes a given colour.",
+     fitted("each component times the colour's, in linear light", 0.07),
      "10.4",
      categories("ColorAdjustment Video StillImage Interlaced NonSquarePixels BuiltIn"),
      {imageInput(), colorInput("inputColor", "Color", "Color", {1, 1, 1, 1}, Color{1, 1, 1, 1})},

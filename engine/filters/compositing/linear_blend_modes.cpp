@@ -48,6 +48,7 @@ struct Divide {
 
 struct Mode {
     const char *name, *displayName, *description;
+    Source source;
     BlendMode blend;
 };
 
@@ -55,22 +56,27 @@ constexpr Mode modes[] = {
     {"CILinearBurnBlendMode",
      "Linear Burn Blend Mode",
      "Darkens the background by what the picture on top lacks to white.",
+     publicDefinition("the usual formula, in PDF's frame of separable blend modes"),
      {"linear burn", separable<LinearBurn>}},
     {"CILinearDodgeBlendMode",
      "Linear Dodge Blend Mode",
      "Brightens the background by the picture on top.",
+     publicDefinition("the usual formula, in PDF's frame of separable blend modes"),
      {"linear dodge", separable<LinearDodge>}},
     {"CIPinLightBlendMode",
      "Pin Light Blend Mode",
      "Replaces colours of the background where the picture on top is much darker or lighter.",
+     publicDefinition("the usual formula, in PDF's frame of separable blend modes"),
      {"pin light", separable<PinLight>}},
     {"CISubtractBlendMode",
      "Subtract Blend Mode",
      "Subtracts the picture on top from the background.",
+     publicDefinition("the usual formula, in PDF's frame of separable blend modes"),
      {"subtract", separable<Subtract>}},
     {"CIDivideBlendMode",
      "Divide Blend Mode",
      "Divides the background by the picture on top.",
+     publicDefinition("the usual formula, in PDF's frame of separable blend modes"),
      {"divide", separable<Divide>}},
 };
 
@@ -85,6 +91,7 @@ std::array<Registrar, sizeof...(i)> registerAll(std::index_sequence<i...>) {
         return {mode.name,
                 mode.displayName,
                 mode.description,
+                mode.source,
                 "10.10",
                 categories("CompositeOperation Video StillImage Interlaced NonSquarePixels BuiltIn"),
                 {imageInput(), imageInput("inputBackgroundImage", "Background Image")},

@@ -8,6 +8,7 @@ namespace engine {
 
 struct Mode {
     const char *name, *displayName, *description;
+    Source source;
     BlendMode blend;
 };
 
@@ -22,6 +23,7 @@ auto registerModes(std::string_view moreCategories) {
         return {mode.name,
                 mode.displayName,
                 mode.description,
+                mode.source,
                 "10.4",
                 categories("CompositeOperation Video StillImage Interlaced NonSquarePixels " +
                            std::string(moreCategories)),

@@ -9,8 +9,7 @@ namespace engine {
 namespace {
 
 /// The lower edge of the picture lies on the circle, its middle at the angle, counted from the top; the rows
-/// above it are larger circles. What is longer than the circle ends on the opposite side. (Our own:
-/// no picture of Core Image's is known.)
+/// above it are larger circles. What is longer than the circle ends on the opposite side.
 class CircularWrap : public Warp {
   public:
     CircularWrap(Point centre, double radius, double angle, const Rect& source)
@@ -49,6 +48,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CICircularWrap",
                         "Circular Wrap Distortion",
                         "Bends a picture around a circle.",
+                        ourOwn("the rows of the picture as circles, the lowest on the radius"),
                         "10.5",
                         categories("DistortionEffect Video StillImage BuiltIn"),
                         {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -7,7 +7,7 @@ namespace engine {
 namespace {
 
 /// Red moves across and green upwards, by up to half the scale either way and not at all at 0.5. Nothing
-/// moves outside of the map. (Our own: no picture of Core Image's is known.)
+/// moves outside of the map.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double scale = in.number("inputScale", 0, 1e5);
@@ -32,6 +32,7 @@ const Registrar filter{
     {"CIDisplacementDistortion",
      "Displacement Distortion",
      "Moves each pixel as far as a second picture says.",
+     ourOwn("red moves across and green upwards, by up to half the scale"),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), mapInput(),

@@ -91,6 +91,7 @@ const Registrar filter{
     {"CIDroste",
      "Droste",
      "Draws a picture within itself again and again, as a spiral.",
+     ourOwn("the logarithmic spiral of Lenstra and de Smit, 2003; how the inset lies in it is our own"),
      "10.6",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputInsetPoint0", "Inset Point 0", "Position", {200, 200}),

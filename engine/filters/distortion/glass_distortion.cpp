@@ -19,7 +19,7 @@ Image repeated(const Image& texture, Point centre) {
 }
 
 /// The gray of the texture is the height of the glass, and light is bent by its slope: a rise from black to
-/// white within two pixels moves by the scale. (Our own: no picture of Core Image's is known.)
+/// white within two pixels moves by the scale.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage"), texture = in.image("inputTexture");
     double scale = in.number("inputScale", 0, 1e5);
@@ -41,6 +41,7 @@ const Registrar filter{
     {"CIGlassDistortion",
      "Glass Distortion",
      "Shows a picture through glass with a texture.",
+     ourOwn("light bent by the slope of the texture's gray"),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), imageInput("inputTexture", "Texture"),

@@ -40,6 +40,7 @@ const Registrar filter{
     {"CIGlassLozenge",
      "Glass Lozenge",
      "Lays a long lens with round ends on a picture.",
+     ourOwn("Snell's law for a half cylinder"),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputPoint0", "Point 0", "Position", {150, 150}),

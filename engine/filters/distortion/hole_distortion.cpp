@@ -35,6 +35,7 @@ const Registrar filter{
     {"CIHoleDistortion",
      "Hole Distortion",
      "Opens a round hole and pushes a picture outwards around it.",
+     fitted("a distance d shows d - radius^2 / d", 0.3),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -7,7 +7,7 @@
 namespace engine::distortion {
 
 /// Where light comes from that meets a half cylinder (or the like) of radius 1 from above, `q` beside its
-/// axis: by how much nearer to the axis, after Snell's law. (Our own: no picture of Core Image's is known.)
+/// axis: by how much nearer to the axis, after Snell's law.
 SIMD_INLINE inline float bent(float q, float perRefraction) {
     float sine = simd::abs(q), cosine = simd::sqrt(1 - q * q);
     float sine2 = simd::min(sine * perRefraction, 1), cosine2 = simd::sqrt(1 - sine2 * sine2);

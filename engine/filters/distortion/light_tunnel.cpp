@@ -57,6 +57,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CILightTunnel",
                         "Light Tunnel Distortion",
                         "Draws the rim of a circle outwards in spirals, like lights that rush by.",
+                        fitted("no rotation; that the rotation turns the tunnel is our own reading", 1.1),
                         "10.10",
                         categories("DistortionEffect Video StillImage BuiltIn"),
                         {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

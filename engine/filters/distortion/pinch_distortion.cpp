@@ -67,6 +67,7 @@ const Registrar filter{
     {"CIPinchDistortion",
      "Pinch Distortion",
      "Draws a picture together towards a point.",
+     fitted("the root of the distance, also beyond the radius", 0.2),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

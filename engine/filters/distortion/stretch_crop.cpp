@@ -75,6 +75,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIStretchCrop",
                         "Stretch Crop",
                         "Stretches and crops a picture to a size.",
+                        ourOwn("Core Image documents the amounts at 0 and 1; the formula between is our own"),
                         "10.6",
                         categories("DistortionEffect Video StillImage BuiltIn"),
                         {imageInput(), vectorInput("inputSize", "Size", "Position", {1280, 720}),

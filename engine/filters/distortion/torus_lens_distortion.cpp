@@ -31,6 +31,7 @@ const Registrar filter{
     {"CITorusLensDistortion",
      "Torus Lens Distortion",
      "Lays a ring of glass on a picture.",
+     ourOwn("Snell's law for a ring of glass"),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -15,6 +15,7 @@ const Registrar filter{
     {"CITwirlDistortion",
      "Twirl Distortion",
      "Turns the inside of a circle, most of all its centre.",
+     fitted("the turn falls to the rim as smoothstep does, within half a degree"),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

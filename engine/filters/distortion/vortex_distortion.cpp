@@ -5,8 +5,7 @@ namespace engine {
 
 namespace {
 
-/// The turn is the angle times (1 - distance / radius)^2 / distance, with the distance in pixels. (Fitted to
-/// Core Image's picture.)
+/// The turn is the angle times (1 - distance / radius)^2 / distance, with the distance in pixels.
 Image build(const Inputs& in) {
     return distortion::turned(in, [](float inside, float distance) SIMD_INLINE {
         // At the centre the turn would have no end.
@@ -18,6 +17,7 @@ const Registrar filter{
     {"CIVortexDistortion",
      "Vortex Distortion",
      "Turns the inside of a circle many times, like water that runs off.",
+     fitted("the turn is the angle times (1 - d / radius)^2 / d"),
      "10.4",
      categories("DistortionEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

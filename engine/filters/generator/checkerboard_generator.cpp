@@ -11,12 +11,11 @@ struct Waves {
 
     struct Row {
         SquareWave across;
-        float first, up;
-        SIMD_INLINE Position at(int i) const {
-            return {across.at(first + static_cast<float>(i) * across.step), up};
-        }
+        SquareWave::Places places;
+        float up;
+        SIMD_INLINE Position at(int i) const { return {across.at(places.at(i)), up}; }
     };
-    Row row(int x, int y) const { return {across, across.place(x), up.at(up.place(y))}; }
+    Row row(int x, int y) const { return {across, across.places(x), up.at(up.place(y))}; }
 };
 
 /// The product of the waves.
@@ -27,7 +26,8 @@ Image build(const Inputs& in) {
 }
 
 const Registrar filter{{"CICheckerboardGenerator", "Checkerboard",
-                        "Makes a pattern of squares in two colours.", "10.4",
+                        "Makes a pattern of squares in two colours.",
+                        ourOwn("the product of two square waves; the sharpness is ours"), "10.4",
                         categories("Generator Video StillImage BuiltIn"), waveInputs(), build}};
 
 } // namespace

@@ -8,6 +8,7 @@ namespace {
 const Registrar filter{{"CIConstantColorGenerator",
                         "Constant Color",
                         "Fills everything with one colour.",
+                        publicDefinition("one colour"),
                         "10.4",
                         categories("Generator Video StillImage BuiltIn"),
                         {colorInput("inputColor", "Color", "Color", {1, 0, 0, 1})},

@@ -21,6 +21,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIGaussianGradient",
                         "Gaussian Gradient",
                         "Makes a soft spot of one colour in another.",
+                        ourOwn("a Gaussian with a third of the radius, stretched to end at the radius"),
                         "10.4",
                         categories("Gradient Video StillImage BuiltIn"),
                         {vectorInput("inputCenter", "Center", "Position", {150, 150}),

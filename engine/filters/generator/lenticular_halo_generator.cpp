@@ -33,6 +33,7 @@ const Registrar filter{
     {"CILenticularHaloGenerator",
      "Lenticular Halo",
      "Makes a ring of light, as a lens shows it around a lamp.",
+     fitted("an overlap of 1; smaller overlaps are our own reading", 0.15),
      "10.4",
      categories("Generator Video StillImage BuiltIn"),
      {vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -20,6 +20,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CILinearGradient",
                         "Linear Gradient",
                         "Makes a transition between two colours along a line.",
+                        publicDefinition("an even change along a line"),
                         "10.4",
                         categories("Gradient Video StillImage BuiltIn"),
                         {vectorInput("inputPoint0", "Point 0", "Position", {0, 0}),

@@ -48,6 +48,7 @@ InputInfo levelInput() {
 const Registrar filter{{"CIQRCodeGenerator",
                         "QR Code Generator",
                         "Writes a message as a QR code.",
+                        publicDefinition("ISO/IEC 18004, with a margin of one module"),
                         "10.9",
                         categories("Generator StillImage BuiltIn"),
                         {messageInput(), levelInput()},

@@ -21,6 +21,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIRadialGradient",
                         "Radial Gradient",
                         "Makes a transition between two colours from a centre outwards.",
+                        publicDefinition("an even change with the distance"),
                         "10.4",
                         categories("Gradient Video StillImage BuiltIn"),
                         {vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -32,6 +32,7 @@ Image build(const Inputs&) {
 const Registrar filter{{"CIRandomGenerator",
                         "Random Generator",
                         "Makes noise: four random numbers for each pixel.",
+                        fitted("a 256 x 256 tile of random(), equal in every byte", 0),
                         "10.4",
                         categories("Generator Video StillImage BuiltIn"),
                         {},

@@ -33,6 +33,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIRoundedRectangleGenerator",
                         "Rounded Rectangle Generator",
                         "Makes a rectangle with round corners.",
+                        publicDefinition("quarters of circles at the corners; the smoothing is our own"),
                         "10.15",
                         categories("Generator StillImage BuiltIn"),
                         {vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 100, 100}),

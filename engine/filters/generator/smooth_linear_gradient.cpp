@@ -8,8 +8,7 @@ namespace engine {
 
 namespace {
 
-/// The way along the line through the third-degree S-curve, in linear light. (Fitted to a picture of Core
-/// Image's, mean residual 0.2 of 255.)
+/// The way along the line through the third-degree S-curve, in linear light.
 Image build(const Inputs& in) {
     Point from = in.point("inputPoint0"), to = in.point("inputPoint1");
     Color first = in.color("inputColor0"), second = in.color("inputColor1");
@@ -26,6 +25,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CISmoothLinearGradient",
                         "Smooth Linear Gradient",
                         "Makes a transition between two colours along a line, with gentle ends.",
+                        fitted("smoothstep along the line, in linear light", 0.2),
                         "10.10",
                         categories("Gradient Video StillImage BuiltIn"),
                         {vectorInput("inputPoint0", "Point 0", "Position", {0, 0}),

@@ -22,6 +22,13 @@ struct SquareWave {
               2 / std::max(1 - in.number("inputSharpness", 0, 1), std::min(1.0, 1 / width)))),
           step(static_cast<float>(1 / width)) {}
 
+    /// Along a row, see anchorOf().
+    struct Places {
+        float first, step;
+        int offset;
+        SIMD_INLINE float at(int i) const { return first + static_cast<float>(i + offset) * step; }
+    };
+    Places places(int x) const { return {place(anchorOf(x)), step, x - anchorOf(x)}; }
     float place(int pixel) const {
         double v = (pixel + 0.5 - centre) / width + 0.5;
         return static_cast<float>(v - 2 * std::floor(v / 2));

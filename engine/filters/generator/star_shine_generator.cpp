@@ -45,6 +45,7 @@ const Registrar filter{
     {"CIStarShineGenerator",
      "Star Shine",
      "Makes a star with a cross of spikes.",
+     fitted("two pictures; the laws between them are the simplest that give both", 0.5),
      "10.4",
      categories("Generator Video StillImage BuiltIn"),
      {vectorInput("inputCenter", "Center", "Position", {150, 150}),

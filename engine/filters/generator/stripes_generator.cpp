@@ -11,10 +11,10 @@ struct Stripes {
 
     struct Row {
         SquareWave across;
-        float first;
-        SIMD_INLINE float at(int i) const { return across.at(first + static_cast<float>(i) * across.step); }
+        SquareWave::Places places;
+        SIMD_INLINE float at(int i) const { return across.at(places.at(i)); }
     };
-    Row row(int x, int) const { return {across, across.place(x)}; }
+    Row row(int x, int) const { return {across, across.places(x)}; }
 };
 
 Image build(const Inputs& in) {
@@ -23,7 +23,8 @@ Image build(const Inputs& in) {
 }
 
 const Registrar filter{{"CIStripesGenerator", "Stripes", "Makes a pattern of upright stripes in two colours.",
-                        "10.4", categories("Generator Video StillImage BuiltIn"), waveInputs(), build}};
+                        fitted("a square wave, the second colour to the right of the centre", 0), "10.4",
+                        categories("Generator Video StillImage BuiltIn"), waveInputs(), build}};
 
 } // namespace
 

@@ -6,7 +6,7 @@ namespace engine::generators {
 namespace {
 
 /// Light that falls off with the square of the distance, and rays, both fading to nothing at the greatest
-/// striation radius, in sun radii. Fitted to Core Image's pictures (mean residual 0.19 of 255).
+/// striation radius, in sun radii.
 Image build(const Inputs& in) {
     Point centre = in.point("inputCenter");
     double radius = in.number("inputSunRadius", 0, 1e5);
@@ -28,6 +28,7 @@ const Registrar filter{
     {"CISunbeamsGenerator",
      "Sunbeams",
      "Makes a sun with rays.",
+     fitted("light and rays that fade with the square of the distance", 0.19),
      "10.4",
      categories("Generator Video StillImage BuiltIn"),
      {vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -9,6 +9,7 @@ const Registrar filter{
     {"CIAffineTransform",
      "Affine Transform",
      "Moves, scales, turns or slants a picture.",
+     publicDefinition("an affine map"),
      "10.4",
      categories("GeometryAdjustment Video StillImage BuiltIn"),
      {imageInput(), transformInput("inputTransform", "Transform")},

@@ -12,6 +12,7 @@ const Registrar filter{
     {"CICrop",
      "Crop",
      "Keeps the part of a picture inside a rectangle.",
+     publicDefinition("pixels whose centres lie inside"),
      "10.4",
      categories("GeometryAdjustment Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputRectangle", "Rectangle", "Rectangle", everything, everything)},

@@ -108,6 +108,7 @@ const Registrar filter{
     {"CILanczosScaleTransform",
      "Lanczos Scale Transform",
      "Scales a picture and keeps it as sharp as can be.",
+     fitted("sinc(x) sinc(x / 3), after Duchon, 1979", 0.39),
      "10.4",
      categories("GeometryAdjustment Video StillImage BuiltIn"),
      {imageInput(),

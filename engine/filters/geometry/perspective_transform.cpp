@@ -11,7 +11,8 @@ Image build(const Inputs& in) {
 }
 
 const Registrar filter{{"CIPerspectiveTransform", "Perspective Transform",
-                        "Leans a picture so that its corners come to four points.", "10.4",
+                        "Leans a picture so that its corners come to four points.",
+                        publicDefinition("Heckbert's projective map, 1989"), "10.4",
                         categories("GeometryAdjustment Video StillImage BuiltIn"), perspectiveInputs(),
                         build}};
 

@@ -19,7 +19,8 @@ std::vector<InputInfo> inputs() {
 }
 
 const Registrar filter{{"CIPerspectiveTransformWithExtent", "Perspective Transform with Extent",
-                        "Leans a picture so that the corners of a part of it come to four points.", "10.4",
+                        "Leans a picture so that the corners of a part of it come to four points.",
+                        publicDefinition("Heckbert's projective map, 1989, of a part's corners"), "10.4",
                         categories("GeometryAdjustment Video StillImage BuiltIn"), inputs(), build}};
 
 } // namespace

@@ -9,7 +9,7 @@ namespace engine {
 namespace {
 
 /// Turned about its middle, enlarged until it fills its old extent, and cut to that. A positive angle turns
-/// to the left. (Our own: no picture of Core Image's is known.)
+/// to the left.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     double angle = in.number("inputAngle", -1e6, 1e6);
@@ -32,6 +32,7 @@ const Registrar filter{
     {"CIStraightenFilter",
      "Straighten",
      "Turns a picture and enlarges it to fill its frame.",
+     ourOwn("turned, and enlarged until it fills its old extent"),
      "10.7",
      categories("GeometryAdjustment Video StillImage BuiltIn"),
      {imageInput(), numberInput("inputAngle", "Angle", "Angle",

@@ -38,6 +38,7 @@ const Registrar filter{
     {"CICMYKHalftone",
      "CMYK Halftone",
      "Prints a picture with dots in cyan, magenta, yellow and black.",
+     ourOwn("four screens like CIDotScreen's; gray goes to black as UCR and GCR say"),
      "10.4",
      screenCategories(),
      {imageInput(), centerInput(),

@@ -11,7 +11,7 @@ namespace engine::halftone {
 /// 0 at whole numbers, 1 half-way between them.
 SIMD_INLINE inline float triangle(float x) { return 2 * simd::abs(x - simd::floor(x + 0.5f)); }
 
-/// A pattern of dots, of a place in units of their distance. (Fitted to Core Image's pictures.)
+/// A pattern of dots, of a place in units of their distance.
 struct Dots {
     SIMD_INLINE static float at(Position p) {
         constexpr float turn = static_cast<float>(2 * pi);
@@ -35,10 +35,11 @@ struct Screen {
 
     /// A row as patterns see it. One that repeats after 1 in each direction is read near its origin.
     SlantedRow row(int x, int y, bool repeats = true) const {
-        double px = x + 0.5 - u0, py = y + 0.5 - v0;
+        int anchor = anchorOf(x);
+        double px = anchor + 0.5 - u0, py = y + 0.5 - v0;
         auto near = [=](double v) { return static_cast<float>(repeats ? v - std::floor(v) : v); };
         return {near(px * cosine + py * sine), static_cast<float>(cosine), near(py * cosine - px * sine),
-                static_cast<float>(-sine)};
+                static_cast<float>(-sine), x - anchor};
     }
 
     /// 1 where there is more light than the pattern asks for, 0 where there is less, with a ramp between.

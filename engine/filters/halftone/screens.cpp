@@ -40,7 +40,8 @@ Image build(const Inputs& in) {
 }
 
 template <class Pattern>
-FilterInfo info(std::string name, std::string displayName, std::string description, bool turns = true) {
+FilterInfo info(std::string name, std::string displayName, std::string description, Source source,
+                bool turns = true) {
     std::vector<InputInfo> inputs{
         imageInput(), centerInput(),
         numberInput("inputWidth", "Width", "Distance",
@@ -48,17 +49,21 @@ FilterInfo info(std::string name, std::string displayName, std::string descripti
         numberInput("inputSharpness", "Sharpness", "Scalar",
                     {.value = 0.7, .min = 0, .max = 1, .sliderMin = 0, .sliderMax = 1})};
     if (turns) inputs.push_back(angleInput());
-    return {std::move(name),    std::move(displayName), std::move(description), "10.4",
-            screenCategories(), std::move(inputs),      build<Pattern>};
+    return {std::move(name), std::move(displayName), std::move(description), source,
+            "10.4",          screenCategories(),     std::move(inputs),      build<Pattern>};
 }
 
 const Registrar filters[] = {
     Registrar(info<Circles>("CICircularScreen", "Circular Screen",
-                            "Prints a picture in black with circles around a centre.", false)),
-    Registrar(info<Dots>("CIDotScreen", "Dot Screen", "Prints a picture in black with dots.")),
+                            "Prints a picture in black with circles around a centre.",
+                            fitted("a triangle wave of the distance", 0.08), false)),
+    Registrar(info<Dots>("CIDotScreen", "Dot Screen", "Prints a picture in black with dots.",
+                         fitted("two sines", 0.08))),
     Registrar(info<Hatches>("CIHatchedScreen", "Hatched Screen",
-                            "Prints a picture in black with lines that cross.")),
-    Registrar(info<Lines>("CILineScreen", "Line Screen", "Prints a picture in black with parallel lines.")),
+                            "Prints a picture in black with lines that cross.",
+                            fitted("two triangle waves, the second at half height", 0.08))),
+    Registrar(info<Lines>("CILineScreen", "Line Screen", "Prints a picture in black with parallel lines.",
+                          fitted("a triangle wave", 0.08))),
 };
 
 } // namespace

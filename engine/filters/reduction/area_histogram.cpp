@@ -34,6 +34,7 @@ const Registrar filter{
     {"CIAreaHistogram",
      "Area Histogram",
      "Makes a row of pixels that say how often each component has each value in an area.",
+     ourOwn("Core Image documents size and scale; where values are counted is our own"),
      "10.5",
      categories("Reduction Video StillImage BuiltIn"),
      {imageInput(), rowExtentInput(),

@@ -11,6 +11,7 @@ using Sums = std::array<double, 4>;
 /// picture, which are transparent.
 struct Reduction {
     const char *name, *displayName, *description;
+    Source source;
     void (*add)(Sums& sums, const Rgba& pixel, bool first);
     void (*finish)(Sums& sums, double count);
 };
@@ -31,6 +32,7 @@ void extremeAlpha(Sums& sums, const Rgba& pixel, bool first) {
 
 constexpr Reduction reductions[] = {
     {"CIAreaAverage", "Area Average", "Makes one pixel with the mean of an area.",
+     publicDefinition("the mean"),
      [](Sums& sums, const Rgba& pixel, bool) {
          for (int c = 0; c < 4; ++c) sums[c] += static_cast<double>(pixel[c]);
      },
@@ -38,13 +40,13 @@ constexpr Reduction reductions[] = {
          for (double& v : sums) v /= count;
      }},
     {"CIAreaMaximum", "Area Maximum", "Makes one pixel with the largest components of an area.",
-     extreme<std::greater<>>, nothing},
+     publicDefinition("the largest components"), extreme<std::greater<>>, nothing},
     {"CIAreaMinimum", "Area Minimum", "Makes one pixel with the smallest components of an area.",
-     extreme<std::less<>>, nothing},
+     publicDefinition("the smallest components"), extreme<std::less<>>, nothing},
     {"CIAreaMaximumAlpha", "Area Maximum Alpha", "Makes one pixel like the most opaque one of an area.",
-     extremeAlpha<std::greater<>>, nothing},
+     publicDefinition("the most opaque pixel"), extremeAlpha<std::greater<>>, nothing},
     {"CIAreaMinimumAlpha", "Area Minimum Alpha", "Makes one pixel like the least opaque one of an area.",
-     extremeAlpha<std::less<>>, nothing},
+     publicDefinition("the least opaque pixel"), extremeAlpha<std::less<>>, nothing},
 };
 
 class OnePixel : public Evaluator {
@@ -98,6 +100,7 @@ const auto registrars = registerFamily<reductions, reduced>([](const Reduction& 
     return {how.name,
             how.displayName,
             how.description,
+            how.source,
             "10.5",
             categories("Reduction Video StillImage BuiltIn"),
             {imageInput(), vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 640, 80})},

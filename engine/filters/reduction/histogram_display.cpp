@@ -79,6 +79,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIHistogramDisplayFilter",
                         "Histogram Display",
                         "Draws a histogram that Area Histogram has made.",
+                        ourOwn("Core Image documents the inputs; colours and heights are our own"),
                         "10.?",
                         categories("Reduction Video StillImage BuiltIn"),
                         {imageInput(),

@@ -25,11 +25,12 @@ Image columns(const Inputs& in) {
     });
 }
 
-FilterInfo info(const char* name, const char* displayName, const char* description,
+FilterInfo info(const char* name, const char* displayName, const char* description, Source source,
                 Image (*build)(const Inputs&)) {
     return {name,
             displayName,
             description,
+            source,
             "10.5",
             categories("Reduction Video StillImage BuiltIn"),
             {imageInput(), rowExtentInput()},
@@ -37,10 +38,11 @@ FilterInfo info(const char* name, const char* displayName, const char* descripti
 }
 
 const Registrar rowAverage{info("CIRowAverage", "Row Average",
-                                "Makes a row of pixels with the means of the rows of an area.", rows)};
+                                "Makes a row of pixels with the means of the rows of an area.",
+                                publicDefinition("the mean of each row"), rows)};
 const Registrar columnAverage{info("CIColumnAverage", "Column Average",
                                    "Makes a row of pixels with the means of the columns of an area.",
-                                   columns)};
+                                   publicDefinition("the mean of each column"), columns)};
 
 } // namespace
 

@@ -24,6 +24,9 @@ static Image build(const Inputs& in) {
 static const Registrar filter{{"CISharpenLuminance",
                                "Sharpen Luminance",
                                "Sharpens the brightness of a picture and leaves its colours.",
+                               fitted("the difference from a Gaussian blur, added to all components alike "
+                                      "(the residual is that of coded colours, as in the picture)",
+                                      0.62),
                                "10.4",
                                categories("Sharpen Video StillImage BuiltIn"),
                                {imageInput(),

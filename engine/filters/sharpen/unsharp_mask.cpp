@@ -18,6 +18,7 @@ static const Registrar filter{
     {"CIUnsharpMask",
      "Unsharp Mask",
      "Sharpens edges by what a blur would take from them.",
+     fitted("the difference from a Gaussian blur, added", 0.44),
      "10.4",
      categories("Sharpen Video StillImage BuiltIn"),
      {imageInput(),

@@ -20,11 +20,12 @@ Image build(const Inputs& in) {
                          SIMD_INLINE { return mix(q, p, simd::unit(m.*component)); });
 }
 
-FilterInfo info(const char* name, const char* displayName, const char* description,
+FilterInfo info(const char* name, const char* displayName, const char* description, Source source,
                 Image (*build)(const Inputs&)) {
     return {name,
             displayName,
             description,
+            source,
             "10.13",
             categories("Stylize Video StillImage BuiltIn"),
             {imageInput(), imageInput("inputBackgroundImage", "Background Image"),
@@ -34,10 +35,10 @@ FilterInfo info(const char* name, const char* displayName, const char* descripti
 
 const Registrar red{info("CIBlendWithRedMask", "Blend With Red Mask",
                          "Shows a picture where a mask is red and another where it is not.",
-                         build<&Pixel::r>)};
+                         publicDefinition("image * m + background * (1 - m)"), build<&Pixel::r>)};
 const Registrar blue{info("CIBlendWithBlueMask", "Blend With Blue Mask",
                           "Shows a picture where a mask is blue and another where it is not.",
-                          build<&Pixel::b>)};
+                          publicDefinition("image * m + background * (1 - m)"), build<&Pixel::b>)};
 
 } // namespace
 

@@ -24,11 +24,12 @@ Image build(const Inputs& in) {
                      [](Pixel p, Pixel q, Pixel m) SIMD_INLINE { return mix(q, p, simd::unit(amount(m))); });
 }
 
-FilterInfo info(const char* name, const char* displayName, const char* description, const char* since,
-                Image (*build)(const Inputs&)) {
+FilterInfo info(const char* name, const char* displayName, const char* description, Source source,
+                const char* since, Image (*build)(const Inputs&)) {
     return {name,
             displayName,
             description,
+            source,
             since,
             categories("Stylize Video StillImage BuiltIn"),
             {imageInput(), imageInput("inputBackgroundImage", "Background Image"),
@@ -38,10 +39,11 @@ FilterInfo info(const char* name, const char* displayName, const char* descripti
 
 const Registrar withMask{info("CIBlendWithMask", "Blend With Mask",
                               "Shows a picture where a gray mask is white and another where it is black.",
-                              "10.4", build<byLight>)};
+                              publicDefinition("image * m + background * (1 - m)"), "10.4", build<byLight>)};
 const Registrar withAlphaMask{info("CIBlendWithAlphaMask", "Blend With Alpha Mask",
                                    "Shows a picture where a mask is opaque and another where it is clear.",
-                                   "10.9", build<byAlpha>)};
+                                   publicDefinition("image * m + background * (1 - m)"), "10.9",
+                                   build<byAlpha>)};
 
 } // namespace
 

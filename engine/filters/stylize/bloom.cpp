@@ -20,7 +20,10 @@ static Image build(const Inputs& in) {
                      });
 }
 
-static const Registrar filter{
-    glowInfo("CIBloom", "Bloom", "Softens edges and lets bright places glow.", build)};
+static const Registrar filter{glowInfo("CIBloom", "Bloom", "Softens edges and lets bright places glow.",
+                                       fitted("towards the larger of the picture and its blur (the residual "
+                                              "is that of coded colours, as in the picture)",
+                                              0.27),
+                                       build)};
 
 } // namespace engine

@@ -63,6 +63,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIComicEffect",
                         "Comic Effect",
                         "Makes a picture look like a page of comics, with outlines and dots of colour.",
+                        ourOwn("Core Image documents outlines and a colour halftone; the formula is our own"),
                         "10.5",
                         categories("Stylize Video StillImage BuiltIn"),
                         {imageInput()},

@@ -8,20 +8,23 @@ namespace {
 
 struct Shape {
     const char *name, *displayName, *description;
+    Source source;
     int width, height;
 };
 
 constexpr Shape shapes[] = {
-    {"CIConvolution3X3", "3 by 3 Convolution", "Makes a pixel the weighted sum of the 9 pixels around it.", 3,
-     3},
+    {"CIConvolution3X3", "3 by 3 Convolution", "Makes a pixel the weighted sum of the 9 pixels around it.",
+     publicDefinition("a weighted sum, of linear light"), 3, 3},
     {"CIConvolution5X5", "5 by 5 Convolution", "Makes a pixel the weighted sum of the 25 pixels around it.",
-     5, 5},
+     publicDefinition("a weighted sum, of linear light"), 5, 5},
     {"CIConvolution7X7", "7 by 7 Convolution", "Makes a pixel the weighted sum of the 49 pixels around it.",
-     7, 7},
+     publicDefinition("a weighted sum, of linear light"), 7, 7},
     {"CIConvolution9Horizontal", "Horizontal 9 Convolution",
-     "Makes a pixel the weighted sum of 9 pixels side by side.", 9, 1},
+     "Makes a pixel the weighted sum of 9 pixels side by side.",
+     publicDefinition("a weighted sum, of linear light"), 9, 1},
     {"CIConvolution9Vertical", "Vertical 9 Convolution",
-     "Makes a pixel the weighted sum of 9 pixels above each other.", 1, 9},
+     "Makes a pixel the weighted sum of 9 pixels above each other.",
+     publicDefinition("a weighted sum, of linear light"), 1, 9},
 };
 
 /// The weights go row by row over the pixels as one sees them: the first is that of the upper left pixel.
@@ -46,6 +49,7 @@ const auto registrars = registerFamily<shapes, convolved>([](const Shape& s) -> 
     return {s.name,
             s.displayName,
             s.description,
+            s.source,
             "10.9",
             categories("Stylize Video StillImage BuiltIn"),
             {imageInput(), vectorInput("inputWeights", "Weights", "", middle, middle),

@@ -86,11 +86,12 @@ Image dots(const Inputs& in) {
                     });
 }
 
-FilterInfo info(const char* name, const char* displayName, const char* description,
+FilterInfo info(const char* name, const char* displayName, const char* description, Source source,
                 Image (*build)(const Inputs&)) {
     return {name,
             displayName,
             description,
+            source,
             "10.4",
             categories("Stylize Video StillImage BuiltIn"),
             {imageInput(),
@@ -100,10 +101,12 @@ FilterInfo info(const char* name, const char* displayName, const char* descripti
             build};
 }
 
-const Registrar crystallize{
-    info("CICrystallize", "Crystallize", "Makes a picture of crystals of one colour each.", crystals)};
-const Registrar pointillize{
-    info("CIPointillize", "Pointillize", "Paints a picture with dots of one colour each.", dots)};
+const Registrar crystallize{info("CICrystallize", "Crystallize",
+                                 "Makes a picture of crystals of one colour each.",
+                                 ourOwn("the nearest of one random point for each square"), crystals)};
+const Registrar pointillize{info("CIPointillize", "Pointillize",
+                                 "Paints a picture with dots of one colour each.",
+                                 ourOwn("the nearest of one random point for each square, as a dot"), dots)};
 
 } // namespace
 

@@ -50,6 +50,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIDepthOfField",
                         "Depth of Field",
                         "Makes a picture look like one of a miniature, sharp along a line only.",
+                        ourOwn("Core Image documents the steps; how far the focus reaches is our own"),
                         "10.6",
                         categories("Stylize Video StillImage BuiltIn"),
                         {imageInput(), vectorInput("inputPoint0", "Point 0", "Position", {0, 300}),

@@ -25,6 +25,7 @@ static const Registrar filter{
     {"CIEdgeWork",
      "Edge Work",
      "Makes a picture look like a woodcut in black and white.",
+     ourOwn("the difference of two blurs, cut off"),
      "10.4",
      categories("Stylize Video StillImage BuiltIn"),
      {imageInput(), numberInput("inputRadius", "Radius", "Distance",

@@ -28,6 +28,7 @@ static const Registrar filter{
     {"CIEdges",
      "Edges",
      "Shows the edges of a picture in colour.",
+     ourOwn("Sobel's differences"),
      "10.4",
      categories("Stylize Video StillImage BuiltIn"),
      {imageInput(), numberInput("inputIntensity", "Intensity", "Scalar",

@@ -21,6 +21,10 @@ static Image build(const Inputs& in) {
                      });
 }
 
-static const Registrar filter{glowInfo("CIGloom", "Gloom", "Softens edges and dulls bright places.", build)};
+static const Registrar filter{glowInfo("CIGloom", "Gloom", "Softens edges and dulls bright places.",
+                                       fitted("towards the smaller of the picture and its blur (the residual "
+                                              "is that of coded colours, as in the picture)",
+                                              0.18),
+                                       build)};
 
 } // namespace engine

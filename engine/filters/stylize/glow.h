@@ -6,11 +6,12 @@
 
 namespace engine {
 
-inline FilterInfo glowInfo(const char* name, const char* displayName, const char* description,
+inline FilterInfo glowInfo(const char* name, const char* displayName, const char* description, Source source,
                            Image (*build)(const Inputs&)) {
     return {name,
             displayName,
             description,
+            source,
             "10.4",
             categories("Stylize Video StillImage BuiltIn"),
             {imageInput(),

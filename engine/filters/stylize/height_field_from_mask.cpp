@@ -24,6 +24,7 @@ static const Registrar filter{
     {"CIHeightFieldFromMask",
      "Height Field From Mask",
      "Makes heights of a mask that rise from its edges, as clay would.",
+     fitted("the mask blurred and cut out by itself, again and again", 0.5),
      "10.4",
      categories("Stylize Video StillImage BuiltIn"),
      {imageInput(), numberInput("inputRadius", "Radius", "Distance",

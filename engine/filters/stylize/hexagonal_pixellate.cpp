@@ -30,6 +30,7 @@ const Registrar filter{
     {"CIHexagonalPixellate",
      "Hexagonal Pixelate",
      "Makes a picture of hexagons of one colour each.",
+     ourOwn("the colour in the middle of each hexagon"),
      "10.5",
      categories("Stylize Video StillImage BuiltIn"),
      {imageInput(), cellCentreInput(),

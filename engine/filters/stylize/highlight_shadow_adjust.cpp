@@ -7,7 +7,7 @@ namespace engine {
 /// Up to two stops for shadows and 1.2 stops for highlights: as much as leaves brighter things brighter where
 /// no neighbours count. With l the coded luminance of the guide, shadows weigh (1 - l)^3 and highlights l^2.
 /// Without a radius each pixel guides itself; with one, its blurred surroundings do, so that contrast within
-/// shadows and within highlights stays. (Our own formula.)
+/// shadows and within highlights stays.
 static Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     float shadow = static_cast<float>(in.number("inputShadowAmount", -1, 1));
@@ -28,6 +28,7 @@ static const Registrar filter{
     {"CIHighlightShadowAdjust",
      "Highlight and Shadow Adjust",
      "Darkens highlights and brightens or darkens shadows, each by what surrounds it.",
+     ourOwn("up to two stops for shadows and 1.2 for highlights"),
      "10.7",
      categories("Stylize Video StillImage BuiltIn"),
      {imageInput(),

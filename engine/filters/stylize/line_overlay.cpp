@@ -27,6 +27,7 @@ static const Registrar filter{
     {"CILineOverlay",
      "Line Overlay",
      "Draws the edges of a picture as black lines.",
+     ourOwn("Core Image documents noise reduction, edges and a threshold; the formula is our own"),
      "10.5",
      categories("Stylize Video StillImage BuiltIn"),
      {imageInput(),

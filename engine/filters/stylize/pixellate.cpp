@@ -18,15 +18,19 @@ Image build(const Inputs& in) {
                 });
 }
 
-const Registrar filter{{"CIPixellate",
-                        "Pixelate",
-                        "Makes a picture of squares of one colour each.",
-                        "10.4",
-                        categories("Stylize Video StillImage BuiltIn"),
-                        {imageInput(), cellCentreInput(),
-                         numberInput("inputScale", "Scale", "Distance",
-                                     {.value = 8, .min = 1, .sliderMin = 1, .sliderMax = 100})},
-                        build}};
+const Registrar filter{
+    {"CIPixellate",
+     "Pixelate",
+     "Makes a picture of squares of one colour each.",
+     fitted(
+         "the colour in the middle of each square (the residual is that of coded colours, as in the picture)",
+         0.08),
+     "10.4",
+     categories("Stylize Video StillImage BuiltIn"),
+     {imageInput(), cellCentreInput(),
+      numberInput("inputScale", "Scale", "Distance",
+                  {.value = 8, .min = 1, .sliderMin = 1, .sliderMax = 100})},
+     build}};
 
 } // namespace
 

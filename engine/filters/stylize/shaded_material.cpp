@@ -52,7 +52,7 @@ class ShadedNode : public Node {
             u[i] = halfX * (1 + across / length) - 0.5f;
             v[i] = halfY * (1 + up / length) - 0.5f;
         });
-        readBilinear(sphere, u, v, n, out);
+        readBilinear(sphere, sphere.area.x0, sphere.area.y0, u, v, n, out);
         eachPixel(
             n,
             [](Pixel p, Pixel height) SIMD_INLINE -> Pixel {
@@ -84,6 +84,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIShadedMaterial",
                         "Shaded Material",
                         "Gives a height field the look of a material, by a picture of a sphere of it.",
+                        ourOwn("the slope looked up in the picture of a sphere"),
                         "10.4",
                         categories("Stylize Video StillImage BuiltIn"),
                         {imageInput(), imageInput("inputShadingImage", "Shading Image"),

@@ -72,6 +72,7 @@ const Registrar filter{
     {"CISpotColor",
      "Spot Color",
      "Puts three colours in place of those near three others.",
+     ourOwn("distances in coded components, cut off by closeness and contrast"),
      "10.5",
      categories("Stylize Video StillImage BuiltIn"),
      {imageInput(), colorInput("inputCenterColor1", "Center Color 1", "", {0.0784, 0.0627, 0.0706, 1}),

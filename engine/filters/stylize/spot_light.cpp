@@ -38,6 +38,7 @@ static const Registrar filter{
     {"CISpotLight",
      "Spot Light",
      "Lights a picture with a lamp that points at a place of it.",
+     ourOwn("the cosine of the angle to the lamp's axis, to a power"),
      "10.4",
      categories("Stylize Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputLightPosition", "Light Position", "Position3", {400, 600, 150}),

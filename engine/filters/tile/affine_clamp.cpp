@@ -12,6 +12,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIAffineClamp",
                         "Affine Clamp",
                         "Transforms a picture and continues its edges without end.",
+                        publicDefinition("the edge pixels continued"),
                         "10.4",
                         categories("TileEffect Video StillImage BuiltIn"),
                         {imageInput(), transformInput("inputTransform", "Transform", "")},

@@ -61,6 +61,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIAffineTile",
                         "Affine Tile",
                         "Transforms a picture and repeats it without end.",
+                        publicDefinition("copies side by side"),
                         "10.4",
                         categories("TileEffect Video StillImage BuiltIn"),
                         {imageInput(), transformInput("inputTransform", "Transform", "")},

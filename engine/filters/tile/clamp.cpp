@@ -12,6 +12,7 @@ static const Registrar filter{
     {"CIClamp",
      "Clamp",
      "Cuts a rectangle out of a picture and continues its edges without end.",
+     publicDefinition("Apple's documented definition"),
      "10.12",
      categories("TileEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 640, 80})},

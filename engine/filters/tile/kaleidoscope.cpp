@@ -53,6 +53,9 @@ const Registrar filter{
     {"CIKaleidoscope",
      "Kaleidoscope",
      "Shows a sector of a picture in mirrors that stand in a circle.",
+     fitted("sectors, each its own mirror image (the residual is that from the fractional corner of the "
+            "picture)",
+            0.5),
      "10.4",
      categories("TileEffect Video StillImage BuiltIn"),
      {imageInput(),

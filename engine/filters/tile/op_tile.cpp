@@ -51,6 +51,7 @@ const Registrar filter{
     {"CIOpTile",
      "Op Tile",
      "Cuts a picture into squares that show more than their share of it.",
+     ourOwn("squares that show the picture around their middle, made smaller"),
      "10.4",
      categories("TileEffect Video StillImage BuiltIn"),
      {imageInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

@@ -8,8 +8,7 @@ namespace engine::perspective {
 namespace {
 
 /// Copies of the picture side by side up to the horizon. A copy goes from the middles of the outermost pixels
-/// to the middles of the opposite ones, and those are what comes to the four points. (Fitted to Core Image's
-/// picture, mean residual 0.25 of 255.)
+/// to the middles of the opposite ones, and those are what comes to the four points.
 class PerspectiveTiles : public Warp {
   public:
     PerspectiveTiles(const Projection& back, const Rect& cell) : back_(back), cell_(cell) {}
@@ -51,7 +50,8 @@ Image build(const Inputs& in) {
 
 const Registrar filter{
     {"CIPerspectiveTile", "Perspective Tile",
-     "Leans a picture so that its corners come to four points, and repeats it without end.", "10.4",
+     "Leans a picture so that its corners come to four points, and repeats it without end.",
+     fitted("copies that meet in the middles of their outermost pixels", 0.25), "10.4",
      categories("TileEffect Video StillImage BuiltIn"), perspectiveInputs(), build}};
 
 } // namespace

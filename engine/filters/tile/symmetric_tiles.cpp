@@ -240,40 +240,48 @@ std::vector<InputInfo> parallelogramInputs() {
     return inputs;
 }
 
-Registrar tileFilter(std::string name, std::string displayName, std::string description, std::string since,
-                     std::vector<InputInfo> inputs, Image (*build)(const Inputs&)) {
-    return Registrar({std::move(name), std::move(displayName), std::move(description), std::move(since),
-                      categories("TileEffect Video StillImage BuiltIn"), std::move(inputs), build});
+Registrar tileFilter(std::string name, std::string displayName, std::string description, Source source,
+                     std::string since, std::vector<InputInfo> inputs, Image (*build)(const Inputs&)) {
+    return Registrar({std::move(name), std::move(displayName), std::move(description), source,
+                      std::move(since), categories("TileEffect Video StillImage BuiltIn"), std::move(inputs),
+                      build});
 }
 
 const Registrar filters[] = {
     tileFilter("CIFourfoldTranslatedTile", "Fourfold Translated Tile",
-               "Repeats a parallelogram of a picture side by side.", "10.5", parallelogramInputs(),
-               tiled<Translated>),
+               "Repeats a parallelogram of a picture side by side.",
+               ourOwn("repeated after one width, as the tiles with known pictures are"), "10.5",
+               parallelogramInputs(), tiled<Translated>),
     tileFilter("CIFourfoldReflectedTile", "Fourfold Reflected Tile",
-               "Repeats a parallelogram of a picture, mirrored at its sides.", "10.5", parallelogramInputs(),
-               tiled<Reflected>),
+               "Repeats a parallelogram of a picture, mirrored at its sides.",
+               ourOwn("repeated after one width, as the tiles with known pictures are"), "10.5",
+               parallelogramInputs(), tiled<Reflected>),
     tileFilter("CIParallelogramTile", "Parallelogram Tile",
                "Pushes a square of a picture into a parallelogram and repeats it, mirrored at its sides.",
-               "10.4", parallelogramInputs(), tiled<Pushed>),
+               ourOwn("a square pushed over until it fills the parallelogram"), "10.4", parallelogramInputs(),
+               tiled<Pushed>),
     tileFilter("CIGlideReflectedTile", "Glide Reflected Tile", "Repeats a square of a picture side by side.",
-               "10.5", tileInputs(), tiled<Glided>),
+               fitted("a square moved along its sides", 0), "10.5", tileInputs(), tiled<Glided>),
     tileFilter("CIFourfoldRotatedTile", "Fourfold Rotated Tile",
-               "Repeats a quarter of a square of a picture, turned by quarters.", "10.5", tileInputs(),
+               "Repeats a quarter of a square of a picture, turned by quarters.",
+               ourOwn("repeated after one width, as the tiles with known pictures are"), "10.5", tileInputs(),
                tiled<FourRotated>),
     tileFilter("CIEightfoldReflectedTile", "Eightfold Reflected Tile",
-               "Repeats an eighth of a square of a picture, mirrored at its sides.", "10.5", tileInputs(),
+               "Repeats an eighth of a square of a picture, mirrored at its sides.",
+               fitted("an eighth of a square, mirrored on its sides", 0), "10.5", tileInputs(),
                tiled<EightReflected>),
-    tileFilter("CITriangleTile", "Triangle Tile", "Covers everything with a triangle of a picture.", "10.4",
-               tileInputs(std::nullopt), tiled<Triangle>),
+    tileFilter("CITriangleTile", "Triangle Tile", "Covers everything with a triangle of a picture.",
+               ourOwn("turned by halves around the middles of the sides"), "10.4", tileInputs(std::nullopt),
+               tiled<Triangle>),
     tileFilter("CISixfoldRotatedTile", "Sixfold Rotated Tile",
-               "Repeats a sixth of a hexagon of a picture, turned by sixths.", "10.5", tileInputs(),
-               tiled<SixRotated>),
+               "Repeats a sixth of a hexagon of a picture, turned by sixths.",
+               fitted("a sixth of a hexagon, turned", 0.16), "10.5", tileInputs(), tiled<SixRotated>),
     tileFilter("CISixfoldReflectedTile", "Sixfold Reflected Tile",
-               "Repeats a triangle of a picture, mirrored at its sides.", "10.5", tileInputs(),
-               tiled<SixReflected>),
+               "Repeats a triangle of a picture, mirrored at its sides.",
+               fitted("a triangle, mirrored on its sides", 0.16), "10.5", tileInputs(), tiled<SixReflected>),
     tileFilter("CITwelvefoldReflectedTile", "Twelvefold Reflected Tile",
-               "Repeats a twelfth of a hexagon of a picture, mirrored at its sides.", "10.5", tileInputs(),
+               "Repeats a twelfth of a hexagon of a picture, mirrored at its sides.",
+               fitted("a twelfth of a hexagon, mirrored on its sides", 0.16), "10.5", tileInputs(),
                tiled<TwelveReflected>),
 };
 

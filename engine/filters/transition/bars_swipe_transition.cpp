@@ -31,8 +31,8 @@ double started(const Inputs& in, const Rect& extent, Point direction, double wid
 }
 
 /// Bars lie across the direction and slide along themselves, one after the other, ever faster: by the offset
-/// times the square of how many have begun after them. Fitted to Core Image's pictures (mean residual 0.3 of
-/// 255). An infinite picture has nowhere to slide to; it stays until the time is over.
+/// times the square of how many have begun after them. An infinite picture has nowhere to slide to; it stays
+/// until the time is over.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage"), target = in.image("inputTargetImage");
     if (!image) return nullptr;
@@ -59,6 +59,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIBarsSwipeTransition",
                         "Bars Swipe Transition",
                         "Cuts a picture into bars, which slide away one after the other.",
+                        fitted("bars that slide by the square of how many began after them", 0.3),
                         "10.5",
                         categories("Transition Video StillImage BuiltIn"),
                         {imageInput(), targetInput(),

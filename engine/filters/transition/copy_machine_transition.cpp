@@ -39,6 +39,7 @@ const Registrar filter{
     {"CICopyMachineTransition",
      "Copy Machine",
      "Moves a bar of light over a picture and leaves another one behind it, as a copier does.",
+     fitted("a bar of added light", 0.04),
      "10.4",
      categories("Transition Video StillImage BuiltIn"),
      {imageInput(), targetInput(), vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 300, 300}),

@@ -53,6 +53,7 @@ const Registrar filter{
     {"CIDisintegrateWithMaskTransition",
      "Disintegrate With Mask",
      "Takes a picture away where a mask is bright, then where it is darker; what is left casts a shadow.",
+     fitted("time 0.5; that brightness is linear in time is our own", 0.1),
      "10.4",
      categories("Transition Video StillImage BuiltIn"),
      {imageInput(), targetInput(), imageInput("inputMaskImage", "Mask Image"), timeInput(),

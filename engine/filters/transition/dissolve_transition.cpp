@@ -15,6 +15,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIDissolveTransition",
                         "Dissolve",
                         "Fades from one picture to another.",
+                        publicDefinition("a mix of light"),
                         "10.4",
                         categories("Transition Video StillImage Interlaced NonSquarePixels BuiltIn"),
                         {imageInput(), targetInput(), timeInput()},

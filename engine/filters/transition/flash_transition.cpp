@@ -15,8 +15,7 @@ double coreRadius(const Inputs& in, Point centre) {
     return 1.0235 * farthestCorner(in.rect("inputExtent"), centre) * std::exp(std::min(growth, 60.0));
 }
 
-/// The light is that of a sun, its rays the smaller of two components of the noise. Fitted to Core Image's
-/// pictures (mean residual 0.07 of 255).
+/// The light is that of a sun, its rays the smaller of two components of the noise.
 Image flash(const Inputs& in, const Rect& extent) {
     Point centre = in.point("inputCenter");
     double radius = std::min(coreRadius(in, centre), 1e12);
@@ -57,6 +56,7 @@ const Registrar filter{
     {"CIFlashTransition",
      "Flash",
      "Lets a flash spread over a picture, and another one come out of it.",
+     fitted("a sun that grows exponentially, and then fades", 0.07),
      "10.4",
      categories("Transition Video StillImage BuiltIn"),
      {imageInput(), targetInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}),

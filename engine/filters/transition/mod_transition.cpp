@@ -26,8 +26,7 @@ struct Compression {
 };
 
 /// Round holes on a square lattice, `radius` apart and turned by the angle, to which they come from an eighth
-/// of a turn. They grow with the time until they overlap. Fitted to Core Image's pictures (mean residual 0.02
-/// of 255).
+/// of a turn. They grow with the time until they overlap.
 struct Holes {
     Compression across;
     float c, s, perRadius, perSize;
@@ -65,6 +64,7 @@ const Registrar filter{
     {"CIModTransition",
      "Mod",
      "Shows a picture through holes in another one, which grow.",
+     fitted("holes on a lattice that is compressed away from the centre", 0.02),
      "10.4",
      categories("Transition Video StillImage BuiltIn"),
      {imageInput(), targetInput(), vectorInput("inputCenter", "Center", "Position", {150, 150}), timeInput(),

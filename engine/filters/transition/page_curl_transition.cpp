@@ -27,6 +27,7 @@ const Registrar filter{
     {"CIPageCurlTransition",
      "Page Curl",
      "Curls a picture up like a page, and shows the one below it.",
+     fitted("the geometry; the shading is our own reading"),
      "10.4",
      categories("Transition Video StillImage BuiltIn"),
      {imageInput(), targetInput(), backsideInput(), imageInput("inputShadingImage", "Shading Image"),

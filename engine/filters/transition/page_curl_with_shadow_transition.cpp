@@ -37,6 +37,7 @@ Image build(const Inputs& in) {
 const Registrar filter{{"CIPageCurlWithShadowTransition",
                         "Page Curl With Shadow",
                         "Curls a picture up like a page with a shadow, and shows the one below it.",
+                        ourOwn("the geometry of CIPageCurlTransition; the shadow is our own"),
                         "10.9",
                         categories("Transition Video StillImage BuiltIn"),
                         {imageInput(), targetInput(), backsideInput(),

@@ -71,6 +71,7 @@ const Registrar filter{
     {"CIRippleTransition",
      "Ripple",
      "Runs a circular wave over a picture, which leaves another one behind.",
+     fitted("a wave three widths long", 0.15),
      "10.4",
      categories("Transition Video StillImage BuiltIn"),
      {imageInput(), targetInput(), imageInput("inputShadingImage", "Shading Image"),

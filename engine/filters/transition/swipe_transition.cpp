@@ -8,7 +8,7 @@ namespace {
 
 /// A bar as wide as the width moves over the extent, from just before it to just behind. Across it the
 /// picture turns into the target, and its colour over both comes and goes, at most `inputOpacity` in the
-/// middle. Fitted to Core Image's picture (mean residual below 0.01 of 255).
+/// middle.
 Image build(const Inputs& in) {
     Image image = in.image("inputImage");
     if (!image) return nullptr;
@@ -34,6 +34,7 @@ const Registrar filter{
     {"CISwipeTransition",
      "Swipe",
      "Moves a coloured bar over a picture and leaves another one behind it.",
+     fitted("a bar across which one picture becomes the other", 0),
      "10.4",
      categories("Transition Video StillImage BuiltIn"),
      {imageInput(), targetInput(), vectorInput("inputExtent", "Extent", "Rectangle", {0, 0, 300, 300}),

@@ -282,11 +282,26 @@ class ENGINE_API Inputs {
     const Values& values_;
 };
 
+/// Where a filter's formula comes from.
+struct Source {
+    enum class Kind {
+        publicDefinition, ///< a published formula, or Core Image's documentation
+        fitted,           ///< to pictures that Core Image rendered
+        ourOwn,           ///< no picture is known
+    };
+    Kind kind;
+    /// What it is, or what of it stands on something else.
+    std::string_view text;
+    /// The mean difference from Core Image's picture, of a component in steps of 255, where it was measured.
+    std::optional<double> residual = {};
+};
+
 /// A filter is data plus one function.
 struct ENGINE_API FilterInfo {
     std::string name;
     std::string displayName;
     std::string description;
+    Source source;
     /// First system that has it, such as "10.4".
     std::string since;
     /// In Core Image's words: Blur, StillImage ...

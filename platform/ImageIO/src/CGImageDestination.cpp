@@ -110,6 +110,8 @@ ImageDestination::Page ImageDestination::prepare(const Added& added) const {
     double orientation = numberProperty(properties, kCGImagePropertyOrientation, 1);
     s.orientation = orientation >= 1 && orientation <= 8 ? static_cast<int>(orientation) : 1;
 
+    s.metadata = metadataIn(properties);
+
     cg::PixelFormat format;
     format.bits = s.bits;
     format.colors = s.colors;

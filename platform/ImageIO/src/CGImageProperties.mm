@@ -100,6 +100,26 @@ CFDictionaryRef makeProperties(const Info& info) {
     return (CFDictionaryRef)properties;
 }
 
+static std::optional<MetadataValue> valueIn(id object) {
+    if ([object isKindOfClass:[NSString class]]) return std::string([object UTF8String]);
+    if ([object isKindOfClass:[NSNumber class]]) return [object doubleValue];
+    if (![object isKindOfClass:[NSArray class]]) return std::nullopt;
+    std::vector<double> numbers;
+    for (id element in object) {
+        if (![element isKindOfClass:[NSNumber class]]) return std::nullopt;
+        numbers.push_back([element doubleValue]);
+    }
+    return numbers;
+}
+
+Metadata metadataIn(CFDictionaryRef properties) {
+    return metadataFrom([&](const char* dictionary, const char* key) {
+        id values = [(NSDictionary*)properties objectForKey:[NSString stringWithUTF8String:dictionary]];
+        bool usable = [values isKindOfClass:[NSDictionary class]];
+        return valueIn(usable ? [values objectForKey:[NSString stringWithUTF8String:key]] : nil);
+    });
+}
+
 double numberProperty(CFDictionaryRef properties, CFStringRef key, double missing) {
     id value = [(NSDictionary*)properties objectForKey:(NSString*)key];
     return [value isKindOfClass:[NSNumber class]] ? [value doubleValue] : missing;

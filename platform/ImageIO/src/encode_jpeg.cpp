@@ -17,9 +17,8 @@ namespace {
 struct Writer {
     explicit Writer(const OutputImage& image) : image(image), row(image.rowBytes()) {
         static constexpr char mark[] = "Exif\0";
-        exif.assign(mark, mark + sizeof mark);
-        std::vector<std::uint8_t> block = orientationBlock(image.orientation);
-        exif.insert(exif.end(), block.begin(), block.end());
+        exif = exifBlock(image.metadata, image.orientation);
+        if (!exif.empty()) exif.insert(exif.begin(), mark, mark + sizeof mark);
         info.err = jpeg_std_error(&errors);
         info.client_data = this;
         errors.error_exit = [](j_common_ptr c) {
@@ -62,7 +61,8 @@ bool Writer::run() {
     info.X_density = static_cast<UINT16>(std::clamp(std::lround(image.dpiX), 1l, 65535l));
     info.Y_density = static_cast<UINT16>(std::clamp(std::lround(image.dpiY), 1l, 65535l));
     jpeg_start_compress(&info, TRUE);
-    if (image.orientation != 1)
+    // A marker holds no more; metadata that do not fit are left out.
+    if (!exif.empty() && exif.size() <= 65533)
         jpeg_write_marker(&info, JPEG_APP0 + 1, exif.data(), static_cast<unsigned>(exif.size()));
     if (!image.icc.empty())
         jpeg_write_icc_profile(&info, image.icc.data(), static_cast<unsigned>(image.icc.size()));
@@ -82,13 +82,6 @@ std::vector<std::uint8_t> encodeJPEG(std::span<const OutputImage> images) {
     Writer writer(images[0]);
     if (!writer.run()) return {};
     return std::vector<std::uint8_t>(writer.data, writer.data + writer.size);
-}
-
-std::vector<std::uint8_t> orientationBlock(int orientation) {
-    // TIFF's header, big-endian, and one entry: tag 0x112, type short, count 1.
-    return {'M',  'M',  0, 42, 0, 0, 0, 8, 0, 1,
-            0x01, 0x12, 0, 3,  0, 0, 0, 1, 0, static_cast<std::uint8_t>(orientation),
-            0,    0,    0, 0,  0, 0};
 }
 
 } // namespace imageio

@@ -14,7 +14,7 @@ namespace {
 /// The library's errors jump back to run(). An exception in a callback becomes such an error.
 struct Writer : PngState {
     explicit Writer(const OutputImage& image)
-        : image(image), row(image.rowBytes()), exif(orientationBlock(image.orientation)) {}
+        : image(image), row(image.rowBytes()), exif(exifBlock(image.metadata, image.orientation)) {}
     ~Writer() { png_destroy_write_struct(&png, &info); }
 
     static void take(png_structp png, png_bytep data, std::size_t size) {
@@ -54,7 +54,7 @@ bool Writer::run() {
                      static_cast<png_uint_32>(image.icc.size()));
     png_set_pHYs(png, info, static_cast<png_uint_32>(std::lround(image.dpiX / 0.0254)),
                  static_cast<png_uint_32>(std::lround(image.dpiY / 0.0254)), PNG_RESOLUTION_METER);
-    if (image.orientation != 1) png_set_eXIf_1(png, info, static_cast<png_uint_32>(exif.size()), exif.data());
+    if (!exif.empty()) png_set_eXIf_1(png, info, static_cast<png_uint_32>(exif.size()), exif.data());
     png_write_info(png, info);
     if (std::endian::native == std::endian::little && image.bits == 16) png_set_swap(png);
     for (std::size_t y = 0; y < image.height; ++y) {

@@ -22,6 +22,20 @@ bool writePage(TIFF* tiff, const OutputImage& s, std::size_t page, std::size_t p
     TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
     TIFFSetField(tiff, TIFFTAG_XRESOLUTION, s.dpiX);
     TIFFSetField(tiff, TIFFTAG_YRESOLUTION, s.dpiY);
+    // The texts have the numbers of EXIF's tags; its own directories are not written.
+    for (auto [tag, key] : {std::pair(TIFFTAG_DOCUMENTNAME, "DocumentName"),
+                            {TIFFTAG_IMAGEDESCRIPTION, "ImageDescription"},
+                            {TIFFTAG_MAKE, "Make"},
+                            {TIFFTAG_MODEL, "Model"},
+                            {TIFFTAG_SOFTWARE, "Software"},
+                            {TIFFTAG_DATETIME, "DateTime"},
+                            {TIFFTAG_ARTIST, "Artist"},
+                            {TIFFTAG_HOSTCOMPUTER, "HostComputer"},
+                            {TIFFTAG_COPYRIGHT, "Copyright"}}) {
+        const MetadataValue* value = s.metadata.find("{TIFF}", key);
+        if (auto* text = value ? std::get_if<std::string>(value) : nullptr)
+            TIFFSetField(tiff, tag, text->c_str());
+    }
     if (s.hasAlpha) {
         std::uint16_t kind = EXTRASAMPLE_UNASSALPHA;
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);

@@ -1,6 +1,8 @@
 // Writing image files, in plain C++: rows in, bytes out.
 #pragma once
 
+#include "metadata.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -23,6 +25,8 @@ struct OutputImage {
     bool isSRGB = false;
     double dpiX = 72, dpiY = 72;
     int orientation = 1;
+    /// What is known of the picture beside its pixels.
+    Metadata metadata;
     /// 0 to 1, for lossy formats.
     double quality = 0.85;
     /// Fills `out` with `count` rows from `first` on, tightly packed, words in the machine's byte order.
@@ -42,8 +46,5 @@ std::vector<std::uint8_t> encodeBMP(std::span<const OutputImage> images);
 /// For 8 bits only.
 std::vector<std::uint8_t> encodeGIF(std::span<const OutputImage> images);
 std::vector<std::uint8_t> encodeTIFF(std::span<const OutputImage> images);
-
-/// The smallest EXIF block with an orientation.
-std::vector<std::uint8_t> orientationBlock(int orientation);
 
 } // namespace imageio

@@ -286,7 +286,208 @@ std::optional<MetadataValue> valueOf(As as, const TagField& field) {
     }
 }
 
+// ----------------------------------------------------------------------------------------- writing EXIF
+
+/// The types of TIFF 6.0's fields.
+enum FieldType : std::uint16_t {
+    byteType = 1,
+    asciiType,
+    shortType,
+    longType,
+    rationalType,
+    undefinedType = 7,
+    signedLongType = 9,
+    signedRationalType
+};
+
+/// A directory's entry as it is written, with its values in little-endian order.
+struct Field {
+    std::uint16_t tag;
+    FieldType type;
+    std::uint32_t count;
+    std::string bytes;
+};
+
+void put(std::string& out, std::uint32_t value, int bytes) {
+    for (int i = 0; i < bytes; ++i) out += static_cast<char>(value >> 8 * i);
+}
+
+/// Numerator and denominator: the simplest fraction next to the number, by its continued fraction.
+void putRational(std::string& out, double number) {
+    double size = std::min(std::fabs(number), 4294967295.);
+    double x = size, p0 = 0, q0 = 1, p1 = 1, q1 = 0;
+    for (int i = 0; i < 32; ++i) {
+        double whole = std::floor(x), p = whole * p1 + p0, q = whole * q1 + q0;
+        if (p > 2147483647. || q > 10000000.) break;
+        p0 = p1, q0 = q1, p1 = p, q1 = q;
+        if (std::fabs(p / q - size) <= 1e-12 * size || x == whole) break;
+        x = 1 / (x - whole);
+    }
+    if (q1 == 0) p1 = size, q1 = 1; // beyond what the loop takes
+    auto numerator = static_cast<std::int64_t>(number < 0 ? -p1 : p1);
+    put(out, static_cast<std::uint32_t>(numerator), 4);
+    put(out, static_cast<std::uint32_t>(q1), 4);
+}
+
+Field reals(std::uint16_t tag, const std::vector<double>& numbers) {
+    bool negative = std::any_of(numbers.begin(), numbers.end(), [](double n) { return n < 0; });
+    Field field{
+        tag, negative ? signedRationalType : rationalType, static_cast<std::uint32_t>(numbers.size()), {}};
+    for (double number : numbers) putRational(field.bytes, number);
+    return field;
+}
+
+Field bytesField(std::uint16_t tag, FieldType type, std::string bytes) {
+    auto count = static_cast<std::uint32_t>(bytes.size());
+    return {tag, type, count, std::move(bytes)};
+}
+
+/// Tags of one byte, or several, that are no text.
+FieldType byteTypeOf(const Tag& tag) {
+    bool undefined = tag.directory == exif && (tag.number == 0xA300 || tag.number == 0xA301 ||
+                                               tag.number == 0x9101 || tag.number == 0xA302);
+    bool byte = tag.directory == gps && (tag.number == 0x00 || tag.number == 0x05);
+    return undefined ? undefinedType : byte ? byteType : shortType;
+}
+
+Field integers(const Tag& tag, const std::vector<double>& numbers) {
+    FieldType type = byteTypeOf(tag);
+    bool large = std::any_of(numbers.begin(), numbers.end(), [](double n) { return n > 65535; });
+    bool negative = std::any_of(numbers.begin(), numbers.end(), [](double n) { return n < 0; });
+    if (type == shortType && (large || negative)) type = negative ? signedLongType : longType;
+    Field field{tag.number, type, static_cast<std::uint32_t>(numbers.size()), {}};
+    for (double number : numbers)
+        put(field.bytes, static_cast<std::uint32_t>(static_cast<std::int64_t>(number)),
+            type == shortType                            ? 2
+            : type == longType || type == signedLongType ? 4
+                                                         : 1);
+    return field;
+}
+
+/// The numbers of a value; a text has none.
+std::vector<double> numbersOf(const MetadataValue& value) {
+    if (auto* list = std::get_if<std::vector<double>>(&value)) return *list;
+    if (auto* list = std::get_if<std::vector<long>>(&value)) return {list->begin(), list->end()};
+    if (auto* real = std::get_if<double>(&value)) return {*real};
+    if (auto* integer = std::get_if<long>(&value)) return {static_cast<double>(*integer)};
+    if (auto* flag = std::get_if<bool>(&value)) return {*flag ? 1. : 0.};
+    return {};
+}
+
+/// What valueOf() reads as that value; nothing for one of another kind than the tag's.
+std::optional<Field> fieldFor(const Tag& tag, const MetadataValue& value) {
+    auto* text = std::get_if<std::string>(&value);
+    std::vector<double> n = numbersOf(value);
+    for (double number : n)
+        if (!std::isfinite(number)) return std::nullopt;
+    switch (tag.as) {
+    case As::text:
+        if (text) return bytesField(tag.number, asciiType, *text + '\0');
+        break;
+    case As::comment:
+        // Eight zeros: the encoding is not told.
+        if (text) return bytesField(tag.number, undefinedType, std::string(8, '\0') + *text);
+        break;
+    case As::clock: {
+        int hours = 0, minutes = 0;
+        double seconds = 0;
+        if (text && std::sscanf(text->c_str(), "%d:%d:%lf", &hours, &minutes, &seconds) == 3)
+            return reals(tag.number, {double(hours), double(minutes), seconds});
+        break;
+    }
+    case As::version:
+        if (n.size() >= 2) {
+            char digits[16];
+            std::snprintf(digits, sizeof digits, "%02d%d%d", int(n[0]) % 100, int(n[1]) % 10,
+                          n.size() > 2 ? int(n[2]) % 10 : 0);
+            return bytesField(tag.number, undefinedType, digits);
+        }
+        break;
+    case As::degrees:
+        if (n.size() == 1) {
+            double minutes = (n[0] - std::floor(n[0])) * 60;
+            return reals(tag.number,
+                         {std::floor(n[0]), std::floor(minutes), (minutes - std::floor(minutes)) * 60});
+        }
+        break;
+    case As::integer:
+    case As::integers:
+        if (!n.empty()) return integers(tag, n);
+        break;
+    case As::real:
+    case As::reals:
+        if (!n.empty()) return reals(tag.number, n);
+        break;
+    }
+    return std::nullopt;
+}
+
+/// Of the stored pixels; the format itself has these.
+bool describesPixels(const Tag& tag) {
+    constexpr std::uint16_t ones[] = {0x0103, 0x0106, 0x0112, 0x011A, 0x011B, 0x0128, 0x0142, 0x0143};
+    return tag.directory == image &&
+           std::find(std::begin(ones), std::end(ones), tag.number) != std::end(ones);
+}
+
+/// A directory that begins at `offset` of the block, and behind it the values that do not fit its entries.
+std::string directoryBytes(std::vector<Field> fields, std::size_t offset) {
+    std::sort(fields.begin(), fields.end(), [](const Field& a, const Field& b) { return a.tag < b.tag; });
+    std::string entries, values;
+    std::size_t behind = offset + 2 + 12 * fields.size() + 4;
+    put(entries, static_cast<std::uint32_t>(fields.size()), 2);
+    for (const Field& field : fields) {
+        put(entries, field.tag, 2);
+        put(entries, field.type, 2);
+        put(entries, field.count, 4);
+        if (field.bytes.size() <= 4) {
+            entries += field.bytes + std::string(4 - field.bytes.size(), '\0');
+            continue;
+        }
+        put(entries, static_cast<std::uint32_t>(behind + values.size()), 4);
+        values += field.bytes;
+        if (values.size() % 2) values += '\0';
+    }
+    put(entries, 0, 4);
+    return entries + values;
+}
+
+Field pointer(std::uint16_t tag, std::size_t offset) {
+    Field field{tag, longType, 1, {}};
+    put(field.bytes, static_cast<std::uint32_t>(offset), 4);
+    return field;
+}
+
 } // namespace
+
+std::vector<std::uint8_t> exifBlock(const Metadata& metadata, int orientation) {
+    std::vector<Field> fields[3];
+    for (const Tag& tag : tags) {
+        const MetadataValue* value =
+            describesPixels(tag) ? nullptr : metadata.find(nameOf(tag.directory), tag.key);
+        if (std::optional<Field> field = value ? fieldFor(tag, *value) : std::nullopt)
+            fields[static_cast<int>(tag.directory)].push_back(std::move(*field));
+    }
+    auto& [ofImage, ofExif, ofGPS] = fields;
+    if (ofImage.empty() && ofExif.empty() && ofGPS.empty() && orientation == 1) return {};
+    Field turned{0x0112, shortType, 1, {}};
+    put(turned.bytes, static_cast<std::uint32_t>(orientation), 2);
+    ofImage.push_back(turned);
+    // The other two directories lie behind the first; its length does not depend on where they are.
+    constexpr std::size_t header = 8;
+    if (!ofExif.empty()) ofImage.push_back(pointer(0x8769, 0));
+    if (!ofGPS.empty()) ofImage.push_back(pointer(0x8825, 0));
+    std::size_t exifAt = header + directoryBytes(ofImage, header).size();
+    std::string exifBytes = ofExif.empty() ? "" : directoryBytes(ofExif, exifAt);
+    std::size_t gpsAt = exifAt + exifBytes.size();
+    std::string gpsBytes = ofGPS.empty() ? "" : directoryBytes(ofGPS, gpsAt);
+    for (Field& field : ofImage) {
+        if (field.tag == 0x8769) field = pointer(0x8769, exifAt);
+        if (field.tag == 0x8825) field = pointer(0x8825, gpsAt);
+    }
+    std::string block{'I', 'I', 42, 0, header, 0, 0, 0};
+    block += directoryBytes(ofImage, header) + exifBytes + gpsBytes;
+    return {block.begin(), block.end()};
+}
 
 const MetadataValue* Metadata::find(std::string_view dictionary, std::string_view key) const {
     for (const MetadataEntry& entry : entries_)
@@ -300,6 +501,14 @@ double Metadata::number(std::string_view dictionary, std::string_view key) const
     if (const long* integer = std::get_if<long>(value)) return static_cast<double>(*integer);
     const double* real = std::get_if<double>(value);
     return real ? *real : 0;
+}
+
+Metadata metadataFrom(const ValueOfKey& valueOf) {
+    Metadata metadata;
+    for (const Tag& tag : tags)
+        if (std::optional<MetadataValue> value = valueOf(nameOf(tag.directory), tag.key))
+            metadata.add(nameOf(tag.directory), tag.key, std::move(*value));
+    return metadata;
 }
 
 void addTags(Metadata& metadata, TagDirectory directory, const FieldOfTag& fieldOf) {

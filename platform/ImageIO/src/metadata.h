@@ -52,6 +52,14 @@ struct TagField {
 using FieldOfTag = std::function<std::optional<TagField>(std::uint16_t tag)>;
 void addTags(Metadata& metadata, TagDirectory directory, const FieldOfTag& fieldOf);
 
+/// Looks every known tag up under its keys: the names of the dictionary, such as "{Exif}", and of the value.
+using ValueOfKey = std::function<std::optional<MetadataValue>(const char* dictionary, const char* key)>;
+Metadata metadataFrom(const ValueOfKey& valueOf);
+
+/// An EXIF block without its mark; empty when there is nothing to say. What describes the stored pixels
+/// (compression, resolution) is left to the format.
+std::vector<std::uint8_t> exifBlock(const Metadata& metadata, int orientation);
+
 /// Adds the tags of an EXIF block, with or without its mark; of a damaged block, those that can be read.
 void addExif(Metadata& metadata, std::span<const std::uint8_t> block);
 

@@ -107,10 +107,9 @@ bool readFields(Reader& reader, Info& info, Pixels& pixels, int& passes) {
     info.depth = png_get_bit_depth(png, in);
     info.isIndexed = type == PNG_COLOR_TYPE_PALETTE;
     info.hasAlpha = (type & PNG_COLOR_MASK_ALPHA) || png_get_valid(png, in, PNG_INFO_tRNS);
-    if (png_get_pixels_per_meter(png, in)) {
-        info.dpiX = png_get_x_pixels_per_meter(png, in) * 0.0254;
-        info.dpiY = png_get_y_pixels_per_meter(png, in) * 0.0254;
-    }
+    // Pixels need not be square.
+    info.dpiX = png_get_x_pixels_per_meter(png, in) * 0.0254;
+    info.dpiY = png_get_y_pixels_per_meter(png, in) * 0.0254;
     if (setjmp(reader.escape)) return false;
     // Palettes become colours, few bits become 8, a transparent colour becomes alpha.
     png_set_expand(png);

@@ -10,6 +10,9 @@ namespace imageio {
 /// The dictionary that describes an image, owned by the caller.
 CFDictionaryRef makeProperties(const Info& info);
 
+/// The known metadata in its dictionaries; none for null.
+Metadata metadataIn(CFDictionaryRef properties);
+
 /// A number of a properties dictionary; `missing` when the dictionary is null or has no such number.
 double numberProperty(CFDictionaryRef properties, CFStringRef key, double missing);
 

@@ -177,3 +177,14 @@ double number(const cg::Retained<CFDictionaryRef>& properties, CFStringRef key) 
     if (object) CFNumberGetValue(static_cast<CFNumberRef>(object), kCFNumberDoubleType, &value);
     return value;
 }
+
+Bytes encode(const std::vector<CGImageRef>& images, const char* type, CFDictionaryRef properties) {
+    auto name =
+        cg::Retained<CFStringRef>::adopt(CFStringCreateWithCString(nullptr, type, kCFStringEncodingUTF8));
+    auto data = cg::Retained<CFMutableDataRef>::adopt(CFDataCreateMutable(nullptr, 0));
+    auto destination = cg::Retained<CGImageDestinationRef>::adopt(
+        CGImageDestinationCreateWithData(data.get(), name.get(), images.size(), nullptr));
+    for (CGImageRef image : images) CGImageDestinationAddImage(destination.get(), image, properties);
+    if (!CGImageDestinationFinalize(destination.get())) return {};
+    return Bytes(CFDataGetBytePtr(data.get()), CFDataGetBytePtr(data.get()) + CFDataGetLength(data.get()));
+}

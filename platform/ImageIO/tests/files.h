@@ -25,6 +25,8 @@ Bytes bmpFile24();
 
 cg::Retained<CGImageSourceRef> source(const Bytes& file);
 cg::Retained<CGImageRef> decode(const Bytes& file, std::size_t index = 0);
+/// The images written as one file of the type, such as "public.png"; empty when that failed.
+Bytes encode(const std::vector<CGImageRef>& images, const char* type, CFDictionaryRef properties = nullptr);
 /// The image drawn into sRGB, as premultiplied RGBA.
 class Drawn {
   public:

@@ -317,6 +317,30 @@ TEST(Metadata, EveryFieldOfEXIFInBothByteOrders) {
     }
 }
 
+TEST(Metadata, IsWrittenAsItWasRead) {
+    std::vector<Field> fields = allFields(false);
+    NSDictionary* properties = propertiesOf(jpegWith(Block(false).of(fields)));
+    // The format has these itself.
+    std::erase_if(fields, [](const Field& field) {
+        for (const char* own : {"Compression", "PhotometricInterpretation", "XResolution", "YResolution",
+                                "ResolutionUnit", "TileWidth", "TileLength"})
+            if (field.directory == image && std::strcmp(field.key, own) == 0) return true;
+        return false;
+    });
+    auto picture = decode(pngFile(20, 20, PNG_COLOR_TYPE_RGB));
+    for (const char* type : {"public.jpeg", "public.png"}) {
+        NSDictionary* read = propertiesOf(encode({picture.get()}, type, (CFDictionaryRef)properties));
+        SCOPED_TRACE(type);
+        expectFields(read, fields);
+        EXPECT_EQ([[read objectForKey:@"Orientation"] intValue], 6);
+        EXPECT_NEAR([[read objectForKey:@"DPIHeight"] doubleValue], 300.5, 1);
+    }
+    NSDictionary* read = propertiesOf(encode({picture.get()}, "public.tiff", (CFDictionaryRef)properties));
+    for (const Field& field : fields)
+        if (field.directory == image && field.type == ascii)
+            expectSame(valueIn(read, names[image], field.key), field.expected, field.key);
+}
+
 TEST(Metadata, PNGAndWebPCarryTheSameBlock) {
     std::vector<Field> fields = allFields(true);
     Bytes block = Block(true).of(fields);

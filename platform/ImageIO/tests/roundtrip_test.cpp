@@ -15,16 +15,6 @@ Retained<CFStringRef> text(const char* t) {
     return Retained<CFStringRef>::adopt(CFStringCreateWithCString(nullptr, t, kCFStringEncodingUTF8));
 }
 
-/// The images written as one file of the type; empty when that failed.
-Bytes encode(const std::vector<CGImageRef>& images, const char* type, CFDictionaryRef properties = nullptr) {
-    auto data = Retained<CFMutableDataRef>::adopt(CFDataCreateMutable(nullptr, 0));
-    auto destination = Retained<CGImageDestinationRef>::adopt(
-        CGImageDestinationCreateWithData(data.get(), text(type).get(), images.size(), nullptr));
-    for (CGImageRef image : images) CGImageDestinationAddImage(destination.get(), image, properties);
-    if (!CGImageDestinationFinalize(destination.get())) return {};
-    return Bytes(CFDataGetBytePtr(data.get()), CFDataGetBytePtr(data.get()) + CFDataGetLength(data.get()));
-}
-
 Bytes raw(CGImageRef image) {
     auto data = Retained<CFDataRef>::adopt(CGDataProviderCopyData(CGImageGetDataProvider(image)));
     return Bytes(CFDataGetBytePtr(data.get()), CFDataGetBytePtr(data.get()) + CFDataGetLength(data.get()));

@@ -255,8 +255,10 @@ NSString* categoryName(NSString* category) {
 
 - (void)raiseUnknownKey:(NSString*)key in:(const char*)method {
     NSString* reason = [NSString
-        stringWithFormat:@"[<%@ %p> %s]: this class is not key value coding-compliant for the key %@.",
-                         NSStringFromClass([self class]), self, method, key];
+        stringWithFormat:@"[<%@ %p> %s]: this class is not key value coding-compliant for the key %@. "
+                         @"The inputs of %@ are %@.",
+                         NSStringFromClass([self class]), self, method, key, [self name],
+                         [[self inputKeys] componentsJoinedByString:@", "]];
     NSDictionary* info = [NSDictionary
         dictionaryWithObjectsAndKeys:self, @"NSTargetObjectUserInfoKey", key, @"NSUnknownUserInfoKey", nil];
     [[NSException exceptionWithName:@"NSUnknownKeyException" reason:reason userInfo:info] raise];

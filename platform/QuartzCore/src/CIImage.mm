@@ -218,6 +218,13 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
     return _state->space.get();
 }
 
+- (NSString*)debugDescription {
+    ci::Failure failure;
+    std::string plan = ci::planOf(_state->recipe, failure);
+    ci::raise(failure, @"debugDescription");
+    return [NSString stringWithUTF8String:plan.c_str()];
+}
+
 - (NSString*)description {
     CGRect r = [self extent];
     NSString* extent = CGRectIsInfinite(r)

@@ -232,6 +232,14 @@ engine::Image apply(const engine::FilterInfo& filter, const engine::Values& valu
     return attempt(failure, [&] { return engine::apply(filter, values); });
 }
 
+std::string planOf(const engine::Image& image, Failure& failure) {
+    return attempt(failure, [&] {
+        engine::Plan plan = engine::planSummary(image);
+        return std::to_string(plan.passes) + (plan.passes == 1 ? " pass, " : " passes, ") +
+               std::to_string(plan.steps) + (plan.steps == 1 ? " step\n" : " steps\n") + plan.text;
+    });
+}
+
 // --- rendering --------------------------------------------------------------------------------------------
 
 CGImageRef makeCGImage(const engine::Image& image, CGRect area, int format, CGColorSpaceRef space,

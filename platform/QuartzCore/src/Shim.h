@@ -45,6 +45,8 @@ engine::Image transform(const engine::Image& image, const CGAffineTransform& mat
 engine::Image crop(const engine::Image& image, CGRect area, Failure& failure);
 engine::Image sampled(const engine::Image& image, const CGAffineTransform& matrix, engine::Wrap wrap,
                       engine::Interpolation interpolation, Failure& failure);
+/// How the image would be computed: "2 passes, 5 steps" and the steps, a line each.
+std::string planOf(const engine::Image& image, Failure& failure);
 engine::Image apply(const engine::FilterInfo& filter, const engine::Values& values, Failure& failure);
 
 /// The pixels of a whole-numbered rectangle as a new image; null for an impossible rectangle, format or

@@ -31,13 +31,14 @@ TEST(CIFilter, UnknownKeysRaise) {
     EXPECT_EQ(str([e name]), "NSUnknownKeyException");
     EXPECT_EQ(str([e reason]),
               str([NSString stringWithFormat:@"[<CISepiaTone %p> valueForUndefinedKey:]: this class is not "
-                                             @"key value coding-compliant for the key foo.",
+                                             @"key value coding-compliant for the key foo. The inputs of "
+                                             @"CISepiaTone are inputImage, inputIntensity.",
                                              filter]));
     e = raised([&] { [filter setValue:@"x" forKey:@"bar"]; });
     EXPECT_EQ(str([e name]), "NSUnknownKeyException");
     EXPECT_TRUE([[e reason]
         hasSuffix:@"setValue:forUndefinedKey:]: this class is not key value coding-compliant for the key "
-                  @"bar."]);
+                  @"bar. The inputs of CISepiaTone are inputImage, inputIntensity."]);
     EXPECT_EQ(str([raised([&] { [filter setValue:nil forKey:@"outputImage"]; }) name]),
               "NSUnknownKeyException");
     // Instance variables are out of reach, too.

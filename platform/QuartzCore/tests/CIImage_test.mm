@@ -191,4 +191,6 @@ TEST(CIImage, CopiesAndDescriptions) {
     EXPECT_EQ([[image copy] autorelease], image);
     EXPECT_TRUE([[image description] hasPrefix:@"<CIImage: 0x"]);
     EXPECT_TRUE([[image description] hasSuffix:@"extent [0 0 4 3]>"]);
+    EXPECT_TRUE([[image debugDescription] hasPrefix:@"1 pass, 1 step\n"])
+        << [[image debugDescription] UTF8String];
 }

@@ -14,7 +14,7 @@ IMAGEIO_EXTERN CGImageDestinationRef CGImageDestinationCreateWithURL(CFURLRef ur
 IMAGEIO_EXTERN CGImageDestinationRef CGImageDestinationCreateWithData(CFMutableDataRef data, CFStringRef type,
                                                                       size_t count, CFDictionaryRef options);
 /** Adds an image; kCGImagePropertyOrientation, DPIWidth, DPIHeight and the quality are read from
- * `properties`. */
+ * `properties`, and the TIFF, Exif and GPS dictionaries, of which a TIFF file takes only the texts. */
 IMAGEIO_EXTERN void CGImageDestinationAddImage(CGImageDestinationRef destination, CGImageRef image,
                                                CFDictionaryRef properties);
 /** Writes the file; false if the number of images is wrong, one cannot be encoded or the file cannot be

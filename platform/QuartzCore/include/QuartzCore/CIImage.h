@@ -81,6 +81,8 @@ CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustFeatures;
 - (NSURL*)url;
 /** The space of the pixels that the image was made from; null for a computed image. Borrowed. */
 - (CGColorSpaceRef)colorSpace;
+/** The recipe: how many passes and steps it takes, and the steps, each above those that it reads. */
+- (NSString*)debugDescription;
 
 @end
 

@@ -25,6 +25,12 @@ struct Runtime {
     std::optional<std::int32_t> recordVersion; // announced by the plugins
     REALobject pending = nullptr;              // raised, not thrown yet; one host reference
     std::optional<int> quit;                   // Quit was called below a plugin's frame
+    // The last call of a plugin that found nothing by a name: its type and its text, to explain a nil later
+    // on.
+    struct {
+        const Type* type = nullptr;
+        std::string call;
+    } foundNothing;
 
     std::vector<std::function<void()>> yieldHooks; // the framework's
     std::vector<std::function<void()>> endHooks;   // the framework's: a program is over

@@ -17,6 +17,8 @@ class SourceError : public std::runtime_error {
     SourceError(Position position, const std::string& message)
         : std::runtime_error(message), position(position) {}
     Position position;
+    bool unknownName = false; // one mistake, however often the name is used
+    bool consequence = false; // of another mistake
 };
 
 } // namespace studio

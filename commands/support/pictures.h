@@ -1,0 +1,52 @@
+// Picture files: reading them upright, and writing them whole or not at all.
+#pragma once
+
+#import <Foundation/Foundation.h>
+#import <QuartzCore/QuartzCore.h>
+
+#include <optional>
+#include <string>
+
+namespace commands {
+
+struct Picture {
+    /// Upright, with its corner at the origin; nil if it could not be read.
+    CIImage* image = nil;
+    /// Those of the file.
+    NSDictionary* properties = nil;
+    /// The space of the file's pixels, borrowed; may be null.
+    CGColorSpaceRef space = nullptr;
+};
+
+/// The picture in a file, or on the standard input for "-", turned as its orientation asks. Everything is
+/// autoreleased. If it cannot be read, `failure` says why.
+Picture readPicture(const std::string& path, std::string& failure);
+
+/// "public.png" for the path's extension; empty for one that cannot be written.
+std::string typeForPath(const std::string& path);
+/// The same for a format's name: png, jpeg, tiff.
+std::string typeForName(const std::string& name);
+
+struct Encoding {
+    std::string type = "public.png";
+    /// 0 to 1, for JPEG.
+    std::optional<double> quality;
+    /// What to write of a picture's metadata; may be nil.
+    NSDictionary* metadata = nil;
+    /// The space of the pixels; sRGB if null.
+    CGColorSpaceRef space = nullptr;
+    /// 16 bits for each component, where the format has them.
+    bool deep = false;
+};
+
+/// The pixels of `area` as a file. Nil, and why in `failure`, if they cannot be rendered.
+NSData* encodePicture(CIImage* image, CGRect area, const Encoding& encoding, std::string& failure);
+
+/// Writes a file, or the standard output for "-". A file appears under its name when it is complete; until
+/// then one of that name stays as it was. Empty, or why it could not be written: "no such folder".
+std::string writeFile(const std::string& path, NSData* data);
+
+/// Lets an interruption remove the file that is being written.
+void removeUnfinishedFilesWhenInterrupted();
+
+} // namespace commands
