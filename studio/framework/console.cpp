@@ -1,5 +1,6 @@
 // Print, Input, Quit, time, System and App.
 #include "clock.h"
+#include "framework/folderitem.h"
 #include "table.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 
 namespace studio {
@@ -39,6 +41,8 @@ FrameworkFunctions consoleFunctions() {
     return {
         method("Print(value As Variant)", print),
         method("Print", [] { put("\n"); }),
+        method("MsgBox(text As String)", [](REALstring text) { put(toUtf8(text) + "\n"); }),
+        method("Beep", [] { std::fputc('\a', stderr); }),
         method("Input As String",
                [] {
                    std::string line;
@@ -71,7 +75,16 @@ FrameworkClass systemClass() {
 FrameworkClass appClass() {
     FrameworkClass table;
     table.name = "App";
-    table.sharedMethods = {method("DoEvents(milliseconds As Integer = 10)", doEvents)};
+    table.sharedMethods = {
+        method("DoEvents(milliseconds As Integer = 10)", doEvents),
+        method("YieldToNextThread", [] { runtime().yield(); }),
+        method("SleepCurrentThread(milliseconds As Integer)", doEvents),
+        method("ExecutableFile As FolderItem",
+               [] {
+                   std::error_code error;
+                   return newFolderItem(std::filesystem::read_symlink("/proc/self/exe", error).string());
+               }),
+    };
     return table;
 }
 

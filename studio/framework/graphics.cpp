@@ -247,9 +247,58 @@ FrameworkClass graphicsClass() {
     return table;
 }
 
+// Every channel of every pixel through a table of its own.
+void transform(REALobject self, REALobject red, REALobject green, REALobject blue) {
+    std::uint8_t tables[3][256];
+    REALobject given[3] = {red, green, blue};
+    for (int channel = 0; channel < 3; ++channel) {
+        if (!given[channel] || arrayOf(given[channel]).count < 256)
+            raise("OutOfBoundsException", "expected 256 values to transform a channel");
+        for (std::int32_t i = 0; i < 256; ++i)
+            tables[channel][i] = std::uint8_t(std::clamp(arrayGet(arrayOf(given[channel]), i).i32, 0, 255));
+    }
+    Pixels& pixels = target(self).pixels;
+    for (int y = 0; y < pixels.height; ++y)
+        for (int x = 0; x < pixels.width; ++x) {
+            std::uint32_t c = pixels.color(x, y);
+            pixels.setColor(x, y,
+                            (c & 0xFF000000) | std::uint32_t(tables[0][c >> 16 & 255] << 16) |
+                                std::uint32_t(tables[1][c >> 8 & 255] << 8) | tables[2][c & 255]);
+        }
+}
+
+// Fills the pixels that are joined to one and have its colour.
+void floodFill(REALobject self, std::int32_t x, std::int32_t y, std::uint32_t color) {
+    Pixels& pixels = target(self).pixels;
+    if (!pixels.contains(x, y)) return;
+    std::uint32_t old = pixels.color(x, y);
+    if (old == color) return;
+    std::vector<std::pair<int, int>> waiting = {{x, y}};
+    while (!waiting.empty()) {
+        auto [px, py] = waiting.back();
+        waiting.pop_back();
+        if (!pixels.contains(px, py) || pixels.color(px, py) != old) continue;
+        pixels.setColor(px, py, color);
+        if (pixels.color(px, py) == old) return; // the colour cannot be told apart once it is stored
+        for (auto [dx, dy] : {std::pair(1, 0), {-1, 0}, {0, 1}, {0, -1}})
+            waiting.emplace_back(px + dx, py + dy);
+    }
+}
+
 FrameworkClass surfaceClass() {
     FrameworkClass table = viewClass("RGBSurface");
-    table.methods = {method("Pixel(x As Integer, y As Integer) As Color", pixel, setPixel)};
+    table.properties = {
+        property("Width", "Integer", [](REALobject self) { return std::int32_t(target(self).pixels.width); }),
+        property("Height", "Integer",
+                 [](REALobject self) { return std::int32_t(target(self).pixels.height); }),
+    };
+    table.methods = {
+        method("Pixel(x As Integer, y As Integer) As Color", pixel, setPixel),
+        method("FloodFill(x As Integer, y As Integer, color As Color)", floodFill),
+        method("Transform(map() As Integer)",
+               [](REALobject self, REALobject map) { transform(self, map, map, map); }),
+        method("Transform(red() As Integer, green() As Integer, blue() As Integer)", transform),
+    };
     return table;
 }
 

@@ -1,8 +1,10 @@
 // TextInputStream and TextOutputStream.
+#include "encodings.h"
 #include "files.h"
 #include "framework/folderitem.h"
 #include "table.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -14,11 +16,13 @@ namespace {
 struct InputStream {
     std::string text;
     std::size_t at = 0;
+    std::uint32_t encoding = kREALTextEncodingUTF8; // of what is read
 };
 InputStream& input(REALobject self) { return dataOf<InputStream>(self); }
 
 struct OutputStream {
     std::FILE* file = nullptr;
+    std::string delimiter = "\n"; // at the end of each line
 };
 
 [[noreturn]] void cannotWrite() {
@@ -33,7 +37,7 @@ bool closed(REALobject self) {
 void put(REALobject self, REALstring text, bool line) {
     std::FILE* file = dataOf<OutputStream>(self).file;
     if (!file) raise("IOException", "the stream is closed");
-    std::string utf8 = toUtf8(text) + (line ? "\n" : "");
+    std::string utf8 = toUtf8(text) + (line ? dataOf<OutputStream>(self).delimiter : "");
     if (std::fwrite(utf8.data(), 1, utf8.size(), file) != utf8.size()) cannotWrite();
 }
 
@@ -46,8 +50,13 @@ REALobject openForWriting(REALobject item, bool append) {
 
 FrameworkClass textInputStreamClass() {
     FrameworkClass table = classWithData<InputStream>("TextInputStream");
-    table.properties = {property("EOF", "Boolean",
-                                 [](REALobject self) { return input(self).at >= input(self).text.size(); })};
+    table.properties = {
+        property("EOF", "Boolean", [](REALobject self) { return input(self).at >= input(self).text.size(); }),
+        property(
+            "Encoding", "TextEncoding", [](REALobject self) { return newTextEncoding(input(self).encoding); },
+            [](REALobject self, std::uint32_t, REALobject encoding) {
+                input(self).encoding = textEncodingCode(encoding);
+            })};
     table.methods = {
         method("ReadLine As String",
                [](REALobject self) {
@@ -56,14 +65,21 @@ FrameworkClass textInputStreamClass() {
                    std::string line = in.text.substr(in.at, end == std::string::npos ? end : end - in.at);
                    in.at = end == std::string::npos ? in.text.size() : end + 1;
                    if (!line.empty() && line.back() == '\r') line.pop_back();
-                   return makeString(line);
+                   return heap().newString(line, in.encoding);
                }),
         method("ReadAll As String",
                [](REALobject self) {
                    InputStream& in = input(self);
-                   REALstring result = makeString(std::string_view(in.text).substr(in.at));
+                   REALstring result = heap().newString(std::string_view(in.text).substr(in.at), in.encoding);
                    in.at = in.text.size();
                    return result;
+               }),
+        method("Read(count As Integer, encoding As TextEncoding = Nil) As String",
+               [](REALobject self, std::int32_t count, REALobject encoding) {
+                   InputStream& in = input(self);
+                   std::string bytes = in.text.substr(in.at, std::size_t(std::max(count, 0)));
+                   in.at += bytes.size();
+                   return heap().newString(bytes, encoding ? textEncodingCode(encoding) : in.encoding);
                }),
         method("Close", [](REALobject self) { input(self) = {}; }),
     };
@@ -82,8 +98,21 @@ FrameworkClass textInputStreamClass() {
 
 FrameworkClass textOutputStreamClass() {
     FrameworkClass table = classWithData<OutputStream>("TextOutputStream");
-    table.destructor = +[](REALobject self) { closed(self); };
+    table.destructor = +[](REALobject self) {
+        closed(self);
+        dataOf<OutputStream>(self).~OutputStream();
+    };
+    table.properties = {property(
+        "Delimiter", "String",
+        [](REALobject self) { return makeString(dataOf<OutputStream>(self).delimiter); },
+        [](REALobject self, std::uint32_t, REALstring text) {
+            dataOf<OutputStream>(self).delimiter = toUtf8(text);
+        })};
     table.methods = {
+        method("Flush",
+               [](REALobject self) {
+                   if (std::FILE* file = dataOf<OutputStream>(self).file) std::fflush(file);
+               }),
         method("Write(text As String)", [](REALobject self, REALstring text) { put(self, text, false); }),
         method("WriteLine(text As String = \"\")",
                [](REALobject self, REALstring text) { put(self, text, true); }),

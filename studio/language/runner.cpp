@@ -18,7 +18,8 @@ std::unique_ptr<Program> compiled(const std::string& fileName, std::string_view 
         return compileProgram(fileName, source);
     } catch (const SourceErrors& mistakes) {
         for (const SourceError& error : mistakes.errors)
-            std::fprintf(stderr, "%s:%d:%d: error: %s\n", fileName.c_str(), error.position.line,
+            std::fprintf(stderr, "%s:%d:%d: error: %s\n",
+                         mistakes.files[std::size_t(error.position.file)].c_str(), error.position.line,
                          error.position.column, error.what());
         return nullptr;
     }

@@ -368,8 +368,9 @@ int callCost(const Signature& signature, const std::vector<const Type*>& argumen
         if (cost < 0 || (p.byRef && arguments[i] != type)) return -1;
         total += cost + (open && i >= fixed ? 1 : 0);
     }
-    // Of two equally good fits, the one that needs fewer defaults wins.
-    return total * 8 + int(std::min<std::size_t>(7, fixed > arguments.size() ? fixed - arguments.size() : 0));
+    // Of two equally good fits, the one that needs fewer defaults wins; a ParamArray counts as one.
+    std::size_t defaults = (fixed > arguments.size() ? fixed - arguments.size() : 0) + open;
+    return total * 8 + int(std::min<std::size_t>(7, defaults));
 }
 
 } // namespace

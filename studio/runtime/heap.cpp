@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <utility>
 
 namespace studio {
 
@@ -102,6 +103,14 @@ REALobject Heap::allocate(Class& cls, std::int32_t size) {
     return object;
 }
 
+WeakCell* Heap::weakReference(REALobject object) {
+    if (!object) return nullptr;
+    WeakCell*& cell = header(object).weak;
+    if (!cell) cell = new WeakCell{object, 1}; // the object's own reference
+    ++cell->references;
+    return cell;
+}
+
 // An object may hold the last reference to another, and so on: a list of any length must not use up the
 // stack.
 void Heap::destroy(REALobject object) {
@@ -129,6 +138,10 @@ void Heap::destroy(REALobject object) {
 void Heap::finalizeAndBury(REALobject object) {
     ObjectHeader& head = header(object);
     head.flags |= ObjectHeader::kDying;
+    if (WeakCell* cell = std::exchange(head.weak, nullptr)) {
+        cell->object = nullptr;
+        release(cell);
+    }
     finalizeInstance(object);
     if (head.hostReferences + head.pluginReferences > 0)
         violation(head.cls->name + " was locked by its own destructor, but destroyed all the same");

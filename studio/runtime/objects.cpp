@@ -56,7 +56,7 @@ const Property* findProperty(REALobject object, std::string_view name) {
     return classes().named("Variant")->property(name);
 }
 
-void setHandler(REALobject object, std::string_view event, const Method* handler) {
+void setHandler(REALobject object, std::string_view event, REALobject handler) {
     for (const Class* c = &classOf(object); c; c = c->superclass)
         for (const std::string& declared : c->events)
             if (c->setHandler && sameName(declared, event)) return c->setHandler(object, event, handler);

@@ -28,6 +28,7 @@ Runtime& runtime() {
 }
 
 void Runtime::yield() {
+    if (yieldThread && yieldThread()) return;
     if (std::exchange(yielding_, true)) return;
     struct Done {
         bool& yielding;

@@ -24,7 +24,9 @@ struct Type {
 static const Type* typeNamed(CFStringRef name) {
     static const Type all[] = {{"public.png", encodePNG, true, true, false},
                                {"public.jpeg", encodeJPEG, false, false, false},
-                               {"public.tiff", encodeTIFF, true, true, true}};
+                               {"public.tiff", encodeTIFF, true, true, true},
+                               {"com.compuserve.gif", encodeGIF, false, true, false},
+                               {"com.microsoft.bmp", encodeBMP, false, false, false}};
     char text[64];
     if (!name || !CFStringGetCString(name, text, sizeof text, kCFStringEncodingUTF8)) return nullptr;
     for (const Type& type : all)

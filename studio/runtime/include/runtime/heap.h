@@ -19,6 +19,12 @@
 
 namespace studio {
 
+// What weak references to an object share. It outlives the object.
+struct WeakCell {
+    REALobject object; // null when it is gone
+    int references;
+};
+
 // The six header words of an object.
 struct ObjectHeader {
     Class* cls;
@@ -26,7 +32,7 @@ struct ObjectHeader {
     std::int32_t pluginReferences;
     std::uint32_t flags;
     REALobject nextWaiting; // see Heap::destroy
-    std::uint32_t unused;
+    struct WeakCell* weak;  // of the weak references to this object, if there are any
 
     static constexpr std::uint32_t kDying = 1;
     static constexpr std::uint32_t kWaiting = 2;   // will be destroyed, see Heap::destroy
@@ -92,6 +98,12 @@ class Heap {
         if (!object) return;
         ObjectHeader& head = header(object);
         if (--head.hostReferences + head.pluginReferences == 0) destroy(object);
+    }
+
+    // A weak reference: the cell tells whether the object is still alive.
+    static WeakCell* weakReference(REALobject object);
+    static void release(WeakCell* cell) {
+        if (cell && --cell->references == 0) delete cell;
     }
 
     // ---- the plugins' account ---------------------------------------------------------------------------
