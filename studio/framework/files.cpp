@@ -2,6 +2,8 @@
 
 #include "runtime/exceptions.h"
 
+#include <cerrno>
+#include <cstring>
 #include <files/wholefile.h>
 
 #include <filesystem>
