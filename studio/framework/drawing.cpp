@@ -14,12 +14,14 @@ CGContextRef newContextOn(Pixels& p) {
     return context;
 }
 
-// Outlines are cut one pixel beyond the border, where the cut does not show.
-Drawing::Drawing(Picture& picture)
-    : context_(newContextOn(picture.pixels)), visible_{-1, -1, picture.pixels.width + 2.0,
-                                                       picture.pixels.height + 2.0} {
+// Outlines are cut one pixel beyond the clip, where the cut does not show.
+Drawing::Drawing(Picture& picture, shapes::Point origin, shapes::Box clip)
+    : context_(newContextOn(picture.pixels)),
+      origin_(origin), visible_{clip.x - 1, clip.y - 1, clip.width + 2, clip.height + 2} {
     CGContextTranslateCTM(context_, 0, CGFloat(picture.pixels.height));
     CGContextScaleCTM(context_, 1, -1);
+    CGContextClipToRect(
+        context_, CGRectMake(CGFloat(clip.x), CGFloat(clip.y), CGFloat(clip.width), CGFloat(clip.height)));
     auto component = [&](int shift) { return CGFloat(picture.foreColor >> shift & 255) / 255; };
     CGContextSetRGBFillColor(context_, component(16), component(8), component(0), component(24));
 }
@@ -47,7 +49,7 @@ struct PathOutlines final : typeset::Outlines {
 void Drawing::fill(const shapes::Shape& shape) {
     CGContextBeginPath(context_);
     PathOutlines outlines(context_);
-    for (const auto& outline : shapes::clipped(shape, visible_)) {
+    for (const auto& outline : shapes::clipped(shapes::moved(shape, origin_), visible_)) {
         if (outline.empty()) continue;
         outlines.move(outline[0].x, outline[0].y);
         for (const shapes::Point& p : outline) outlines.line(p.x, p.y);
@@ -59,7 +61,7 @@ void Drawing::fill(const shapes::Shape& shape) {
 void Drawing::fill(const typeset::Text& text, double x, double y) {
     CGContextBeginPath(context_);
     PathOutlines outlines(context_);
-    text.outline(x, y, outlines);
+    text.outline(origin_.x + x, origin_.y + y, outlines);
     CGContextFillPath(context_);
 }
 
@@ -93,25 +95,27 @@ struct Axis {
         toLength = fromLength * scale;
     }
 
-    // Lets go of source pixels that do not reach 0 to `size`. Otherwise a context's floats were too coarse.
-    void reduce(double size) {
+    // Lets go of source pixels that do not reach `low` to `low + size`. Otherwise a context's floats were too
+    // coarse.
+    void reduce(double low, double size) {
         constexpr double kExactFloats = 1 << 20, kMargin = 2;
         if (std::abs(to) + toLength < kExactFloats) return;
-        double scale = fromLength / toLength;
-        limitSource(std::floor(from - to * scale) - kMargin, std::ceil(from + (size - to) * scale) + kMargin);
+        double scale = fromLength / toLength, first = from + (low - to) * scale;
+        limitSource(std::floor(first) - kMargin, std::ceil(first + size * scale) + kMargin);
     }
 };
 
 } // namespace
 
 void Drawing::draw(const Pixels& source, shapes::Box to, shapes::Box from) {
-    Axis x = {to.x, to.width, from.x, from.width}, y = {to.y, to.height, from.y, from.height};
+    Axis x = {origin_.x + to.x, to.width, from.x, from.width},
+         y = {origin_.y + to.y, to.height, from.y, from.height};
     if (x.isEmpty() || y.isEmpty()) return;
     x.limitSource(0, source.width);
     y.limitSource(0, source.height);
     if (x.isEmpty() || y.isEmpty()) return;
-    x.reduce(visible_.width);
-    y.reduce(visible_.height);
+    x.reduce(visible_.x, visible_.width);
+    y.reduce(visible_.y, visible_.height);
     if (x.isEmpty() || y.isEmpty()) return;
     CGImageRef whole = newImageOf(source);
     CGImageRef part = CGImageCreateWithImageInRect(

@@ -11,11 +11,12 @@ namespace studio {
 
 CGContextRef newContextOn(Pixels& pixels); // device RGB; the caller releases it
 
-// Draws in the picture's colour; places are pixels from its top left corner. A context of its own, because
-// the picture's belongs to plugins, which may have turned it or clipped it.
+// Draws in the picture's colour within `clip`, a box of whole pixels of the picture; places are pixels from
+// `origin`. A context of its own, because the picture's belongs to plugins, which may have turned it or
+// clipped it.
 class Drawing {
   public:
-    explicit Drawing(Picture& picture);
+    Drawing(Picture& picture, shapes::Point origin, shapes::Box clip);
     ~Drawing();
     Drawing(const Drawing&) = delete;
 
@@ -27,6 +28,7 @@ class Drawing {
 
   private:
     CGContextRef context_;
+    shapes::Point origin_;
     shapes::Box visible_;
 };
 

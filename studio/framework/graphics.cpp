@@ -13,14 +13,18 @@ namespace studio {
 
 namespace {
 
-// Both are just a reference to their picture.
+// Both see a part of a picture, the whole one unless the program asks for less.
 struct View {
     REALobject picture = nullptr;
+    shapes::Box bounds = {}; // places count from its corner
+    shapes::Box clip = {};   // what may be changed
 };
 
 REALobject viewOf(const char* className, REALobject picture) {
     REALobject result = newInstance(className);
-    dataOf<View>(result).picture = Heap::retain(picture);
+    const Pixels& pixels = pictureOf(picture).pixels;
+    shapes::Box whole = {0, 0, double(pixels.width), double(pixels.height)};
+    dataOf<View>(result) = {Heap::retain(picture), whole, whole};
     return result;
 }
 
@@ -34,6 +38,28 @@ shapes::Box box(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t
     return {double(x), double(y), double(width), double(height)};
 }
 
+// A box of the view within the picture, and what of it may be changed.
+shapes::Box placed(REALobject self, shapes::Box box) {
+    const View& view = dataOf<View>(self);
+    return {box.x + view.bounds.x, box.y + view.bounds.y, box.width, box.height};
+}
+shapes::Box allowed(REALobject self, shapes::Box box) {
+    return shapes::intersection(placed(self, box), dataOf<View>(self).clip);
+}
+
+void fillRect(REALobject self, shapes::Box box) {
+    Picture& picture = target(self);
+    shapes::Box to = allowed(self, box);
+    picture.pixels.fillRect(Pixels::Place(to.x), Pixels::Place(to.y), Pixels::Place(to.width),
+                            Pixels::Place(to.height), picture.foreColor);
+}
+
+Drawing drawing(REALobject self) {
+    Picture& picture = target(self);
+    const View& view = dataOf<View>(self);
+    return Drawing(picture, {view.bounds.x, view.bounds.y}, view.clip);
+}
+
 void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t y, std::int32_t w,
                  std::int32_t h, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh) {
     constexpr std::int32_t kWhole = -10000;
@@ -43,10 +69,11 @@ void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t
     if (sh == kWhole) sh = source.pixels.height;
     Picture& picture = target(self);
     auto draw = [&](const Pixels& pixels) {
-        if (w == sw && h == sh)
-            picture.pixels.draw(pixels, x, y, w, h, sx, sy);
-        else
-            Drawing(picture).draw(pixels, box(x, y, w, h), box(sx, sy, sw, sh));
+        if (w != sw || h != sh) return drawing(self).draw(pixels, box(x, y, w, h), box(sx, sy, sw, sh));
+        shapes::Box all = placed(self, box(x, y, w, h)), to = allowed(self, box(x, y, w, h));
+        picture.pixels.draw(pixels, Pixels::Place(to.x), Pixels::Place(to.y), Pixels::Place(to.width),
+                            Pixels::Place(to.height), Pixels::Place(sx + to.x - all.x),
+                            Pixels::Place(sy + to.y - all.y));
     };
     if (source.mask || &source == &picture)
         draw(masked(image));
@@ -54,18 +81,29 @@ void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t
         draw(source.pixels);
 }
 
+REALobject clipped(REALobject self, std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
+    target(self); // there must be one
+    shapes::Box part = box(x, y, std::max(width, 0), std::max(height, 0));
+    REALobject result = newInstance("Graphics");
+    dataOf<View>(result) = {Heap::retain(dataOf<View>(self).picture), placed(self, part),
+                            allowed(self, part)};
+    return result;
+}
+
 std::uint32_t pixel(REALobject self, std::int32_t x, std::int32_t y) {
-    Pixels& pixels = target(self).pixels;
-    return pixels.contains(x, y) ? pixels.color(x, y) : 0xFF000000;
+    const Pixels& pixels = target(self).pixels;
+    shapes::Box at = allowed(self, box(x, y, 1, 1));
+    return at.width > 0 && at.height > 0 ? pixels.color(int(at.x), int(at.y)) : 0xFF000000;
 }
 void setPixel(REALobject self, std::int32_t x, std::int32_t y, std::uint32_t color) {
     Pixels& pixels = target(self).pixels;
-    if (pixels.contains(x, y)) pixels.setColor(x, y, color);
+    shapes::Box at = allowed(self, box(x, y, 1, 1));
+    if (at.width > 0 && at.height > 0) pixels.setColor(int(at.x), int(at.y), color);
 }
 
 // ---- shapes ----------------------------------------------------------------------------------------------
 
-void fill(REALobject self, const shapes::Shape& shape) { Drawing(target(self)).fill(shape); }
+void fill(REALobject self, const shapes::Shape& shape) { drawing(self).fill(shape); }
 
 shapes::Pen pen(REALobject self) { return {double(target(self).penWidth), double(target(self).penHeight)}; }
 
@@ -96,7 +134,7 @@ void drawString(REALobject self, REALstring text, double x, double y, double wra
     auto tooWide = condense ? typeset::TooWide::isCut : typeset::TooWide::wraps;
     withFonts([&] {
         typeset::Text lines(toUtf8(text), picture.textStyle, wrapWidth, tooWide);
-        Drawing(picture).fill(lines, x, y);
+        drawing(self).fill(lines, x, y);
     });
 }
 
@@ -158,8 +196,8 @@ FrameworkClass graphicsClass() {
     using I = std::int32_t;
     FrameworkClass table = viewClass("Graphics");
     table.properties = {
-        property("Width", "Integer", [](REALobject self) { return I(target(self).pixels.width); }),
-        property("Height", "Integer", [](REALobject self) { return I(target(self).pixels.height); }),
+        property("Width", "Integer", [](REALobject self) { return I(dataOf<View>(self).bounds.width); }),
+        property("Height", "Integer", [](REALobject self) { return I(dataOf<View>(self).bounds.height); }),
         property(
             "ForeColor", "Color", [](REALobject self) { return target(self).foreColor; },
             [](REALobject self, std::uint32_t, std::uint32_t color) { target(self).foreColor = color; }),
@@ -192,19 +230,17 @@ FrameworkClass graphicsClass() {
                    drawPicture(self, image, x, y, p.width, p.height, 0, 0, p.width, p.height);
                }),
         method("FillRect(x As Integer, y As Integer, width As Integer, height As Integer)",
-               [](REALobject self, I x, I y, I w, I h) {
-                   target(self).pixels.fillRect(x, y, w, h, target(self).foreColor);
-               }),
+               [](REALobject self, I x, I y, I w, I h) { fillRect(self, box(x, y, w, h)); }),
         method("DrawRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
-                   Picture& p = target(self);
-                   Pixels::Place left = x, top = y, across = std::min(p.penWidth, w),
-                                 down = std::min(p.penHeight, h);
-                   p.pixels.fillRect(left, top, w, down, p.foreColor);
-                   p.pixels.fillRect(left, top + h - down, w, h > down ? down : 0, p.foreColor);
-                   p.pixels.fillRect(left, top + down, across, h - 2 * down, p.foreColor);
-                   p.pixels.fillRect(left + w - across, top + down, w > across ? across : 0, h - 2 * down,
-                                     p.foreColor);
+                   double left = x, top = y, width = w, height = h;
+                   double across = std::min(target(self).penWidth, w),
+                          down = std::min(target(self).penHeight, h);
+                   fillRect(self, {left, top, width, down});
+                   fillRect(self, {left, top + height - down, width, height > down ? down : 0});
+                   fillRect(self, {left, top + down, across, height - 2 * down});
+                   fillRect(self, {left + width - across, top + down, width > across ? across : 0,
+                                   height - 2 * down});
                }),
         method("FillOval(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) { fill(self, shapes::oval(box(x, y, w, h))); }),
@@ -233,9 +269,13 @@ FrameworkClass graphicsClass() {
                [](REALobject self, REALobject points) {
                    fill(self, shapes::polygonFrame(corners(points), pen(self)));
                }),
+        method("Clip(x As Integer, y As Integer, width As Integer, height As Integer) As Graphics", clipped),
         method("ClearRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
-                   target(self).pixels.clearRect(x, y, w, h, target(self).hasAlpha ? 0 : 0xFFFFFFFF);
+                   Picture& picture = target(self);
+                   shapes::Box to = allowed(self, box(x, y, w, h));
+                   picture.pixels.clearRect(Pixels::Place(to.x), Pixels::Place(to.y), Pixels::Place(to.width),
+                                            Pixels::Place(to.height), picture.hasAlpha ? 0 : 0xFFFFFFFF);
                }),
         method("DrawString(text As String, x As Double, y As Double, wrapWidth As Double = 0, "
                "condense As Boolean = False)",

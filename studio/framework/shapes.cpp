@@ -67,6 +67,19 @@ Shape roundRectFrame(Box box, Pen arcs, Pen pen) {
     return result;
 }
 
+Shape moved(const Shape& shape, Point by) {
+    Shape result = shape;
+    for (std::vector<Point>& outline : result)
+        for (Point& p : outline) p = {p.x + by.x, p.y + by.y};
+    return result;
+}
+
+Box intersection(Box a, Box b) {
+    double x = std::max(a.x, b.x), y = std::max(a.y, b.y);
+    double right = std::min(a.x + a.width, b.x + b.width), bottom = std::min(a.y + a.height, b.y + b.height);
+    return {x, y, std::max(0.0, right - x), std::max(0.0, bottom - y)};
+}
+
 namespace {
 
 // Sutherland and Hodgman: against one border at a time.

@@ -33,6 +33,8 @@ Shape roundRectFrame(Box box, Pen arcs, Pen pen);
 inline Shape oval(Box box) { return roundRect(box, {box.width, box.height}); }
 inline Shape ovalFrame(Box box, Pen pen) { return roundRectFrame(box, {box.width, box.height}, pen); }
 
+Shape moved(const Shape& shape, Point by);
+Box intersection(Box a, Box b); // without size where they do not meet
 // What lies within the box: of an enormous shape, numbers that suit a context.
 Shape clipped(const Shape& shape, Box box);
 

@@ -19,7 +19,7 @@ namespace typeset {
 
 namespace {
 
-bool sameName(const std::string& a, std::string_view b) {
+bool sameName(std::string_view a, std::string_view b) {
     return a.size() == b.size() && strncasecmp(a.data(), b.data(), b.size()) == 0;
 }
 
@@ -28,26 +28,17 @@ struct Counterpart {
     const char *family, *ours;
 };
 constexpr Counterpart kCounterparts[] = {
-    {"", kDefaultFamily},
-    {"System", kDefaultFamily},
-    {"SmallSystem", kDefaultFamily},
-    {"Arial", kDefaultFamily},
-    {"Geneva", kDefaultFamily},
-    {"Helvetica", kDefaultFamily},
-    {"Helvetica Neue", kDefaultFamily},
-    {"Lucida Grande", kDefaultFamily},
-    {"Tahoma", kDefaultFamily},
-    {"Verdana", kDefaultFamily},
-    {"Georgia", "DejaVu Serif"},
-    {"Palatino", "DejaVu Serif"},
-    {"Times", "DejaVu Serif"},
-    {"Times New Roman", "DejaVu Serif"},
-    {"Andale Mono", "DejaVu Sans Mono"},
-    {"Courier", "DejaVu Sans Mono"},
-    {"Courier New", "DejaVu Sans Mono"},
-    {"Menlo", "DejaVu Sans Mono"},
-    {"Monaco", "DejaVu Sans Mono"},
+    {"Arial", kDefaultFamily},           {"Geneva", kDefaultFamily},
+    {"Helvetica", kDefaultFamily},       {"Helvetica Neue", kDefaultFamily},
+    {"Lucida Grande", kDefaultFamily},   {"Tahoma", kDefaultFamily},
+    {"Verdana", kDefaultFamily},         {"Georgia", "DejaVu Serif"},
+    {"Palatino", "DejaVu Serif"},        {"Times", "DejaVu Serif"},
+    {"Times New Roman", "DejaVu Serif"}, {"Andale Mono", "DejaVu Sans Mono"},
+    {"Courier", "DejaVu Sans Mono"},     {"Courier New", "DejaVu Sans Mono"},
+    {"Menlo", "DejaVu Sans Mono"},       {"Monaco", "DejaVu Sans Mono"},
 };
+
+constexpr std::string_view kNamesOfDefault[] = {"", "System", "SmallSystem"};
 
 // ---- a font file -----------------------------------------------------------------------------------------
 
@@ -233,13 +224,10 @@ class Fonts {
         return fonts;
     }
 
-    std::optional<std::string> find(std::string_view family) {
-        for (const auto& names : {own_.families(), machine().families()})
-            for (const std::string& name : names)
-                if (sameName(name, family)) return name;
-        for (const Counterpart& c : kCounterparts)
-            if (sameName(c.family, family)) return c.ours;
-        return std::nullopt;
+    const std::optional<std::string>& find(const std::string& family) {
+        auto known = found_.find(family);
+        if (known == found_.end()) known = found_.emplace(family, search(family)).first;
+        return known->second;
     }
 
     std::vector<std::string> families() {
@@ -248,16 +236,9 @@ class Fonts {
         return {names.begin(), names.end()};
     }
 
-    std::string resolved(const std::string& family) {
-        auto known = resolved_.find(family);
-        if (known == resolved_.end())
-            known = resolved_.emplace(family, quickly(family).value_or(kDefaultFamily)).first;
-        return known->second;
-    }
-
     const Face& face(const Style& style, std::u32string_view characters) {
         Style exact = style;
-        exact.family = resolved(style.family);
+        exact.family = find(style.family).value_or(kDefaultFamily);
         const Face& first = load(*at(exact, 0), exact);
         if (characters.empty()) return first;
         for (std::u32string_view part : {characters, characters.substr(0, 1)})
@@ -274,12 +255,16 @@ class Fonts {
     }
 
   private:
-    // The machine's own fonts are asked only for a family that the set-up lacks.
-    std::optional<std::string> quickly(const std::string& family) {
+    std::optional<std::string> search(const std::string& family) {
+        for (std::string_view name : kNamesOfDefault)
+            if (sameName(name, family)) return kDefaultFamily;
         for (const std::string& name : own_.families())
             if (sameName(name, family)) return name;
-        return family.empty() || sameName(family, "System") ? std::optional<std::string>(kDefaultFamily)
-                                                            : find(family);
+        for (const std::string& name : machine().families())
+            if (sameName(name, family)) return name;
+        for (const Counterpart& c : kCounterparts)
+            if (sameName(c.family, family)) return c.ours;
+        return std::nullopt;
     }
 
     Collection& machine() {
@@ -332,7 +317,7 @@ class Fonts {
     FreeType freeType_;
     Collection own_{"<dir>" KAZ_FONTS "</dir>"};
     std::optional<Collection> machine_;
-    std::map<std::string, std::string> resolved_;
+    std::map<std::string, std::optional<std::string>> found_; // by the name asked for
     std::map<Key, Order> orders_;
     std::map<std::tuple<std::string, int, bool, bool>, std::unique_ptr<Face>> faces_;
 };
@@ -344,8 +329,10 @@ const Face& faceFor(const Style& style, std::u32string_view characters) {
     return Fonts::all().face(style, characters);
 }
 
-std::string familyFor(std::string_view family) { return Fonts::all().resolved(std::string(family)); }
-bool knowsFamily(std::string_view family) { return Fonts::all().find(family).has_value(); }
+std::string familyFor(std::string_view family) {
+    return Fonts::all().find(std::string(family)).value_or(kDefaultFamily);
+}
+bool knowsFamily(std::string_view family) { return Fonts::all().find(std::string(family)).has_value(); }
 std::vector<std::string> families() { return Fonts::all().families(); }
 
 } // namespace typeset
