@@ -61,6 +61,8 @@ find_missing() {
     missing=()
     for part in "${parts[@]}"; do is_ready "$part" || missing+=("$part"); done
     mapfile -t tools < <(names "$(either "${parts[@]}")" tool)
+    missing_tools=()
+    ((${#tools[@]})) || return 0
     mapfile -t missing_tools < <(comm -23 <(printf '%s\n' "${tools[@]}" | sort) \
         <(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "${tools[@]}" 2>/dev/null | sed -n 's/^installed //p' | sort))
 }
