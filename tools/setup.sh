@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# setup.sh [PART...]: brings parts of tools/packages.txt (by default run; all: every part) to this machine and below .kaz/.
+# setup.sh [PART...]: brings parts of tools/packages.txt (by default run; all: what builds and tests everything) to this machine and below .kaz/.
 #
 # A part that is there costs a comparison. Several at once wait for each other. An interrupted set-up goes on where it
 # was: a part's mark in .kaz/ready/ is its lines of the table, is taken away before anything changes and comes back when
@@ -41,12 +41,12 @@ either() { local IFS='|'; echo "$*"; }
 mark() { echo "layout $layout"; rows "$1" '[a-z]+'; }
 is_ready() { [[ -f "$kaz/ready/$1" && "$(<"$kaz/ready/$1")" == "$(mark "$1")" ]]; }
 
-known=(run faces tests sanitize)
+known=(run faces tests sanitize peers)
 parts=(run)
 for part in "$@"; do
     case "$part" in
     run) ;;
-    all) parts=("${known[@]}") ;;
+    all) parts=(run faces tests sanitize) ;;
     *)
         [[ " ${known[*]} " == *" $part "* ]] || die "there is no part '$part' of the set-up; there are ${known[*]}."
         parts+=("$part")

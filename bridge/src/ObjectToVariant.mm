@@ -27,10 +27,10 @@ REALobject variantOfString(NSString* text) {
 }
 
 REALobject arrayOf(NSArray* elements) {
-    REALarray array = REALCreateArray(kREALArrayObject, -1);
+    host::Held array(REALCreateArray(kREALArrayObject, -1));
     if (!array) return nullptr;
-    FillObjectArray(array, elements, NewVariantFromNSObject);
-    return host::asObject(array);
+    FillObjectArray(array.get(), elements, NewVariantFromNSObject);
+    return host::asObject(array.release());
 }
 
 REALobject fileOrTextOf(NSURL* url) {

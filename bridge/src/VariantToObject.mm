@@ -99,7 +99,8 @@ id objectOf(REALobject object) {
 
     id handle = nil;
     if (takeHandle(object, wrapperClasses, handle)) return handle;
-    if (auto value = bridge::valueOfStructure(object)) return *value;
+    NSValue* value = nil;
+    if (bridge::takeStructure(object, value)) return value;
     if (takeHandle(object, laterWrapperClasses, handle)) return handle;
 
     Class carrier = static_cast<Class>(objc_getClass("KazREALobjectWrapper"));

@@ -1,5 +1,6 @@
 // Host dates against NSDate.
 #include <bridge/dates.h>
+#include <hostapi/handles.h>
 
 #import <Foundation/Foundation.h>
 
@@ -22,10 +23,10 @@ REALobject NSDateRB(NSDate* date) {
     NSCalendarDate* calendar = [[[NSCalendarDate alloc]
         initWithTimeIntervalSinceReferenceDate:[date timeIntervalSinceReferenceDate]] autorelease];
     if (!calendar) return nullptr;
-    REALobject result = REALnewInstance("Date");
+    host::Held result(REALnewInstance("Date"));
     if (!result) return nullptr;
     auto set = [&](const char* name, NSInteger value) {
-        REALSetPropValueInt32(result, name, static_cast<std::int32_t>(value));
+        REALSetPropValueInt32(result.get(), name, static_cast<std::int32_t>(value));
     };
     set("Year", [calendar yearOfCommonEra]);
     set("Month", [calendar monthOfYear]);
@@ -33,5 +34,5 @@ REALobject NSDateRB(NSDate* date) {
     set("Hour", [calendar hourOfDay]);
     set("Minute", [calendar minuteOfHour]);
     set("Second", [calendar secondOfMinute]);
-    return result;
+    return result.release();
 }

@@ -1,5 +1,6 @@
 // Host dictionaries against NSDictionary.
 #include <bridge/dictionaries.h>
+#include <bridge/nesting.h>
 #include <bridge/variants.h>
 #include <hostapi/handles.h>
 
@@ -29,18 +30,19 @@ void refreshMethods(REALobject dictionary) {
 
 NSDictionary* NewNSDictionary(REALobject dictionary) {
     if (!dictionary) return nil;
+    bridge::Nesting nesting(dictionary);
     std::int32_t count = host::propertyValue(REALGetPropValueInt32, dictionary, "Count");
     if (count < 1) return [NSDictionary dictionary];
     NSMutableDictionary* result = [NSMutableDictionary dictionaryWithCapacity:static_cast<NSUInteger>(count)];
     for (std::int32_t i = 0; result && i < count; ++i) {
         // Refreshed each time: converting an entry may have converted another dictionary.
         refreshMethods(dictionary);
-        REALobject key = LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, i) : nullptr;
+        host::Held received(LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, i) : nullptr);
         refreshMethods(dictionary);
-        host::Held value(LastDictionaryGetter ? LastDictionaryGetter(dictionary, key) : nullptr);
-        host::Held keyReference(key); // given back before the value's
+        host::Held value(LastDictionaryGetter ? LastDictionaryGetter(dictionary, received.get()) : nullptr);
+        host::Held key(received.release()); // given back before the value
         if (!key) continue;
-        id cocoaKey = GetVariantAsNSObject(key);
+        id cocoaKey = GetVariantAsNSObject(key.get());
         id cocoaValue = GetVariantAsNSObject(value.get());
         [result setObject:cocoaValue ? cocoaValue : [NSNull null] forKey:cocoaKey ? cocoaKey : [NSNull null]];
     }
@@ -49,16 +51,16 @@ NSDictionary* NewNSDictionary(REALobject dictionary) {
 
 REALobject NSDictionaryRB(NSDictionary* dictionary) {
     if (!dictionary) return nullptr;
-    REALobject result = REALnewInstance("Dictionary");
+    host::Held result(REALnewInstance("Dictionary"));
     if (!result) return nullptr;
     NSArray* keys = [dictionary allKeys];
     for (NSUInteger i = 0; i < [keys count]; ++i) {
         id cocoaKey = [keys objectAtIndex:i];
-        REALobject key = NewVariantFromNSObject(cocoaKey);
+        host::Held made(NewVariantFromNSObject(cocoaKey));
         host::Held value(NewVariantFromNSObject([dictionary objectForKey:cocoaKey]));
-        host::Held keyReference(key); // given back before the value's
-        refreshMethods(result);
-        if (LastDictionarySetter) LastDictionarySetter(result, key, value.get());
+        host::Held key(made.release()); // given back before the value
+        refreshMethods(result.get());
+        if (LastDictionarySetter) LastDictionarySetter(result.get(), key.get(), value.get());
     }
-    return result;
+    return result.release();
 }

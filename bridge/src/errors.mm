@@ -1,5 +1,6 @@
 // Errors and Cocoa exceptions, raised as host exceptions.
 #include <bridge/errors.h>
+#include <bridge/raised.h>
 #include <bridge/text.h>
 #include <hostapi/handles.h>
 
@@ -20,22 +21,28 @@ namespace {
 // family is sent the message untested each time, because a part that loads later may add its method at run
 // time.
 REALobject newExceptionOf(NSException* exception) {
-    @try {
-        return [NSException NewNSExceptionKaz:exception];
-    } @catch (NSException*) {
-        if ([NSException respondsToSelector:@selector(NewNSExceptionKaz:)]) @throw;
-    }
+    REALobject made = nullptr;
+    NSException* raised = bridge::raisedBy([&] { made = [NSException NewNSExceptionKaz:exception]; });
+    if (!raised) return made;
+    if ([NSException respondsToSelector:@selector(NewNSExceptionKaz:)]) @throw raised;
     return bridge::newRuntimeException([exception reason]);
 }
 
 } // namespace
 
+// Called outside of every guard of this plugin, so it leaves nothing in the ledger when the text's own code
+// raises.
 REALobject bridge::newRuntimeException(NSString* message) {
-    REALobject made = REALnewInstance("RuntimeException");
-    if (!made) return nullptr;
-    host::Held text(CFString2RBString((CFStringRef)message));
-    REALSetPropValueString(made, "Message", text.get());
-    return made;
+    REALobject result = nullptr;
+    NSException* raised = raisedBy([&] {
+        host::Held made(REALnewInstance("RuntimeException"));
+        if (!made) return;
+        host::Held text(CFString2RBString((CFStringRef)message));
+        REALSetPropValueString(made.get(), "Message", text.get());
+        result = made.release();
+    });
+    if (raised) @throw raised;
+    return result;
 }
 
 void RaiseException(const char* exceptionClassName, const char* message, unsigned long) {

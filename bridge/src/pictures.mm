@@ -87,6 +87,13 @@ bool copyable(const REALpixelBuffer* source, const REALpixelBuffer* destination)
            source->height >= 1 && source->rows && destination->rows;
 }
 
+// The picture, or null after undoing its failed lock.
+REALpicture lockedOrNull(REALpicture picture, bool locked) {
+    if (locked) return picture;
+    if (rbversion_rbversion < kFailedLocksNeedNoUnlock) REALUnlockPictureDescription(picture);
+    return nullptr;
+}
+
 void copyRows(REALpicture destination, REALpicture source) {
     {
         LockedDescription from(source, kREALPicturePixelBuffer);
@@ -129,35 +136,24 @@ void GraphicsDrawPicture(REALpicture destination, REALpicture source, int, int, 
 }
 
 bridge::LockedDescription::LockedDescription(REALpicture picture)
-    : picture(picture), locked(REALLockPictureDescription(picture, &record)) {
-    if (!locked) undoFailedLock();
-}
+    : lock(lockedOrNull(picture, REALLockPictureDescription(picture, &record))) {}
 
 bridge::LockedDescription::LockedDescription(REALpicture picture, std::int32_t kind)
-    : picture(picture), locked(REALLockPictureDescription(picture, &record, kind)) {
-    if (!locked) undoFailedLock();
-}
+    : lock(lockedOrNull(picture, REALLockPictureDescription(picture, &record, kind))) {}
 
-bridge::LockedDescription::~LockedDescription() {
-    if (locked) REALUnlockPictureDescription(picture);
-}
-
-void bridge::LockedDescription::undoFailedLock() {
-    if (rbversion_rbversion < kFailedLocksNeedNoUnlock) REALUnlockPictureDescription(picture);
-}
+void bridge::LockedDescription::unlock(REALpicture picture) { REALUnlockPictureDescription(picture); }
 
 CGContextRef bridge::LockedDescription::context() const {
-    return locked && record.kind == kREALPictureCGContext ? static_cast<CGContextRef>(record.handle)
-                                                          : nullptr;
+    return lock && record.kind == kREALPictureCGContext ? static_cast<CGContextRef>(record.handle) : nullptr;
 }
 
 void* bridge::LockedDescription::world() const {
-    return locked && record.kind == kREALPictureGWorld ? record.handle : nullptr;
+    return lock && record.kind == kREALPictureGWorld ? record.handle : nullptr;
 }
 
 // A pixel buffer shows by its format code, not by the kind that the host says it delivered.
 const REALpixelBuffer* bridge::LockedDescription::pixels() const {
-    return locked ? static_cast<const REALpixelBuffer*>(record.handle) : nullptr;
+    return lock ? static_cast<const REALpixelBuffer*>(record.handle) : nullptr;
 }
 
 CGImageRef bridge::copyCGImage(REALpicture picture) {

@@ -72,10 +72,13 @@ constexpr ValueRule kValueRules[] = {
 
 } // namespace
 
-std::optional<NSValue*> bridge::valueOfStructure(REALobject object) {
-    for (StructureClass& structure : structureClasses)
-        if (structure.hostClass.hasMember(object)) return structure.convert(object);
-    return std::nullopt;
+bool bridge::takeStructure(REALobject object, NSValue*& value) {
+    for (StructureClass& structure : structureClasses) {
+        if (!structure.hostClass.hasMember(object)) continue;
+        value = structure.convert(object);
+        return true;
+    }
+    return false;
 }
 
 REALobject bridge::newStructure(NSValue* value) {

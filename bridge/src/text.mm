@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <optional>
 
 namespace {
 
@@ -34,33 +33,42 @@ bool copyText(REALstring string, std::uint32_t capacity, std::uint32_t encoding,
     return true;
 }
 
+// What REALGetStringData filled.
+struct Fetched : REALstringData {
+    bool filled;
+
+    explicit operator bool() const { return filled; }
+};
+
+void dispose(Fetched fetched) { bridge::disposeStringData(fetched); }
+
 // The bytes of a host string while they are read.
 class StringBytes {
   public:
-    explicit StringBytes(REALstring string) {
-        if (rbversion_rbversion < kHidesStringStorage) {
-            held.emplace(host::locked(string));
-            if (string->buffer) view = {string->buffer + 1, string->length, 0};
-        } else {
-            if (auto measure = PluginGetStringData.resolve() ? nullptr : lenB.resolve())
-                view.length = static_cast<std::uint32_t>(measure(string));
-            fetched = REALGetStringData(string, kREALTextEncodingUnknown, &view);
-            if (!fetched) view = {};
-        }
-    }
-    ~StringBytes() {
-        if (fetched) bridge::disposeStringData(view);
-    }
-    StringBytes(const StringBytes&) = delete;
-    StringBytes& operator=(const StringBytes&) = delete;
+    explicit StringBytes(REALstring string)
+        : held(rbversion_rbversion < kHidesStringStorage ? host::locked(string) : nullptr),
+          fetched(held ? Fetched() : fetch(string)),
+          view(held ? shown(string) : static_cast<const REALstringData&>(fetched.get())) {}
 
     const char* text() const { return static_cast<const char*>(view.data); }
     std::uint32_t length() const { return view.length; }
 
   private:
-    std::optional<host::Held<REALstring>> held;
-    REALstringData view = {};
-    bool fetched = false;
+    static REALstringData shown(REALstring string) {
+        return string->buffer ? REALstringData{string->buffer + 1, string->length, 0} : REALstringData();
+    }
+
+    static Fetched fetch(REALstring string) {
+        Fetched result = {};
+        if (auto measure = PluginGetStringData.resolve() ? nullptr : lenB.resolve())
+            result.length = static_cast<std::uint32_t>(measure(string));
+        result.filled = REALGetStringData(string, kREALTextEncodingUnknown, &result);
+        return result.filled ? result : Fetched();
+    }
+
+    host::Held<REALstring> held;
+    host::Entry<Fetched, dispose> fetched;
+    REALstringData view;
 };
 
 REALstring buildUTF8(const char* text) {
@@ -128,12 +136,9 @@ REALstring CFString2RBString(CFStringRef string) {
     }
 
     if (length > std::numeric_limits<std::int32_t>::max() / kBytesPerUnit) return nullptr;
-    struct HeapBuffer {
-        char* bytes;
-        ~HeapBuffer() { std::free(bytes); } // even when the conversion raises
-    } buffer = {static_cast<char*>(std::calloc(static_cast<std::size_t>(length), kBytesPerUnit))};
-    if (!buffer.bytes) return nullptr;
-    if (!CFStringGetCString(string, buffer.bytes, length * kBytesPerUnit, kCFStringEncodingUTF8))
-        return nullptr;
-    return buildUTF8(buffer.bytes);
+    host::Entry<void*, std::free> buffer(std::calloc(static_cast<std::size_t>(length), kBytesPerUnit));
+    if (!buffer) return nullptr;
+    char* bytes = static_cast<char*>(buffer.get());
+    if (!CFStringGetCString(string, bytes, length * kBytesPerUnit, kCFStringEncodingUTF8)) return nullptr;
+    return buildUTF8(bytes);
 }

@@ -7,7 +7,6 @@
 
 #include <cstdlib>
 #include <dlfcn.h>
-#include <memory>
 
 // Not linked: on a system without a dispatch library these are null.
 extern "C" {
@@ -76,19 +75,21 @@ void waitUntilDone(const ThreadedCall& call, Function idle) {
 
 // --- the two ways to get a worker -------------------------------------------------------------------------
 
-// The task's reference keeps the call alive, whichever side finishes last.
 void runTask(void* context) {
-    std::unique_ptr<std::shared_ptr<ThreadedCall>> call(static_cast<std::shared_ptr<ThreadedCall>*>(context));
-    threadfunction(call->get());
+    auto* shared = static_cast<bridge::SharedCall*>(context);
+    threadfunction(&shared->call);
+    bridge::drop(shared);
 }
 
 void runDispatched(void* data, Function work, Function idle) {
-    auto call = std::make_shared<ThreadedCall>(
-        ThreadedCall{.mutex = newMutex(), .running = true, .dispatched = true, .data = data, .work = work});
-    dispatch_async_f(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0),
-                     new std::shared_ptr<ThreadedCall>(call), runTask);
-    waitUntilDone(*call, idle);
-    deleteMutex(*call);
+    auto* shared = static_cast<bridge::SharedCall*>(std::calloc(1, sizeof(bridge::SharedCall)));
+    if (!shared) return;
+    shared->call = {.mutex = newMutex(), .running = true, .dispatched = true, .data = data, .work = work};
+    shared->holders = 2;
+    dispatch_async_f(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0), shared, runTask);
+    waitUntilDone(shared->call, idle);
+    deleteMutex(shared->call);
+    bridge::drop(shared);
 }
 
 // True when the thread was started.
@@ -128,6 +129,9 @@ using SetName = int (*)(const char* name);
 using SetNameOfThread = int (*)(pthread_t thread, const char* name);
 SetNameOfThread setNameOfThread = nullptr;
 
+// Null on systems before 10.6.
+SetName setName = nullptr;
+
 SetName findSetName() {
     constexpr char kFunction[] = "pthread_setname_np";
     if (void* library = dlopen("/usr/lib/libpthread.dylib", RTLD_NOW))
@@ -154,8 +158,12 @@ void* threadfunction(void* argument) {
     return nullptr;
 }
 
+void bridge::drop(SharedCall* shared) {
+    if (--shared->holders == 0) std::free(shared);
+}
+
 void bridge::nameCurrentThread(const char* name) {
-    static const SetName setName =
-        findSetName(); // looked for once, found or not: systems before 10.6 have none
+    static pthread_once_t lookedFor = PTHREAD_ONCE_INIT; // found or not
+    pthread_once(&lookedFor, [] { setName = findSetName(); });
     if (setName) setName(name);
 }

@@ -28,19 +28,18 @@ constinit QuickDrawFunction<char* (*)(PixMap**)> getPixBaseAddr{"GetPixBaseAddr"
 constinit QuickDrawFunction<SInt32 (*)(PixMap**)> getPixRowBytes{"GetPixRowBytes"};
 constinit QuickDrawFunction<void (*)(PixMap**)> unlockPixels{"UnlockPixels"};
 
+// The map, locked; null when its pixels are not 4 bytes each or cannot be locked.
+PixMap** lockedMap(PixMap** map) { return map && getPixDepth(map) == 32 && lockPixels(map) ? map : nullptr; }
+
 } // namespace
 
-bridge::WorldPixels::WorldPixels(void* world) : map(getGWorldPixMap(world)) {
-    if (!map || getPixDepth(map) != 32) return;
-    locked = lockPixels(map);
+bridge::WorldPixels::WorldPixels(void* world) : locked(lockedMap(getGWorldPixMap(world))) {
     if (!locked) return;
-    address = getPixBaseAddr(map);
-    bytesPerRow = static_cast<std::size_t>(getPixRowBytes(map));
+    address = getPixBaseAddr(locked.get());
+    bytesPerRow = static_cast<std::size_t>(getPixRowBytes(locked.get()));
 }
 
-bridge::WorldPixels::~WorldPixels() {
-    if (locked) unlockPixels(map);
-}
+void bridge::WorldPixels::unlock(PixMap** map) { unlockPixels(map); }
 
 CFBundleRef LoadFrameworkBundle() {
     constexpr SInt16 systemDisk = -32767;

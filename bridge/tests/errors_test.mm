@@ -440,6 +440,30 @@ TEST_F(Errors, AMakerThatAnswersByForwardingIsSentTheMessage) {
     expectClean();
 }
 
+} // namespace
+
+// A text whose length cannot be asked for.
+@interface RaisingText : NSString
+@end
+@implementation RaisingText
+- (NSUInteger)length {
+    [NSException raise:NSGenericException format:@"the text's own"];
+    return 0;
+}
+- (unichar)characterAtIndex:(NSUInteger)index {
+    return 0;
+}
+@end
+
+namespace {
+
+TEST_F(Errors, AMessageThatRaisesLeavesNothingBehind) {
+    NSString* message = [[[RaisingText alloc] init] autorelease];
+    NSException* raised = bridge::raisedBy([&] { bridge::newRuntimeException(message); });
+    EXPECT_STREQ([[raised reason] UTF8String], "the text's own");
+    expectClean(); // the exception in the making was given back
+}
+
 TEST_F(Errors, WhatTheFamilysMakerRaisesPasses) {
     publish(
         @selector(NewNSExceptionKaz:), +[](id, SEL, NSException*) -> REALobject {

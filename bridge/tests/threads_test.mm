@@ -34,8 +34,8 @@ struct Watch {
     struct {
         std::vector<std::pair<long, unsigned long>> queuesAsked; // priorities and flags
         dispatch_queue_t queue = nullptr, used = nullptr;
-        std::optional<ThreadedCall> call;   // as it was queued
-        std::weak_ptr<ThreadedCall> shared; // and what became of it
+        std::optional<ThreadedCall> call; // as it was queued
+        bridge::SharedCall* shared = nullptr;
         int tasks = 0;
     } dispatch;
     std::atomic<int> unlocks{0};                        // of mutexes, on other threads
@@ -172,10 +172,9 @@ void runAndCount(void* data) {
 
 void __real_dispatch_async_f(dispatch_queue_t, void*, dispatch_function_t);
 void __wrap_dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t work) {
-    const auto& call = *static_cast<std::shared_ptr<ThreadedCall>*>(context); // the task's own reference
     watch.dispatch.used = queue;
-    watch.dispatch.call = *call;
-    watch.dispatch.shared = call;
+    watch.dispatch.shared = static_cast<bridge::SharedCall*>(context);
+    watch.dispatch.call = watch.dispatch.shared->call;
     ++watch.dispatch.tasks;
     __real_dispatch_async_f(queue, new Task{context, work}, runAndCount);
 }
@@ -396,17 +395,17 @@ TEST_F(Threads, TheDispatchedRecordSaysThatItRunsAndKeepsTheIdleFunctionBack) {
 }
 
 TEST_F(Threads, TheDispatchedRecordGoesOnceBothSidesAreThrough) {
-    std::shared_ptr<ThreadedCall> call;
+    bridge::SharedCall* shared = nullptr;
     host.onYield([&] {
-        call = watch.dispatch.shared.lock();
+        if (!shared) ++(shared = watch.dispatch.shared)->holders; // the test's own hold
         released = true;
     });
     RunThreaded(this, waitForRelease, nullptr);
-    ASSERT_TRUE(call);
-    EXPECT_TRUE(call->done);
-    EXPECT_EQ(call->mutex, nullptr);
-    call.reset();
-    while (!watch.dispatch.shared.expired()) std::this_thread::yield(); // for the task, which may be last
+    ASSERT_NE(shared, nullptr);
+    EXPECT_TRUE(shared->call.done);
+    EXPECT_EQ(shared->call.mutex, nullptr);
+    while (shared->holders != 1) std::this_thread::yield(); // for the task, which may be last
+    bridge::drop(shared);
 }
 
 #endif

@@ -464,9 +464,9 @@ TEST_P(Arrays, OfStringsWithAnEmptyOneRaiseToo) {
 }
 
 TEST_P(Arrays, ArriveInTheHostAsTheExceptionOfTheFrame) {
-    Value array = host.array("Variant", {nullptr});
+    Value array = boxed(host.array("Variant", {nullptr}));
     testing::internal::CaptureStderr();
-    id result = bridge::guardedInPool([&] { return cocoa(array); });
+    id result = bridge::guardedInPool([&] { return GetVariantAsNSObject(array.object()); });
     testing::internal::GetCapturedStderr();
     EXPECT_EQ(result, nil);
     EXPECT_EQ(host.takePendingException().className(), "RuntimeException");

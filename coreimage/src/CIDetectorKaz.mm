@@ -3,8 +3,6 @@
 
 #include <bridge/dictionaries.h>
 
-#import <QuartzCore/CIDetector.h>
-
 #include <objc/runtime.h>
 
 namespace coreimage {

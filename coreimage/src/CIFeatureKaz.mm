@@ -1,8 +1,6 @@
 // CIFeatureKaz and CIFaceFeatureKaz: what a detector found in an image.
 #include "CIFeatureKaz.h"
 
-#import <QuartzCore/CIDetector.h>
-
 #include <objc/runtime.h>
 
 namespace coreimage {

@@ -7,6 +7,7 @@
 #include <bridge/dictionaries.h>
 #include <bridge/files.h>
 #include <bridge/memoryblocks.h>
+#include <bridge/owned.h>
 #include <bridge/pictures.h>
 #include <bridge/threads.h>
 
@@ -145,15 +146,16 @@ REALarray autoAdjustmentFiltersWithOptions(REALobject self, REALobject options) 
 
 // --- shared methods ---------------------------------------------------------------------------------------
 
-REALstring optionName(NSString* name) {
-    return prepared([&] { return CFString2RBString((CFStringRef)name); });
+// The option by the address of its variable, which is null on systems before 10.8.
+REALstring optionName(NSString* const* name) {
+    return prepared([&] { return name ? CFString2RBString((CFStringRef)*name) : nullptr; });
 }
 
-REALstring autoAdjustEnhance() { return optionName(kCIImageAutoAdjustEnhance); }
+REALstring autoAdjustEnhance() { return optionName(&kCIImageAutoAdjustEnhance); }
 
-REALstring autoAdjustRedEye() { return optionName(kCIImageAutoAdjustRedEye); }
+REALstring autoAdjustRedEye() { return optionName(&kCIImageAutoAdjustRedEye); }
 
-REALstring autoAdjustFeatures() { return optionName(kCIImageAutoAdjustFeatures); }
+REALstring autoAdjustFeatures() { return optionName(&kCIImageAutoAdjustFeatures); }
 
 REALobject emptyImage() {
     return wrappedResult(kImage, [] { return [CIImage emptyImage]; });
@@ -186,16 +188,11 @@ template <class Make>
 REALobject loadOnWorker(Make&& make) {
     return prepared([&] {
         ImageLoadRequest request = make();
-        [request.data retain];
-        [request.url retain];
-        [request.options retain];
+        bridge::Retained options([request.options retain]), url([request.url retain]),
+            data([request.data retain]);
         RunThreaded(&request, DoWork, nullptr);
-        REALobject image = wrapped(kImage, request.result);
-        [request.result release];
-        [request.data release];
-        [request.url release];
-        [request.options release];
-        return image;
+        bridge::Retained result(request.result);
+        return wrapped(kImage, result.get());
     });
 }
 

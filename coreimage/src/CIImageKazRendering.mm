@@ -61,6 +61,8 @@ bool drawIntoPicture(CIImage* image, const bridge::LockedDescription& descriptio
     return false;
 }
 
+void unlockFocus(NSImage* image) { [image unlockFocus]; }
+
 // Draws the image into what has the focus; true when it was drawn.
 bool drawIntoFocus(CIImage* image, CGRect extent, bool useSoftwareRenderer) {
     void* port = [[NSGraphicsContext currentContext] graphicsPort];
@@ -132,14 +134,11 @@ REALobject renderNSImage(REALobject self, bool useSoftwareRenderer) {
         if (!image(self)) return nullptr;
         CGRect extent = [image(self) extent];
         NSImage* result = [[[NSImage alloc] initWithSize:sizeOf(extent)] autorelease];
-        bool drawn = false;
         [result lockFocus];
-        @try {
-            drawn = drawIntoFocus(image(self), extent, useSoftwareRenderer);
-        } @finally {
-            [result unlockFocus];
-        }
-        return drawn ? NewNSImageKaz(result) : nullptr;
+        host::Entry<NSImage*, unlockFocus> focus(result);
+        if (!drawIntoFocus(image(self), extent, useSoftwareRenderer)) return nullptr;
+        unlockFocus(focus.release());
+        return NewNSImageKaz(result);
     });
 }
 

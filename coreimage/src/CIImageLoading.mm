@@ -11,11 +11,7 @@ namespace {
 // A Cocoa exception is logged and goes no further.
 template <class Body>
 void logged(Body&& body) {
-    @try {
-        body();
-    } @catch (NSException* exception) {
-        NSLog(@"%@\n", exception);
-    }
+    if (NSException* exception = bridge::raisedBy(body)) NSLog(@"%@\n", exception);
 }
 
 void load(coreimage::ImageLoadRequest& request) {

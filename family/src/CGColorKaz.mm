@@ -3,7 +3,7 @@
 
 #include <hostapi/arrays.h>
 
-#include <vector>
+#include <cstdlib>
 
 namespace family {
 namespace {
@@ -33,11 +33,12 @@ void initWithComponents(REALobject self, REALobject space, REALarray components)
         return;
     }
     guardedInPool([&] {
-        std::vector<CGFloat> values(static_cast<std::size_t>(count));
+        host::Entry<void*, std::free> block(std::calloc(static_cast<std::size_t>(count), sizeof(CGFloat)));
+        CGFloat* values = static_cast<CGFloat*>(block.get());
+        if (!values) return;
         for (std::int32_t i = 0; i < count; ++i)
-            values[static_cast<std::size_t>(i)] =
-                static_cast<CGFloat>(host::arrayValue<double>(components, i));
-        instanceData<CGColorRef>(self) = CGColorCreate(native, values.data());
+            values[i] = static_cast<CGFloat>(host::arrayValue<double>(components, i));
+        instanceData<CGColorRef>(self) = CGColorCreate(native, values);
     });
 }
 

@@ -2,6 +2,9 @@
 #include "support.h"
 
 #include <bridge/memoryblocks.h>
+#include <hostapi/lookup.h>
+
+#include <dlfcn.h>
 
 namespace family {
 namespace {
@@ -27,10 +30,15 @@ void initWithProfile(REALobject self, REALmemoryBlock profile) {
     });
 }
 
+void* findInProcess(const char* name) { return dlsym(RTLD_DEFAULT, name); }
+
+// Looked up, because systems before 10.6 lack it.
+constinit host::LookedUpFunction<CFStringRef (*)(CGColorSpaceRef), findInProcess> copyName{
+    "CGColorSpaceCopyName"};
+
 REALstring name(REALobject self, std::uint32_t) {
-    return stringResult([&]() -> NSString* {
-        return space(self) ? [(NSString*)CGColorSpaceCopyName(space(self)) autorelease] : nil;
-    });
+    return stringResult(
+        [&]() -> NSString* { return space(self) ? [(NSString*)copyName(space(self)) autorelease] : nil; });
 }
 
 // 0 gray, 1 RGB, 2 CMYK, 3 Lab; -1 unknown and for an empty wrapper.

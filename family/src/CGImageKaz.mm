@@ -27,12 +27,24 @@ REALpicture picture(REALobject self) {
     return guardedInPool([&] { return newPictureOf(image(self)); });
 }
 
-// The type of an image file by its name; PNG unless the name says otherwise.
+// The type of an image file by its name; PNG for a name without extension, nil for an unknown one.
 NSString* fileType(NSURL* url) {
+    static const struct {
+        NSString *extension, *type;
+    } kTypes[] = {
+        {@"", @"public.png"},
+        {@"png", @"public.png"},
+        {@"jpg", @"public.jpeg"},
+        {@"jpeg", @"public.jpeg"},
+        {@"tif", @"public.tiff"},
+        {@"tiff", @"public.tiff"},
+        {@"gif", @"com.compuserve.gif"},
+        {@"bmp", @"com.microsoft.bmp"},
+    };
     NSString* extension = [[[url path] pathExtension] lowercaseString];
-    if ([extension isEqualToString:@"jpg"] || [extension isEqualToString:@"jpeg"]) return @"public.jpeg";
-    if ([extension isEqualToString:@"tif"] || [extension isEqualToString:@"tiff"]) return @"public.tiff";
-    return @"public.png";
+    for (const auto& known : kTypes)
+        if ([extension isEqualToString:known.extension]) return known.type;
+    return nil;
 }
 
 bool save(REALobject self, REALfolderItem file) {
@@ -40,8 +52,17 @@ bool save(REALobject self, REALfolderItem file) {
     return guardedInPool([&] {
         NSURL* url = NewNSURLfile(file);
         if (!image(self) || !url) return false;
+        NSString* type = fileType(url);
+        if (!type) {
+            NSString* problem =
+                [NSString stringWithFormat:
+                              @"cannot save %@: expected a name that ends in .png, .jpg, .tif, .gif or .bmp",
+                              [[url path] lastPathComponent]];
+            RaiseException(bridge::kUnsupportedOperation, [problem UTF8String]);
+            return false;
+        }
         Owned<CGImageDestinationRef> destination(
-            CGImageDestinationCreateWithURL((CFURLRef)url, (CFStringRef)fileType(url), 1, nullptr));
+            CGImageDestinationCreateWithURL((CFURLRef)url, (CFStringRef)type, 1, nullptr));
         if (!destination) return false;
         CGImageDestinationAddImage(destination.get(), image(self), nullptr);
         return bool(CGImageDestinationFinalize(destination.get()));

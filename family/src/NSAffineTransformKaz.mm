@@ -19,11 +19,11 @@ void initIdentity(REALobject self) {
 
 void initWithMatrix(REALobject self, double a, double b, double c, double d, double tx, double ty) {
     construct(self, [&] {
-        NSAffineTransform* made = [[NSAffineTransform transform] retain];
+        NSAffineTransform* made = [NSAffineTransform transform];
         [made
             setTransformStruct:{static_cast<CGFloat>(a), static_cast<CGFloat>(b), static_cast<CGFloat>(c),
                                 static_cast<CGFloat>(d), static_cast<CGFloat>(tx), static_cast<CGFloat>(ty)}];
-        return made;
+        return [made retain];
     });
 }
 

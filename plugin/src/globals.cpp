@@ -2,7 +2,6 @@
 #include "globals.h"
 
 #include <coreimage/classes.h>
-#include <hostapi/records.h>
 
 using namespace coreimage;
 using host::method;
@@ -56,4 +55,4 @@ static_assert(std::size(table) == 22);
 
 } // namespace
 
-std::span<REALmethodDefinition> plugin::globalsMethods() { return table; }
+host::Table<REALmethodDefinition> plugin::globalsMethods() { return table; }

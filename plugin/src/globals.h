@@ -1,12 +1,10 @@
 // The plugin's global functions, in the order in which the host learns of them.
 #pragma once
 
-#include <hostapi/abi.h>
-
-#include <span>
+#include <hostapi/records.h>
 
 namespace plugin {
 
-std::span<REALmethodDefinition> globalsMethods();
+host::Table<REALmethodDefinition> globalsMethods();
 
 } // namespace plugin

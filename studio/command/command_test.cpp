@@ -183,3 +183,12 @@ TEST_F(Command, SamplePhotosNeedTheirFolder) {
     EXPECT_EQ(studio("--no-plugins p.rbs").output, "x.jpg\n");
     unsetenv("KAZ_PHOTOS");
 }
+
+TEST_F(Command, TellsOfAMissingFontOnce) {
+    Outcome run =
+        program("Dim p As New Picture(9, 9)\n"
+                "For Each name As String In Array(\"Nonesuch\", \"System\", \"Arial\", \"Nonesuch\")\n"
+                "  p.Graphics.TextFont = name\nNext");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.output, "studio: there is no font \"Nonesuch\"; its text is drawn in DejaVu Sans\n");
+}

@@ -111,7 +111,7 @@ void loadPlugins(Host& host, const CommandLine& command) {
 
 } // namespace
 
-int main(int count, char** words) {
+int main(int count, char** words) try {
     // Whoever reads along gets each line when it is printed, whatever ends the program.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     CommandLine command = parse(count, words);
@@ -135,4 +135,7 @@ int main(int count, char** words) {
         return runTests(command.program, source.str(),
                         {command.arguments.empty() ? "" : command.arguments[0], command.onlyTest});
     return runProgram(command.program, source.str(), command.arguments);
+} catch (const std::bad_alloc&) {
+    std::fputs("studio: there is not enough memory\n", stderr);
+    return kFailed;
 }

@@ -43,6 +43,16 @@ FrameworkFunctions colorFunctions() {
         method("RGB(red As Integer, green As Integer, blue As Integer, transparency As Integer = 0) As Color",
                pack),
         method("HSV(hue As Double, saturation As Double, value As Double) As Color", fromHSV),
+        method("CMY(cyan As Double, magenta As Double, yellow As Double) As Color",
+               [](double cyan, double magenta, double yellow) {
+                   auto channel = [](double ink) { return std::int32_t(std::lround((1 - ink) * 255)); };
+                   return pack(channel(cyan), channel(magenta), channel(yellow), 0);
+               }),
+        method("Cyan(Extends c As Color) As Double",
+               [](std::uint32_t c) { return 1 - (c >> 16 & 255) / 255.0; }),
+        method("Magenta(Extends c As Color) As Double",
+               [](std::uint32_t c) { return 1 - (c >> 8 & 255) / 255.0; }),
+        method("Yellow(Extends c As Color) As Double", [](std::uint32_t c) { return 1 - (c & 255) / 255.0; }),
         method("Red(Extends c As Color) As Integer",
                [](std::uint32_t c) { return std::int32_t(c >> 16 & 255); }),
         method("Green(Extends c As Color) As Integer",

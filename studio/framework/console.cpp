@@ -1,19 +1,29 @@
 // Print, Input, Quit, time, System and App.
 #include "clock.h"
+#include "framework/folderitem.h"
 #include "table.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <filesystem>
 #include <iostream>
 
 namespace studio {
 
 namespace {
 
+// A program whose output goes nowhere is told, instead of running on in silence.
+void put(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+        raise("IOException", std::string("cannot print: ") + std::strerror(errno));
+}
+
 void print(REALobject value) {
     std::string line = display(value) + "\n";
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    put(line);
 }
 
 void doEvents(std::int32_t milliseconds) {
@@ -30,7 +40,9 @@ void doEvents(std::int32_t milliseconds) {
 FrameworkFunctions consoleFunctions() {
     return {
         method("Print(value As Variant)", print),
-        method("Print", [] { std::fputs("\n", stdout); }),
+        method("Print", [] { put("\n"); }),
+        method("MsgBox(text As String)", [](REALstring text) { put(toUtf8(text) + "\n"); }),
+        method("Beep", [] { std::fputc('\a', stderr); }),
         method("Input As String",
                [] {
                    std::string line;
@@ -63,7 +75,16 @@ FrameworkClass systemClass() {
 FrameworkClass appClass() {
     FrameworkClass table;
     table.name = "App";
-    table.sharedMethods = {method("DoEvents(milliseconds As Integer = 10)", doEvents)};
+    table.sharedMethods = {
+        method("DoEvents(milliseconds As Integer = 10)", doEvents),
+        method("YieldToNextThread", [] { runtime().yield(); }),
+        method("SleepCurrentThread(milliseconds As Integer)", doEvents),
+        method("ExecutableFile As FolderItem",
+               [] {
+                   std::error_code error;
+                   return newFolderItem(std::filesystem::read_symlink("/proc/self/exe", error).string());
+               }),
+    };
     return table;
 }
 

@@ -1,4 +1,6 @@
 // Date: local wall-clock fields.
+#include "date.h"
+
 #include "table.h"
 
 #include <cmath>
@@ -38,6 +40,13 @@ void setFields(Date& d, const std::tm& fields) {
     d.hour = fields.tm_hour;
     d.minute = fields.tm_min;
     d.second = fields.tm_sec;
+}
+
+void setLocal(Date& d, std::time_t time) {
+    std::tm local = {};
+    localtime_r(&time, &local);
+    setFields(d, local);
+    d.gmtOffset = double(local.tm_gmtoff) / 3600;
 }
 
 std::tm fields(const Date& d) {
@@ -80,16 +89,19 @@ REALstring sql(REALobject self, bool time) {
     return makeString(text);
 }
 
+// In English, as on a Mac set up for the United States.
+REALstring formatted(REALobject self, const char* format) {
+    std::tm f = fields(date(self));
+    char text[100];
+    return heap().newString({text, std::strftime(text, sizeof text, format, &f)}, kREALTextEncodingUTF8);
+}
+
 FrameworkClass dateClass() {
     FrameworkClass table = classWithData<Date>("Date");
     table.variantType = kREALVariantDate;
     table.constructor = +[](REALobject self) {
         new (instanceData(self)) Date();
-        std::time_t now = std::time(nullptr);
-        std::tm local = {};
-        localtime_r(&now, &local);
-        setFields(date(self), local);
-        date(self).gmtOffset = double(local.tm_gmtoff) / 3600;
+        setLocal(date(self), std::time(nullptr));
     };
     table.properties = {
         fieldProperty<&Date::year>("Year"),
@@ -121,7 +133,27 @@ FrameworkClass dateClass() {
             "SQLDateTime", "String", [](REALobject self) { return sql(self, true); },
             [](REALobject self, std::uint32_t, REALstring text) { setSQL(self, text); }),
     };
+    auto formattedAs = [](const char* name, auto getter) { return property(name, "String", getter); };
+    for (const FrameworkProperty& row : {
+             formattedAs("ShortDate", [](REALobject self) { return formatted(self, "%-m/%-d/%y"); }),
+             formattedAs("LongDate", [](REALobject self) { return formatted(self, "%A, %B %-d, %Y"); }),
+             formattedAs("AbbreviatedDate",
+                         [](REALobject self) { return formatted(self, "%a, %b %-d, %Y"); }),
+             formattedAs("ShortTime", [](REALobject self) { return formatted(self, "%-I:%M %p"); }),
+             formattedAs("LongTime", [](REALobject self) { return formatted(self, "%-I:%M:%S %p"); }),
+             property("WeekOfYear", "Integer",
+                      [](REALobject self) {
+                          std::tm f = fields(date(self));
+                          int firstWeekday = (f.tm_wday - f.tm_yday % 7 + 7) % 7;
+                          return std::int32_t((f.tm_yday + firstWeekday) / 7 + 1);
+                      }),
+         })
+        table.properties.push_back(row);
     table.methods = {
+        method("Operator_Compare(other As Date) As Double",
+               [](REALobject self, REALobject other) {
+                   return double(seconds(date(self))) - double(seconds(date(other)));
+               }),
         method("Constructor", [](REALobject) {}),
         method("Constructor(other As Date)",
                [](REALobject self, REALobject other) {
@@ -138,8 +170,33 @@ FrameworkClass dateClass() {
     return table;
 }
 
-const Registrar registrar([] { return FrameworkPart{{dateClass()}}; });
+// Month, day and year as 12/31/2012, or as 2012-12-31.
+bool parseDate(REALstring text, REALobject result) {
+    if (!result) raise("NilObjectException", "the Date to set is nil");
+    Date d = date(result);
+    std::string utf8 = toUtf8(text);
+    int used = 0;
+    bool read = (std::sscanf(utf8.c_str(), " %d/%d/%d %n", &d.month, &d.day, &d.year, &used) == 3 ||
+                 std::sscanf(utf8.c_str(), " %d-%d-%d %n", &d.year, &d.month, &d.day, &used) == 3) &&
+                std::size_t(used) == utf8.size();
+    if (!read || d.month < 1 || d.month > 12 || d.day < 1 || d.day > 31) return false;
+    if (d.year < 100) d.year += d.year < 50 ? 2000 : 1900;
+    d.hour = d.minute = d.second = 0;
+    date(result) = d;
+    return true;
+}
+
+const Registrar registrar([] {
+    return FrameworkPart{{dateClass()},
+                         {method("ParseDate(text As String, value As Date) As Boolean", parseDate)}};
+});
 
 } // namespace
+
+REALobject newDate(std::time_t time) {
+    REALobject result = newInstance("Date");
+    setLocal(date(result), time);
+    return result;
+}
 
 } // namespace studio

@@ -1,4 +1,5 @@
 // Dictionary: variants by variants, in the order of insertion. Keys that are strings ignore case.
+#include "pair.h"
 #include "runtime/text.h"
 #include "table.h"
 
@@ -118,8 +119,20 @@ FrameworkClass dictionaryClass() {
     table.properties = {
         property("Count", "Integer",
                  [](REALobject self) { return std::int32_t(dictionary(self).entries.size()); }),
+        property("BinCount", "Integer",
+                 [](REALobject self) { return std::int32_t(dictionary(self).index.bucket_count()); }),
     };
     table.methods = {
+        method("Constructor", [](REALobject) {}),
+        method("Constructor(ParamArray entries As Pair)",
+               [](REALobject self, REALobject entries) {
+                   for (std::int32_t i = 0; i < arrayOf(entries).count; ++i) {
+                       ObjectRef entry(arrayGet(arrayOf(entries), i).object);
+                       if (!entry) raise("NilObjectException", "a Pair for the Dictionary is nil");
+                       ObjectRef key(pairLeft(entry)), value(pairRight(entry));
+                       setValue(self, key, value);
+                   }
+               }),
         method("Value(key As Variant) As Variant", value, setValue),
         method("Lookup(key As Variant, defaultValue As Variant) As Variant",
                [](REALobject self, REALobject key, REALobject defaultValue) {

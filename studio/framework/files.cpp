@@ -3,8 +3,9 @@
 #include "runtime/exceptions.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
+#include <files/wholefile.h>
+
 #include <filesystem>
 
 namespace studio::files {
@@ -29,17 +30,16 @@ bool isDirectory(const std::string& path) {
 }
 
 std::string read(const std::string& path) {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (!file) raise("IOException", "cannot read " + path + ": " + std::strerror(errno));
-    std::string result;
-    char buffer[65536];
-    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, file)) > 0;) result.append(buffer, n);
-    std::fclose(file);
-    return result;
+    try {
+        std::vector<std::uint8_t> bytes = wholefile::read(path);
+        return std::string(bytes.begin(), bytes.end());
+    } catch (const wholefile::Error& error) {
+        raise("IOException", "cannot read " + path + ": " + error.what());
+    }
 }
 
-void cannotWrite(const std::string& path) {
-    std::string reason = std::strerror(errno);
+void cannotWrite(const std::string& path, std::string reason) {
+    if (reason.empty()) reason = std::strerror(errno);
     if (isDirectory(path))
         reason = "it is a folder";
     else if (!isDirectory(parent(absolute(path))))
@@ -47,11 +47,12 @@ void cannotWrite(const std::string& path) {
     raise("IOException", "cannot write " + path + ": " + reason);
 }
 
-void write(const std::string& path, const std::string& bytes) {
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    bool written = file && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    if (file && std::fclose(file) != 0) written = false;
-    if (!written) cannotWrite(path);
+std::FILE* openForWriting(const std::string& path, bool append) {
+    try {
+        return ::fdopen(wholefile::openToWrite(path, append), append ? "ab" : "wb");
+    } catch (const wholefile::Error& error) {
+        cannotWrite(path, error.what());
+    }
 }
 
 } // namespace studio::files

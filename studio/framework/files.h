@@ -1,6 +1,7 @@
 // Paths of files, for the framework's own use.
 #pragma once
 
+#include <cstdio>
 #include <string>
 
 namespace studio::files {
@@ -10,9 +11,11 @@ std::string parent(const std::string& path);
 std::string leaf(const std::string& path);
 bool exists(const std::string& path);
 bool isDirectory(const std::string& path);
-std::string read(const std::string& path);                     // raises IOException
-void write(const std::string& path, const std::string& bytes); // raises IOException
-// Raises the IOException of a file that could not be written: "cannot write x/y: no such folder".
-[[noreturn]] void cannotWrite(const std::string& path);
+// Both raise IOException, also for what is no regular file: a pipe would never end.
+std::string read(const std::string& path);
+std::FILE* openForWriting(const std::string& path, bool append);
+// Raises the IOException of a file that could not be written: "cannot write x/y: no such folder". Without a
+// reason it is that of errno.
+[[noreturn]] void cannotWrite(const std::string& path, std::string reason = {});
 
 } // namespace studio::files

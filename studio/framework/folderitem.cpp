@@ -1,5 +1,6 @@
 #include "framework/folderitem.h"
 
+#include "date.h"
 #include "files.h"
 #include "runtime/autorelease_pool.h"
 #include "runtime/text.h"
@@ -11,6 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace studio {
 
@@ -20,6 +23,7 @@ namespace fs = std::filesystem;
 
 struct FolderItem {
     std::string path;
+    std::int32_t lastError = 0; // of the last copy, move or deletion; 0 when it went well
 };
 
 std::string& path(REALobject self) { return dataOf<FolderItem>(self).path; }
@@ -40,6 +44,60 @@ REALobject itemAt(REALobject self, std::int32_t index) { // counts from 1
     if (index < 1 || std::size_t(index) > all.size())
         raise("OutOfBoundsException", "the folder has no item " + std::to_string(index));
     return newFolderItem(all[std::size_t(index) - 1]);
+}
+
+bool isLink(const std::string& path) {
+    std::error_code error;
+    return fs::is_symlink(path, error);
+}
+
+// Nil when there is no such file.
+REALobject changeDate(REALobject self, timespec stat::*time) {
+    struct stat status;
+    if (::stat(path(self).c_str(), &status) != 0) return nullptr;
+    return newDate((status.*time).tv_sec);
+}
+
+void note(REALobject self, const std::error_code& error, const std::string& what) {
+    dataOf<FolderItem>(self).lastError = error.value();
+    if (error) raise("IOException", "cannot " + what + " " + path(self) + ": " + error.message());
+}
+
+// Into the folder, or to that very place.
+std::string destination(REALobject self, REALobject to) {
+    if (!to) raise("NilObjectException", "the destination is nil");
+    return files::isDirectory(path(to)) ? child(path(to), files::leaf(path(self))) : path(to);
+}
+
+void copyTo(REALobject self, REALobject to) {
+    std::error_code error;
+    fs::copy(path(self), destination(self, to), fs::copy_options::recursive, error);
+    note(self, error, "copy");
+}
+
+void moveTo(REALobject self, REALobject to) {
+    std::error_code error;
+    std::string target = destination(self, to);
+    fs::rename(path(self), target, error);
+    if (error == std::errc::cross_device_link) {
+        fs::copy(path(self), target, fs::copy_options::recursive, error);
+        if (!error) fs::remove_all(path(self), error);
+    }
+    note(self, error, "move");
+    path(self) = target;
+}
+
+// Renames the file, if there is one.
+void rename(REALobject self, std::uint32_t, REALstring name) {
+    std::string to = toUtf8(name);
+    if (to.empty() || to.find('/') != std::string::npos)
+        raise("InvalidArgumentException", "\"" + to + "\" cannot be the name of a file");
+    std::string target = child(files::parent(path(self)), to);
+    std::error_code error;
+    if (files::exists(target) && target != path(self)) error = std::make_error_code(std::errc::file_exists);
+    if (!error && files::exists(path(self))) fs::rename(path(self), target, error);
+    note(self, error, "rename");
+    path(self) = target;
 }
 
 std::string urlPath(const std::string& path) {
@@ -131,7 +189,26 @@ FrameworkClass folderItemClass() {
     FrameworkClass table = classWithData<FolderItem>("FolderItem");
     auto pathText = [](REALobject self) { return makeString(path(self)); };
     table.properties = {
-        property("Name", "String", [](REALobject self) { return makeString(files::leaf(path(self))); }),
+        property(
+            "Name", "String", [](REALobject self) { return makeString(files::leaf(path(self))); }, rename),
+        property("DisplayName", "String",
+                 [](REALobject self) { return makeString(files::leaf(path(self))); }),
+        property("Alias", "Boolean", [](REALobject self) { return isLink(path(self)); }),
+        property("Visible", "Boolean",
+                 [](REALobject self) { return !files::leaf(path(self)).starts_with('.'); }),
+        property("Locked", "Boolean",
+                 [](REALobject self) {
+                     return files::exists(path(self)) && access(path(self).c_str(), W_OK) != 0;
+                 }),
+        property("IsReadable", "Boolean",
+                 [](REALobject self) { return access(path(self).c_str(), R_OK) == 0; }),
+        property("IsWriteable", "Boolean",
+                 [](REALobject self) { return access(path(self).c_str(), W_OK) == 0; }),
+        property("LastErrorCode", "Integer",
+                 [](REALobject self) { return dataOf<FolderItem>(self).lastError; }),
+        property("CreationDate", "Date", [](REALobject self) { return changeDate(self, &stat::st_ctim); }),
+        property("ModificationDate", "Date",
+                 [](REALobject self) { return changeDate(self, &stat::st_mtim); }),
         property("NativePath", "String", pathText),
         property("ShellPath", "String", pathText),
         property("AbsolutePath", "String", pathText),
@@ -166,12 +243,36 @@ FrameworkClass folderItemClass() {
                        raise("IOException", "cannot delete " + path(self) +
                                                 (error ? ": " + error.message() : ": it does not exist"));
                }),
+        method("CopyFileTo(destination As FolderItem)", copyTo),
+        method("MoveFileTo(destination As FolderItem)", moveTo),
         method("CreateAsFolder",
                [](REALobject self) {
                    std::error_code error;
                    fs::create_directories(path(self), error);
                    if (error) raise("IOException", "cannot create " + path(self) + ": " + error.message());
                }),
+    };
+    return table;
+}
+
+REALobject temporaryFolder() { return newFolderItem(fs::temp_directory_path().string()); }
+
+// A folder of the user's, by its name in the home folder; "" is the home folder itself.
+REALobject homeFolder(const char* name) {
+    const char* home = std::getenv("HOME");
+    if (!home || !*home) return nullptr;
+    return newFolderItem(*name ? child(home, name) : home);
+}
+
+FrameworkClass specialFolderClass() {
+    FrameworkClass table;
+    table.name = "SpecialFolder";
+    table.sharedMethods = {
+        method("Temporary As FolderItem", temporaryFolder),
+        method("UserHome As FolderItem", [] { return homeFolder(""); }),
+        method("Desktop As FolderItem", [] { return homeFolder("Desktop"); }),
+        method("Documents As FolderItem", [] { return homeFolder("Documents"); }),
+        method("Pictures As FolderItem", [] { return homeFolder("Pictures"); }),
     };
     return table;
 }
@@ -189,12 +290,19 @@ FrameworkFunctions fileFunctions() {
                    if (!files::exists(photo)) raise("IOException", "there is no sample photo " + photo);
                    return newFolderItem(photo);
                }),
-        method("TemporaryFolder As FolderItem",
-               [] { return newFolderItem(fs::temp_directory_path().string()); }),
+        method("TemporaryFolder As FolderItem", temporaryFolder),
+        method("GetTemporaryFolderItem As FolderItem",
+               [] {
+                   static int count = 0;
+                   std::string name = "studio." + std::to_string(getpid()) + "." + std::to_string(++count);
+                   return newFolderItem(child(fs::temp_directory_path().string(), name));
+               }),
     };
 }
 
-const Registrar registrar([] { return FrameworkPart{{folderItemClass()}, fileFunctions()}; });
+const Registrar registrar([] {
+    return FrameworkPart{{folderItemClass(), specialFolderClass()}, fileFunctions()};
+});
 
 } // namespace
 

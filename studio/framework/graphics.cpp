@@ -1,20 +1,30 @@
 // Graphics and RGBSurface: two ways to a picture's pixels.
+#include "drawing.h"
 #include "framework/picture.h"
 #include "picture_data.h"
 #include "table.h"
+
+#include <typeset/text.h>
+
+#include <cstdio>
+#include <set>
 
 namespace studio {
 
 namespace {
 
-// Both are just a reference to their picture.
+// Both see a part of a picture, the whole one unless the program asks for less.
 struct View {
     REALobject picture = nullptr;
+    shapes::Box bounds = {}; // places count from its corner
+    shapes::Box clip = {};   // what may be changed
 };
 
 REALobject viewOf(const char* className, REALobject picture) {
     REALobject result = newInstance(className);
-    dataOf<View>(result).picture = Heap::retain(picture);
+    const Pixels& pixels = pictureOf(picture).pixels;
+    shapes::Box whole = {0, 0, double(pixels.width), double(pixels.height)};
+    dataOf<View>(result) = {Heap::retain(picture), whole, whole};
     return result;
 }
 
@@ -24,6 +34,32 @@ Picture& target(REALobject self) {
     return pictureOf(picture);
 }
 
+shapes::Box box(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
+    return {double(x), double(y), double(width), double(height)};
+}
+
+// A box of the view within the picture, and what of it may be changed.
+shapes::Box placed(REALobject self, shapes::Box box) {
+    const View& view = dataOf<View>(self);
+    return {box.x + view.bounds.x, box.y + view.bounds.y, box.width, box.height};
+}
+shapes::Box allowed(REALobject self, shapes::Box box) {
+    return shapes::intersection(placed(self, box), dataOf<View>(self).clip);
+}
+
+void fillRect(REALobject self, shapes::Box box) {
+    Picture& picture = target(self);
+    shapes::Box to = allowed(self, box);
+    picture.pixels.fillRect(Pixels::Place(to.x), Pixels::Place(to.y), Pixels::Place(to.width),
+                            Pixels::Place(to.height), picture.foreColor);
+}
+
+Drawing drawing(REALobject self) {
+    Picture& picture = target(self);
+    const View& view = dataOf<View>(self);
+    return Drawing(picture, {view.bounds.x, view.bounds.y}, view.clip);
+}
+
 void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t y, std::int32_t w,
                  std::int32_t h, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh) {
     constexpr std::int32_t kWhole = -10000;
@@ -31,19 +67,116 @@ void drawPicture(REALobject self, REALobject image, std::int32_t x, std::int32_t
     Picture& source = pictureOf(image);
     if (sw == kWhole) sw = source.pixels.width;
     if (sh == kWhole) sh = source.pixels.height;
-    if (source.mask || &source == &target(self))
-        target(self).pixels.draw(masked(image), x, y, w, h, sx, sy, sw, sh);
+    Picture& picture = target(self);
+    auto draw = [&](const Pixels& pixels) {
+        if (w != sw || h != sh) return drawing(self).draw(pixels, box(x, y, w, h), box(sx, sy, sw, sh));
+        shapes::Box all = placed(self, box(x, y, w, h)), to = allowed(self, box(x, y, w, h));
+        picture.pixels.draw(pixels, Pixels::Place(to.x), Pixels::Place(to.y), Pixels::Place(to.width),
+                            Pixels::Place(to.height), Pixels::Place(sx + to.x - all.x),
+                            Pixels::Place(sy + to.y - all.y));
+    };
+    if (source.mask || &source == &picture)
+        draw(masked(image));
     else
-        target(self).pixels.draw(source.pixels, x, y, w, h, sx, sy, sw, sh);
+        draw(source.pixels);
+}
+
+REALobject clipped(REALobject self, std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
+    target(self); // there must be one
+    shapes::Box part = box(x, y, std::max(width, 0), std::max(height, 0));
+    REALobject result = newInstance("Graphics");
+    dataOf<View>(result) = {Heap::retain(dataOf<View>(self).picture), placed(self, part),
+                            allowed(self, part)};
+    return result;
 }
 
 std::uint32_t pixel(REALobject self, std::int32_t x, std::int32_t y) {
-    Pixels& pixels = target(self).pixels;
-    return pixels.contains(x, y) ? pixels.color(x, y) : 0xFF000000;
+    const Pixels& pixels = target(self).pixels;
+    shapes::Box at = allowed(self, box(x, y, 1, 1));
+    return at.width > 0 && at.height > 0 ? pixels.color(int(at.x), int(at.y)) : 0xFF000000;
 }
 void setPixel(REALobject self, std::int32_t x, std::int32_t y, std::uint32_t color) {
     Pixels& pixels = target(self).pixels;
-    if (pixels.contains(x, y)) pixels.setColor(x, y, color);
+    shapes::Box at = allowed(self, box(x, y, 1, 1));
+    if (at.width > 0 && at.height > 0) pixels.setColor(int(at.x), int(at.y), color);
+}
+
+// ---- shapes ----------------------------------------------------------------------------------------------
+
+void fill(REALobject self, const shapes::Shape& shape) { drawing(self).fill(shape); }
+
+shapes::Pen pen(REALobject self) { return {double(target(self).penWidth), double(target(self).penHeight)}; }
+
+// The language counts a polygon's numbers from 1: x, y, x, y; the element 0 is not used.
+std::vector<shapes::Point> corners(REALobject points) {
+    if (!points) raise("NilObjectException", "the array of points is nil");
+    std::vector<shapes::Point> result;
+    for (std::int32_t i = 1; i + 1 < arrayOf(points).count; i += 2)
+        result.push_back(
+            {double(arrayGet(arrayOf(points), i).i32), double(arrayGet(arrayOf(points), i + 1).i32)});
+    return result;
+}
+
+// ---- text ------------------------------------------------------------------------------------------------
+
+// Calls `body`; what typesetting throws, for want of a font, becomes the program's exception.
+template <class Body>
+auto withFonts(Body body) {
+    try {
+        return body();
+    } catch (const std::runtime_error& error) {
+        raise("UnsupportedOperationException", error.what());
+    }
+}
+
+void drawString(REALobject self, REALstring text, double x, double y, double wrapWidth, bool condense) {
+    Picture& picture = target(self);
+    auto tooWide = condense ? typeset::TooWide::isCut : typeset::TooWide::wraps;
+    withFonts([&] {
+        typeset::Text lines(toUtf8(text), picture.textStyle, wrapWidth, tooWide);
+        drawing(self).fill(lines, x, y);
+    });
+}
+
+double stringWidth(REALobject self, REALstring text) {
+    return withFonts([&] { return typeset::Text(toUtf8(text), target(self).textStyle).width(); });
+}
+double stringHeight(REALobject self, REALstring text, double wrapWidth) {
+    return withFonts([&] { return typeset::Text(toUtf8(text), target(self).textStyle, wrapWidth).height(); });
+}
+double textAscent(REALobject self) {
+    return withFonts([&] { return typeset::metrics(target(self).textStyle).ascent; });
+}
+double textHeight(REALobject self) {
+    return withFonts([&] { return typeset::metrics(target(self).textStyle).lineHeight; });
+}
+
+// A program written for a machine with other fonts goes on with the default; its user is told once.
+void setTextFont(REALobject self, std::uint32_t, REALstring name) {
+    static std::set<std::string> told;
+    std::string family = toUtf8(name);
+    target(self).textStyle.family = family;
+    if (!withFonts([&] { return typeset::knowsFamily(family); }) && told.insert(family).second)
+        std::fprintf(stderr, "studio: there is no font \"%s\"; its text is drawn in %s\n", family.c_str(),
+                     typeset::kDefaultFamily);
+}
+
+// One of the style's switches as a property.
+template <bool typeset::Style::*Switch>
+FrameworkProperty styleSwitch(const char* name) {
+    return property(
+        name, "Boolean", [](REALobject self) { return target(self).textStyle.*Switch; },
+        [](REALobject self, std::uint32_t, bool on) { target(self).textStyle.*Switch = on; });
+}
+
+std::int32_t fontCount() {
+    return withFonts([] { return std::int32_t(typeset::families().size()); });
+}
+REALstring fontName(std::int32_t index) {
+    std::vector<std::string> names = withFonts([] { return typeset::families(); });
+    if (index < 0 || std::size_t(index) >= names.size())
+        raise("OutOfBoundsException", "there is no font " + std::to_string(index));
+    return makeString(names[std::size_t(index)]);
 }
 
 FrameworkClass viewClass(const char* name) {
@@ -63,8 +196,8 @@ FrameworkClass graphicsClass() {
     using I = std::int32_t;
     FrameworkClass table = viewClass("Graphics");
     table.properties = {
-        property("Width", "Integer", [](REALobject self) { return I(target(self).pixels.width); }),
-        property("Height", "Integer", [](REALobject self) { return I(target(self).pixels.height); }),
+        property("Width", "Integer", [](REALobject self) { return I(dataOf<View>(self).bounds.width); }),
+        property("Height", "Integer", [](REALobject self) { return I(dataOf<View>(self).bounds.height); }),
         property(
             "ForeColor", "Color", [](REALobject self) { return target(self).foreColor; },
             [](REALobject self, std::uint32_t, std::uint32_t color) { target(self).foreColor = color; }),
@@ -74,6 +207,17 @@ FrameworkClass graphicsClass() {
         property(
             "PenHeight", "Integer", [](REALobject self) { return target(self).penHeight; },
             [](REALobject self, std::uint32_t, I height) { target(self).penHeight = std::max(height, 1); }),
+        property(
+            "TextFont", "String", [](REALobject self) { return makeString(target(self).textStyle.family); },
+            setTextFont),
+        property(
+            "TextSize", "Single", [](REALobject self) { return float(target(self).textStyle.size); },
+            [](REALobject self, std::uint32_t, float size) { target(self).textStyle.size = double(size); }),
+        styleSwitch<&typeset::Style::bold>("Bold"),
+        styleSwitch<&typeset::Style::italic>("Italic"),
+        styleSwitch<&typeset::Style::underline>("Underline"),
+        property("TextAscent", "Double", textAscent),
+        property("TextHeight", "Double", textHeight),
     };
     table.methods = {
         method("DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, "
@@ -86,48 +230,123 @@ FrameworkClass graphicsClass() {
                    drawPicture(self, image, x, y, p.width, p.height, 0, 0, p.width, p.height);
                }),
         method("FillRect(x As Integer, y As Integer, width As Integer, height As Integer)",
-               [](REALobject self, I x, I y, I w, I h) {
-                   target(self).pixels.fillRect(x, y, w, h, target(self).foreColor);
-               }),
+               [](REALobject self, I x, I y, I w, I h) { fillRect(self, box(x, y, w, h)); }),
         method("DrawRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
-                   Picture& p = target(self);
-                   I across = std::min(p.penWidth, w), down = std::min(p.penHeight, h);
-                   p.pixels.fillRect(x, y, w, down, p.foreColor);
-                   p.pixels.fillRect(x, y + h - down, w, h > down ? down : 0, p.foreColor);
-                   p.pixels.fillRect(x, y + down, across, h - 2 * down, p.foreColor);
-                   p.pixels.fillRect(x + w - across, y + down, w > across ? across : 0, h - 2 * down,
-                                     p.foreColor);
+                   double left = x, top = y, width = w, height = h;
+                   double across = std::min(target(self).penWidth, w),
+                          down = std::min(target(self).penHeight, h);
+                   fillRect(self, {left, top, width, down});
+                   fillRect(self, {left, top + height - down, width, height > down ? down : 0});
+                   fillRect(self, {left, top + down, across, height - 2 * down});
+                   fillRect(self, {left + width - across, top + down, width > across ? across : 0,
+                                   height - 2 * down});
                }),
         method("FillOval(x As Integer, y As Integer, width As Integer, height As Integer)",
-               [](REALobject self, I x, I y, I w, I h) {
-                   target(self).pixels.fillOval(x, y, w, h, target(self).foreColor);
-               }),
+               [](REALobject self, I x, I y, I w, I h) { fill(self, shapes::oval(box(x, y, w, h))); }),
         method("DrawOval(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
-                   target(self).pixels.drawOval(x, y, w, h, target(self).penWidth, target(self).foreColor);
+                   fill(self, shapes::ovalFrame(box(x, y, w, h), pen(self)));
+               }),
+        method("FillRoundRect(x As Integer, y As Integer, width As Integer, height As Integer, "
+               "arcWidth As Integer, arcHeight As Integer)",
+               [](REALobject self, I x, I y, I w, I h, I arcWidth, I arcHeight) {
+                   fill(self, shapes::roundRect(box(x, y, w, h), {double(arcWidth), double(arcHeight)}));
+               }),
+        method("DrawRoundRect(x As Integer, y As Integer, width As Integer, height As Integer, "
+               "arcWidth As Integer, arcHeight As Integer)",
+               [](REALobject self, I x, I y, I w, I h, I arcWidth, I arcHeight) {
+                   fill(self, shapes::roundRectFrame(box(x, y, w, h), {double(arcWidth), double(arcHeight)},
+                                                     pen(self)));
                }),
         method("DrawLine(x1 As Integer, y1 As Integer, x2 As Integer, y2 As Integer)",
                [](REALobject self, I x1, I y1, I x2, I y2) {
-                   Picture& p = target(self);
-                   p.pixels.drawLine(x1, y1, x2, y2, p.penWidth, p.penHeight, p.foreColor);
+                   fill(self, shapes::line({double(x1), double(y1)}, {double(x2), double(y2)}, pen(self)));
                }),
+        method("FillPolygon(points() As Integer)",
+               [](REALobject self, REALobject points) { fill(self, shapes::polygon(corners(points))); }),
+        method("DrawPolygon(points() As Integer)",
+               [](REALobject self, REALobject points) {
+                   fill(self, shapes::polygonFrame(corners(points), pen(self)));
+               }),
+        method("Clip(x As Integer, y As Integer, width As Integer, height As Integer) As Graphics", clipped),
         method("ClearRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
-                   target(self).pixels.clearRect(x, y, w, h, target(self).hasAlpha ? 0 : 0xFFFFFFFF);
+                   Picture& picture = target(self);
+                   shapes::Box to = allowed(self, box(x, y, w, h));
+                   picture.pixels.clearRect(Pixels::Place(to.x), Pixels::Place(to.y), Pixels::Place(to.width),
+                                            Pixels::Place(to.height), picture.hasAlpha ? 0 : 0xFFFFFFFF);
                }),
+        method("DrawString(text As String, x As Double, y As Double, wrapWidth As Double = 0, "
+               "condense As Boolean = False)",
+               drawString),
+        method("StringWidth(text As String) As Double", stringWidth),
+        method("StringHeight(text As String, wrapWidth As Double) As Double", stringHeight),
         method("Pixel(x As Integer, y As Integer) As Color", pixel, setPixel),
     };
     return table;
 }
 
+// Every channel of every pixel through a table of its own.
+void transform(REALobject self, REALobject red, REALobject green, REALobject blue) {
+    std::uint8_t tables[3][256];
+    REALobject given[3] = {red, green, blue};
+    for (int channel = 0; channel < 3; ++channel) {
+        if (!given[channel] || arrayOf(given[channel]).count < 256)
+            raise("OutOfBoundsException", "expected 256 values to transform a channel");
+        for (std::int32_t i = 0; i < 256; ++i)
+            tables[channel][i] = std::uint8_t(std::clamp(arrayGet(arrayOf(given[channel]), i).i32, 0, 255));
+    }
+    Pixels& pixels = target(self).pixels;
+    for (int y = 0; y < pixels.height; ++y)
+        for (int x = 0; x < pixels.width; ++x) {
+            std::uint32_t c = pixels.color(x, y);
+            pixels.setColor(x, y,
+                            (c & 0xFF000000) | std::uint32_t(tables[0][c >> 16 & 255] << 16) |
+                                std::uint32_t(tables[1][c >> 8 & 255] << 8) | tables[2][c & 255]);
+        }
+}
+
+// Fills the pixels that are joined to one and have its colour.
+void floodFill(REALobject self, std::int32_t x, std::int32_t y, std::uint32_t color) {
+    Pixels& pixels = target(self).pixels;
+    if (!pixels.contains(x, y)) return;
+    std::uint32_t old = pixels.color(x, y);
+    if (old == color) return;
+    std::vector<std::pair<int, int>> waiting = {{x, y}};
+    while (!waiting.empty()) {
+        auto [px, py] = waiting.back();
+        waiting.pop_back();
+        if (!pixels.contains(px, py) || pixels.color(px, py) != old) continue;
+        pixels.setColor(px, py, color);
+        if (pixels.color(px, py) == old) return; // the colour cannot be told apart once it is stored
+        for (auto [dx, dy] : {std::pair(1, 0), {-1, 0}, {0, 1}, {0, -1}})
+            waiting.emplace_back(px + dx, py + dy);
+    }
+}
+
 FrameworkClass surfaceClass() {
     FrameworkClass table = viewClass("RGBSurface");
-    table.methods = {method("Pixel(x As Integer, y As Integer) As Color", pixel, setPixel)};
+    table.properties = {
+        property("Width", "Integer", [](REALobject self) { return std::int32_t(target(self).pixels.width); }),
+        property("Height", "Integer",
+                 [](REALobject self) { return std::int32_t(target(self).pixels.height); }),
+    };
+    table.methods = {
+        method("Pixel(x As Integer, y As Integer) As Color", pixel, setPixel),
+        method("FloodFill(x As Integer, y As Integer, color As Color)", floodFill),
+        method("Transform(map() As Integer)",
+               [](REALobject self, REALobject map) { transform(self, map, map, map); }),
+        method("Transform(red() As Integer, green() As Integer, blue() As Integer)", transform),
+    };
     return table;
 }
 
-const Registrar registrar([] { return FrameworkPart{{graphicsClass(), surfaceClass()}}; });
+const Registrar registrar([] {
+    return FrameworkPart{
+        {graphicsClass(), surfaceClass()},
+        {method("FontCount() As Integer", fontCount), method("Font(index As Integer) As String", fontName)}};
+});
 
 } // namespace
 

@@ -23,6 +23,13 @@ struct Random {
 
 Random& random(REALobject self) { return dataOf<Random>(self); }
 
+template <class F>
+double folded(double first, REALobject more, F combine) {
+    for (std::int32_t i = 0; i < arrayOf(more).count; ++i)
+        first = combine(first, arrayGet(arrayOf(more), i).f64);
+    return first;
+}
+
 FrameworkFunctions mathFunctions() {
     using F = double (*)(double);
     return {
@@ -32,17 +39,15 @@ FrameworkFunctions mathFunctions() {
         method("Sign(x As Double) As Integer", [](double x) { return std::int32_t(x < 0 ? -1 : x > 0); }),
         method("Min(a As Integer, b As Integer) As Integer",
                [](std::int32_t a, std::int32_t b) { return std::min(a, b); }),
-        method("Min(a As Double, b As Double) As Double", [](double a, double b) { return std::min(a, b); }),
-        method("Min(a As Double, b As Double, c As Double) As Double",
-               [](double a, double b, double c) {
-                   return std::min({a, b, c});
+        method("Min(a As Double, b As Double, ParamArray more As Double) As Double",
+               [](double a, double b, REALobject more) {
+                   return folded(std::min(a, b), more, [](double x, double y) { return std::min(x, y); });
                }),
         method("Max(a As Integer, b As Integer) As Integer",
                [](std::int32_t a, std::int32_t b) { return std::max(a, b); }),
-        method("Max(a As Double, b As Double) As Double", [](double a, double b) { return std::max(a, b); }),
-        method("Max(a As Double, b As Double, c As Double) As Double",
-               [](double a, double b, double c) {
-                   return std::max({a, b, c});
+        method("Max(a As Double, b As Double, ParamArray more As Double) As Double",
+               [](double a, double b, REALobject more) {
+                   return folded(std::max(a, b), more, [](double x, double y) { return std::max(x, y); });
                }),
         method("Floor(x As Double) As Double", F(std::floor)),
         method("Ceil(x As Double) As Double", F(std::ceil)),

@@ -66,7 +66,24 @@ REALobject part(REALobject self, std::int32_t from, std::int32_t count) {
     return newMemoryBlock({block.data + from, std::size_t(count)});
 }
 
+// The end of the text at an offset that ends with a NUL byte.
+std::string_view cString(REALobject self, std::int32_t offset) {
+    const char* text = at(self, offset, 1);
+    return {text, strnlen(text, std::size_t(memoryBlockBytes(self).size - offset))};
+}
+
+std::int32_t colorBytes(std::int32_t bits) {
+    if (bits != 24 && bits != 32) raise("InvalidArgumentException", "a colour in memory has 24 or 32 bits");
+    return bits / 8;
+}
+
+void setBytes(REALobject self, std::int32_t offset, std::string_view bytes) {
+    std::memcpy(at(self, offset, std::int32_t(bytes.size())), bytes.data(), bytes.size());
+}
+
 } // namespace
+
+bool resizeMemoryBlock(REALobject block, std::int32_t size) { return resize(memoryBlockBytes(block), size); }
 
 REALobject tryNewMemoryBlock(std::int32_t size) {
     ObjectRef object(newInstance("MemoryBlock"));
@@ -120,6 +137,44 @@ FrameworkClass memoryBlockClass() {
         number<std::uint32_t, std::uint32_t>("UInt32Value(offset As Integer) As UInt32"),
         number<std::int64_t, std::int64_t>("Int64Value(offset As Integer) As Int64"),
         number<std::uint64_t, std::uint64_t>("UInt64Value(offset As Integer) As UInt64"),
+        number<std::int16_t, std::int32_t>("Short(offset As Integer) As Integer"),
+        number<std::uint16_t, std::int32_t>("UShort(offset As Integer) As Integer"),
+        method(
+            "BooleanValue(offset As Integer) As Boolean",
+            [](REALobject self, std::int32_t offset) { return *at(self, offset, 1) != 0; },
+            [](REALobject self, std::int32_t offset, bool value) { *at(self, offset, 1) = value; }),
+        method(
+            "ColorValue(offset As Integer, bits As Integer) As Color",
+            [](REALobject self, std::int32_t offset, std::int32_t bits) {
+                const char* from = at(self, offset, colorBytes(bits)) + (bits == 32);
+                std::uint32_t color = 0xFF;
+                for (int i = 0; i < 3; ++i) color = color << 8 | (unsigned char)from[i];
+                return color;
+            },
+            [](REALobject self, std::int32_t offset, std::int32_t bits, std::uint32_t color) {
+                char* to = at(self, offset, colorBytes(bits));
+                if (bits == 32) *to++ = 0;
+                for (int i = 0; i < 3; ++i) to[i] = char(color >> (16 - 8 * i) & 0xFF);
+            }),
+        method(
+            "CString(offset As Integer) As String",
+            [](REALobject self, std::int32_t offset) {
+                return heap().newString(cString(self, offset), kREALTextEncodingUnknown);
+            },
+            [](REALobject self, std::int32_t offset, REALstring value) {
+                setBytes(self, offset, std::string(bytesOf(value)) + std::string(1, 0));
+            }),
+        method(
+            "PString(offset As Integer) As String",
+            [](REALobject self, std::int32_t offset) {
+                std::int32_t length = (unsigned char)*at(self, offset, 1);
+                return heap().newString({at(self, offset + 1, length), std::size_t(length)},
+                                        kREALTextEncodingUnknown);
+            },
+            [](REALobject self, std::int32_t offset, REALstring value) {
+                std::string_view text = bytesOf(value).substr(0, 255);
+                setBytes(self, offset, std::string(1, char(text.size())) + std::string(text));
+            }),
         number<float, float>("SingleValue(offset As Integer) As Single"),
         number<double, double>("DoubleValue(offset As Integer) As Double"),
         method(

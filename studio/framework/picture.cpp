@@ -1,11 +1,14 @@
 // Picture: the class, its files, and its faces for plugins.
 #include "framework/picture.h"
 
+#include "drawing.h"
 #include "files.h"
 #include "framework/cfstring.h"
 #include "framework/folderitem.h"
+#include "framework/memoryblock.h"
 #include "picture_data.h"
 #include "runtime/autorelease_pool.h"
+#include "syntax/names.h"
 #include "table.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -13,6 +16,7 @@
 #include <ImageIO/ImageIO.h>
 #include <QD/QDOffscreen.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -59,13 +63,7 @@ void construct(REALobject self, std::int32_t width, std::int32_t height, std::in
 }
 
 CGContextRef contextOf(Picture& picture) {
-    if (!picture.context) {
-        ColorSpace space;
-        Pixels& p = picture.pixels;
-        picture.context =
-            CGBitmapContextCreate(p.bytes.data(), std::size_t(p.width), std::size_t(p.height), 8,
-                                  std::size_t(p.width) * 4, space.ref, kCGImageAlphaPremultipliedFirst);
-    }
+    if (!picture.context) picture.context = newContextOn(picture.pixels);
     return static_cast<CGContextRef>(picture.context);
 }
 
@@ -101,24 +99,56 @@ void setMask(REALobject self, std::uint32_t, REALobject mask) {
 
 // ---- files -----------------------------------------------------------------------------------------------
 
-enum { kSaveAsPNG = 1, kSaveAsJPEG = 2 };
+struct FileKind {
+    std::int32_t constant; // Picture.SaveAs...
+    const char* type;
+    const char* name;
+    std::vector<std::string_view> extensions;
+};
+const FileKind kFileKinds[] = {
+    {1, "public.png", "PNG", {"png"}},           {2, "public.jpeg", "JPEG", {"jpg", "jpeg"}},
+    {3, "public.tiff", "TIFF", {"tif", "tiff"}}, {4, "com.compuserve.gif", "GIF", {"gif"}},
+    {5, "com.microsoft.bmp", "BMP", {"bmp"}},
+};
+constexpr std::int32_t kByName = 0;
+
+std::string extensionOf(const std::string& path) {
+    std::string name = files::leaf(path);
+    std::size_t dot = name.rfind('.');
+    return dot == std::string::npos || dot == 0 ? "" : folded(name.substr(dot + 1));
+}
+
+// The kind that the program asks for; refuses to give a file a name that belongs to another kind.
+const FileKind& kindFor(const std::string& path, std::int32_t format) {
+    std::string extension = extensionOf(path);
+    const FileKind *asked = nullptr, *named = nullptr;
+    for (const FileKind& kind : kFileKinds) {
+        if (kind.constant == format) asked = &kind;
+        if (std::find(kind.extensions.begin(), kind.extensions.end(), extension) != kind.extensions.end())
+            named = &kind;
+    }
+    if (format == kByName) asked = named;
+    if (format != kByName && !asked)
+        raise("InvalidArgumentException",
+              "a Picture cannot be saved in the format " + std::to_string(format));
+    if (!asked)
+        raise("UnsupportedOperationException",
+              "cannot save " + files::leaf(path) +
+                  ": expected a name that ends in .png, .jpg, .tif, .gif or .bmp");
+    if (named != asked && !extension.empty())
+        raise("UnsupportedOperationException", "cannot save " + files::leaf(path) + " as " + asked->name +
+                                                   ": expected a name that ends in ." +
+                                                   std::string(asked->extensions[0]));
+    return *asked;
+}
 
 CFURLRef urlOf(const std::string& path) {
     Owned<CFStringRef> text(static_cast<CFStringRef>(makeCFString(path)));
     return CFURLCreateWithFileSystemPath(nullptr, text, kCFURLPOSIXPathStyle, false);
 }
 
-void save(REALobject self, REALobject file, std::int32_t format, std::int32_t quality) {
-    if (!file) raise("NilObjectException", "file is nil");
-    AutoreleasePool pool;
-    const std::string& path = folderItemPath(file);
-    Owned<CFURLRef> url(urlOf(path));
-    Owned<CFStringRef> type(
-        static_cast<CFStringRef>(makeCFString(format == kSaveAsJPEG ? "public.jpeg" : "public.png")));
-    Owned<CGImageDestinationRef> destination(url.ref ? CGImageDestinationCreateWithURL(url, type, 1, nullptr)
-                                                     : nullptr);
-    if (!destination.ref) files::cannotWrite(path);
-    double level = quality / 100.0;
+bool encode(REALobject self, CGImageDestinationRef destination, std::int32_t quality) {
+    double level = std::clamp(quality, 0, 100) / 100.0;
     Owned<CFNumberRef> number(CFNumberCreate(nullptr, kCFNumberDoubleType, &level));
     Owned<CFMutableDictionaryRef> properties(CFDictionaryCreateMutable(
         nullptr, 1, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
@@ -126,18 +156,41 @@ void save(REALobject self, REALobject file, std::int32_t format, std::int32_t qu
     auto* image = static_cast<CGImageRef>(pictureCGImage(self));
     CGImageDestinationAddImage(destination, image, properties);
     CGImageRelease(image);
-    if (!CGImageDestinationFinalize(destination)) files::cannotWrite(path);
+    return CGImageDestinationFinalize(destination);
 }
 
-REALobject open(REALobject file) {
+void save(REALobject self, REALobject file, std::int32_t format, std::int32_t quality) {
     if (!file) raise("NilObjectException", "file is nil");
     AutoreleasePool pool;
     const std::string& path = folderItemPath(file);
-    if (!files::exists(path)) raise("IOException", path + " does not exist");
+    const FileKind& kind = kindFor(path, format);
     Owned<CFURLRef> url(urlOf(path));
-    Owned<CGImageSourceRef> source(url.ref ? CGImageSourceCreateWithURL(url, nullptr) : nullptr);
-    CGImageRef image = source.ref ? CGImageSourceCreateImageAtIndex(source, 0, nullptr) : nullptr;
-    if (!image) raise("IOException", path + " does not hold a readable picture");
+    Owned<CFStringRef> type(static_cast<CFStringRef>(makeCFString(kind.type)));
+    Owned<CGImageDestinationRef> destination(url.ref ? CGImageDestinationCreateWithURL(url, type, 1, nullptr)
+                                                     : nullptr);
+    if (!destination.ref || !encode(self, destination, quality)) files::cannotWrite(path);
+}
+
+REALobject getData(REALobject self, REALstring format, std::int32_t quality) {
+    AutoreleasePool pool;
+    std::string wanted = toUtf8(format);
+    Owned<CFStringRef> type(static_cast<CFStringRef>(makeCFString(wanted)));
+    Owned<CFMutableDataRef> data(CFDataCreateMutable(nullptr, 0));
+    Owned<CGImageDestinationRef> destination(CGImageDestinationCreateWithData(data, type, 1, nullptr));
+    if (!destination.ref)
+        raise("InvalidArgumentException",
+              "there is no picture format \"" + wanted +
+                  "\"; expected one of Picture.FormatPNG, FormatJPEG, FormatTIFF, "
+                  "FormatGIF and FormatBMP");
+    if (!encode(self, destination, quality)) raise("IOException", "cannot encode the Picture");
+    return newMemoryBlock(
+        {reinterpret_cast<const char*>(CFDataGetBytePtr(data)), std::size_t(CFDataGetLength(data))});
+}
+
+// Null when the source holds no readable picture.
+REALobject firstPicture(CGImageSourceRef source) {
+    CGImageRef image = source ? CGImageSourceCreateImageAtIndex(source, 0, nullptr) : nullptr;
+    if (!image) return nullptr;
     CGImageAlphaInfo alpha = CGImageGetAlphaInfo(image);
     bool opaque = alpha == kCGImageAlphaNone || alpha == kCGImageAlphaNoneSkipFirst ||
                   alpha == kCGImageAlphaNoneSkipLast;
@@ -149,6 +202,28 @@ REALobject open(REALobject file) {
     CGImageRelease(image);
     if (!result) raise("OutOfMemoryException", "There is no memory for the Picture.");
     return result.release();
+}
+
+REALobject open(REALobject file) {
+    if (!file) raise("NilObjectException", "file is nil");
+    AutoreleasePool pool;
+    const std::string& path = folderItemPath(file);
+    if (!files::exists(path)) raise("IOException", path + " does not exist");
+    Owned<CFURLRef> url(urlOf(path));
+    Owned<CGImageSourceRef> source(url.ref ? CGImageSourceCreateWithURL(url, nullptr) : nullptr);
+    REALobject result = firstPicture(source);
+    if (!result) raise("IOException", path + " does not hold a readable picture");
+    return result;
+}
+
+// Nil for data that is no picture.
+REALobject fromData(REALobject block) {
+    if (!block) raise("NilObjectException", "the data is nil");
+    AutoreleasePool pool;
+    MemoryBlockBytes& bytes = memoryBlockBytes(block);
+    Owned<CFDataRef> data(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data), bytes.size));
+    Owned<CGImageSourceRef> source(data.ref ? CGImageSourceCreateWithData(data, nullptr) : nullptr);
+    return firstPicture(source);
 }
 
 } // namespace
@@ -253,9 +328,33 @@ FrameworkClass pictureClass() {
     table.methods = {
         method("Constructor(width As Integer, height As Integer, depth As Integer = 0)", construct),
         method("Save(file As FolderItem, format As Integer, quality As Integer = 85)", save),
+        method("GetData(format As String, quality As Integer = 85) As MemoryBlock", getData),
     };
-    table.sharedMethods = {method("Open(file As FolderItem) As Picture", open)};
-    table.constants = {"SaveAsPNG = 1", "SaveAsJPEG = 2"};
+    table.sharedMethods = {
+        method("Open(file As FolderItem) As Picture", open),
+        method("FromData(data As MemoryBlock) As Picture", fromData),
+        method("IsExportFormatSupported(format As String) As Boolean",
+               [](REALstring format) {
+                   return std::any_of(std::begin(kFileKinds), std::end(kFileKinds),
+                                      [&](const FileKind& kind) { return kind.type == toUtf8(format); });
+               }),
+    };
+    table.constants = {"SaveAsDefault = 0",
+                       "SaveAsPNG = 1",
+                       "SaveAsJPEG = 2",
+                       "SaveAsTIFF = 3",
+                       "SaveAsGIF = 4",
+                       "SaveAsWindowsBMP = 5",
+                       "FormatPNG = \"public.png\"",
+                       "FormatJPEG = \"public.jpeg\"",
+                       "FormatTIFF = \"public.tiff\"",
+                       "FormatGIF = \"com.compuserve.gif\"",
+                       "FormatBMP = \"com.microsoft.bmp\"",
+                       "QualityLow = 25",
+                       "QualityMedium = 50",
+                       "QualityHigh = 75",
+                       "QualityMax = 100",
+                       "QualityDefault = 85"};
     return table;
 }
 

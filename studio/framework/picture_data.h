@@ -4,6 +4,7 @@
 #include "pixels.h"
 
 #include <hostapi/abi.h>
+#include <typeset/text.h>
 
 #include <memory>
 
@@ -23,6 +24,7 @@ struct Picture {
     std::vector<void*> rows;
     std::uint32_t foreColor = 0xFF000000;
     std::int32_t penWidth = 1, penHeight = 1;
+    typeset::Style textStyle;
 };
 
 Picture& pictureOf(REALobject picture);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace studio {
 
@@ -49,121 +50,50 @@ void Pixels::setColor(int x, int y, std::uint32_t color) {
     std::memcpy(at(x, y), Premultiplied(color).argb, 4);
 }
 
-void Pixels::blend(int x, int y, std::uint32_t color) {
-    if (contains(x, y)) over(at(x, y), Premultiplied(color).argb);
-}
-
 void Pixels::fill(std::uint32_t color) { clearRect(0, 0, width, height, color); }
 
-void Pixels::fillRect(int x, int y, int w, int h, std::uint32_t color) {
-    Premultiplied source(color);
-    for (int row = std::max(y, 0); row < std::min(y + h, height); ++row)
-        for (int column = std::max(x, 0); column < std::min(x + w, width); ++column)
-            over(at(column, row), source.argb);
+// ---- drawing ---------------------------------------------------------------------------------------------
+// Places and sizes are any 32-bit numbers, whose sums need 64 bits. What lies outside of the picture is never
+// visited.
+
+namespace {
+
+struct Range {
+    int from, to; // the end is not part of it
+};
+// What of `length` pixels from `start` on lies within 0 to `size`.
+Range visible(std::int64_t start, std::int64_t length, int size) {
+    auto within = [size](std::int64_t v) { return int(std::clamp<std::int64_t>(v, 0, size)); };
+    return {within(start), within(start + length)};
 }
 
-void Pixels::clearRect(int x, int y, int w, int h, std::uint32_t color) {
+} // namespace
+
+void Pixels::fillRect(Place x, Place y, Place w, Place h, std::uint32_t color) {
     Premultiplied source(color);
-    for (int row = std::max(y, 0); row < std::min(y + h, height); ++row)
-        for (int column = std::max(x, 0); column < std::min(x + w, width); ++column)
+    Range rows = visible(y, h, height), columns = visible(x, w, width);
+    for (int row = rows.from; row < rows.to; ++row)
+        for (int column = columns.from; column < columns.to; ++column) over(at(column, row), source.argb);
+}
+
+void Pixels::clearRect(Place x, Place y, Place w, Place h, std::uint32_t color) {
+    Premultiplied source(color);
+    Range rows = visible(y, h, height), columns = visible(x, w, width);
+    for (int row = rows.from; row < rows.to; ++row)
+        for (int column = columns.from; column < columns.to; ++column)
             std::memcpy(at(column, row), source.argb, 4);
 }
 
-// A pixel belongs to the oval when its centre does.
-void Pixels::fillOval(int x, int y, int w, int h, std::uint32_t color) {
-    for (int row = 0; row < h; ++row) {
-        double v = (row + 0.5) / h * 2 - 1;
-        double half = std::sqrt(std::max(0.0, 1 - v * v)) * w / 2;
-        int from = int(std::ceil(w / 2.0 - half - 0.5)), to = int(std::floor(w / 2.0 + half - 0.5));
-        if (to >= from) fillRect(x + from, y + row, to - from + 1, 1, color);
-    }
-}
-
-void Pixels::drawOval(int x, int y, int w, int h, int pen, std::uint32_t color) {
-    auto inside = [&](double column, double row, double inset) {
-        double rx = w / 2.0 - inset, ry = h / 2.0 - inset;
-        if (rx <= 0 || ry <= 0) return false;
-        double u = (column + 0.5 - w / 2.0) / rx, v = (row + 0.5 - h / 2.0) / ry;
-        return u * u + v * v <= 1;
+void Pixels::draw(const Pixels& source, Place x, Place y, Place w, Place h, Place sx, Place sy) {
+    auto both = [](Range a, Range b, std::int64_t shift) {
+        return Range{int(std::max<std::int64_t>(a.from, b.from + shift)),
+                     int(std::min<std::int64_t>(a.to, b.to + shift))};
     };
-    for (int row = 0; row < h; ++row)
-        for (int column = 0; column < w; ++column)
-            if (inside(column, row, 0) && !inside(column, row, pen)) blend(x + column, y + row, color);
-}
-
-void Pixels::drawLine(int x1, int y1, int x2, int y2, int penWidth, int penHeight, std::uint32_t color) {
-    int steps = std::max({std::abs(x2 - x1), std::abs(y2 - y1), 1});
-    if (penWidth == 1 && penHeight == 1 && x1 != x2 && y1 != y2) {
-        for (int i = 0; i <= steps; ++i)
-            blend(x1 + int(std::lround(double(x2 - x1) * i / steps)),
-                  y1 + int(std::lround(double(y2 - y1) * i / steps)), color);
-        return;
-    }
-    if (x1 == x2 || y1 == y2) {
-        fillRect(std::min(x1, x2), std::min(y1, y2), std::abs(x2 - x1) + penWidth,
-                 std::abs(y2 - y1) + penHeight, color);
-        return;
-    }
-    // A thick slanted line: each pixel that the pen touches is drawn only once.
-    Pixels touched;
-    int left = std::min(x1, x2), top = std::min(y1, y2);
-    touched.resize(std::abs(x2 - x1) + penWidth, std::abs(y2 - y1) + penHeight);
-    for (int i = 0; i <= steps; ++i)
-        touched.clearRect(int(std::lround(double(x2 - x1) * i / steps)) + x1 - left,
-                          int(std::lround(double(y2 - y1) * i / steps)) + y1 - top, penWidth, penHeight,
-                          color);
-    draw(touched, left, top, touched.width, touched.height, 0, 0, touched.width, touched.height);
-}
-
-void Pixels::draw(const Pixels& source, int x, int y, int w, int h, int sx, int sy, int sw, int sh) {
-    if (w < 1 || h < 1 || sw < 1 || sh < 1) return;
-    struct Span {
-        int first, last;
-        double firstWeight, lastWeight;
-    };
-    // The source pixels that a target pixel covers, at least one whole pixel wide.
-    auto span = [](int index, int target, int origin, int length) {
-        double scale = double(length) / target, width = std::max(scale, 1.0);
-        double middle = origin + (index + 0.5) * scale;
-        double low = std::clamp(middle - width / 2, double(origin), double(origin + length) - width * 0.5);
-        double high = std::min(low + width, double(origin + length));
-        Span result{int(std::floor(low)), int(std::ceil(high)) - 1, 1, 1};
-        result.last = std::max(result.last, result.first);
-        if (result.first == result.last) {
-            result.firstWeight = result.lastWeight = high - low;
-        } else {
-            result.firstWeight = result.first + 1 - low;
-            result.lastWeight = high - result.last;
-        }
-        return result;
-    };
-    bool plain = w == sw && h == sh;
-    for (int row = std::max(0, -y); row < std::min(h, height - y); ++row) {
-        Span rows = span(row, h, sy, sh);
-        for (int column = std::max(0, -x); column < std::min(w, width - x); ++column) {
-            if (plain) {
-                if (source.contains(sx + column, sy + row))
-                    over(at(x + column, y + row), source.at(sx + column, sy + row));
-                continue;
-            }
-            Span columns = span(column, w, sx, sw);
-            double sum[4] = {}, total = 0;
-            for (int v = rows.first; v <= rows.last; ++v) {
-                double rowWeight = v == rows.first ? rows.firstWeight : v == rows.last ? rows.lastWeight : 1;
-                for (int u = columns.first; u <= columns.last; ++u) {
-                    double weight = rowWeight * (u == columns.first  ? columns.firstWeight
-                                                 : u == columns.last ? columns.lastWeight
-                                                                     : 1);
-                    total += weight;
-                    if (!source.contains(u, v)) continue;
-                    for (int i = 0; i < 4; ++i) sum[i] += weight * source.at(u, v)[i];
-                }
-            }
-            std::uint8_t pixel[4];
-            for (int i = 0; i < 4; ++i) pixel[i] = std::uint8_t(total > 0 ? sum[i] / total + 0.5 : 0);
-            over(at(x + column, y + row), pixel);
-        }
-    }
+    Range rows = both(visible(y, h, height), visible(sy, h, source.height), y - sy);
+    Range columns = both(visible(x, w, width), visible(sx, w, source.width), x - sx);
+    for (int row = rows.from; row < rows.to; ++row)
+        for (int column = columns.from; column < columns.to; ++column)
+            over(at(column, row), source.at(int(column - x + sx), int(row - y + sy)));
 }
 
 void Pixels::applyMask(const Pixels& mask) {

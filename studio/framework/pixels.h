@@ -1,4 +1,5 @@
-// A rectangle of pixels and drawing into it: 4 bytes a pixel, alpha first, premultiplied; the top row first.
+// A rectangle of pixels, and what fills or copies whole pixels of it: 4 bytes a pixel, alpha first,
+// premultiplied; the top row first.
 #pragma once
 
 #include <cstdint>
@@ -20,15 +21,14 @@ struct Pixels {
     // Colours are the language's: 0xAARRGGBB, not premultiplied.
     std::uint32_t color(int x, int y) const;
     void setColor(int x, int y, std::uint32_t color); // replaces
-    void blend(int x, int y, std::uint32_t color);    // draws over; ignores pixels outside
     void fill(std::uint32_t color);
-    void fillRect(int x, int y, int w, int h, std::uint32_t color);
-    void clearRect(int x, int y, int w, int h, std::uint32_t color); // replaces
-    void fillOval(int x, int y, int w, int h, std::uint32_t color);
-    void drawOval(int x, int y, int w, int h, int pen, std::uint32_t color);
-    void drawLine(int x1, int y1, int x2, int y2, int penWidth, int penHeight, std::uint32_t color);
-    // Scales by averaging the source pixels that fall on a pixel, so smaller copies are smooth.
-    void draw(const Pixels& source, int x, int y, int w, int h, int sx, int sy, int sw, int sh);
+
+    // Drawing takes any 32-bit places and sizes, and time for what is visible.
+    using Place = std::int64_t;
+    void fillRect(Place x, Place y, Place w, Place h, std::uint32_t color);
+    void clearRect(Place x, Place y, Place w, Place h, std::uint32_t color); // replaces
+    void draw(const Pixels& source, Place x, Place y, Place w, Place h, Place sx,
+              Place sy); // as large as it is
     // Multiplies by what the mask lets through: black everything, white nothing.
     void applyMask(const Pixels& mask);
 };

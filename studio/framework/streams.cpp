@@ -1,8 +1,10 @@
 // TextInputStream and TextOutputStream.
+#include "encodings.h"
 #include "files.h"
 #include "framework/folderitem.h"
 #include "table.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -14,38 +16,47 @@ namespace {
 struct InputStream {
     std::string text;
     std::size_t at = 0;
+    std::uint32_t encoding = kREALTextEncodingUTF8; // of what is read
 };
 InputStream& input(REALobject self) { return dataOf<InputStream>(self); }
 
 struct OutputStream {
     std::FILE* file = nullptr;
+    std::string delimiter = "\n"; // at the end of each line
 };
 
-void close(REALobject self) {
-    if (std::FILE* file = std::exchange(dataOf<OutputStream>(self).file, nullptr)) std::fclose(file);
+[[noreturn]] void cannotWrite() {
+    raise("IOException", std::string("cannot write: ") + std::strerror(errno));
+}
+
+bool closed(REALobject self) {
+    std::FILE* file = std::exchange(dataOf<OutputStream>(self).file, nullptr);
+    return !file || std::fclose(file) == 0;
 }
 
 void put(REALobject self, REALstring text, bool line) {
     std::FILE* file = dataOf<OutputStream>(self).file;
     if (!file) raise("IOException", "the stream is closed");
-    std::string utf8 = toUtf8(text) + (line ? "\n" : "");
-    if (std::fwrite(utf8.data(), 1, utf8.size(), file) != utf8.size()) raise("IOException", "cannot write");
+    std::string utf8 = toUtf8(text) + (line ? dataOf<OutputStream>(self).delimiter : "");
+    if (std::fwrite(utf8.data(), 1, utf8.size(), file) != utf8.size()) cannotWrite();
 }
 
-REALobject openForWriting(REALobject item, const char* mode) {
+REALobject openForWriting(REALobject item, bool append) {
     if (!item) raise("NilObjectException", "file is nil");
-    std::string path = folderItemPath(item);
-    std::FILE* file = std::fopen(path.c_str(), mode);
-    if (!file) files::cannotWrite(path);
-    REALobject result = newInstance("TextOutputStream");
-    dataOf<OutputStream>(result).file = file;
-    return result;
+    ObjectRef result(newInstance("TextOutputStream"));
+    dataOf<OutputStream>(result).file = files::openForWriting(folderItemPath(item), append);
+    return result.release();
 }
 
 FrameworkClass textInputStreamClass() {
     FrameworkClass table = classWithData<InputStream>("TextInputStream");
-    table.properties = {property("EOF", "Boolean",
-                                 [](REALobject self) { return input(self).at >= input(self).text.size(); })};
+    table.properties = {
+        property("EOF", "Boolean", [](REALobject self) { return input(self).at >= input(self).text.size(); }),
+        property(
+            "Encoding", "TextEncoding", [](REALobject self) { return newTextEncoding(input(self).encoding); },
+            [](REALobject self, std::uint32_t, REALobject encoding) {
+                input(self).encoding = textEncodingCode(encoding);
+            })};
     table.methods = {
         method("ReadLine As String",
                [](REALobject self) {
@@ -54,14 +65,21 @@ FrameworkClass textInputStreamClass() {
                    std::string line = in.text.substr(in.at, end == std::string::npos ? end : end - in.at);
                    in.at = end == std::string::npos ? in.text.size() : end + 1;
                    if (!line.empty() && line.back() == '\r') line.pop_back();
-                   return makeString(line);
+                   return heap().newString(line, in.encoding);
                }),
         method("ReadAll As String",
                [](REALobject self) {
                    InputStream& in = input(self);
-                   REALstring result = makeString(std::string_view(in.text).substr(in.at));
+                   REALstring result = heap().newString(std::string_view(in.text).substr(in.at), in.encoding);
                    in.at = in.text.size();
                    return result;
+               }),
+        method("Read(count As Integer, encoding As TextEncoding = Nil) As String",
+               [](REALobject self, std::int32_t count, REALobject encoding) {
+                   InputStream& in = input(self);
+                   std::string bytes = in.text.substr(in.at, std::size_t(std::max(count, 0)));
+                   in.at += bytes.size();
+                   return heap().newString(bytes, encoding ? textEncodingCode(encoding) : in.encoding);
                }),
         method("Close", [](REALobject self) { input(self) = {}; }),
     };
@@ -80,18 +98,34 @@ FrameworkClass textInputStreamClass() {
 
 FrameworkClass textOutputStreamClass() {
     FrameworkClass table = classWithData<OutputStream>("TextOutputStream");
-    table.destructor = close;
+    table.destructor = +[](REALobject self) {
+        closed(self);
+        dataOf<OutputStream>(self).~OutputStream();
+    };
+    table.properties = {property(
+        "Delimiter", "String",
+        [](REALobject self) { return makeString(dataOf<OutputStream>(self).delimiter); },
+        [](REALobject self, std::uint32_t, REALstring text) {
+            dataOf<OutputStream>(self).delimiter = toUtf8(text);
+        })};
     table.methods = {
+        method("Flush",
+               [](REALobject self) {
+                   if (std::FILE* file = dataOf<OutputStream>(self).file) std::fflush(file);
+               }),
         method("Write(text As String)", [](REALobject self, REALstring text) { put(self, text, false); }),
         method("WriteLine(text As String = \"\")",
                [](REALobject self, REALstring text) { put(self, text, true); }),
-        method("Close", close),
+        method("Close",
+               [](REALobject self) {
+                   if (!closed(self)) cannotWrite();
+               }),
     };
     table.sharedMethods = {
         method("Create(file As FolderItem) As TextOutputStream",
-               [](REALobject item) { return openForWriting(item, "wb"); }),
+               [](REALobject item) { return openForWriting(item, false); }),
         method("Append(file As FolderItem) As TextOutputStream",
-               [](REALobject item) { return openForWriting(item, "ab"); }),
+               [](REALobject item) { return openForWriting(item, true); }),
     };
     return table;
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 namespace studio {
@@ -74,6 +75,55 @@ std::vector<string> fields(const string& s, const string& separator) {
     }
     result.push_back(s.substr(text::byteOffset(s, from)));
     return result;
+}
+
+// By bytes, so that case matters.
+std::int32_t placeB(std::int32_t start, string_view s, string_view part) {
+    std::size_t found = s.find(part, std::size_t(std::max(start, 1) - 1));
+    return found == string_view::npos ? 0 : count(found) + 1;
+}
+
+std::vector<string_view> fieldsB(string_view s, string_view separator) {
+    std::vector<string_view> result;
+    while (!s.empty() || !result.empty()) {
+        std::size_t length = separator.empty() ? std::min<std::size_t>(1, s.size()) : s.find(separator);
+        result.push_back(s.substr(0, length));
+        if (length == string_view::npos || (separator.empty() && length >= s.size())) break;
+        s.remove_prefix(length + separator.size());
+    }
+    return result;
+}
+
+string replacedB(string_view s, string_view what, string_view with, bool all) {
+    string result;
+    while (!what.empty()) {
+        std::size_t found = s.find(what);
+        if (found == string_view::npos) break;
+        result.append(s.substr(0, found)).append(with);
+        s.remove_prefix(found + what.size());
+        if (!all) break;
+    }
+    return result.append(s);
+}
+
+REALstring joined(REALobject parts, REALstring separator) {
+    if (!parts) raise("NilObjectException", "the array to join is nil");
+    string result;
+    for (std::int32_t i = 0; i < arrayOf(parts).count; ++i) {
+        StringRef part(arrayGet(arrayOf(parts), i).string);
+        result += (i ? toUtf8(separator) : "") + toUtf8(part);
+    }
+    return makeString(result);
+}
+
+// A whole number or a real one, and nothing else but blanks.
+bool isNumeric(const string& s) {
+    string_view trimmedText = trimmed(s, true, true);
+    if (trimmedText.find_first_not_of("+-.0123456789eE") != string_view::npos) return false;
+    string text(trimmedText);
+    char* end = nullptr;
+    std::strtod(text.c_str(), &end);
+    return !text.empty() && *end == '\0';
 }
 
 string titlecase(const string& s) {
@@ -188,6 +238,43 @@ FrameworkFunctions stringFunctions() {
                [](REALstring s, REALstring find, REALstring with) {
                    return makeString(replaced(toUtf8(s), toUtf8(find), toUtf8(with), true));
                }),
+        method("InStrB(s As String, find As String) As Integer",
+               [](REALstring s, REALstring part) { return placeB(1, bytesOf(s), bytesOf(part)); }),
+        method("InStrB(start As Integer, s As String, find As String) As Integer",
+               [](std::int32_t start, REALstring s, REALstring part) {
+                   return placeB(start, bytesOf(s), bytesOf(part));
+               }),
+        method("ReplaceB(s As String, find As String, replacement As String) As String",
+               [](REALstring s, REALstring find, REALstring with) {
+                   return sameEncoding(s, replacedB(bytesOf(s), bytesOf(find), bytesOf(with), false));
+               }),
+        method("ReplaceAllB(s As String, find As String, replacement As String) As String",
+               [](REALstring s, REALstring find, REALstring with) {
+                   return sameEncoding(s, replacedB(bytesOf(s), bytesOf(find), bytesOf(with), true));
+               }),
+        method("RightB(s As String, count As Integer) As String",
+               [](REALstring s, std::int32_t n) {
+                   string_view bytes = bytesOf(s);
+                   std::size_t wanted = std::min(std::size_t(std::max(n, 0)), bytes.size());
+                   return sameEncoding(s, bytes.substr(bytes.size() - wanted));
+               }),
+        method("NthFieldB(s As String, separator As String, index As Integer) As String",
+               [](REALstring s, REALstring separator, std::int32_t index) -> REALstring {
+                   std::vector<string_view> all = fieldsB(bytesOf(s), bytesOf(separator));
+                   if (index < 1 || std::size_t(index) > all.size()) return nullptr;
+                   return sameEncoding(s, all[std::size_t(index) - 1]);
+               }),
+        method("CountFieldsB(s As String, separator As String) As Integer",
+               [](REALstring s, REALstring separator) {
+                   return count(fieldsB(bytesOf(s), bytesOf(separator)).size());
+               }),
+        method("SplitB(s As String, separator As String = \" \") As String()",
+               [](REALstring s, REALstring separator) {
+                   REALobject result = newArray(simpleType(Kind::String));
+                   for (string_view field : fieldsB(bytesOf(s), bytesOf(separator)))
+                       arrayAppend(arrayOf(result), Bits::of(sameEncoding(s, field)));
+                   return result;
+               }),
         method("Trim(s As String) As String",
                [](REALstring s) { return makeString(trimmed(toUtf8(s), true, true)); }),
         method("LTrim(s As String) As String",
@@ -223,16 +310,8 @@ FrameworkFunctions stringFunctions() {
                        arrayAppend(arrayOf(result), Bits::of(makeString(field)));
                    return result;
                }),
-        method("Join(parts() As String, separator As String = \" \") As String",
-               [](REALobject parts, REALstring separator) {
-                   if (!parts) raise("NilObjectException", "the array to join is nil");
-                   string result;
-                   for (std::int32_t i = 0; i < arrayOf(parts).count; ++i) {
-                       StringRef part(arrayGet(arrayOf(parts), i).string);
-                       result += (i ? toUtf8(separator) : "") + toUtf8(part);
-                   }
-                   return makeString(result);
-               }),
+        method("Join(parts() As String, separator As String = \" \") As String", joined),
+        method("JoinB(parts() As String, separator As String = \" \") As String", joined),
 
         method("Str(value As Variant) As String",
                [](REALobject value) { return makeString(display(value)); }),
@@ -244,6 +323,16 @@ FrameworkFunctions stringFunctions() {
                [](REALobject value) { return makeString(display(value)); }),
         method("Val(s As String) As Double", [](REALstring s) { return parseNumber(toUtf8(s)); }),
         method("CDbl(s As String) As Double", [](REALstring s) { return parseNumber(toUtf8(s)); }),
+        method("CLong(s As String) As Int64",
+               [](REALstring s) { return std::int64_t(parseNumber(toUtf8(s))); }),
+        method("IsNumeric(value As Variant) As Boolean",
+               [](REALobject value) {
+                   std::int32_t type = variantType(value);
+                   if (type != kREALVariantString)
+                       return type >= kREALVariantInt32 && type <= kREALVariantCurrency;
+                   StringRef text(unboxVariant(value, simpleType(Kind::String)).string);
+                   return isNumeric(toUtf8(text));
+               }),
         method("Chr(code As Integer) As String",
                [](std::int32_t code) {
                    string result;
@@ -272,31 +361,21 @@ FrameworkFunctions stringFunctions() {
         method("Bin(value As Integer) As String",
                [](std::int32_t value) { return makeString(inBase(std::uint32_t(value), 2)); }),
         method("EndOfLine As String", [] { return makeString("\n"); }),
-
-        method("Encoding(s As String) As Integer", [](REALstring s) { return std::int32_t(encodingOf(s)); }),
-        method("DefineEncoding(s As String, encoding As Integer) As String",
-               [](REALstring s, std::int32_t encoding) {
-                   return heap().newString(bytesOf(s), std::uint32_t(encoding));
-               }),
-        method("ConvertEncoding(s As String, encoding As Integer) As String",
-               [](REALstring s, std::int32_t encoding) {
-                   auto bytes = text::fromUtf8(toUtf8(s), std::uint32_t(encoding));
-                   if (!bytes)
-                       raise("InvalidArgumentException", "this text cannot be expressed in that encoding");
-                   return heap().newString(*bytes, std::uint32_t(encoding));
-               }),
     };
 }
 
-FrameworkClass encodingsClass() {
+FrameworkClass endOfLineClass() {
     FrameworkClass table;
-    table.name = "Encodings";
-    table.constants = {"UTF8 = &h08000100", "UTF16 = &h0100",     "ASCII = &h0600",
-                       "MacRoman = 0",      "ISOLatin1 = &h0201", "Unknown = &hFFFF"};
+    table.name = "EndOfLine";
+    table.sharedMethods = {
+        method("UNIX As String", [] { return makeString("\n"); }),
+        method("Macintosh As String", [] { return makeString("\r"); }),
+        method("Windows As String", [] { return makeString("\r\n"); }),
+    };
     return table;
 }
 
-const Registrar registrar([] { return FrameworkPart{{encodingsClass()}, stringFunctions()}; });
+const Registrar registrar([] { return FrameworkPart{{endOfLineClass()}, stringFunctions()}; });
 
 } // namespace
 

@@ -95,6 +95,7 @@ void define(ClassTable& classes, const FrameworkClass& table) {
     cls.toString = table.toString;
     cls.setHandler = table.setHandler;
     if (table.atYield) runtime().yieldHooks.push_back(table.atYield);
+    if (table.atEnd) runtime().endHooks.push_back(table.atEnd);
 }
 
 // Defines the class, but first its superclass if that is still among the tables.

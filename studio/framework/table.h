@@ -105,8 +105,9 @@ struct FrameworkClass {
     std::int32_t variantType = kREALVariantObject;
     REALobject (*fromString)(REALstring) = nullptr;
     REALstring (*toString)(REALobject) = nullptr;
-    void (*setHandler)(REALobject, std::string_view event, const Method* handler) = nullptr;
+    void (*setHandler)(REALobject, std::string_view event, REALobject handler) = nullptr;
     void (*atYield)() = nullptr; // runs whenever the program yields
+    void (*atEnd)() = nullptr;   // runs when a program is over
 };
 
 // The C++ data of a framework class, right behind the header: such a class inherits from Object only.

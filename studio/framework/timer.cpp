@@ -1,6 +1,7 @@
 // Timer: fires its Action whenever the program yields and it is due.
 #include "clock.h"
 #include "runtime/calls.h"
+#include "runtime/delegates.h"
 #include "table.h"
 
 #include <algorithm>
@@ -12,8 +13,8 @@ namespace {
 struct Timer {
     std::int32_t period = 1000;
     std::int32_t mode = 0;
-    double due = 0; // microseconds
-    const Method* handler = nullptr;
+    double due = 0;               // microseconds
+    REALobject handler = nullptr; // a delegate
 };
 
 enum { kOff = 0, kSingle = 1, kMultiple = 2 };
@@ -28,9 +29,9 @@ void fire(REALobject self) {
             invoke(*m, self, nullptr);
             return;
         }
-    if (const Method* handler = timer(self).handler) {
+    if (ObjectRef handler(Heap::retain(timer(self).handler)); handler) {
         Bits sender = Bits::of(self);
-        invoke(*handler, nullptr, &sender);
+        invokeDelegate(handler, &sender);
     }
 }
 
@@ -58,7 +59,10 @@ FrameworkClass timerClass() {
         new (instanceData(self)) Timer();
         timers.push_back(self);
     };
-    table.destructor = +[](REALobject self) { std::erase(timers, self); };
+    table.destructor = +[](REALobject self) {
+        std::erase(timers, self);
+        heap().release(std::exchange(timer(self).handler, nullptr));
+    };
     table.properties = {
         property(
             "Period", "Integer", [](REALobject self) { return timer(self).period; },
@@ -82,8 +86,8 @@ FrameworkClass timerClass() {
     table.methods = {method("Reset", restart)};
     table.constants = {"ModeOff = 0", "ModeSingle = 1", "ModeMultiple = 2"};
     table.events = {"Action"};
-    table.setHandler = [](REALobject self, std::string_view, const Method* handler) {
-        timer(self).handler = handler;
+    table.setHandler = [](REALobject self, std::string_view, REALobject handler) {
+        heap().release(std::exchange(timer(self).handler, Heap::retain(handler)));
     };
     table.atYield = fireDue;
     return table;

@@ -39,6 +39,7 @@ struct Host::Impl {
 Host::Host(HostOptions options) : impl_(std::make_unique<Impl>(std::move(options))) {
     theHost = this;
     defineFramework(impl_->runtime.classes);
+    prepareForNoMemory();
 }
 
 Host::~Host() {
@@ -119,9 +120,17 @@ Class& classNamed(std::string_view name) {
 class Arguments {
   public:
     Arguments(const Signature& signature, const std::vector<Value>& given) {
+        types_.reserve(signature.parameters.size()); // so that add() keeps what it is given
+        bits_.reserve(signature.parameters.size());
         for (std::size_t i = 0; i < signature.parameters.size(); ++i) {
             const Parameter& p = signature.parameters[i];
-            if (i < given.size())
+            if (p.paramArray && (given.size() != i + 1 || given[i].type() != p.type)) {
+                ObjectRef rest(newArray(p.type->element));
+                for (std::size_t k = i; k < given.size(); ++k)
+                    arrayAppend(arrayOf(rest), convert(given[k].type(), p.type->element,
+                                                       retain(given[k].type(), given[k].bits())));
+                add(p.type, Bits::of(rest.release()));
+            } else if (i < given.size())
                 add(p.type, convert(given[i].type(), p.type, retain(given[i].type(), given[i].bits())));
             else if (p.defaultValue && p.defaultValue->type->kind == Kind::String)
                 add(p.type,

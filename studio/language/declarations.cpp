@@ -5,9 +5,13 @@
 #include "syntax/ast.h"
 #include "syntax/names.h"
 #include "syntax/parser.h"
+#include "targets.h"
 
 #include <algorithm>
 #include <cstring>
+#include <fstream>
+#include <sstream>
+#include <tuple>
 
 namespace studio {
 
@@ -19,10 +23,39 @@ Local* Compiler::findVariable(std::string_view name) {
         if (auto found = scope->names.find(key); found != scope->names.end()) return &found->second;
     // A class's own members come before globals.
     if (hasSelf_ && (findField(owner_, name) || owner_->property(name))) return nullptr;
+    if (owner_)
+        if (Local* shared = findShared(owner_, name)) return shared;
     auto found = globals_.find(key);
-    if (found == globals_.end()) return nullptr;
+    if (found == globals_.end()) {
+        for (const Class* module : modules_)
+            if (Local* shared = findShared(module, name)) return shared;
+        return nullptr;
+    }
     if (!found->second.declaredYet && routine_ == &program_.main) return nullptr;
     return &found->second;
+}
+
+Local* Compiler::findShared(const Class* cls, std::string_view name) {
+    for (const Class* c = cls; c; c = c->superclass)
+        if (auto found = shared_.find(c); found != shared_.end())
+            if (auto entry = found->second.find(folded(name)); entry != found->second.end())
+                return &entry->second;
+    return nullptr;
+}
+
+std::vector<const Method*> Compiler::functionsNamed(std::string_view name) const {
+    std::vector<const Method*> result = classes().functionsNamed(name);
+    for (const Class* module : modules_) {
+        std::vector<const Method*> own = module->sharedMethodsNamed(name);
+        result.insert(result.end(), own.begin(), own.end());
+    }
+    return result;
+}
+
+const Constant* Compiler::moduleConstant(std::string_view name) const {
+    for (const Class* module : modules_)
+        if (const Constant* constant = module->constant(name)) return constant;
+    return nullptr;
 }
 
 const Compiler::Field* Compiler::findField(const Class* cls, std::string_view name) const {
@@ -34,6 +67,8 @@ const Compiler::Field* Compiler::findField(const Class* cls, std::string_view na
 }
 
 Class* Compiler::findClass(const ast::Expr& e) const {
+    if (e.kind == ast::ExprKind::Member && e.a->kind == ast::ExprKind::Name && findClass(*e.a))
+        return classes().find(e.a->text + "." + e.text); // Module.Class
     if (e.kind != ast::ExprKind::Name || const_cast<Compiler*>(this)->findVariable(e.text)) return nullptr;
     if (hasSelf_ && (findField(owner_, e.text) || owner_->property(e.text))) return nullptr;
     return classes().find(e.text);
@@ -66,7 +101,7 @@ std::vector<std::string> Compiler::namesInScope() const {
     std::vector<std::string> result;
     for (const Scope& scope : scopes_)
         for (auto& [name, local] : scope.names) result.push_back(name);
-    for (const Global& global : program_.globals) result.push_back(global.name);
+    for (const auto& [name, local] : globals_) result.push_back(name);
     for (auto& function : classes().functions()) result.push_back(function->signature.name);
     for (const Class* cls : classes().definitionOrder()) result.push_back(cls->name);
     if (owner_)
@@ -82,6 +117,8 @@ std::vector<std::string> Compiler::membersOf(const Type* type) const {
         for (auto& m : c->methods) result.push_back(m->signature.name);
         if (auto found = fields_.find(c); found != fields_.end())
             for (const Field& field : found->second) result.push_back(field.name);
+        if (auto found = shared_.find(c); found != shared_.end())
+            for (auto& [name, local] : found->second) result.push_back(name);
     }
     if (type->kind == Kind::String || type->kind == Kind::Color)
         for (auto& function : classes().functions())
@@ -92,6 +129,9 @@ std::vector<std::string> Compiler::membersOf(const Type* type) const {
 
 const Type* Compiler::resolveType(const ast::TypeName& name) {
     const Type* type = classes().typeNamed(name);
+    if (name.rank > kMostDimensions)
+        throw SourceError(name.position,
+                          "an array has at most " + std::to_string(kMostDimensions) + " dimensions");
     const Type* inner = type->kind == Kind::Array ? type->element : type;
     if (inner->kind == Kind::Object && !inner->cls->isDefined()) {
         std::vector<std::string> known = {"Integer", "Int64",  "Single", "Double",
@@ -131,14 +171,14 @@ void Compiler::declareClasses() {
                 continue;
             }
             at = waiting.erase(at);
+            if (!nameIsFree(source.name, source.position)) continue;
             Class* cls = classes().named(source.name);
-            if (cls->isDefined() || simpleTypeNamed(source.name)) {
-                errors_.emplace_back(source.position, "there is already a class '" + source.name + "'");
-                continue;
-            }
-            std::int32_t size = std::int32_t(source.properties.size() * sizeof(Bits));
-            classes().define(*cls, Origin::Program, superclass, size);
+            std::size_t words = source.properties.size() + source.events.size();
+            classes().define(*cls, Origin::Program, superclass, std::int32_t(words * sizeof(Bits)));
             cls->name = source.name;
+            cls->isInterface = source.kind == ast::ClassKind::Interface;
+            if (source.kind == ast::ClassKind::Module) modules_.push_back(cls);
+            if (!source.outer.empty()) classes().alias(source.outer + "." + source.name, cls->type);
             defined.emplace_back(&source, cls);
         }
         if (waiting.size() == before) {
@@ -148,7 +188,30 @@ void Compiler::declareClasses() {
             break;
         }
     }
-    for (auto& [source, cls] : defined) declareMembers(*source, *cls);
+    auto each = [&](auto body) {
+        for (auto& [source, cls] : defined) try {
+                body(*source, *cls);
+            } catch (const SourceError& error) {
+                errors_.push_back(error);
+            }
+    };
+    for (const ast::Delegate& source : source_.delegates) try {
+            defineDelegate(source);
+        } catch (const SourceError& error) {
+            errors_.push_back(error);
+        }
+    each([&](const ast::ClassDeclaration& source, Class& cls) {
+        for (const ast::TypeName& name : source.interfaces) {
+            const Type* type = resolveType(name);
+            if (type->kind != Kind::Object || !type->cls->isInterface)
+                throw SourceError(name.position, "expected an interface, found " + type->name);
+            cls.interfaces.push_back(type->cls);
+        }
+    });
+    each([&](const ast::ClassDeclaration& source, Class& cls) { declareMembers(source, cls); });
+    each([&](const ast::ClassDeclaration& source, Class& cls) { declareMethods(source, cls); });
+    each([&](const ast::ClassDeclaration& source, Class& cls) { checkInterfaces(source, cls); });
+    owner_ = nullptr;
 }
 
 void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
@@ -160,29 +223,42 @@ void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
             errors_.push_back(error);
         }
     };
+    owner_ = &cls; // its constants and shared properties have names
+    hasSelf_ = false;
+    for (const ast::Variable& v : source.constants)
+        guarded(v.name, [&] {
+            Local constant = constantOf(v);
+            cls.constants.push_back({v.name, v.name, *constant.constant});
+        });
     std::vector<Field>& fields = fields_[&cls];
     std::vector<std::pair<Field, Code>> initials;
     for (const ast::Variable& v : source.properties)
         guarded(v.name, [&] {
+            if (findField(&cls, v.name) || shared_[&cls].contains(folded(v.name)))
+                throw SourceError(v.position, "there is already a property '" + v.name + "'");
+            if (v.shared) return declareShared(v, cls);
             Field field{v.name, resolveType(v.type),
                         cls.dataOffset + std::int32_t(fields.size() * sizeof(Bits))};
-            if (findField(&cls, v.name))
-                throw SourceError(v.position, "there is already a property '" + v.name + "'");
-            fields.push_back(field);
-            if (v.initial) {
-                initials.emplace_back(field, valueAs(*v.initial, field.type, "'" + v.name + "'").code);
-            } else if (field.type->kind == Kind::Array) {
-                std::int32_t count = 0;
-                if (v.bound) {
-                    Operand bound = valueAs(*v.bound, simpleType(Kind::Int32), "the upper bound");
-                    if (!bound.constant) throw SourceError(v.position, "expected a literal upper bound");
-                    count = bound.constant->bits.i32 + 1;
-                }
-                initials.emplace_back(field, [element = field.type->element, count](Frame&) {
-                    return Bits::of(newArray(element, count));
-                });
+            if (v.length) {
+                if (source.kind != ast::ClassKind::Structure || field.type->kind != Kind::String)
+                    throw SourceError(v.length->position, "only a Structure's String has a fixed length");
+                Operand length = valueAs(*v.length, simpleType(Kind::Int32), "the length");
+                if (!length.constant || length.constant->bits.i32 < 0)
+                    throw SourceError(v.length->position, "expected a constant length");
+                field.length = length.constant->bits.i32;
             }
+            fields.push_back(field);
+            for (const ast::ExprPtr& e : v.bounds)
+                if (!valueAs(*e, simpleType(Kind::Int32), "the upper bound").constant)
+                    throw SourceError(e->position, "expected a constant upper bound");
+            Code initial = v.initial ? valueAs(*v.initial, field.type, "'" + v.name + "'").code
+                                     : emptyValue(v, field.type);
+            if (initial) initials.emplace_back(field, std::move(initial));
         });
+    std::int32_t handlers = cls.dataOffset + std::int32_t(source.properties.size() * sizeof(Bits));
+    for (std::size_t i = 0; i < source.events.size(); ++i)
+        guarded(source.events[i].name,
+                [&] { defineEvent(source.events[i], cls, handlers + std::int32_t(i * sizeof(Bits))); });
     cls.initialize = [initials = std::move(initials), slots = slotCount_,
                       program = &program_](REALobject self) {
         Program::Statement statement(*program);
@@ -193,17 +269,22 @@ void Compiler::declareMembers(const ast::ClassDeclaration& source, Class& cls) {
             dataAt<Bits>(self, field.offset) = bits;
         }
     };
-    cls.finalize = [fields](REALobject self) {
+    cls.finalize = [fields, events = events_[&cls]](REALobject self) {
         for (const Field& field : fields)
             release(field.type, std::exchange(dataAt<Bits>(self, field.offset), Bits()));
+        for (const Event& event : events)
+            heap().release(std::exchange(dataAt<Bits>(self, event.handler), Bits()).object);
     };
-    for (const ast::Variable& v : source.constants)
-        guarded(v.name, [&] {
-            Local constant = constantOf(v);
-            cls.constants.push_back({v.name, v.name, *constant.constant});
-        });
-    for (const ast::Routine& method : source.methods)
-        guarded(method.signature.name, [&] { declareRoutine(method, &cls); });
+    if (source.kind == ast::ClassKind::Structure) guarded(source.name, [&] { defineStructure(source, cls); });
+}
+
+void Compiler::declareMethods(const ast::ClassDeclaration& source, Class& cls) {
+    for (const ast::Routine& method : source.methods) try {
+            declareRoutine(method, &cls);
+        } catch (const SourceError& error) {
+            spoilt_.insert(folded(method.signature.name));
+            errors_.push_back(error);
+        }
 }
 
 // ---- routines --------------------------------------------------------------------------------------------
@@ -231,6 +312,20 @@ void Compiler::declareRoutine(const ast::Routine& source, Class* owner) {
             throw SourceError(source.signature.position,
                               "there is already a '" + source.signature.name + "' with these parameters");
     }
+    if (owner)
+        if (const Event* event = findEvent(owner->superclass, source.signature.name)) {
+            Signature expected = event->raise->signature;
+            expected.name = method->signature.name;
+            if (!sameSignature(expected, method->signature))
+                throw SourceError(source.signature.position, method->fullName() + " handles the event " +
+                                                                 event->raise->signature.text() +
+                                                                 "; expected its parameters and result");
+        }
+    // Where a class of the framework has an event and a method of one name, this handles the event.
+    for (const Class* c = owner ? owner->superclass : nullptr; c; c = c->superclass)
+        if (c->origin == Origin::Framework && !c->methodsNamed(source.signature.name).empty())
+            for (const std::string& event : c->events)
+                if (sameName(event, source.signature.name)) method->signature.name = "event " + event;
     program_.routines.emplace_back();
     Routine& routine = program_.routines.back();
     routine.method = method.get();
@@ -247,25 +342,54 @@ void Compiler::declareRoutine(const ast::Routine& source, Class* owner) {
         (method->shared ? owner->sharedMethods : owner->methods).push_back(std::move(method));
 }
 
-void Compiler::declareGlobals() {
-    auto add = [&](const std::string& name, Position position, const Local& local) {
-        if (!globals_.try_emplace(folded(name), local).second)
-            errors_.emplace_back(position, "there is already a variable '" + name + "'");
-    };
-    auto addVariable = [&](const std::string& name, Position position, const Type* type, bool declaredYet) {
-        program_.globals.push_back({name, type, Bits()});
+void Compiler::addGlobal(const std::string& name, Position position, const Local& local) {
+    auto [entry, fresh] = globals_.try_emplace(folded(name), local);
+    if (!fresh) errors_.emplace_back(position, "there is already a variable '" + name + "'");
+}
+
+void Compiler::addGlobalVariable(const std::string& name, Position position, const Type* type,
+                                 bool declaredYet) {
+    program_.globals.push_back({name, type, Bits()});
+    Local local;
+    local.type = type;
+    local.address = &program_.globals.back().bits;
+    local.declaredYet = declaredYet;
+    addGlobal(name, position, local);
+}
+
+// The target's, and those of the program's main level: classes may use them.
+void Compiler::declareGlobalConstants() {
+    addGlobalVariable("Args", {}, classes().arrayOf(simpleType(Kind::String)), true);
+    for (const auto& [name, value] : targetConstants()) {
+        Literal constant{simpleType(Kind::Boolean), Bits(), {}};
+        if (const double* number = std::get_if<double>(&value)) {
+            constant.type = simpleType(Kind::Double);
+            constant.bits = Bits::of(*number);
+        } else {
+            constant.bits = Bits::of(std::get<bool>(value));
+        }
         Local local;
-        local.type = type;
-        local.address = &program_.globals.back().bits;
-        local.declaredYet = declaredYet;
-        add(name, position, local);
-    };
-    addVariable("Args", {}, classes().arrayOf(simpleType(Kind::String)), true);
+        local.type = constant.type;
+        local.constant = constant;
+        globals_.emplace(name, local);
+    }
+    for (const ast::StatementPtr& s : source_.statements) {
+        if (s->kind != ast::StatementKind::Const) continue;
+        const ast::Variable& v = s->variables[0];
+        try {
+            addGlobal(v.name, v.position, constantOf(v));
+        } catch (const SourceError& error) {
+            spoilt_.insert(folded(v.name));
+            errors_.push_back(error);
+        }
+    }
+}
+
+void Compiler::declareGlobals() {
     for (const ast::StatementPtr& s : source_.statements)
         for (const ast::Variable& v : s->variables) try {
                 if (s->kind == ast::StatementKind::Dim)
-                    addVariable(v.name, v.position, resolveType(v.type), false);
-                if (s->kind == ast::StatementKind::Const) add(v.name, v.position, constantOf(v));
+                    addGlobalVariable(v.name, v.position, resolveType(v.type), false);
             } catch (const SourceError& error) {
                 spoilt_.insert(folded(v.name));
                 errors_.push_back(error);
@@ -283,6 +407,7 @@ void Compiler::compileBody(const ast::Routine& source, Routine& routine) {
         declareLocal(source.signature.parameters[i].name, source.signature.parameters[i].position,
                      routine.parameters[i]);
     scopes_.back().counted.clear(); // the call itself releases the parameters
+    if (owner_ && owner_->isInterface) return;
     routine.body = block(source.body);
     routine.slotCount = slotCount_;
     scopes_.clear();
@@ -300,11 +425,18 @@ void Compiler::compileBodies() {
     slotCount_ = 0;
     program_.main.body = block(source_.statements);
     program_.main.slotCount = slotCount_;
+    program_.prepare.body = [actions = std::move(preparations_)](Frame& f) {
+        for (const Action& action : actions) action(f);
+        return Flow::Next;
+    };
 }
 
 void Compiler::compile() {
     routine_ = &program_.main;
+    declareTypes();
+    declareGlobalConstants();
     declareClasses();
+    program_.prepare.slotCount = slotCount_;
     for (const ast::Routine& routine : source_.routines) try {
             declareRoutine(routine, nullptr);
         } catch (const SourceError& error) {
@@ -316,28 +448,40 @@ void Compiler::compile() {
     if (errors_.empty()) return;
     std::erase_if(errors_, [](const SourceError& error) { return error.consequence; });
     std::stable_sort(errors_.begin(), errors_.end(), [](const SourceError& a, const SourceError& b) {
-        return std::pair(a.position.line, a.position.column) < std::pair(b.position.line, b.position.column);
+        auto order = [](const Position& p) { return std::tuple(p.file, p.line, p.column); };
+        return order(a.position) < order(b.position);
     });
     // Some declarations are looked at twice.
     std::vector<SourceError> told;
     for (const SourceError& error : errors_) {
         bool again = std::any_of(told.begin(), told.end(), [&](const SourceError& other) {
-            bool samePlace =
-                other.position.line == error.position.line && other.position.column == error.position.column;
+            bool samePlace = other.position.file == error.position.file &&
+                             other.position.line == error.position.line &&
+                             other.position.column == error.position.column;
             return std::strcmp(other.what(), error.what()) == 0 && (error.unknownName || samePlace);
         });
         if (!again) told.push_back(error);
     }
-    throw SourceErrors{std::move(told)};
+    throw SourceErrors{std::move(told), program_.files};
 }
 
 std::unique_ptr<Program> compileProgram(const std::string& fileName, std::string_view source) {
     auto program = std::make_unique<Program>(fileName);
+    Surroundings surroundings;
+    surroundings.constants = targetConstants();
+    surroundings.files = program->files;
+    surroundings.read = [](const std::string& path) -> std::optional<std::string> {
+        std::ifstream file(path, std::ios::binary);
+        std::stringstream text;
+        if (!file || !(text << file.rdbuf())) return std::nullopt;
+        return text.str();
+    };
     try {
-        ast::Program parsed = parseProgram(source);
+        ast::Program parsed = parseProgram(source, surroundings);
+        program->files = surroundings.files;
         Compiler(*program, parsed).compile();
     } catch (const SourceError& error) {
-        throw SourceErrors{{error}};
+        throw SourceErrors{{error}, surroundings.files};
     }
     return program;
 }

@@ -5,6 +5,7 @@
 #include "runtime/exceptions.h"
 #include "runtime/objects.h"
 #include "runtime/references.h"
+#include "runtime/strings.h"
 #include "runtime/variants.h"
 #include "syntax/ast.h"
 #include "syntax/names.h"
@@ -48,6 +49,11 @@ Operand Compiler::value(const ast::Expr& e) {
 }
 
 Operand Compiler::valueAs(const ast::Expr& e, const Type* type, const std::string& what) {
+    if (e.kind == ast::ExprKind::AddressOf && type->kind == Kind::Object && type->cls->delegate)
+        return addressOf(e, type->cls);
+    bool literalArray = e.kind == ast::ExprKind::Call && e.a->kind == ast::ExprKind::Name &&
+                        sameName(e.a->text, "Array") && !findVariable("Array");
+    if (literalArray && type->kind == Kind::Array) return coerce(arrayLiteral(e, type->element), type, what);
     Operand result = value(e);
     return coerce(std::move(result), type, what);
 }
@@ -90,20 +96,82 @@ Operand Compiler::expression(const ast::Expr& e) {
     case ExprKind::Call:
         return call(e);
     case ExprKind::Unary:
-        return unary(e.text, value(*e.a), e.position);
+        return computed(unary(e.text, value(*e.a), e.position));
     case ExprKind::Binary: {
         Operand a = value(*e.a);
         Operand b = value(*e.b);
-        return binary(e.text, std::move(a), std::move(b), e.position);
+        bool constant = a.constant && b.constant;
+        Operand result = binary(e.text, std::move(a), std::move(b), e.position);
+        return constant ? computed(std::move(result)) : result;
     }
     case ExprKind::IsA:
         return isA(e);
     case ExprKind::New:
         return create(e);
     case ExprKind::AddressOf:
-        throw SourceError(e.position, "'AddressOf' belongs in an AddHandler line");
+        return addressOf(e, nullptr);
+    case ExprKind::RaiseEvent:
+        return raiseEvent(e, {});
+    case ExprKind::Conditional:
+        return conditional(e);
+    case ExprKind::Pair:
+        return pair(e);
     }
     throw SourceError(e.position, "expected an expression");
+}
+
+// The operands are constants, so the code needs no frame. What it raises, it raises when the program runs.
+Operand Compiler::computed(Operand operand) {
+    if (operand.constant || !operand.code) return operand;
+    const Type* type = operand.type;
+    if (type->isObject() || type->kind < Kind::Boolean) return operand;
+    try {
+        Frame frame{nullptr, nullptr, {}, 0};
+        Held result(type, operand.code(frame));
+        Literal constant{type, Bits(), {}};
+        if (type->kind == Kind::String)
+            constant.text = toUtf8(result.bits.string);
+        else
+            constant.bits = result.bits;
+        return literal(constant, operand.position);
+    } catch (const Raised&) {
+        return operand;
+    }
+}
+
+Operand Compiler::conditional(const ast::Expr& e) {
+    Operand test = condition(*e.arguments[0]);
+    Operand yes = value(*e.arguments[1]), no = value(*e.arguments[2]);
+    const Type* type = yes.type;
+    if (yes.type != no.type) {
+        int widened = conversionCost(yes.type, no.type), narrowed = conversionCost(no.type, yes.type);
+        if (widened >= 0 && (narrowed < 0 || widened <= narrowed)) type = no.type;
+        yes = coerce(std::move(yes), type, "");
+        no = coerce(std::move(no), type, "");
+    }
+    return {type,
+            [test = test.code, yes = yes.code, no = no.code](Frame& f) {
+                return test(f).boolean ? yes(f) : no(f);
+            },
+            e.position};
+}
+
+Operand Compiler::pair(const ast::Expr& e) {
+    const Type* variant = simpleType(Kind::Variant);
+    Class* cls = classes().named("Pair");
+    Operand left = valueAs(*e.a, variant, ""), right = valueAs(*e.b, variant, "");
+    const Method* constructor = nullptr;
+    for (const Method* m : cls->constructors())
+        if (m->signature.parameters.size() == 2) constructor = m;
+    return {cls->type,
+            [cls, constructor, variant, left = left.code, right = right.code](Frame& f) {
+                Held a(variant, left(f)), b(variant, right(f));
+                ObjectRef made(newInstance(*cls));
+                Bits arguments[2] = {a.bits, b.bits};
+                invoke(*constructor, made, arguments);
+                return Bits::of(made.release());
+            },
+            e.position};
 }
 
 // ---- literals and conversions ----------------------------------------------------------------------------
@@ -119,10 +187,13 @@ Operand Compiler::literal(const Literal& value, Position position) {
 
 Operand Compiler::coerce(Operand operand, const Type* type, const std::string& what) {
     const Type* from = operand.type;
-    if (from == type) return operand;
+    if (from == type)
+        return type->kind == Kind::Object && type->cls->copy ? copied(std::move(operand)) : operand;
     if (conversionCost(from, type) < 0) {
         std::string hint;
         if (from->kind == Kind::Object && type->kind == Kind::Object && type->cls->isA(from->cls))
+            hint = "; write " + type->name + "(...) to convert it";
+        if (from->isEnumeration() || type->isEnumeration())
             hint = "; write " + type->name + "(...) to convert it";
         if (type->kind == Kind::String && from->isNumber()) hint = "; write Str(...) to convert it";
         if (type->isNumber() && from->kind == Kind::String) hint = "; write Val(...) to convert it";
@@ -135,7 +206,8 @@ Operand Compiler::coerce(Operand operand, const Type* type, const std::string& w
     }
     Operand result{type, nullptr, operand.position};
     Code code = std::move(operand.code);
-    if (from->kind == Kind::Nil || (from->isObject() && type->isObject() && from->kind != Kind::Variant))
+    bool related = from->kind == Kind::Object && type->kind == Kind::Object && from->cls->isA(type->cls);
+    if (from->kind == Kind::Nil || related || (from->isObject() && type->kind == Kind::Variant))
         result.code = std::move(code);
     else if (from->kind == Kind::Int32 && type->kind == Kind::Double)
         result.code = [code](Frame& f) { return Bits::of(double(code(f).i32)); };
@@ -148,12 +220,44 @@ Operand Compiler::coerce(Operand operand, const Type* type, const std::string& w
     return result;
 }
 
+// A structure is a value: whoever keeps it has one of its own.
+Operand Compiler::copied(Operand structure) {
+    structure.code = [code = std::move(structure.code), cls = structure.type->cls](Frame& f) {
+        ObjectRef original(code(f).object);
+        ObjectRef copy(newInstance(*cls));
+        if (original) cls->copy(copy, original);
+        return Bits::of(copy.release());
+    };
+    return structure;
+}
+
+const Type* Compiler::typeFrom(const ast::Expr& e) {
+    if (e.kind == ast::ExprKind::Name)
+        if (const Type* type = simpleTypeNamed(e.text)) return type;
+    Class* cls = findClass(e);
+    return cls ? cls->type : nullptr;
+}
+
 Operand Compiler::cast(const Type* type, const ast::Expr& e) {
+    if (e.kind == ast::ExprKind::AddressOf) return valueAs(e, type, "");
     Operand operand = value(e);
+    // Between an enumeration and numbers, explicitly.
+    if (operand.type->isEnumeration() && type->isNumber()) {
+        operand.type = simpleType(operand.type->kind);
+        if (operand.constant) operand.constant->type = operand.type;
+    }
+    if (type->isEnumeration() && operand.type->isNumber()) {
+        operand = coerce(std::move(operand), simpleType(type->kind), "");
+        operand.type = type;
+        if (operand.constant) operand.constant->type = type;
+        return operand;
+    }
     const Type* from = operand.type;
     if (type->kind != Kind::Object || from->kind == Kind::Nil) return coerce(std::move(operand), type, "");
     if (!from->isObject()) throw SourceError(e.position, "a " + from->name + " cannot be a " + type->name);
-    if (from->kind == Kind::Object && !type->cls->isA(from->cls) && !from->cls->isA(type->cls))
+    bool related = from->kind != Kind::Object || type->cls->isA(from->cls) || from->cls->isA(type->cls);
+    if (!related && conversionCost(from, type) >= 0) return coerce(std::move(operand), type, "");
+    if (!related && !type->cls->isInterface && !from->cls->isInterface)
         throw SourceError(e.position, "a " + from->name + " is never a " + type->name);
     return {type,
             [code = operand.code, cls = type->cls](Frame& f) {
@@ -219,10 +323,10 @@ Operand Compiler::name(const ast::Expr& e) {
         if (auto shared = owner_->sharedMethodsNamed(e.text); !shared.empty())
             return invokeMethod(shared, {}, {}, e.text, e.position);
     }
-    if (auto& functions = classes().functionsNamed(e.text); !functions.empty())
+    if (const Constant* constant = moduleConstant(e.text)) return literal(constant->value, e.position);
+    if (auto functions = functionsNamed(e.text); !functions.empty())
         return invokeMethod(functions, {}, {}, e.text, e.position);
-    if (classes().find(e.text))
-        throw SourceError(e.position, "'" + e.text + "' is a class; expected a value");
+    if (classes().find(e.text)) throw SourceError(e.position, "'" + e.text + "' is a type; expected a value");
     unknown(e.position, "there is no", e.text, namesInScope());
 }
 
@@ -242,8 +346,12 @@ Operand Compiler::member(const ast::Expr& e, const std::vector<const ast::Expr*>
 
 Operand Compiler::receiver(const ast::Expr& e) {
     Operand result = value(e);
+    return result.type->isObject() ? kept(e, std::move(result)) : result;
+}
+
+Operand Compiler::kept(const ast::Expr& e, Operand result) {
     bool lives = e.kind == ast::ExprKind::Self || (e.kind == ast::ExprKind::Name && findVariable(e.text));
-    if (lives || !result.type->isObject()) return result;
+    if (lives) return result;
     keepsReceivers_ = true;
     result.code = [code = std::move(result.code), program = &program_](Frame& f) {
         Bits object = code(f);
@@ -257,6 +365,10 @@ Operand Compiler::sharedMember(Class& cls, const ast::Expr& e, const std::vector
                                bool called) {
     if (!called)
         if (const Constant* constant = cls.constant(e.text)) return literal(constant->value, e.position);
+    if (const Local* shared = findShared(&cls, e.text)) {
+        Operand found = variable(*shared, e.position);
+        return called && !arguments.empty() ? index(std::move(found), arguments, e.position) : found;
+    }
     std::vector<const Method*> candidates = cls.sharedMethodsNamed(e.text);
     if (candidates.empty()) {
         if (!cls.methodsNamed(e.text).empty() || cls.property(e.text) || findField(&cls, e.text))
@@ -265,6 +377,7 @@ Operand Compiler::sharedMember(Class& cls, const ast::Expr& e, const std::vector
         for (const Class* c = &cls; c; c = c->superclass) {
             for (auto& m : c->sharedMethods) known.push_back(m->signature.name);
             for (const Constant& k : c->constants) known.push_back(k.name);
+            for (auto& [name, local] : shared_[c]) known.push_back(name);
         }
         unknown(e.position, "the class " + cls.name + " has no", e.text, known);
     }
@@ -277,6 +390,8 @@ Operand Compiler::memberOf(Operand base, const ast::Expr& e, const std::vector<c
     if (type->kind == Kind::Array) return arrayMember(std::move(base), e, arguments);
     if (type->kind == Kind::Object || type->kind == Kind::Variant) {
         Class* cls = type->kind == Kind::Variant ? classes().named("Variant") : type->cls;
+        if (cls->delegate && sameName(e.text, "Invoke"))
+            return invokeDelegate(std::move(base), arguments, e.position);
         std::vector<const Method*> candidates = cls->methodsNamed(e.text);
         std::optional<Operand> found;
         if (const Field* f = findField(cls, e.text)) {
@@ -303,10 +418,11 @@ Operand Compiler::memberOf(Operand base, const ast::Expr& e, const std::vector<c
         if (const Constant* constant = cls->constant(e.text)) return literal(constant->value, e.position);
         if (auto shared = cls->sharedMethodsNamed(e.text); !shared.empty())
             return invokeMethod(shared, {}, arguments, e.text, e.position);
+        if (findShared(cls, e.text)) return sharedMember(*cls, e, arguments, called);
     }
     // Functions that are called on their first argument.
     std::vector<const Method*> extensions;
-    for (const Method* function : classes().functionsNamed(e.text)) {
+    for (const Method* function : functionsNamed(e.text)) {
         if (function->signature.parameters.empty()) continue;
         const Parameter& first = function->signature.parameters[0];
         bool text = type->kind == Kind::String && first.type == type && function->origin == Origin::Framework;
@@ -314,18 +430,67 @@ Operand Compiler::memberOf(Operand base, const ast::Expr& e, const std::vector<c
     }
     if (!extensions.empty())
         return invokeMethod(extensions, {}, arguments, e.text, e.position, true, std::move(base));
+    if (type->kind == Kind::Object)
+        if (auto lookups = type->cls->methodsNamed("Operator_Lookup"); !lookups.empty()) {
+            Literal name{simpleType(Kind::String), Bits(), e.text};
+            return invokeMethod(lookups, std::move(base), arguments, "Operator_Lookup", e.position, true,
+                                literal(name, e.position));
+        }
     unknown(e.position, type->name + " has no", e.text, membersOf(type));
 }
 
 // ---- arrays ----------------------------------------------------------------------------------------------
 
+Compiler::ElementIndex Compiler::elementIndex(const std::vector<const ast::Expr*>& indices, const Type* array,
+                                              Position position) {
+    if (int(indices.size()) != array->rank)
+        throw SourceError(position, array->rank == 1
+                                        ? "expected one index"
+                                        : "expected " + std::to_string(array->rank) + " indices, found " +
+                                              std::to_string(indices.size()));
+    std::vector<Code> codes;
+    for (const ast::Expr* index : indices) codes.push_back(valueAs(*index, integer(), "the index").code);
+    if (array->rank == 1) return [code = codes[0]](ArrayObject&, Frame& f) { return code(f).i32; };
+    return [codes](ArrayObject& object, Frame& f) {
+        std::int32_t at[kMostDimensions];
+        for (std::size_t i = 0; i < codes.size(); ++i) at[i] = codes[i](f).i32;
+        return arrayOffset(object, at);
+    };
+}
+
 Operand Compiler::index(Operand array, const std::vector<const ast::Expr*>& arguments, Position position) {
+    if (array.type->kind == Kind::Object) {
+        if (array.type->cls->delegate) return invokeDelegate(std::move(array), arguments, position);
+        if (auto own = array.type->cls->methodsNamed("Operator_Subscript"); !own.empty())
+            return invokeMethod(own, std::move(array), arguments, "Operator_Subscript", position);
+    }
     if (array.type->kind != Kind::Array)
         throw SourceError(position, "a " + array.type->name + " takes no arguments and has no elements");
-    if (arguments.size() != 1) throw SourceError(position, "expected one index");
-    Operand at = valueAs(*arguments[0], integer(), "the index");
-    return {array.type->element,
-            [array = array.code, at = at.code](Frame& f) {
+    ElementIndex at = elementIndex(arguments, array.type, position);
+    const Type* element = array.type->element;
+    if (element->kind == Kind::Object && element->cls->copy) // made when it is first used
+        return {element,
+                [array = array.code, at, cls = element->cls](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    std::int32_t index = at(arrayIn(object), f);
+                    ObjectRef found(arrayGet(arrayIn(object), index).object);
+                    if (!found) {
+                        found = ObjectRef(newInstance(*cls));
+                        arraySet(arrayIn(object), index, Bits::of(Heap::retain(found.handle)));
+                    }
+                    return Bits::of(found.release());
+                },
+                position};
+    if (array.type->rank > 1)
+        return {element,
+                [array = array.code, at](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    std::int32_t index = at(arrayIn(object), f);
+                    return arrayGet(arrayIn(object), index);
+                },
+                position};
+    return {element,
+            [array = array.code, at = valueAs(*arguments[0], integer(), "").code](Frame& f) {
                 ObjectRef object(array(f).object);
                 return arrayGet(arrayIn(object), at(f).i32);
             },
@@ -339,9 +504,9 @@ Operand Compiler::arrayMember(Operand base, const ast::Expr& e,
         std::string_view name;
         std::size_t least, most;
     };
-    static constexpr Shape shapes[] = {{"Append", 1, 1}, {"Insert", 2, 2},  {"Remove", 1, 1},
-                                       {"Ubound", 0, 0}, {"Count", 0, 0},   {"Sort", 0, 0},
-                                       {"Pop", 0, 0},    {"IndexOf", 1, 2}, {"Shuffle", 0, 0}};
+    static constexpr Shape shapes[] = {
+        {"Append", 1, 1}, {"Insert", 2, 2}, {"Remove", 1, 1},  {"Ubound", 0, 1},  {"Count", 0, 0},
+        {"Sort", 0, 1},   {"Pop", 0, 0},    {"IndexOf", 1, 2}, {"Shuffle", 0, 0}, {"SortWith", 1, 8}};
     const Shape* shape = nullptr;
     std::vector<std::string> known;
     for (const Shape& s : shapes) {
@@ -354,6 +519,9 @@ Operand Compiler::arrayMember(Operand base, const ast::Expr& e,
                           std::string(shape->name) + " takes " + std::to_string(shape->least) +
                               (shape->most > shape->least ? " or " + std::to_string(shape->most) : "") +
                               (shape->most == 1 ? " argument" : " arguments"));
+    if (base.type->rank > 1 && !sameName(shape->name, "Ubound"))
+        throw SourceError(e.position, std::string(shape->name) + " is for arrays of one dimension, not for " +
+                                          base.type->name);
     Code array = base.code;
     std::string which(shape->name);
     auto argument = [&](std::size_t i, const Type* type) { return valueAs(*arguments[i], type, which).code; };
@@ -385,6 +553,20 @@ Operand Compiler::arrayMember(Operand base, const ast::Expr& e,
                     return Bits();
                 },
                 e.position};
+    if (which == "Ubound" && !arguments.empty())
+        return {integer(),
+                [array, dimension = argument(0, integer())](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    return Bits::of(arrayExtent(arrayIn(object), dimension(f).i32) - 1);
+                },
+                e.position};
+    if (which == "Ubound" && base.type->rank > 1)
+        return {integer(),
+                [array](Frame& f) {
+                    ObjectRef object(array(f).object);
+                    return Bits::of(arrayExtent(arrayIn(object), 1) - 1);
+                },
+                e.position};
     if (which == "Ubound" || which == "Count") {
         int less = which == "Ubound";
         return {integer(),
@@ -394,6 +576,8 @@ Operand Compiler::arrayMember(Operand base, const ast::Expr& e,
                 },
                 e.position};
     }
+    if (which == "SortWith" || (which == "Sort" && !arguments.empty()))
+        return sort(std::move(base), e, arguments);
     if (which == "Sort") {
         if (!element->isNumber() && element->kind != Kind::String)
             throw SourceError(e.position, "only numbers and strings can be sorted");
@@ -454,8 +638,59 @@ Code arrayOfElements(const Type* element, std::vector<Code> codes) {
 
 } // namespace
 
-// Array(a, b, c): the elements' common type.
-Operand Compiler::arrayLiteral(const ast::Expr& e) {
+// Sort(AddressOf Compare) and SortWith(other, ...).
+Operand Compiler::sort(Operand base, const ast::Expr& e, const std::vector<const ast::Expr*>& arguments) {
+    const Type* element = base.type->element;
+    if (sameName(e.text, "Sort")) {
+        Signature comparison{"Compare", {}, integer()};
+        for (const char* name : {"a", "b"}) {
+            comparison.parameters.emplace_back();
+            comparison.parameters.back().name = name;
+            comparison.parameters.back().type = element;
+        }
+        Operand compare = valueAs(*arguments[0], delegateFor(comparison).type, "Sort");
+        return {nothing(),
+                [array = base.code, compare = compare.code, element, program = &program_](Frame& f) {
+                    ObjectRef object(array(f).object), delegate(compare(f).object);
+                    arraySort(arrayIn(object), [&](Bits a, Bits b) {
+                        Bits values[2] = {retain(element, a), retain(element, b)};
+                        return program->callDelegate(delegate, values).i32;
+                    });
+                    return Bits();
+                },
+                e.position};
+    }
+    if (!element->isNumber() && element->kind != Kind::String)
+        throw SourceError(e.position, "only numbers and strings can be sorted");
+    std::vector<Code> others;
+    for (const ast::Expr* argument : arguments) {
+        Operand other = value(*argument);
+        if (other.type->kind != Kind::Array || other.type->rank > 1)
+            throw SourceError(argument->position,
+                              "expected an array to sort along, found " + other.type->name);
+        others.push_back(std::move(other.code));
+    }
+    return {nothing(),
+            [array = base.code, others](Frame& f) {
+                ObjectRef object(array(f).object);
+                std::vector<ObjectRef> held;
+                std::vector<ArrayObject*> along;
+                for (const Code& other : others) held.emplace_back(other(f).object);
+                for (const ObjectRef& other : held) along.push_back(&arrayIn(other));
+                arraySortWith(arrayIn(object), along);
+                return Bits();
+            },
+            e.position};
+}
+
+// Array(a, b, c): of the wanted type, or else the elements' common type.
+Operand Compiler::arrayLiteral(const ast::Expr& e, const Type* wanted) {
+    if (wanted) {
+        std::vector<Code> codes;
+        for (const ast::ExprPtr& argument : e.arguments)
+            codes.push_back(valueAs(*argument, wanted, "the array").code);
+        return {classes().arrayOf(wanted), arrayOfElements(wanted, std::move(codes)), e.position};
+    }
     if (e.arguments.empty())
         throw SourceError(e.position, "Array(...) needs at least one element to have a type");
     std::vector<Operand> elements;
@@ -482,18 +717,29 @@ Operand Compiler::arrayLiteral(const ast::Expr& e) {
 Operand Compiler::call(const ast::Expr& e) {
     const ast::Expr& callee = *e.a;
     std::vector<const ast::Expr*> arguments = pointers(e.arguments);
-    if (callee.kind == ast::ExprKind::Member) return member(callee, arguments, true);
+    if (callee.kind == ast::ExprKind::RaiseEvent) return raiseEvent(callee, arguments);
+    if (callee.kind == ast::ExprKind::Member) {
+        Class* cls = findClass(callee); // Module.Class(value)
+        if (cls && arguments.size() == 1) return cast(cls->type, *arguments[0]);
+        return member(callee, arguments, true);
+    }
     if (callee.kind != ast::ExprKind::Name) return index(value(callee), arguments, e.position);
 
     if (Local* local = findVariable(callee.text))
         return index(variable(*local, callee.position), arguments, e.position);
     if (sameName(callee.text, "Array")) return arrayLiteral(e);
-    if (sameName(callee.text, "Ubound") && arguments.size() == 1) {
+    if (sameName(callee.text, "CType") && arguments.size() == 2) {
+        const Type* type = typeFrom(*arguments[1]);
+        if (!type) throw SourceError(arguments[1]->position, "expected a type to convert to");
+        return cast(type, *arguments[0]);
+    }
+    if (sameName(callee.text, "Ubound") && (arguments.size() == 1 || arguments.size() == 2)) {
         ast::Expr ubound{ast::ExprKind::Member, callee.position, "Ubound", 0, 0, nullptr, nullptr, {}, {}};
         Operand array = value(*arguments[0]);
         if (array.type->kind != Kind::Array)
             throw SourceError(array.position, "expected an array, found " + array.type->name);
-        return arrayMember(std::move(array), ubound, {});
+        arguments.erase(arguments.begin());
+        return arrayMember(std::move(array), ubound, arguments);
     }
     if (owner_) {
         if (hasSelf_ && (findField(owner_, callee.text) || owner_->property(callee.text) ||
@@ -502,7 +748,7 @@ Operand Compiler::call(const ast::Expr& e) {
         if (auto shared = owner_->sharedMethodsNamed(callee.text); !shared.empty())
             return invokeMethod(shared, {}, arguments, callee.text, callee.position);
     }
-    if (auto& functions = classes().functionsNamed(callee.text); !functions.empty())
+    if (auto functions = functionsNamed(callee.text); !functions.empty())
         return invokeMethod(functions, {}, arguments, callee.text, callee.position);
     // A type's name converts.
     const Type* type = simpleTypeNamed(callee.text);
@@ -514,21 +760,32 @@ Operand Compiler::call(const ast::Expr& e) {
     return cast(type, *arguments[0]);
 }
 
+// AddressOf one of several routines waits for the parameter that tells which.
+Operand Compiler::argumentValue(const ast::Expr& e) {
+    if (e.kind == ast::ExprKind::AddressOf && addressed(e).candidates.size() > 1)
+        return {simpleType(Kind::Nil), [](Frame&) { return Bits(); }, e.position};
+    Operand result = value(e);
+    return result.type->kind == Kind::Object ? kept(e, std::move(result)) : result;
+}
+
 Operand Compiler::invokeMethod(const std::vector<const Method*>& candidates, std::optional<Operand> self,
                                const std::vector<const ast::Expr*>& arguments, std::string_view name,
-                               Position position, bool virtualCall, std::optional<Operand> extended) {
+                               Position position, bool virtualCall, std::optional<Operand> first) {
     std::vector<Operand> given;
     std::vector<const Type*> types;
     std::vector<const ast::Expr*> sources = arguments;
-    if (extended) {
-        types.push_back(extended->type);
-        given.push_back(std::move(*extended));
+    if (first) {
+        types.push_back(first->type);
+        given.push_back(std::move(*first));
         sources.insert(sources.begin(), nullptr);
     }
     for (const ast::Expr* argument : arguments) {
-        given.push_back(value(*argument));
+        given.push_back(argumentValue(*argument));
         types.push_back(given.back().type);
     }
+    if (std::all_of(candidates.begin(), candidates.end(),
+                    [](const Method* m) { return m->origin == Origin::Program && m->signature.assigns(); }))
+        throw SourceError(position, candidates[0]->fullName() + " can only be set");
     Choice choice = chooseOverload(candidates, types, name);
     if (!choice.method) throw SourceError(position, choice.problem);
     const Method& method = *choice.method;
@@ -544,7 +801,10 @@ Compiler::PreparedArguments Compiler::prepare(const Method& method, const Signat
         throw SourceError({}, method.fullName() + " has too many parameters");
     for (std::size_t i = 0; i < signature.parameters.size(); ++i) {
         const Parameter& p = signature.parameters[i];
-        Place place{};
+        Target place{};
+        // AddressOf one of several routines: the parameter tells which.
+        if (i < sources.size() && sources[i] && sources[i]->kind == ast::ExprKind::AddressOf && !p.paramArray)
+            given[i] = valueAs(*sources[i], p.type, p.name);
         if (p.paramArray) {
             std::vector<Code> rest;
             for (std::size_t k = i; k < given.size(); ++k)
@@ -611,8 +871,8 @@ Operand Compiler::emitCall(const Method& method, std::optional<Operand> self, Pr
 
     if (method.routine) {
         bool anyByRef = std::any_of(arguments.places.begin(), arguments.places.end(),
-                                    [](const Place& p) { return p.store != nullptr; });
-        std::vector<Place> places = anyByRef ? std::move(arguments.places) : std::vector<Place>();
+                                    [](const Target& p) { return p.store != nullptr; });
+        std::vector<Target> places = anyByRef ? std::move(arguments.places) : std::vector<Target>();
         return {result,
                 [=](Frame& f) {
                     ObjectRef object(selfCode ? selfCode(f).object : nullptr);
@@ -647,6 +907,14 @@ Operand Compiler::create(const ast::Expr& e) {
     if (type->kind != Kind::Object)
         throw SourceError(e.type.position, "expected a class after 'New', found " + type->name);
     Class* cls = type->cls;
+    if (cls->isInterface)
+        throw SourceError(e.type.position,
+                          cls->name + " is an interface; expected a class that implements it");
+    if (cls->delegate) {
+        if (e.arguments.size() != 1 || e.arguments[0]->kind != ast::ExprKind::AddressOf)
+            throw SourceError(e.position, "expected AddressOf: New " + cls->name + "(AddressOf ...)");
+        return valueAs(*e.arguments[0], type, "");
+    }
     std::vector<const Method*> constructors = cls->constructors();
     auto made = [cls](Frame&) { return Bits::of(newInstance(*cls)); };
     bool needsNone = constructors.empty() || cls->origin == Origin::Plugin;
@@ -679,13 +947,36 @@ Operand Compiler::create(const ast::Expr& e) {
 
 // ---- assignment ------------------------------------------------------------------------------------------
 
-Place Compiler::place(const ast::Expr& e) {
+Target Compiler::placeOf(const Local& local, const ast::Expr& e) {
+    if (local.constant) throw SourceError(e.position, "'" + e.text + "' is a constant");
+    Target result{local.type, nullptr};
+    if (Bits* address = local.address)
+        result.address = [address](Frame&) { return address; };
+    else
+        result.address = [slot = local.slot](Frame& f) { return &f.slots[slot]; };
+    if (local.type->isCounted())
+        result.store = [address = result.address, type = local.type](Frame& f, Bits bits) {
+            release(type, std::exchange(*address(f), bits));
+        };
+    else if (Bits* address = local.address)
+        result.store = [address](Frame&, Bits bits) { *address = bits; };
+    else
+        result.store = [slot = local.slot](Frame& f, Bits bits) { f.slots[slot] = bits; };
+    return result;
+}
+
+Target Compiler::place(const ast::Expr& e) {
     auto fieldPlace = [](Operand object, const Field& field) {
-        Place result{field.type, nullptr};
+        Target result{field.type, nullptr};
         result.store = [code = object.code, field, type = object.type](Frame& f, Bits bits) {
             Held value(field.type, bits);
             ObjectRef held(code(f).object);
             if (!held) nilHas(type, field.name);
+            if (field.length >= 0 && bytesOf(value.bits.string).size() > std::size_t(field.length)) {
+                StringRef whole(value.take().string);
+                value.bits.string =
+                    heap().newString(bytesOf(whole).substr(0, std::size_t(field.length)), encodingOf(whole));
+            }
             std::swap(dataAt<Bits>(held, field.offset), value.bits);
         };
         return result;
@@ -693,7 +984,7 @@ Place Compiler::place(const ast::Expr& e) {
     auto propertyPlace = [&](Operand object, const Property& property) {
         if (!property.setter)
             throw SourceError(e.position, property.owner->name + "." + property.name + " is read only");
-        Place result{property.type, nullptr};
+        Target result{property.type, nullptr};
         result.store = [code = object.code, p = &property, type = object.type](Frame& f, Bits bits) {
             Held value(p->type, bits);
             ObjectRef held(code(f).object);
@@ -704,23 +995,7 @@ Place Compiler::place(const ast::Expr& e) {
     };
     switch (e.kind) {
     case ast::ExprKind::Name:
-        if (Local* local = findVariable(e.text)) {
-            if (local->constant) throw SourceError(e.position, "'" + e.text + "' is a constant");
-            Place result{local->type, nullptr};
-            if (Bits* address = local->address)
-                result.address = [address](Frame&) { return address; };
-            else
-                result.address = [slot = local->slot](Frame& f) { return &f.slots[slot]; };
-            if (local->type->isCounted())
-                result.store = [address = result.address, type = local->type](Frame& f, Bits bits) {
-                    release(type, std::exchange(*address(f), bits));
-                };
-            else if (Bits* address = local->address)
-                result.store = [address](Frame&, Bits bits) { *address = bits; };
-            else
-                result.store = [slot = local->slot](Frame& f, Bits bits) { f.slots[slot] = bits; };
-            return result;
-        }
+        if (Local* local = findVariable(e.text)) return placeOf(*local, e);
         if (hasSelf_) {
             if (const Field* f = findField(owner_, e.text)) return fieldPlace(selfOperand(e.position), *f);
             if (const Property* p = owner_->property(e.text))
@@ -728,25 +1003,28 @@ Place Compiler::place(const ast::Expr& e) {
         }
         break;
     case ast::ExprKind::Member: {
-        if (findClass(*e.a)) break;
+        if (Class* cls = findClass(*e.a)) {
+            if (Local* shared = findShared(cls, e.text)) return placeOf(*shared, e);
+            break;
+        }
         Operand base = value(*e.a);
         if (base.type->kind != Kind::Object) break;
+        if (Local* shared = findShared(base.type->cls, e.text)) return placeOf(*shared, e);
         if (const Field* f = findField(base.type->cls, e.text)) return fieldPlace(std::move(base), *f);
         if (const Property* p = base.type->cls->property(e.text)) return propertyPlace(std::move(base), *p);
         break;
     }
     case ast::ExprKind::Call: {
-        if (e.arguments.size() != 1) break;
         Operand array = value(*e.a);
         if (array.type->kind != Kind::Array) break;
-        Operand at = valueAs(*e.arguments[0], integer(), "the index");
+        ElementIndex at = elementIndex(pointers(e.arguments), array.type, e.position);
         const Type* element = array.type->element;
-        Place result{element, nullptr};
-        result.store = [array = array.code, at = at.code, element](Frame& f, Bits bits) {
+        Target result{element, nullptr};
+        result.store = [array = array.code, at, element](Frame& f, Bits bits) {
             Held value(element, bits);
             ObjectRef object(array(f).object);
             ArrayObject& target = arrayIn(object);
-            std::int32_t index = at(f).i32;
+            std::int32_t index = at(target, f);
             arraySet(target, index, value.take());
         };
         return result;
@@ -767,11 +1045,13 @@ Action Compiler::assign(const ast::Expr& target, const ast::Expr& valueSource) {
                            [](const Method* m) { return m->setter || m->signature.assigns(); });
     };
     if (callee.kind == ast::ExprKind::Name && !findVariable(callee.text)) {
-        std::vector<const Method*> candidates = classes().functionsNamed(callee.text);
+        std::vector<const Method*> candidates = functionsNamed(callee.text);
         std::optional<Operand> self;
         if (hasSelf_ && !owner_->methodsNamed(callee.text).empty()) {
             candidates = owner_->methodsNamed(callee.text);
             self = selfOperand(callee.position);
+        } else if (owner_ && !owner_->sharedMethodsNamed(callee.text).empty()) {
+            candidates = owner_->sharedMethodsNamed(callee.text);
         }
         bool isField = hasSelf_ && (findField(owner_, callee.text) || owner_->property(callee.text));
         if (!isField && takesValue(candidates))
@@ -780,12 +1060,28 @@ Action Compiler::assign(const ast::Expr& target, const ast::Expr& valueSource) {
         if (!isField && candidates.empty() && !classes().find(callee.text))
             unknown(callee.position, "there is no", callee.text, namesInScope());
     }
-    if (callee.kind == ast::ExprKind::Member && !findClass(*callee.a)) {
+    if (callee.kind == ast::ExprKind::Member && findClass(*callee.a)) {
+        Class* cls = findClass(*callee.a);
+        std::vector<const Method*> candidates = cls->sharedMethodsNamed(callee.text);
+        if (takesValue(candidates))
+            return assignThroughMethod(candidates, {}, arguments, value(valueSource), callee.text,
+                                       callee.position);
+        if (cls->constant(callee.text))
+            throw SourceError(callee.position, "'" + callee.text + "' is a constant");
+    } else if (callee.kind == ast::ExprKind::Member) {
         Operand base = value(*callee.a);
         if (base.type->kind == Kind::Object) {
             Class* cls = base.type->cls;
             std::vector<const Method*> candidates = cls->methodsNamed(callee.text);
-            bool isField = findField(cls, callee.text) || cls->property(callee.text);
+            bool isField =
+                findField(cls, callee.text) || cls->property(callee.text) || findShared(cls, callee.text);
+            if (auto lookups = cls->methodsNamed("Operator_Lookup");
+                !isField && candidates.empty() && takesValue(lookups)) {
+                Literal name{simpleType(Kind::String), Bits(), callee.text};
+                return assignThroughMethod(lookups, std::move(base), arguments, value(valueSource),
+                                           "Operator_Lookup", callee.position,
+                                           literal(name, callee.position));
+            }
             if (!isField && takesValue(candidates))
                 return assignThroughMethod(candidates, std::move(base), arguments, value(valueSource),
                                            callee.text, callee.position);
@@ -796,7 +1092,14 @@ Action Compiler::assign(const ast::Expr& target, const ast::Expr& valueSource) {
                 unknown(callee.position, cls->name + " has no", callee.text, membersOf(base.type));
         }
     }
-    Place to = place(target);
+    if (target.kind == ast::ExprKind::Call && typeFrom(*target.a) == nullptr) {
+        Operand base = value(*target.a);
+        if (base.type->kind == Kind::Object)
+            if (auto own = base.type->cls->methodsNamed("Operator_Subscript"); takesValue(own))
+                return assignThroughMethod(own, std::move(base), arguments, value(valueSource),
+                                           "Operator_Subscript", target.position);
+    }
+    Target to = place(target);
     Operand from = valueAs(valueSource, to.type, "the assignment");
     return [store = std::move(to.store), code = std::move(from.code)](Frame& f) {
         store(f, code(f));
@@ -807,10 +1110,14 @@ Action Compiler::assign(const ast::Expr& target, const ast::Expr& valueSource) {
 Action Compiler::assignThroughMethod(const std::vector<const Method*>& candidates,
                                      std::optional<Operand> self,
                                      const std::vector<const ast::Expr*>& arguments, Operand value,
-                                     std::string_view name, Position position) {
+                                     std::string_view name, Position position, std::optional<Operand> first) {
     std::vector<Operand> given;
     std::vector<const Type*> types;
     std::vector<const ast::Expr*> sources = arguments;
+    if (first) {
+        given.push_back(std::move(*first));
+        sources.insert(sources.begin(), nullptr);
+    }
     for (const ast::Expr* argument : arguments) given.push_back(this->value(*argument));
     given.push_back(std::move(value));
     sources.push_back(nullptr);

@@ -1,6 +1,7 @@
 // The meaning of each operator for each pair of types.
 #include "compiler.h"
 #include "runtime/arrays.h"
+#include "runtime/calls.h"
 #include "runtime/exceptions.h"
 #include "runtime/references.h"
 #include "runtime/strings.h"
@@ -107,7 +108,102 @@ const Type* common(const Type* a, const Type* b) {
 
 } // namespace
 
+namespace {
+
+struct OwnOperator {
+    std::string_view symbol, method;
+};
+constexpr OwnOperator kBinary[] = {
+    {"+", "Operator_Add"},    {"-", "Operator_Subtract"},       {"*", "Operator_Multiply"},
+    {"/", "Operator_Divide"}, {"\\", "Operator_IntegerDivide"}, {"mod", "Operator_Modulo"},
+    {"^", "Operator_Power"},  {"and", "Operator_And"},          {"or", "Operator_Or"},
+    {"xor", "Operator_Xor"},
+};
+
+bool isObject(const Operand& operand) { return operand.type->kind == Kind::Object; }
+
+} // namespace
+
+// Nothing when the class has no such method for these arguments.
+std::optional<Operand> Compiler::callOwn(std::string_view name, const Operand& self,
+                                         std::vector<Operand> arguments, Position position) {
+    std::vector<const Method*> candidates = self.type->cls->methodsNamed(name);
+    if (candidates.empty()) return std::nullopt;
+    std::vector<const Type*> types;
+    for (const Operand& argument : arguments) types.push_back(argument.type);
+    Choice choice = chooseOverload(candidates, types, name);
+    if (!choice.method || !choice.method->signature.result) return std::nullopt;
+    PreparedArguments prepared =
+        prepare(*choice.method, choice.method->signature, std::move(arguments), {nullptr});
+    return emitCall(*choice.method, self, std::move(prepared), position, true, false);
+}
+
+std::optional<Operand> Compiler::ownUnary(const std::string& op, Operand& a, Position position) {
+    if (!isObject(a) || op == "+") return std::nullopt;
+    return callOwn(op == "-" ? "Operator_Negate" : "Operator_Not", a, {}, position);
+}
+
+std::optional<Operand> Compiler::ownBinary(const std::string& op, Operand& a, Operand& b, Position position) {
+    for (const OwnOperator& own : kBinary) {
+        if (own.symbol != op) continue;
+        if (isObject(a))
+            if (auto result = callOwn(own.method, a, {b}, position)) return result;
+        if (isObject(b))
+            if (auto result = callOwn(std::string(own.method) + "Right", b, {a}, position)) return result;
+    }
+    // Operator_Convert makes the one what the other is.
+    if (isObject(a) && !b.type->isObject() && conversionCost(a.type, b.type) >= 0)
+        a = coerce(std::move(a), b.type, "");
+    else if (isObject(b) && !a.type->isObject() && conversionCost(b.type, a.type) >= 0)
+        b = coerce(std::move(b), a.type, "");
+    return std::nullopt;
+}
+
+// Operator_Compare tells which is greater. Nil is less than any object, without a call.
+std::optional<Operand> Compiler::ownComparison(const std::string& op, Operand& a, Operand& b,
+                                               Position position) {
+    if (!(isObject(a) || isObject(b)) || a.type->kind == Kind::Nil || b.type->kind == Kind::Nil)
+        return std::nullopt;
+    bool swapped = !isObject(a) || a.type->cls->methodsNamed("Operator_Compare").empty();
+    Operand &self = swapped ? b : a, &other = swapped ? a : b;
+    if (!isObject(self)) return std::nullopt;
+    int selfSlot = newSlot(), otherSlot = newSlot();
+    auto waiting = [](const Operand& of, int slot) {
+        return Operand{of.type, [slot, type = of.type](Frame& f) { return retain(type, f.slots[slot]); },
+                       of.position};
+    };
+    std::optional<Operand> called =
+        callOwn("Operator_Compare", waiting(self, selfSlot), {waiting(other, otherSlot)}, position);
+    if (!called) return std::nullopt;
+    Operand order = coerce(std::move(*called), simpleType(Kind::Double), "the order");
+    order.code = [first = a.code, second = b.code, selfType = self.type, otherType = other.type, selfSlot,
+                  otherSlot, swapped, order = std::move(order.code)](Frame& f) {
+        Held x(swapped ? otherType : selfType, first(f));
+        Held y(swapped ? selfType : otherType, second(f));
+        Bits self = swapped ? y.bits : x.bits, other = swapped ? x.bits : y.bits;
+        bool otherIsNil = otherType->isObject() && !other.object;
+        if (!self.object || otherIsNil) {
+            double difference = double(self.object != nullptr) - double(!otherIsNil);
+            return Bits::of(swapped ? -difference : difference);
+        }
+        Bits outerSelf = std::exchange(f.slots[selfSlot], self),
+             outerOther = std::exchange(f.slots[otherSlot], other);
+        struct Restore {
+            Bits &self, &other, outerSelf, outerOther;
+            ~Restore() {
+                self = outerSelf;
+                other = outerOther;
+            }
+        } restore{f.slots[selfSlot], f.slots[otherSlot], outerSelf, outerOther};
+        double result = order(f).f64;
+        return Bits::of(swapped ? -result : result);
+    };
+    Operand zero = literal({simpleType(Kind::Double), Bits::of(0.0), {}}, position);
+    return comparison(op, std::move(order), std::move(zero), position);
+}
+
 Operand Compiler::unary(const std::string& op, Operand a, Position position) {
+    if (auto own = ownUnary(op, a, position)) return std::move(*own);
     if (a.type->kind == Kind::Variant && op != "not") a = coerce(std::move(a), simpleType(Kind::Double), "");
     if (op == "not") {
         if (a.type->kind == Kind::Variant) a = coerce(std::move(a), simpleType(Kind::Boolean), "");
@@ -137,6 +233,8 @@ Operand Compiler::unary(const std::string& op, Operand a, Position position) {
 }
 
 Operand Compiler::binary(const std::string& op, Operand a, Operand b, Position position) {
+    if (isObject(a) || isObject(b))
+        if (auto own = ownBinary(op, a, b, position)) return std::move(*own);
     if (op == "and" || op == "or" || op == "xor") return logical(op, std::move(a), std::move(b), position);
     if (op == "=" || op == "<>" || op == "<" || op == "<=" || op == ">" || op == ">=" || op == "is")
         return comparison(op, std::move(a), std::move(b), position);
@@ -211,6 +309,8 @@ Operand Compiler::comparison(const std::string& given, Operand a, Operand b, Pos
     auto isObject = [](const Type* type) { return type->isObject() || type->kind == Kind::Nil; };
     bool variant = s->kind == Kind::Variant || t->kind == Kind::Variant;
     if (given == "is" && (!isObject(s) || !isObject(t))) noOperator("Is", s, t, position);
+    if (given != "is")
+        if (auto own = ownComparison(op, a, b, position)) return std::move(*own);
 
     if (isObject(s) && isObject(t) &&
         (!variant || given == "is" || s->kind == Kind::Nil || t->kind == Kind::Nil)) {
@@ -254,7 +354,8 @@ Operand Compiler::comparison(const std::string& given, Operand a, Operand b, Pos
             code = ordered(op, a, b, false, [](Bits x, Bits y) { return order(x.f64, y.f64); });
         return {boolean, std::move(code), position};
     }
-    if (s == t && equality && (s->kind == Kind::Boolean || s->kind == Kind::Color)) {
+    bool ordinal = s->kind == Kind::Boolean || s->kind == Kind::Color;
+    if (s == t && (s->isEnumeration() || (equality && ordinal))) {
         auto compare = [s](Bits x, Bits y) { return compareValues(s, x, y); };
         return {boolean, ordered(op, a, b, false, compare), position};
     }

@@ -2,6 +2,8 @@
 
 #include "framework/exceptions.h"
 #include "runtime/arrays.h"
+#include "runtime/calls.h"
+#include "runtime/delegates.h"
 #include "runtime/exceptions.h"
 #include "runtime/references.h"
 #include "runtime/strings.h"
@@ -15,9 +17,9 @@ namespace {
 
 constexpr std::size_t kNativeStackBytes = 5u << 20;
 
-// Measures the depth of the native stack from the first call.
+// Measures the depth of the thread's native stack from its first call.
 bool nativeStackIsUsedUp() {
-    static const char* base = nullptr;
+    static thread_local const char* base = nullptr;
     char here;
     if (!base || &here > base) base = &here;
     return std::size_t(base - &here) > kNativeStackBytes;
@@ -25,11 +27,29 @@ bool nativeStackIsUsedUp() {
 
 } // namespace
 
+struct Program::Context : RoutineContext {
+    std::vector<Bits> stack = std::vector<Bits>(1 << 16);
+    std::size_t top = 0;
+    std::vector<Place> callers;
+    std::vector<REALobject> kept;
+    Place at;
+};
+
+void Program::exchange(Context& other) {
+    std::swap(stack_, other.stack);
+    std::swap(top_, other.top);
+    std::swap(callers_, other.callers);
+    std::swap(kept_, other.kept);
+    std::swap(at, other.at);
+}
+
 Program::~Program() {
     end();
     for (REALstring literal : literals) heap().freePermanent(literal);
     runtime().runRoutine = nullptr;
     runtime().noteRaised = nullptr;
+    runtime().makeContext = nullptr;
+    runtime().exchangeContext = nullptr;
 }
 
 void Program::begin(const std::vector<std::string>& arguments) {
@@ -44,10 +64,13 @@ void Program::begin(const std::vector<std::string>& arguments) {
         return result;
     };
     runtime().noteRaised = [this](REALobject exception) { noteRaised(exception); };
+    runtime().makeContext = [] { return std::make_unique<Context>(); };
+    runtime().exchangeContext = [this](RoutineContext& other) { exchange(static_cast<Context&>(other)); };
     Global& args = globals.front(); // declared by the compiler
     args.bits = Bits::of(newArray(simpleType(Kind::String)));
     for (const std::string& argument : arguments)
         arrayAppend(arrayOf(args.bits.object), Bits::of(makeString(argument)));
+    run(prepare);
     run(main);
 }
 
@@ -57,6 +80,7 @@ void Program::run(const Routine& routine) {
 }
 
 void Program::end() {
+    for (const auto& hook : runtime().endHooks) hook();
     for (Global& global : globals) release(global.type, std::exchange(global.bits, Bits()));
 }
 
@@ -94,14 +118,14 @@ Bits Program::call(const Routine& routine, REALobject self, Bits* arguments) {
         Call(Program& program, const Routine& routine, std::size_t count)
             : program(program), routine(routine), bottom(program.top_) {
             program.top_ += count;
-            program.callLines_.push_back(program.line);
+            program.callers_.push_back(program.at);
         }
         ~Call() {
             for (std::size_t i = 0; i < routine.parameters.size(); ++i)
                 release(routine.parameters[i], program.stack_[bottom + i]);
             program.top_ = bottom;
-            program.line = program.callLines_.back();
-            program.callLines_.pop_back();
+            program.at = program.callers_.back();
+            program.callers_.pop_back();
         }
     } call(*this, routine, count);
 
@@ -109,7 +133,9 @@ Bits Program::call(const Routine& routine, REALobject self, Bits* arguments) {
     std::copy(arguments, arguments + given, frame.slots);
     std::fill(frame.slots + given, frame.slots + count, Bits());
     try {
-        routine.body(frame);
+        inMemory([&] {
+            if (routine.body) routine.body(frame);
+        });
     } catch (...) { // a Finally that throws may leave a result behind
         if (routine.method && routine.method->signature.result)
             release(routine.method->signature.result, frame.result);
@@ -118,6 +144,22 @@ Bits Program::call(const Routine& routine, REALobject self, Bits* arguments) {
     for (std::size_t i = 0; i < given; ++i)
         arguments[i] = routine.byRef[i] ? std::exchange(frame.slots[i], Bits()) : Bits();
     return frame.result;
+}
+
+Bits Program::callDelegate(REALobject delegate, Bits* arguments) {
+    DelegateData target = delegateTarget(delegate);
+    ObjectRef self(target.self);
+    const Method& method = *target.method;
+    if (method.routine) return call(*method.routine, self, arguments);
+    struct Release {
+        const Signature& signature;
+        Bits* arguments;
+        ~Release() {
+            for (std::size_t i = 0; i < signature.parameters.size(); ++i)
+                release(signature.parameters[i].type, std::exchange(arguments[i], Bits()));
+        }
+    } releaseAtEnd{method.signature, arguments};
+    return invoke(method, self, arguments);
 }
 
 const Routine& Program::dispatch(const Routine& routine, REALobject self) {
@@ -137,13 +179,13 @@ const Routine& Program::dispatch(const Routine& routine, REALobject self) {
 void Program::noteRaised(REALobject exception) {
     std::vector<std::string>& places = exceptionData(exception).places;
     if (!places.empty()) return;
-    auto add = [&](int at) {
-        if (at > 0) places.push_back(fileName + ":" + std::to_string(at));
+    auto add = [&](Place place) {
+        if (place.line > 0)
+            places.push_back(files[std::size_t(place.file)] + ":" + std::to_string(place.line));
     };
-    add(line);
+    add(at);
     constexpr std::size_t kMostPlaces = 20;
-    for (auto caller = callLines_.rbegin(); caller != callLines_.rend() && places.size() < kMostPlaces;
-         ++caller)
+    for (auto caller = callers_.rbegin(); caller != callers_.rend() && places.size() < kMostPlaces; ++caller)
         add(*caller);
 }
 

@@ -18,7 +18,8 @@ std::unique_ptr<Program> compiled(const std::string& fileName, std::string_view 
         return compileProgram(fileName, source);
     } catch (const SourceErrors& mistakes) {
         for (const SourceError& error : mistakes.errors)
-            std::fprintf(stderr, "%s:%d:%d: error: %s\n", fileName.c_str(), error.position.line,
+            std::fprintf(stderr, "%s:%d:%d: error: %s\n",
+                         mistakes.files[std::size_t(error.position.file)].c_str(), error.position.line,
                          error.position.column, error.what());
         return nullptr;
     }
@@ -39,8 +40,10 @@ template <class Body>
 Outcome outcomeOf(Body body) {
     Outcome result;
     try {
-        body();
-        throwPending(); // from a destructor that ran last
+        inMemory([&] {
+            body();
+            throwPending(); // from a destructor that ran last
+        });
     } catch (const Raised& raised) {
         REALobject exception = raised.exception.object();
         bool assertion = isA(exception, "AssertionFailed");
@@ -74,8 +77,10 @@ int runProgram(const std::string& fileName, std::string_view source,
     int code = kFine;
     std::string unhandled;
     try {
-        program->begin(arguments);
-        throwPending();
+        inMemory([&] {
+            program->begin(arguments);
+            throwPending();
+        });
     } catch (const Raised& raised) {
         REALobject exception = raised.exception.object();
         unhandled = "Unhandled " + describe(exception) + "\n";
@@ -86,7 +91,10 @@ int runProgram(const std::string& fileName, std::string_view source,
     }
     program->end();
     program.reset();
-    std::fflush(stdout);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+        std::fputs("studio: not all of the output could be written\n", stderr);
+        if (code == kFine) code = kFailed;
+    }
     std::fputs(unhandled.c_str(), stderr);
     Report report = heap().report();
     if (report.sound()) return code;

@@ -42,20 +42,43 @@ Action Compiler::block(const ast::Block& statements) {
     return scoped([&]() -> Action {
         struct Step {
             Action action;
-            int line;
+            Place place;
         };
         std::vector<Step> steps;
+        std::map<int, std::size_t> places; // where the block's labels are
+        for (const ast::StatementPtr& s : statements)
+            if (s->kind == ast::StatementKind::Label) scopes_.back().labels[folded(s->text)] = nextLoop_++;
         for (const ast::StatementPtr& s : statements) {
+            if (s->kind == ast::StatementKind::Label) {
+                places[scopes_.back().labels[folded(s->text)]] = steps.size();
+                label_ = s->text;
+                continue;
+            }
             try {
-                if (Action action = statement(*s)) steps.push_back({std::move(action), s->position.line});
+                if (Action action = statement(*s))
+                    steps.push_back({std::move(action), {s->position.line, s->position.file}});
             } catch (const SourceError& error) {
                 errors_.push_back(error);
             }
+            label_.clear();
         }
         if (steps.empty()) return [](Frame&) { return Flow::Next; };
+        if (!places.empty())
+            return [steps = std::move(steps), places = std::move(places), program = &program_](Frame& frame) {
+                for (std::size_t i = 0; i < steps.size(); ++i) {
+                    program->at = steps[i].place;
+                    Program::Statement statement(*program);
+                    Flow flow = steps[i].action(frame);
+                    if (flow == Flow::Next) continue;
+                    auto place = flow == Flow::Goto ? places.find(frame.target) : places.end();
+                    if (place == places.end()) return flow;
+                    i = place->second - 1;
+                }
+                return Flow::Next;
+            };
         return [steps = std::move(steps), program = &program_](Frame& frame) {
             for (const Step& step : steps) {
-                program->line = step.line;
+                program->at = step.place;
                 Program::Statement statement(*program);
                 if (Flow flow = step.action(frame); flow != Flow::Next) return flow;
             }
@@ -79,7 +102,7 @@ Action Compiler::statement(const ast::Statement& s) {
         return assign(*s.target, *s.value);
     case StatementKind::Call: {
         if (s.value->kind != ast::ExprKind::Call && s.value->kind != ast::ExprKind::Member &&
-            s.value->kind != ast::ExprKind::Name)
+            s.value->kind != ast::ExprKind::Name && s.value->kind != ast::ExprKind::RaiseEvent)
             throw SourceError(s.position, "expected a statement, found a value");
         Operand operand = expression(*s.value);
         bool variable = s.value->kind == ast::ExprKind::Name && findVariable(s.value->text);
@@ -124,23 +147,82 @@ Action Compiler::statement(const ast::Statement& s) {
         Operand array = value(*s.target->a);
         if (array.type->kind != Kind::Array)
             throw SourceError(s.target->position, "expected an array, found " + array.type->name);
-        Operand bound = valueAs(*s.target->arguments[0], simpleType(Kind::Int32), "the upper bound");
-        return [array = array.code, bound = bound.code](Frame& f) {
+        std::vector<Code> bounds = upperBounds(s.target->arguments, array.type->rank, s.target->position);
+        return [array = array.code, bounds](Frame& f) {
             ObjectRef object(array(f).object);
-            std::int32_t upper = bound(f).i32;
+            std::vector<std::int32_t> extents = extentsOf(bounds, f);
             if (!object) raise("NilObjectException", "this array is nil");
-            if (upper < -1) raise("OutOfBoundsException", "an upper bound must be at least -1");
-            arrayResize(arrayOf(object.handle), upper + 1);
+            ArrayObject& resized = arrayOf(object.handle);
+            if (extents.size() == 1)
+                arrayResize(resized, extents[0]);
+            else
+                arrayResize(resized, extents);
             return Flow::Next;
         };
     }
     case StatementKind::AddHandler:
-        return addHandler(s);
+    case StatementKind::RemoveHandler:
+        return handlerStatement(s);
+    case StatementKind::Label: // block() takes them
+        return nullptr;
+    case StatementKind::Goto: {
+        for (auto scope = scopes_.rbegin(); scope != scopes_.rend(); ++scope)
+            if (auto found = scope->labels.find(folded(s.label)); found != scope->labels.end())
+                return [id = found->second](Frame& f) {
+                    f.target = id;
+                    return Flow::Goto;
+                };
+        throw SourceError(s.position, "there is no label '" + s.label + ":' in this block or around it");
+    }
     }
     return nullptr;
 }
 
 // ---- Dim -------------------------------------------------------------------------------------------------
+
+std::vector<Code> Compiler::upperBounds(const std::vector<ast::ExprPtr>& bounds, int rank,
+                                        Position position) {
+    if (int(bounds.size()) != rank)
+        throw SourceError(position, "expected " + std::to_string(rank) +
+                                        (rank == 1 ? " upper bound" : " upper bounds") + ", found " +
+                                        std::to_string(bounds.size()));
+    if (rank > kMostDimensions)
+        throw SourceError(position,
+                          "an array has at most " + std::to_string(kMostDimensions) + " dimensions");
+    std::vector<Code> result;
+    for (const ast::ExprPtr& bound : bounds)
+        result.push_back(valueAs(*bound, simpleType(Kind::Int32), "the upper bound").code);
+    return result;
+}
+
+std::vector<std::int32_t> Compiler::extentsOf(const std::vector<Code>& bounds, Frame& frame) {
+    std::vector<std::int32_t> result;
+    for (const Code& bound : bounds) {
+        std::int32_t upper = bound(frame).i32;
+        if (upper < -1) raise("OutOfBoundsException", "an upper bound must be at least -1");
+        result.push_back(upper + 1);
+    }
+    return result;
+}
+
+// What a variable holds before it is assigned to; null for the empty value.
+Code Compiler::emptyValue(const ast::Variable& v, const Type* type) {
+    if (type->kind == Kind::Array && type->rank > 1 && v.bounds.empty()) {
+        return [element = type->element, rank = type->rank](Frame&) {
+            return Bits::of(newArray(element, std::vector<std::int32_t>(std::size_t(rank), 0)));
+        };
+    }
+    if (type->kind == Kind::Array) {
+        if (v.bounds.empty())
+            return [element = type->element](Frame&) { return Bits::of(newArray(element)); };
+        return [bounds = upperBounds(v.bounds, type->rank, v.position), element = type->element](Frame& f) {
+            return Bits::of(newArray(element, extentsOf(bounds, f)));
+        };
+    }
+    if (type->kind == Kind::Object && type->cls->copy)
+        return [cls = type->cls](Frame&) { return Bits::of(newInstance(*cls)); };
+    return nullptr;
+}
 
 Action Compiler::dim(const ast::Statement& s) {
     std::vector<Action> actions;
@@ -170,13 +252,10 @@ Action Compiler::declare(const ast::Variable& v) {
     try {
         if (v.initial) {
             initial = valueAs(*v.initial, type, "'" + v.name + "'").code;
-        } else if (type->kind == Kind::Array) {
-            Code bound = [](Frame&) { return Bits::of(std::int32_t(-1)); };
-            if (v.bound) bound = valueAs(*v.bound, simpleType(Kind::Int32), "the upper bound").code;
-            initial = [bound, element = type->element](Frame& f) {
-                return Bits::of(newArray(element, bound(f).i32 + 1));
-            };
+        } else {
+            initial = emptyValue(v, type);
         }
+        if (v.length) throw SourceError(v.length->position, "only a Structure's String has a fixed length");
     } catch (const SourceError& error) {
         mistake = error;
     }
@@ -198,9 +277,13 @@ Action Compiler::declare(const ast::Variable& v) {
         initial = [](Frame&) { return Bits(); }; // on every iteration of a loop
     }
     if (Bits* address = variable.address) {
-        bool once = v.isStatic && type->isCounted();
-        return [initial, address, type, once](Frame& f) {
-            if (once && address->object) return Flow::Next;
+        bool* done = nullptr; // a Static variable takes its value when it is first reached
+        if (v.isStatic) {
+            program_.globals.push_back({"(once)", simpleType(Kind::Boolean), Bits()});
+            done = &program_.globals.back().bits.boolean;
+        }
+        return [initial, address, type, done](Frame& f) {
+            if (done && std::exchange(*done, true)) return Flow::Next;
             Bits bits = initial(f);
             release(type, std::exchange(*address, bits));
             return Flow::Next;
@@ -342,7 +425,7 @@ Action Compiler::forStatement(const ast::Statement& s) {
             type->kind == Kind::UInt64)
             throw SourceError(v.position,
                               "a loop can count in Integer, Int64, Single or Double, not in " + type->name);
-        Place counter = place(counterName);
+        Target counter = place(counterName);
         Code first = valueAs(*s.target, type, "the loop").code;
         Code last = valueAs(*s.value, type, "the loop").code;
         bool down = s.text == "downto";
@@ -366,8 +449,7 @@ Action Compiler::forStatement(const ast::Statement& s) {
                 arithmetic("-", literal(classes().literal(minus), s.position), std::move(by), s.position),
                 type, "");
         }
-        int id = nextLoop_++;
-        loops_.push_back({"for", id});
+        int id = openLoop("for", v.name);
         Action body = block(s.body);
         loops_.pop_back();
         auto make = [&](auto tag) {
@@ -390,8 +472,9 @@ Action Compiler::forEachStatement(const ast::Statement& s) {
     return scoped([&]() -> Action {
         const ast::Variable& v = s.variables[0];
         Operand array = value(*s.value);
-        if (array.type->kind != Kind::Array)
-            throw SourceError(s.value->position, "expected an array after 'In', found " + array.type->name);
+        if (array.type->kind != Kind::Array || array.type->rank > 1)
+            throw SourceError(s.value->position,
+                              "expected an array of one dimension after 'In', found " + array.type->name);
         const Type* type = v.type.name.empty() ? array.type->element : resolveType(v.type);
         if (conversionCost(array.type->element, type) < 0)
             throw SourceError(v.position,
@@ -403,10 +486,9 @@ Action Compiler::forEachStatement(const ast::Statement& s) {
         }
         Local element = *findVariable(v.name);
         ast::Expr elementName{ast::ExprKind::Name, v.position, v.name, 0, 0, nullptr, nullptr, {}, {}};
-        Place target = place(elementName);
+        Target target = place(elementName);
         Local held = declareLocal("(each)", s.position, array.type);
-        int id = nextLoop_++;
-        loops_.push_back({"for", id});
+        int id = openLoop("for", v.name);
         Action body = block(s.body);
         loops_.pop_back();
         return [code = array.code, from = array.type->element, type, store = target.store, slot = held.slot,
@@ -434,31 +516,41 @@ Action Compiler::whileStatement(const ast::Statement& s) {
         return [code](Frame& f) { return Bits::of(!code(f).boolean); };
     };
     Code before = test(s.value, s.text == "until"), after = test(s.loopCondition, s.suffix == "until");
-    int id = nextLoop_++;
-    loops_.push_back({s.kind == ast::StatementKind::While ? "while" : "do", id});
+    int id = openLoop(s.kind == ast::StatementKind::While ? "while" : "do", "");
     Action body = block(s.body);
     loops_.pop_back();
-    int firstLine = s.position.line;
-    int lastLine = s.loopCondition ? s.loopCondition->position.line : firstLine;
-    return [before, after, body, id, firstLine, lastLine, line = &program_.line](Frame& f) {
+    Place first{s.position.line, s.position.file}, last = first;
+    if (s.loopCondition) last.line = s.loopCondition->position.line;
+    return [before, after, body, id, first, last, at = &program_.at](Frame& f) {
         Flow flow = Flow::Next;
         for (;;) {
-            *line = firstLine;
+            *at = first;
             if (before && !before(f).boolean) break;
             flow = body(f);
             if (leaves(flow, f, id)) break;
-            *line = lastLine;
+            *at = last;
             if (after && !after(f).boolean) break;
         }
         return flow;
     };
 }
 
+int Compiler::openLoop(const std::string& kind, const std::string& variable) {
+    int id = nextLoop_++;
+    loops_.push_back({kind, id, variable, std::exchange(label_, "")});
+    return id;
+}
+
 Action Compiler::jump(const ast::Statement& s) {
     bool exits = s.kind == ast::StatementKind::Exit;
     if (exits && (s.text == "sub" || s.text == "function")) return [](Frame&) { return Flow::Return; };
-    auto loop = std::find_if(loops_.rbegin(), loops_.rend(),
-                             [&](const Loop& l) { return s.text.empty() || l.kind == s.text; });
+    auto loop = std::find_if(loops_.rbegin(), loops_.rend(), [&](const Loop& l) {
+        if (!s.text.empty() && l.kind != s.text) return false;
+        return s.label.empty() || sameName(l.variable, s.label) || sameName(l.label, s.label);
+    });
+    if (loop == loops_.rend() && !s.label.empty())
+        throw SourceError(s.position, "there is no loop '" + s.label + "' around this; expected a loop's " +
+                                          "variable or the label in the line above the loop");
     if (loop == loops_.rend())
         throw SourceError(s.position, std::string("there is no ") +
                                           (s.text.empty() ? "" : "'" + s.text + "' ") + "loop to " +
@@ -515,7 +607,7 @@ Action Compiler::tryStatement(const ast::Statement& s) {
     Action guarded = [body, handlers](Frame& f) {
         std::optional<Raised> caught;
         try {
-            return body(f);
+            return inMemory([&] { return body(f); });
         } catch (Raised& raised) {
             caught = std::move(raised);
         }
@@ -537,7 +629,7 @@ Action Compiler::tryStatement(const ast::Statement& s) {
         Flow flow;
         int target = 0;
         try {
-            flow = guarded(f);
+            flow = inMemory([&] { return guarded(f); });
             target = f.target;
         } catch (const Raised&) {
             if (Flow left = finally(f); left != Flow::Next) return left;
@@ -547,33 +639,6 @@ Action Compiler::tryStatement(const ast::Statement& s) {
         if (left != Flow::Next) return left;
         f.target = target;
         return flow;
-    };
-}
-
-Action Compiler::addHandler(const ast::Statement& s) {
-    Operand object = value(*s.target->a);
-    const std::string& event = s.target->text;
-    if (object.type->kind != Kind::Object)
-        throw SourceError(s.target->position, "expected an object with events, found " + object.type->name);
-    bool known = false;
-    for (const Class* c = object.type->cls; c; c = c->superclass)
-        for (const std::string& declaration : c->events) known |= sameName(declaration, event);
-    if (!known) throw SourceError(s.target->position, object.type->name + " has no event " + event);
-    if (s.value->kind != ast::ExprKind::AddressOf)
-        throw SourceError(s.value->position, "expected AddressOf and a Sub");
-    const Method* handler = nullptr;
-    for (const Method* function : classes().functionsNamed(s.value->text))
-        if (function->routine && !function->signature.result && function->signature.parameters.size() == 1 &&
-            conversionCost(object.type, function->signature.parameters[0].type) >= 0)
-            handler = function;
-    if (!handler)
-        throw SourceError(s.value->position, "expected a Sub declared as " + s.value->text + "(sender As " +
-                                                 object.type->name + ")");
-    return [code = object.code, event, handler](Frame& f) {
-        ObjectRef held(code(f).object);
-        if (!held) raise("NilObjectException", "the object whose event is to be handled is nil");
-        setHandler(held, event, handler);
-        return Flow::Next;
     };
 }
 

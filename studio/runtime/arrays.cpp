@@ -89,13 +89,82 @@ void finalizeArray(REALobject object) {
 
 bool isArray(REALobject object) { return object && classOf(object).arrayElement; }
 
-REALobject newArray(const Type* element, std::int32_t count) {
-    Class& cls = *classes().arrayOf(element)->cls;
+namespace {
+
+REALobject emptyArray(const Type* element, int rank) {
+    Class& cls = *classes().arrayOf(element, rank)->cls;
     cls.finalize = finalizeArray;
     ObjectRef object(heap().allocate(cls, sizeof(ArrayObject)));
     arrayOf(object).element = element;
+    arrayOf(object).rank = rank;
+    return object.release();
+}
+
+std::int32_t product(const std::vector<std::int32_t>& extents) {
+    std::int64_t count = 1;
+    for (std::int32_t extent : extents) {
+        if (extent < 0) raise("OutOfBoundsException", "an upper bound must be at least -1");
+        count *= extent;
+        if (count > INT32_MAX / 8) raise("OutOfMemoryException", "There is no memory for the array.");
+    }
+    return std::int32_t(count);
+}
+
+} // namespace
+
+REALobject newArray(const Type* element, std::int32_t count) {
+    ObjectRef object(emptyArray(element, 1));
     arrayResize(arrayOf(object), std::max(count, 0));
     return object.release();
+}
+
+REALobject newArray(const Type* element, const std::vector<std::int32_t>& extents) {
+    if (extents.size() == 1) return newArray(element, extents[0]);
+    ObjectRef object(emptyArray(element, int(extents.size())));
+    ArrayObject& array = arrayOf(object);
+    arrayResize(array, product(extents));
+    std::copy(extents.begin(), extents.end(), array.extents);
+    return object.release();
+}
+
+std::int32_t arrayExtent(const ArrayObject& array, std::int32_t dimension) {
+    if (dimension < 1 || dimension > array.rank)
+        raise("OutOfBoundsException", "the array has no dimension " + std::to_string(dimension));
+    return array.rank == 1 ? array.count : array.extents[dimension - 1];
+}
+
+std::int32_t arrayOffset(const ArrayObject& array, const std::int32_t* indices) {
+    std::int32_t offset = 0;
+    for (std::int32_t i = 0; i < array.rank; ++i) {
+        if (indices[i] < 0 || indices[i] >= array.extents[i])
+            raise("OutOfBoundsException", "index " + std::to_string(indices[i]) + " of dimension " +
+                                              std::to_string(i + 1) + " is outside 0 to " +
+                                              std::to_string(array.extents[i] - 1));
+        offset = offset * array.extents[i] + indices[i];
+    }
+    return offset;
+}
+
+void arrayResize(ArrayObject& array, const std::vector<std::int32_t>& extents) {
+    ObjectRef resized(newArray(array.element, extents));
+    ArrayObject& to = arrayOf(resized);
+    std::int32_t at[kMostDimensions] = {};
+    for (std::int32_t n = 0; n < array.count; ++n) {
+        bool fits = true;
+        std::int32_t rest = n;
+        for (int i = array.rank - 1; i >= 0; --i) {
+            at[i] = rest % array.extents[i];
+            rest /= array.extents[i];
+            fits &= at[i] < to.extents[i];
+        }
+        if (fits) arraySet(to, arrayOffset(to, at), arrayGet(array, n));
+    }
+    std::swap(array.data, to.data);
+    std::swap(array.count, to.count);
+    std::swap(array.capacity, to.capacity);
+    std::swap(array.extents, to.extents);
+    showStorage(array);
+    showStorage(to);
 }
 
 Bits arrayGet(ArrayObject& array, std::int32_t index) {
@@ -190,12 +259,79 @@ std::int32_t arrayIndexOf(ArrayObject& array, Bits value, std::int32_t from) {
     return -1;
 }
 
-void arraySort(ArrayObject& array) {
+namespace {
+
+std::vector<Bits> elementsOf(const ArrayObject& array) {
     std::vector<Bits> values;
     for (std::int32_t i = 0; i < array.count; ++i) values.push_back(load(array, i));
+    return values;
+}
+
+// Merge sort: it stays within its bounds whatever a comparison written in a program answers.
+void mergeSort(std::vector<std::int32_t>& order,
+               const std::function<bool(std::int32_t, std::int32_t)>& before) {
+    std::vector<std::int32_t> merged(order.size());
+    for (std::size_t width = 1; width < order.size(); width *= 2) {
+        for (std::size_t low = 0; low < order.size(); low += 2 * width) {
+            std::size_t middle = std::min(low + width, order.size()),
+                        high = std::min(low + 2 * width, order.size());
+            for (std::size_t a = low, b = middle, to = low; to < high; ++to)
+                merged[to] =
+                    b >= high || (a < middle && !before(order[b], order[a])) ? order[a++] : order[b++];
+        }
+        order.swap(merged);
+    }
+}
+
+void arrange(ArrayObject& array, const std::vector<std::int32_t>& order) {
+    std::vector<Bits> values = elementsOf(array);
+    for (std::int32_t i = 0; i < array.count; ++i)
+        store(array, i, values[std::size_t(order[std::size_t(i)])]);
+}
+
+// Holds the elements meanwhile: a comparison written in a program may drop them.
+std::vector<std::int32_t> sortedOrder(const ArrayObject& array, const Comparison& compare) {
+    struct Elements {
+        const Type* type;
+        std::vector<Bits> values;
+        ~Elements() {
+            for (Bits value : values) release(type, value);
+        }
+    } held{array.element, elementsOf(array)};
+    for (Bits value : held.values) retain(array.element, value);
+    std::vector<std::int32_t> order(held.values.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = std::int32_t(i);
+    mergeSort(order, [&](std::int32_t a, std::int32_t b) {
+        return compare(held.values[std::size_t(a)], held.values[std::size_t(b)]) < 0;
+    });
+    return order;
+}
+
+} // namespace
+
+void arraySort(ArrayObject& array) {
+    std::vector<Bits> values = elementsOf(array);
     std::stable_sort(values.begin(), values.end(),
                      [&](Bits a, Bits b) { return compareValues(array.element, a, b) < 0; });
     for (std::int32_t i = 0; i < array.count; ++i) store(array, i, values[std::size_t(i)]);
+}
+
+void arraySort(ArrayObject& array, const Comparison& compare) {
+    std::int32_t count = array.count;
+    std::vector<std::int32_t> order = sortedOrder(array, compare);
+    if (array.count != count)
+        raise("UnsupportedOperationException", "the array was changed while it was sorted");
+    arrange(array, order);
+}
+
+void arraySortWith(ArrayObject& array, const std::vector<ArrayObject*>& others) {
+    for (ArrayObject* other : others)
+        if (other->count != array.count)
+            raise("OutOfBoundsException", "the arrays to sort together differ in length");
+    std::vector<std::int32_t> order =
+        sortedOrder(array, [&](Bits a, Bits b) { return compareValues(array.element, a, b); });
+    arrange(array, order);
+    for (ArrayObject* other : others) arrange(*other, order);
 }
 
 } // namespace studio

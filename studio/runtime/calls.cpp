@@ -293,8 +293,7 @@ namespace {
 
 void serveClosure(ffi_cif*, void* result, void** values, void* user) {
     const CallPlan& plan = *static_cast<CallPlan*>(user);
-    Bits bits;
-    try {
+    Bits bits = leavingPending([&] {
         std::size_t at = 0;
         bool sound = true;
         REALobject self = nullptr;
@@ -310,13 +309,12 @@ void serveClosure(ffi_cif*, void* result, void** values, void* user) {
             if (type->kind == Kind::String) sound &= heap().check(arguments[i].string, plan.name);
             if (type->isObject()) sound &= heap().check(arguments[i].object, plan.name);
         }
+        Bits bits;
         if (sound) bits = callFunction(plan, plan.function, self, arguments.data());
         if (plan.result && plan.result->kind == Kind::String) heap().handOut(bits.string);
         if (plan.result && plan.result->isObject()) heap().handOut(bits.object);
-    } catch (const Raised& raised) {
-        leavePending(raised);
-        bits = Bits();
-    }
+        return bits;
+    });
     if (!plan.result) return;
     ffi_type* type = ffiType(plan.result);
     if (type->size < sizeof(ffi_arg)) {
@@ -370,8 +368,9 @@ int callCost(const Signature& signature, const std::vector<const Type*>& argumen
         if (cost < 0 || (p.byRef && arguments[i] != type)) return -1;
         total += cost + (open && i >= fixed ? 1 : 0);
     }
-    // Of two equally good fits, the one that needs fewer defaults wins.
-    return total * 8 + int(std::min<std::size_t>(7, fixed > arguments.size() ? fixed - arguments.size() : 0));
+    // Of two equally good fits, the one that needs fewer defaults wins; a ParamArray counts as one.
+    std::size_t defaults = (fixed > arguments.size() ? fixed - arguments.size() : 0) + open;
+    return total * 8 + int(std::min<std::size_t>(7, defaults));
 }
 
 } // namespace

@@ -23,24 +23,36 @@ Class* ClassTable::named(std::string_view name) {
 }
 
 Class* ClassTable::find(std::string_view name) const {
-    auto found = classes_.find(folded(name));
+    std::string key = folded(name);
+    if (auto other = aliases_.find(key); other != aliases_.end()) return other->second->cls;
+    auto found = classes_.find(key);
     return found != classes_.end() && found->second->isDefined() ? found->second.get() : nullptr;
 }
 
-const Type* ClassTable::arrayOf(const Type* element) {
-    auto& slot = arrayTypes_[element];
+const Type* ClassTable::arrayOf(const Type* element, int rank) {
+    auto& slot = arrayTypes_[{element, rank}];
     if (!slot) {
-        slot = std::make_unique<Type>(Type{Kind::Array, element->name + "()", nullptr, element});
+        std::string dimensions = "(" + std::string(std::size_t(rank - 1), ',') + ")";
+        slot = std::make_unique<Type>(Type{Kind::Array, element->name + dimensions, nullptr, element, rank});
         // An array is an object, too. Its class has the type's name, and only the heap uses it.
         Class* cls = named(slot->name);
         cls->origin = Origin::Framework;
         cls->superclass = root_;
         cls->instanceSize = sizeof(ArrayObject);
         cls->arrayElement = element;
+        cls->arrayRank = rank;
         slot->cls = cls;
     }
     return slot.get();
 }
+
+void ClassTable::makeEnumeration(Class& cls, Kind kind) {
+    auto& type = enumerationTypes_[&cls];
+    type = std::make_unique<Type>(Type{kind, cls.name, &cls});
+    cls.type = type.get();
+}
+
+void ClassTable::alias(std::string_view name, const Type* type) { aliases_[folded(name)] = type; }
 
 void ClassTable::define(Class& cls, Origin origin, Class* superclass, std::int32_t dataSize) {
     cls.origin = origin;

@@ -2,14 +2,18 @@
 #include "runtime/class_table.h"
 #include "runtime/variants.h"
 #include "syntax/ast.h"
+#include "syntax/names.h"
 #include "syntax/parser.h"
 
 namespace studio {
 
 const Type* ClassTable::typeNamed(const ast::TypeName& name) {
     const Type* type = simpleTypeNamed(name.name);
-    if (!type) type = named(name.name)->type;
-    return name.array ? arrayOf(type) : type;
+    if (!type) {
+        auto other = aliases_.find(folded(name.name));
+        type = other != aliases_.end() ? other->second : named(name.name)->type;
+    }
+    return name.rank ? arrayOf(type, name.rank) : type;
 }
 
 const Type* ClassTable::typeNamed(std::string_view text) { return typeNamed(parseTypeName(text)); }

@@ -7,6 +7,13 @@
 
 namespace studio {
 
+namespace {
+
+constexpr std::string_view kOutOfMemory = "OutOfMemoryException";
+constexpr std::string_view kNoMemory = "There is not enough memory.";
+
+} // namespace
+
 REALobject makeException(std::string_view className, std::string_view message) {
     REALobject object = newInstance(className);
     const Property* property = classOf(object).property("Message");
@@ -22,12 +29,33 @@ std::string exceptionMessage(REALobject exception) {
 }
 
 void raise(Value exception) {
-    if (runtime().noteRaised) runtime().noteRaised(exception.object());
+    try {
+        if (runtime().noteRaised) runtime().noteRaised(exception.object());
+    } catch (const std::bad_alloc&) { // then it goes without its places
+    }
     throw Raised{std::move(exception)};
 }
 
 void raise(std::string_view className, std::string_view message) {
     raise(Value::adopt(makeException(className, message)));
+}
+
+void raiseOutOfMemory() {
+    REALobject exception = nullptr;
+    try {
+        exception = makeException(kOutOfMemory, kNoMemory);
+    } catch (const std::bad_alloc&) {
+        exception = Heap::retain(runtime().outOfMemory);
+    }
+    raise(Value::adopt(exception));
+}
+
+void prepareForNoMemory() {
+    REALobject spare = makeException(kOutOfMemory, kNoMemory);
+    header(spare).flags |= ObjectHeader::kPermanent;
+    StringRef message(readProperty(*classOf(spare).property("Message"), spare).string);
+    StringCell::of(message).permanent = true;
+    runtime().outOfMemory = spare;
 }
 
 void throwPending() {

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <utility>
 
 namespace studio {
 
@@ -22,10 +23,22 @@ Heap::~Heap() {
     for (auto& [handle, freed] : graveyard_) std::free(freed.memory);
 }
 
+void Heap::beAlive(const void* handle, bool isString, void* memory) {
+    try {
+        alive_.emplace(handle, isString);
+    } catch (const std::bad_alloc&) {
+        std::free(memory);
+        throw;
+    }
+}
+
 // ---- strings ---------------------------------------------------------------------------------------------
 
 StringCell* Heap::makeCell(std::string_view bytes, std::uint32_t encoding) {
+    // Lengths are signed 32-bit numbers in the language.
+    if (bytes.size() > INT32_MAX - sizeof(StringCell) - 3) throw std::bad_alloc();
     auto* cell = static_cast<StringCell*>(std::malloc(sizeof(StringCell) + 1 + bytes.size() + 2));
+    if (!cell) throw std::bad_alloc();
     cell->hostReferences = 1;
     cell->pluginReferences = 0;
     cell->encoding = encoding;
@@ -36,7 +49,7 @@ StringCell* Heap::makeCell(std::string_view bytes, std::uint32_t encoding) {
     std::memcpy(cell->buffer + 1, bytes.data(), bytes.size());
     std::memset(cell->buffer + 1 + bytes.size(), 0, 2);
     arrangeFace(*cell);
-    alive_.emplace(&cell->face, true);
+    beAlive(&cell->face, true, cell);
     return cell;
 }
 
@@ -74,40 +87,84 @@ void Heap::setEncoding(REALstring string, std::uint32_t encoding) {
 }
 
 void Heap::freeString(StringCell& cell) {
-    std::string what = "string \"" + std::string(cell.text().substr(0, 40)) + "\"";
-    bury(&cell.face, std::move(what), &cell, sizeof(StringCell) + 1 + cell.length + 2);
+    bury(
+        &cell.face, [&] { return "string \"" + std::string(cell.text().substr(0, 40)) + "\""; }, &cell,
+        sizeof(StringCell) + 1 + cell.length + 2);
 }
 
 // ---- objects ---------------------------------------------------------------------------------------------
 
 REALobject Heap::allocate(Class& cls, std::int32_t size) {
     auto* object = static_cast<REALobject>(std::calloc(1, std::size_t(size)));
-    if (!object) return nullptr;
+    if (!object) throw std::bad_alloc();
     header(object).cls = &cls;
     header(object).hostReferences = 1;
-    alive_.emplace(object, false);
+    beAlive(object, false, object);
     return object;
 }
 
+WeakCell* Heap::weakReference(REALobject object) {
+    if (!object) return nullptr;
+    WeakCell*& cell = header(object).weak;
+    if (!cell) cell = new WeakCell{object, 1}; // the object's own reference
+    ++cell->references;
+    return cell;
+}
+
+// An object may hold the last reference to another, and so on: a list of any length must not use up the
+// stack.
 void Heap::destroy(REALobject object) {
+    constexpr int kDeepest = 100;
     ObjectHeader& head = header(object);
-    if (head.flags & ObjectHeader::kDying) return; // its own destructor retained and released it
+    // Its own destructor retained and released it, or it waits already.
+    if (head.flags & (ObjectHeader::kDying | ObjectHeader::kWaiting)) return;
+    if (destroying_ == kDeepest) {
+        head.flags |= ObjectHeader::kWaiting;
+        head.nextWaiting = std::exchange(waiting_, object);
+        return;
+    }
+    ++destroying_;
+    finalizeAndBury(object);
+    while (destroying_ == kDeepest && waiting_) {
+        REALobject next = waiting_;
+        waiting_ = std::exchange(header(next).nextWaiting, nullptr);
+        header(next).flags &= ~ObjectHeader::kWaiting;
+        // A plugin may have found and locked it meanwhile.
+        if (header(next).hostReferences + header(next).pluginReferences == 0) finalizeAndBury(next);
+    }
+    --destroying_;
+}
+
+void Heap::finalizeAndBury(REALobject object) {
+    ObjectHeader& head = header(object);
     head.flags |= ObjectHeader::kDying;
-    std::int32_t size = head.cls->instanceSize;
-    std::string name = head.cls->name;
+    if (WeakCell* cell = std::exchange(head.weak, nullptr)) {
+        cell->object = nullptr;
+        release(cell);
+    }
     finalizeInstance(object);
     if (head.hostReferences + head.pluginReferences > 0)
-        violation(name + " was locked by its own destructor, but destroyed all the same");
-    bury(object, std::move(name), object, std::size_t(size));
+        violation(head.cls->name + " was locked by its own destructor, but destroyed all the same");
+    const Class& cls = *head.cls; // the header is overwritten
+    bury(
+        object, [&] { return cls.name; }, object, std::size_t(cls.instanceSize));
 }
 
 // ---- burying ---------------------------------------------------------------------------------------------
 
-void Heap::bury(const void* handle, std::string what, void* memory, std::size_t size) {
+template <class Describe>
+void Heap::bury(const void* handle, Describe describe, void* memory, std::size_t size) {
     alive_.erase(handle);
+    try {
+        std::string& what = buried_[handle];
+        what = describe();
+        graveyard_.push_back({handle, {memory, size}});
+    } catch (const std::bad_alloc&) { // late uses of this one go unseen
+        buried_.erase(handle);
+        std::free(memory);
+        return;
+    }
     std::memset(memory, kPoison, size);
-    buried_[handle] = std::move(what);
-    graveyard_.push_back({handle, {memory, size}});
     graveyardBytes_ += size;
     while (graveyardBytes_ > kGraveyardBytes || graveyard_.size() > kGraveyardEntries) {
         auto [oldest, freed] = graveyard_.front();
@@ -267,7 +324,9 @@ Report Heap::report() const {
                 add("String", cell.hostReferences - cell.permanent, cell.pluginReferences);
         } else {
             const ObjectHeader& head = header(REALobject(handle));
-            add(head.cls->name, head.hostReferences, head.pluginReferences);
+            bool permanent = head.flags & ObjectHeader::kPermanent;
+            if (head.hostReferences + head.pluginReferences > permanent || !permanent)
+                add(head.cls->name, head.hostReferences - permanent, head.pluginReferences);
         }
     }
     for (std::size_t i = 0; i < lent_.size(); ++i) add("string data", 0, 1);

@@ -49,8 +49,11 @@ Signature Method::setterSignature() const {
 std::string Method::fullName() const { return owner ? owner->name + "." + signature.name : signature.name; }
 
 bool Class::isA(const Class* ancestor) const {
-    for (const Class* c = this; c; c = c->superclass)
+    for (const Class* c = this; c; c = c->superclass) {
         if (c == ancestor) return true;
+        for (const Class* interface : c->interfaces)
+            if (interface->isA(ancestor)) return true;
+    }
     return false;
 }
 

@@ -20,7 +20,6 @@ void construct(const Class& cls, REALobject object) {
 REALobject newInstance(Class& cls) {
     if (!cls.isDefined()) return nullptr;
     ObjectRef object(heap().allocate(cls, cls.instanceSize));
-    if (!object) raise("OutOfMemoryException", "There is no memory for a " + cls.name + ".");
     construct(cls, object);
     return object.release();
 }
@@ -34,16 +33,14 @@ REALobject newInstance(std::string_view className) {
 void finalizeInstance(REALobject object) {
     Class& cls = classOf(object);
     for (Class* c = &cls; c; c = c->superclass) {
-        try {
+        leavingPending([&] {
             for (auto& method : c->methods)
                 if (sameName(method->signature.name, "Destructor") && method->signature.parameters.empty())
                     release(method->signature.result ? method->signature.result : simpleType(Kind::Void),
                             invoke(*method, object, nullptr));
             if (c->finalize) c->finalize(object);
             if (c->destructor) callHook(c->destructor, object, c->name, c->origin);
-        } catch (const Raised& raised) {
-            leavePending(raised);
-        }
+        });
     }
 }
 
@@ -59,7 +56,7 @@ const Property* findProperty(REALobject object, std::string_view name) {
     return classes().named("Variant")->property(name);
 }
 
-void setHandler(REALobject object, std::string_view event, const Method* handler) {
+void setHandler(REALobject object, std::string_view event, REALobject handler) {
     for (const Class* c = &classOf(object); c; c = c->superclass)
         for (const std::string& declared : c->events)
             if (c->setHandler && sameName(declared, event)) return c->setHandler(object, event, handler);

@@ -17,7 +17,10 @@ Runtime::Runtime(std::optional<double> version) : toldVersion(version), heap(ver
     current = this;
 }
 
-Runtime::~Runtime() { current = nullptr; }
+Runtime::~Runtime() {
+    heap.release(outOfMemory);
+    current = nullptr;
+}
 
 Runtime& runtime() {
     if (!current) throw UsageError("there is no host");
@@ -25,6 +28,7 @@ Runtime& runtime() {
 }
 
 void Runtime::yield() {
+    if (yieldThread && yieldThread()) return;
     if (std::exchange(yielding_, true)) return;
     struct Done {
         bool& yielding;

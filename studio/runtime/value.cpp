@@ -14,7 +14,7 @@ Value::Value(std::string_view utf8) : type_(simpleType(Kind::String)), bits_(Bit
 Value Value::adopt(REALobject object) {
     if (!object) return {};
     const Class& cls = classOf(object);
-    if (cls.arrayElement) return Value(classes().arrayOf(cls.arrayElement), Bits::of(object));
+    if (cls.arrayElement) return Value(classes().arrayOf(cls.arrayElement, cls.arrayRank), Bits::of(object));
     if (sameName(cls.name, "Variant")) return Value(simpleType(Kind::Variant), Bits::of(object));
     return Value(cls.type, Bits::of(object));
 }

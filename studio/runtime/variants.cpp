@@ -1,6 +1,7 @@
 #include "runtime/variants.h"
 
 #include "runtime/arrays.h"
+#include "runtime/calls.h"
 #include "runtime/exceptions.h"
 #include "runtime/objects.h"
 #include "runtime/references.h"
@@ -185,7 +186,7 @@ Bits unboxVariant(REALobject variant, const Type* to) {
         if (!isArray(variant) && classOf(variant).isA(to->cls)) return Bits::of(Heap::retain(variant));
         break;
     case Kind::Array:
-        if (isArray(variant) &&
+        if (isArray(variant) && arrayOf(variant).rank == to->rank &&
             (arrayOf(variant).element == to->element ||
              (arrayOf(variant).element->kind == Kind::Variant && to->element->isObject())))
             return Bits::of(Heap::retain(variant));
@@ -223,11 +224,50 @@ bool variantsEqual(REALobject a, REALobject b) {
 
 // ---- conversions -----------------------------------------------------------------------------------------
 
+namespace {
+
+constexpr int kOperatorCost = 14;
+
+bool isPlainNumber(const Type* from, const Type* to) { return from->isNumber() && to->isNumber(); }
+
+// `Function Operator_Convert() As T` of the class of `from`.
+const Method* converterTo(const Class* from, const Type* to) {
+    const Method* found = nullptr;
+    for (const Method* m : from->methodsNamed("Operator_Convert")) {
+        if (!m->signature.parameters.empty() || !m->signature.result) continue;
+        if (m->signature.result == to) return m;
+        if (isPlainNumber(m->signature.result, to)) found = m;
+    }
+    return found;
+}
+
+// `Sub Operator_Convert(value As T)` of the class of `to`.
+const Method* converterFrom(const Type* from, const Class* to) {
+    const Method* found = nullptr;
+    for (const Method* m : to->methodsNamed("Operator_Convert")) {
+        if (m->signature.parameters.size() != 1 || m->signature.result) continue;
+        const Type* type = m->signature.parameters[0].type;
+        if (type == from) return m;
+        if (isPlainNumber(from, type)) found = m;
+    }
+    return found;
+}
+
+bool sameDelegate(const Class* a, const Class* b) {
+    if (!a->delegate || !b->delegate) return false;
+    Signature x = *a->delegate, y = *b->delegate;
+    x.name = y.name;
+    return sameSignature(x, y);
+}
+
+} // namespace
+
 int conversionCost(const Type* from, const Type* to) {
     if (from == to) return 0;
     if (to->kind == Kind::Variant) return from->kind == Kind::Void ? -1 : from->kind == Kind::Nil ? 2 : 12;
     if (from->kind == Kind::Variant) return to->kind == Kind::Void ? -1 : 10;
     if (from->kind == Kind::Nil) return to->isObject() ? 1 : -1;
+    if (from->isEnumeration() || to->isEnumeration()) return -1;
     if (from->isNumber() && to->isNumber()) {
         bool fromReal = from->kind >= Kind::Single, toReal = to->kind >= Kind::Single;
         if (fromReal && toReal) return from->kind == Kind::Single ? 1 : 2;
@@ -239,8 +279,11 @@ int conversionCost(const Type* from, const Type* to) {
         int distance = 0;
         for (const Class* c = from->cls; c; c = c->superclass, ++distance)
             if (c == to->cls) return distance;
-        return -1;
+        if (from->cls->isA(to->cls)) return distance;
+        if (sameDelegate(from->cls, to->cls)) return 1;
     }
+    if (from->kind == Kind::Object && converterTo(from->cls, to)) return kOperatorCost;
+    if (to->kind == Kind::Object && converterFrom(from, to->cls)) return kOperatorCost;
     if (from->kind == Kind::Object && from->cls->toString && to->kind == Kind::String) return 11;
     if (from->kind == Kind::String && to->kind == Kind::Object && to->cls->fromString) return 11;
     return -1;
@@ -253,7 +296,24 @@ Bits convert(const Type* from, const Type* to, Bits bits) {
         ObjectRef variant(bits.object);
         return unboxVariant(variant, to);
     }
-    if (from->kind == Kind::Nil || (from->kind == Kind::Object && to->kind == Kind::Object)) return bits;
+    if (from->kind == Kind::Nil) return bits;
+    bool objects = from->kind == Kind::Object && to->kind == Kind::Object;
+    if (objects && (from->cls->isA(to->cls) || sameDelegate(from->cls, to->cls))) return bits;
+    if (from->kind == Kind::Object && converterTo(from->cls, to)) {
+        ObjectRef object(bits.object);
+        if (!object) raise("NilObjectException", "this " + from->name + " is nil and has no " + to->name);
+        const Method* m = converterTo(&classOf(object), to);
+        return convert(m->signature.result, to, invoke(*m, object, nullptr));
+    }
+    if (to->kind == Kind::Object)
+        if (const Method* m = converterFrom(from, to->cls)) {
+            const Type* type = m->signature.parameters[0].type;
+            Held value(type, convert(from, type, bits));
+            ObjectRef object(newInstance(*to->cls));
+            invoke(*m, object, &value.bits);
+            return Bits::of(object.release());
+        }
+    if (objects) return bits;
     if (from->kind == Kind::String) {
         StringRef text(bits.string);
         return Bits::of(to->cls->fromString(text));

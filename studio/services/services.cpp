@@ -36,28 +36,23 @@ void describe(ServiceCall& call, Argument argument) {
     }
 }
 
-// Bodies may throw the language's exceptions; a plugin's frame must never see one.
+// Bodies may throw; a plugin's frame must never see it.
 template <auto body>
 struct Guarded;
 template <class R, class... A, R (*body)(A...)>
 struct Guarded<body> {
     static R call(A... arguments) {
-        Services& services = Services::current();
-        auto* self = reinterpret_cast<void*>(&call);
-        if (services.logs()) {
-            ServiceCall noted;
-            (describe(noted, arguments), ...);
-            services.note(self, std::move(noted));
-        }
-        if (services.strikes(self)) return R();
-        try {
+        return leavingPending([&]() -> R {
+            Services& services = Services::current();
+            auto* self = reinterpret_cast<void*>(&call);
+            if (services.logs()) {
+                ServiceCall noted;
+                (describe(noted, arguments), ...);
+                services.note(self, std::move(noted));
+            }
+            if (services.strikes(self)) return R();
             return body(arguments...);
-        } catch (const Raised& raised) {
-            leavePending(raised);
-        } catch (const QuitRequest& request) {
-            runtime().quit = request.code;
-        }
-        return R();
+        });
     }
 };
 

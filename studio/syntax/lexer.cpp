@@ -25,11 +25,22 @@ namespace {
 bool startsName(unsigned char c) { return std::isalpha(c) || c == '_' || c >= 0x80; }
 bool continuesName(unsigned char c) { return startsName(c) || std::isdigit(c); }
 
+std::string utf8(char32_t code) {
+    if (code < 0x80) return {char(code)};
+    std::string result;
+    int more = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+    result += char((0xF0 << (3 - more) & 0xFF) | code >> (6 * more));
+    while (more-- > 0) result += char(0x80 | (code >> (6 * more) & 0x3F));
+    return result;
+}
+
 class Lexer {
   public:
-    explicit Lexer(std::string_view source) : source_(source) {}
+    Lexer(std::string_view source, int file) : source_(source), file_(file) {}
 
     std::vector<Token> run() {
+        if (source_.starts_with("\xEF\xBB\xBF")) index_ = lineStart_ = 3;
+        if (source_.substr(index_).starts_with("#!")) skipToEndOfLine();
         while (skipBlanks()) next();
         if (!tokens_.empty() && tokens_.back().kind != TokenKind::EndOfLine) add(TokenKind::EndOfLine, "");
         add(TokenKind::End, "");
@@ -40,7 +51,7 @@ class Lexer {
     char at(std::size_t ahead = 0) const {
         return index_ + ahead < source_.size() ? source_[index_ + ahead] : '\0';
     }
-    Position here() const { return {line_, int(index_ - lineStart_) + 1}; }
+    Position here() const { return {line_, int(index_ - lineStart_) + 1, file_}; }
 
     Token& add(TokenKind kind, std::string text) {
         Token token;
@@ -52,6 +63,10 @@ class Lexer {
             !tokens_.empty() && tokens_.back().kind == TokenKind::Symbol && tokens_.back().text == ".";
         tokens_.push_back(std::move(token));
         return tokens_.back();
+    }
+
+    void skipToEndOfLine() {
+        while (index_ < source_.size() && at() != '\n') ++index_;
     }
 
     void newLine() {
@@ -86,7 +101,7 @@ class Lexer {
             if (c == ' ' || c == '\t' || c == '\r') {
                 ++index_;
             } else if (c == '\'' || (c == '/' && at(1) == '/') || (!afterDot && isRem())) {
-                while (index_ < source_.size() && at() != '\n') ++index_;
+                skipToEndOfLine();
             } else if (!(c == '_' && !continuesName(at(1)) && skipContinuation())) {
                 break;
             }
@@ -161,11 +176,14 @@ class Lexer {
         add(TokenKind::String, std::move(text));
     }
 
-    // &hFF, &o17, &b101 and the colour &cRRGGBB or &cRRGGBBAA.
+    // &hFF, &o17, &b101, the character &u20AC, and the colour &cRRGGBB or &cRRGGBBAA.
     void prefixedNumber() {
         char letter = char(std::tolower((unsigned char)at(1)));
-        int base = letter == 'h' || letter == 'c' ? 16 : letter == 'o' ? 8 : letter == 'b' ? 2 : 0;
-        if (!base) throw SourceError(start_, "expected &h, &o, &b or &c");
+        int base = letter == 'h' || letter == 'c' || letter == 'u' ? 16
+                   : letter == 'o'                                 ? 8
+                   : letter == 'b'                                 ? 2
+                                                                   : 0;
+        if (!base) throw SourceError(start_, "expected &h, &o, &b, &u or &c");
         std::size_t begin = index_;
         index_ += 2;
         while (std::isalnum((unsigned char)at())) ++index_;
@@ -173,6 +191,10 @@ class Lexer {
         char* end = nullptr;
         std::uint64_t value = std::strtoull(text.c_str() + 2, &end, base);
         if (text.size() == 2 || *end) throw SourceError(start_, "'" + text + "' is not a number");
+        if (letter == 'u') {
+            add(TokenKind::String, utf8(char32_t(value)));
+            return;
+        }
         if (letter == 'c') {
             std::size_t digits = text.size() - 2;
             if (digits != 6 && digits != 8)
@@ -202,6 +224,7 @@ class Lexer {
     }
 
     std::string_view source_;
+    int file_;
     std::size_t index_ = 0, lineStart_ = 0;
     int line_ = 1;
     Position start_;
@@ -211,6 +234,6 @@ class Lexer {
 
 } // namespace
 
-std::vector<Token> tokenize(std::string_view source) { return Lexer(source).run(); }
+std::vector<Token> tokenize(std::string_view source, int file) { return Lexer(source, file).run(); }
 
 } // namespace studio

@@ -24,6 +24,7 @@ struct Token {
     std::string describe() const; // for messages: "'Then'", "the end of the line"
 };
 
-std::vector<Token> tokenize(std::string_view source);
+// A byte order mark and a first line that begins with `#!` are skipped. `file` is noted in the positions.
+std::vector<Token> tokenize(std::string_view source, int file = 0);
 
 } // namespace studio

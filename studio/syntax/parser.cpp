@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <filesystem>
 
 namespace studio {
 
@@ -29,19 +30,23 @@ bool isReserved(std::string_view name) {
 
 class Parser {
   public:
-    explicit Parser(std::string_view source) : tokens_(tokenize(source)) {}
+    Parser(std::string_view source, Surroundings& surroundings)
+        : tokens_(tokenize(source)), surroundings_(surroundings), constants_(surroundings.constants) {}
 
     Program program() {
-        Program result;
         for (skipLines(); !atEnd(); skipLines()) {
+            std::size_t begin = index_;
+            acceptAccess();
             if (atWord("sub") || atWord("function"))
-                result.routines.push_back(routine());
-            else if (atWord("class") || atWord("module"))
-                result.classes.push_back(classDeclaration());
-            else
-                statementInto(result.statements);
+                program_.routines.push_back(routine());
+            else if (!declaration("")) {
+                index_ = begin;
+                statementInto(program_.statements);
+            }
         }
-        return result;
+        if (!conditions_.empty())
+            fail("'#EndIf' for the '#If' in line " + std::to_string(conditions_.back().line));
+        return std::move(program_);
     }
 
     Signature wholeSignature() {
@@ -94,6 +99,30 @@ class Parser {
         take();
         return true;
     }
+    // Parsing, compiling and running go as deep as the text is nested, and the stack is finite.
+    class Nested {
+      public:
+        explicit Nested(Parser& parser) : parser_(parser) {
+            constexpr int kDeepest = 500;
+            if (parser.nesting_ == kDeepest) throw SourceError(parser.here(), "this is nested too deeply");
+            ++parser.nesting_;
+        }
+        ~Nested() { --parser_.nesting_; }
+        Nested(const Nested&) = delete;
+
+      private:
+        Parser& parser_;
+    };
+    // Likewise for operators, calls and dots in a row, each of which has all that precede it as its operand.
+    ExprPtr over(ExprPtr e) const {
+        constexpr int kHighest = 20000;
+        if (e->a) e->height = e->a->height + 1;
+        if (e->b) e->height = std::max(e->height, e->b->height + 1);
+        for (const ExprPtr& argument : e->arguments) e->height = std::max(e->height, argument->height + 1);
+        if (e->height > kHighest) throw SourceError(e->position, "this expression is too long");
+        return e;
+    }
+
     [[noreturn]] void fail(const std::string& expected) const {
         throw SourceError(here(), "expected " + expected + ", found " + peek().describe());
     }
@@ -120,8 +149,16 @@ class Parser {
         if (!atEndOfLine()) fail("the end of the line");
         if (!atEnd()) take();
     }
+    // To the next line that has something on it; follows the directives on the way.
     void skipLines() {
-        while (peek().kind == TokenKind::EndOfLine) take();
+        for (;;) {
+            while (peek().kind == TokenKind::EndOfLine) take();
+            if (!atSymbol("#")) return;
+            directive();
+        }
+    }
+    void skipLine() {
+        while (!atEndOfLine()) take();
     }
     bool atEndOf(std::string_view word) const { return atWord("end") && atWord(word, 1); }
     // "End If"; the message gives the line where the block began.
@@ -140,18 +177,25 @@ class Parser {
         type.position = here();
         type.name = expectName("a type");
         while (acceptSymbol(".")) type.name += "." + expectName("a type");
-        if (atSymbol("(") && atSymbol(")", 1)) {
+        if (atSymbol("(") && (atSymbol(")", 1) || atSymbol(",", 1))) {
             take();
-            take();
-            type.array = true;
+            type.rank = openDimensions();
         }
         return type;
+    }
+
+    // "(,)" after its "(": the number of dimensions.
+    int openDimensions() {
+        int rank = 1;
+        while (acceptSymbol(",")) ++rank;
+        expectSymbol(")");
+        return rank;
     }
 
     Parameter parameter() {
         Parameter result;
         for (bool more = true; more;) {
-            if (atWord("as", 1) || (atSymbol("(", 1) && atSymbol(")", 2)))
+            if (atWord("as", 1) || (atSymbol("(", 1) && (atSymbol(")", 2) || atSymbol(",", 2))))
                 break; // the word is the parameter's name
             if (acceptWord("byref"))
                 result.byRef = true;
@@ -169,14 +213,11 @@ class Parser {
         }
         result.position = here();
         result.name = expectName("a parameter's name");
-        bool array = false;
-        if (acceptSymbol("(")) {
-            expectSymbol(")");
-            array = true;
-        }
+        int rank = 0;
+        if (acceptSymbol("(")) rank = openDimensions();
         expectWord("as");
         result.type = typeName();
-        result.type.array |= array;
+        result.type.rank = std::max(rank, result.type.rank);
         if (acceptSymbol("=")) result.defaultValue = expression();
         return result;
     }
@@ -206,41 +247,204 @@ class Parser {
             throw SourceError(result.signature.result->position, "a Sub has no result; write Function");
         expectEndOfLine();
         result.body = block();
+        if (atException() || atWord("finally")) result.body = guarded(std::move(result.body));
         expectEndOf(word, opened);
         return result;
     }
 
-    ClassDeclaration classDeclaration() {
+    // `Exception e As Type` and `Finally` at the end of a routine guard its whole body.
+    bool atException(std::size_t ahead = 0) const {
+        return atWord("exception", ahead) &&
+               (peek(ahead + 1).kind == TokenKind::Name || peek(ahead + 1).kind == TokenKind::EndOfLine);
+    }
+    Block guarded(Block body) {
+        auto result = make(StatementKind::Try);
+        result->body = std::move(body);
+        handlersInto(*result, "exception");
+        Block whole;
+        whole.push_back(std::move(result));
+        return whole;
+    }
+
+    void acceptAccess() {
+        for (std::string_view word : {"public", "private", "protected", "global"})
+            if (peek(1).kind == TokenKind::Name && !atWord("as", 1) && acceptWord(word)) return;
+    }
+
+    // A class, a module, an interface, a structure, an enumeration or a delegate, if there is one here.
+    bool declaration(const std::string& outer) {
+        if (peek(1).kind != TokenKind::Name || atWord("as", 1)) return false;
+        if (atWord("class"))
+            classDeclaration(ClassKind::Class, outer);
+        else if (atWord("module"))
+            classDeclaration(ClassKind::Module, outer);
+        else if (atWord("interface"))
+            classDeclaration(ClassKind::Interface, outer);
+        else if (atWord("structure"))
+            classDeclaration(ClassKind::Structure, outer);
+        else if (atWord("enum"))
+            enumeration(outer);
+        else if (atWord("delegate"))
+            delegate(outer);
+        else
+            return false;
+        return true;
+    }
+
+    void classDeclaration(ClassKind kind, const std::string& outer) {
+        static constexpr const char* words[] = {"Class", "Module", "Interface", "Structure"};
         ClassDeclaration result;
-        result.module = atWord("module");
-        std::string word = result.module ? "Module" : "Class";
+        result.kind = kind;
+        result.outer = outer;
+        std::string word = words[std::size_t(kind)];
         take();
         result.position = here();
-        result.name = expectNewName("a name for the class");
+        result.name = expectNewName("a name for the " + folded(word));
         expectEndOfLine();
         skipLines();
         if (acceptWord("inherits")) {
             result.superclass = typeName();
             expectEndOfLine();
+            skipLines();
+        }
+        if (acceptWord("implements")) {
+            do result.interfaces.push_back(typeName());
+            while (acceptSymbol(","));
+            expectEndOfLine();
         }
         for (skipLines(); !atEndOf(word); skipLines()) {
             if (atEnd()) expectEndOf(word, result.position);
-            acceptWord("public") || acceptWord("private") || acceptWord("protected");
-            bool shared = atWord("shared") && (atWord("sub", 1) || atWord("function", 1));
-            if (shared || atWord("sub") || atWord("function")) {
-                result.methods.push_back(routine());
-                if (result.module) result.methods.back().shared = true;
-            } else if (acceptWord("const")) {
-                result.constants.push_back(constant());
-                expectEndOfLine();
-            } else {
-                acceptWord("dim") || acceptWord("property");
-                for (Variable& variable : variables()) result.properties.push_back(std::move(variable));
-                expectEndOfLine();
-            }
+            acceptAccess();
+            if (kind == ClassKind::Interface)
+                interfaceMethod(result);
+            else if (kind == ClassKind::Structure)
+                propertiesInto(result, false);
+            else if (!declaration(result.name))
+                member(result);
         }
         expectEndOf(word, result.position);
-        return result;
+        program_.classes.push_back(std::move(result));
+    }
+
+    void interfaceMethod(ClassDeclaration& result) {
+        if (!atWord("sub") && !atWord("function")) fail("'Sub' or 'Function'");
+        std::string word = atWord("sub") ? "Sub" : "Function";
+        Position opened = here();
+        take();
+        Routine method;
+        method.signature = signature();
+        if (word == "Function" && !method.signature.result) fail("'As' and the function's type");
+        expectEndOfLine();
+        skipLines();
+        if (atEndOf(word)) expectEndOf(word, opened); // may be written out
+        result.methods.push_back(std::move(method));
+    }
+
+    void member(ClassDeclaration& result) {
+        bool module = result.kind == ClassKind::Module;
+        bool shared = module;
+        if (atWord("shared") && !atWord("as", 1)) {
+            shared = true;
+            if (!atWord("sub", 1) && !atWord("function", 1)) take();
+        }
+        if (atWord("shared") || atWord("sub") || atWord("function")) {
+            result.methods.push_back(routine());
+            result.methods.back().shared |= module;
+        } else if (acceptWord("const")) {
+            result.constants.push_back(constant());
+            expectEndOfLine();
+        } else if (atWord("event") && peek(1).kind == TokenKind::Name && !atWord("as", 1)) {
+            take();
+            result.events.push_back(signature());
+            expectEndOfLine();
+        } else {
+            propertiesInto(result, shared);
+        }
+    }
+
+    void propertiesInto(ClassDeclaration& result, bool shared) {
+        bool named = atWord("property") && !atWord("as", 1);
+        Position opened = here();
+        if (named || (atWord("dim") && !atWord("as", 1))) take();
+        std::vector<Variable> properties = variables();
+        expectEndOfLine();
+        if (named && properties.size() == 1) {
+            std::size_t lines = index_;
+            skipLines();
+            bool computed = (atWord("get") && peek(1).kind == TokenKind::EndOfLine) ||
+                            (atWord("set") && (peek(1).kind == TokenKind::EndOfLine || atSymbol("(", 1)));
+            if (computed) return accessorsInto(result, properties[0], shared, opened);
+            index_ = lines;
+        }
+        for (Variable& variable : properties) {
+            variable.shared = shared;
+            result.properties.push_back(std::move(variable));
+        }
+    }
+
+    // A computed property is a method without parameters and one that takes an assigned value.
+    void accessorsInto(ClassDeclaration& result, const Variable& property, bool shared, Position opened) {
+        for (skipLines(); !atEndOf("property"); skipLines()) {
+            Routine accessor;
+            accessor.shared = shared;
+            accessor.signature.name = property.name;
+            accessor.signature.position = property.position;
+            Position begun = here();
+            std::string word = atWord("get") ? "Get" : "Set";
+            if (!acceptWord("get")) {
+                if (!acceptWord("set")) expectEndOf("Property", opened);
+                Parameter value;
+                value.position = begun;
+                value.name = "value";
+                value.type = property.type;
+                if (acceptSymbol("(")) {
+                    value = parameter();
+                    expectSymbol(")");
+                }
+                value.assigns = true;
+                accessor.signature.parameters.push_back(std::move(value));
+            } else {
+                accessor.signature.result = property.type;
+            }
+            expectEndOfLine();
+            accessor.body = block();
+            if (atException() || atWord("finally")) accessor.body = guarded(std::move(accessor.body));
+            expectEndOf(word, begun);
+            result.methods.push_back(std::move(accessor));
+        }
+        expectEndOf("Property", opened);
+    }
+
+    void enumeration(const std::string& outer) {
+        Enumeration result;
+        result.outer = outer;
+        take();
+        result.position = here();
+        result.name = expectNewName("a name for the enum");
+        if (acceptWord("as")) result.type = typeName();
+        expectEndOfLine();
+        for (skipLines(); !atEndOf("enum"); skipLines()) {
+            if (atEnd()) expectEndOf("Enum", result.position);
+            Variable member;
+            member.position = here();
+            member.name = expectName("a name for the enum's value");
+            if (acceptSymbol("=")) member.initial = expression();
+            if (!acceptSymbol(",")) expectEndOfLine();
+            result.members.push_back(std::move(member));
+        }
+        expectEndOf("Enum", result.position);
+        program_.enumerations.push_back(std::move(result));
+    }
+
+    void delegate(const std::string& outer) {
+        take();
+        bool function = atWord("function");
+        if (!function && !atWord("sub")) fail("'Sub' or 'Function'");
+        take();
+        Delegate result{signature(), outer};
+        if (function && !result.signature.result) fail("'As' and the function's type");
+        expectEndOfLine();
+        program_.delegates.push_back(std::move(result));
     }
 
     Variable constant() {
@@ -250,6 +454,8 @@ class Parser {
         if (acceptWord("as")) result.type = typeName();
         expectSymbol("=");
         result.initial = expression();
+        if (std::optional<Surroundings::Constant> value = evaluated(*result.initial))
+            constants_.emplace(folded(result.name), *value);
         return result;
     }
 
@@ -263,9 +469,14 @@ class Parser {
                 variable.position = here();
                 variable.name = expectNewName("a name for the variable");
                 if (acceptSymbol("(")) {
-                    variable.type.array = true;
-                    if (!atSymbol(")")) variable.bound = expression();
-                    expectSymbol(")");
+                    if (atSymbol(")") || atSymbol(",")) {
+                        variable.type.rank = openDimensions();
+                    } else {
+                        do variable.bounds.push_back(expression());
+                        while (acceptSymbol(","));
+                        variable.type.rank = int(variable.bounds.size());
+                        expectSymbol(")");
+                    }
                 }
                 result.push_back(std::move(variable));
             } while (!atWord("as") && acceptSymbol(","));
@@ -275,9 +486,9 @@ class Parser {
             if (isNew) take();
             TypeName type = typeName();
             for (std::size_t i = first; i < result.size(); ++i) {
-                bool array = result[i].type.array || type.array;
+                int rank = std::max(result[i].type.rank, type.rank);
                 result[i].type = type;
-                result[i].type.array = array;
+                result[i].type.rank = rank;
             }
             if (isNew) {
                 if (result.size() - first > 1) throw SourceError(newPosition, "'As New' takes one variable");
@@ -285,10 +496,12 @@ class Parser {
                 created->type = type;
                 if (atSymbol("(")) created->arguments = argumentList();
                 result.back().initial = std::move(created);
+            } else if (acceptSymbol("*")) {
+                result.back().length = expression();
             } else if (acceptSymbol("=")) {
                 if (result.size() - first > 1)
                     throw SourceError(here(), "only one variable can take an initial value");
-                result.back().initial = expression();
+                result.back().initial = pairOrValue(false);
             }
         } while (acceptSymbol(","));
         return result;
@@ -306,7 +519,7 @@ class Parser {
         for (std::string_view word :
              {"end", "else", "elseif", "case", "next", "wend", "loop", "catch", "finally"})
             if (atWord(word)) return true;
-        return atEnd();
+        return atEnd() || atException();
     }
 
     Block block() {
@@ -321,12 +534,20 @@ class Parser {
     }
 
     StatementPtr statement() {
+        Nested nested(*this);
         if (atWord("if")) return ifStatement();
         if (atWord("for")) return forStatement();
         if (atWord("while")) return whileStatement();
         if (atWord("do")) return doStatement();
         if (atWord("select")) return selectStatement();
         if (atWord("try")) return tryStatement();
+        if (peek().kind == TokenKind::Name && atSymbol(":", 1) && peek(2).kind == TokenKind::EndOfLine &&
+            !isReserved(peek().text)) {
+            auto result = make(StatementKind::Label);
+            result->text = take().text;
+            take();
+            return result;
+        }
         if (atBlockEnd()) throw SourceError(here(), peek().describe() + " does not close any open block");
         StatementPtr result = simpleStatement();
         expectEndOfLine();
@@ -353,6 +574,13 @@ class Parser {
             take();
             for (std::string_view word : {"for", "while", "do", "sub", "function"})
                 if (result->text.empty() && acceptWord(word)) result->text = word;
+            if (peek().kind == TokenKind::Name && !isReserved(peek().text)) result->label = take().text;
+            return result;
+        }
+        if (atWord("goto") && peek(1).kind == TokenKind::Name) {
+            auto result = make(StatementKind::Goto);
+            take();
+            result->label = take().text;
             return result;
         }
         if (atWord("return")) {
@@ -371,13 +599,14 @@ class Parser {
             auto result = make(StatementKind::Redim);
             take();
             result->target = postfix();
-            if (result->target->kind != ExprKind::Call || result->target->arguments.size() != 1)
+            if (result->target->kind != ExprKind::Call || result->target->arguments.empty())
                 throw SourceError(result->position,
                                   "expected an array and its new upper bound: Redim values(3)");
             return result;
         }
-        if (atWord("addhandler")) {
-            auto result = make(StatementKind::AddHandler);
+        if (atWord("addhandler") || atWord("removehandler")) {
+            auto result =
+                make(atWord("addhandler") ? StatementKind::AddHandler : StatementKind::RemoveHandler);
             take();
             result->target = postfix();
             if (result->target->kind != ExprKind::Member)
@@ -399,7 +628,7 @@ class Parser {
         if (acceptSymbol("=")) {
             result->kind = StatementKind::Assign;
             result->target = std::move(target);
-            result->value = expression();
+            result->value = pairOrValue(false);
             return result;
         }
         if (!atEndOfLine() && !atSymbol(":") && !atWord("else")) {
@@ -576,7 +805,13 @@ class Parser {
         take();
         expectEndOfLine();
         result->body = block();
-        while (atWord("catch")) {
+        handlersInto(*result, "catch");
+        expectEndOf("Try", opened);
+        return result;
+    }
+
+    void handlersInto(Statement& result, std::string_view word) {
+        while (atWord(word)) {
             Branch branch;
             branch.position = here();
             take();
@@ -587,16 +822,145 @@ class Parser {
             }
             expectEndOfLine();
             branch.body = block();
-            result->branches.push_back(std::move(branch));
+            result.branches.push_back(std::move(branch));
         }
         if (acceptWord("finally")) {
             expectEndOfLine();
-            result->hasFinally = true;
-            result->finally = block();
+            result.hasFinally = true;
+            result.finally = block();
         }
-        if (result->branches.empty() && !result->hasFinally) fail("'Catch' or 'Finally'");
-        expectEndOf("Try", opened);
-        return result;
+        if (result.branches.empty() && !result.hasFinally) fail("'Catch' or 'Finally'");
+    }
+
+    // ---- directives -------------------------------------------------------------------------------------
+    void directive() {
+        Position position = here();
+        take();
+        std::string written = expectName("a directive after '#'"), word = folded(written);
+        if (word == "end" && acceptWord("if")) word = "endif";
+        if (word == "if") {
+            conditions_.push_back(position);
+            if (!directiveCondition()) skipBranch(true);
+        } else if (word == "elseif" || word == "else") { // the branch above was taken
+            if (conditions_.empty())
+                throw SourceError(position, "there is no '#If' above this '#" + written + "'");
+            skipLine();
+            skipBranch(false);
+        } else if (word == "endif") {
+            if (conditions_.empty()) throw SourceError(position, "there is no '#If' above this '#EndIf'");
+            conditions_.pop_back();
+        } else if (word == "pragma") {
+            if (acceptWord("error"))
+                throw SourceError(position, peek().kind == TokenKind::String ? peek().text : "#Pragma Error");
+            skipLine(); // the others tune what a compiler makes
+        } else if (word == "include") {
+            include();
+        } else {
+            throw SourceError(position,
+                              "expected #If, #ElseIf, #Else, #EndIf, #Include or #Pragma, found '#" +
+                                  written + "'");
+        }
+        if (!atEndOfLine() && !atSymbol("#")) fail("the end of the line");
+    }
+
+    bool directiveCondition() {
+        ExprPtr condition = expression();
+        acceptWord("then");
+        std::optional<Surroundings::Constant> value = evaluated(*condition);
+        if (value)
+            if (const bool* result = std::get_if<bool>(&*value)) return *result;
+        if (condition->kind == ExprKind::Name && !value)
+            throw SourceError(condition->position,
+                              "there is no constant '" + condition->text + "' for '#If'");
+        throw SourceError(condition->position, "expected a condition of constants after '#If'");
+    }
+
+    // Skips to the '#EndIf' of the innermost '#If', or to a branch that is to be taken.
+    void skipBranch(bool mayTake) {
+        for (int depth = 0; !atEnd();) {
+            while (peek().kind == TokenKind::EndOfLine) take();
+            if (!atSymbol("#")) {
+                skipLine();
+                continue;
+            }
+            std::string word = folded(peek(1).text);
+            if (word == "end" && atWord("if", 2)) word = "endif";
+            if (word == "if") ++depth;
+            if (word == "endif" && depth-- == 0) return; // skipLines takes it
+            if (depth == 0 && mayTake && (word == "else" || word == "elseif")) {
+                take();
+                take();
+                if (word == "else" || directiveCondition()) return;
+            }
+            skipLine();
+        }
+    }
+
+    // What an expression of constants amounts to; nothing when a name in it is not a constant.
+    std::optional<Surroundings::Constant> evaluated(const Expr& e) const {
+        using Constant = Surroundings::Constant;
+        auto number = [](const Constant& c) {
+            return std::holds_alternative<bool>(c) ? double(std::get<bool>(c)) : std::get<double>(c);
+        };
+        switch (e.kind) {
+        case ExprKind::Integer:
+            return Constant(double(e.number));
+        case ExprKind::Real:
+            return Constant(e.real);
+        case ExprKind::True:
+        case ExprKind::False:
+            return Constant(e.kind == ExprKind::True);
+        case ExprKind::Name:
+            if (auto found = constants_.find(folded(e.text)); found != constants_.end()) return found->second;
+            return std::nullopt;
+        case ExprKind::Unary: {
+            std::optional<Constant> a = evaluated(*e.a);
+            if (!a) return std::nullopt;
+            if (e.text == "not") return Constant(number(*a) == 0);
+            return Constant(e.text == "-" ? -number(*a) : number(*a));
+        }
+        case ExprKind::Binary: {
+            std::optional<Constant> a = evaluated(*e.a), b = evaluated(*e.b);
+            if (!a || !b) return std::nullopt;
+            double x = number(*a), y = number(*b);
+            if (e.text == "and") return Constant(x != 0 && y != 0);
+            if (e.text == "or") return Constant(x != 0 || y != 0);
+            if (e.text == "xor") return Constant((x != 0) != (y != 0));
+            if (e.text == "=") return Constant(x == y);
+            if (e.text == "<>") return Constant(x != y);
+            if (e.text == "<") return Constant(x < y);
+            if (e.text == "<=") return Constant(x <= y);
+            if (e.text == ">") return Constant(x > y);
+            if (e.text == ">=") return Constant(x >= y);
+            if (e.text == "+") return Constant(x + y);
+            if (e.text == "-") return Constant(x - y);
+            if (e.text == "*") return Constant(x * y);
+            if (e.text == "/" && y != 0) return Constant(x / y);
+            return std::nullopt;
+        }
+        default:
+            return std::nullopt;
+        }
+    }
+
+    // Puts the tokens of a file here, unless the program has the file already.
+    void include() {
+        Position position = here();
+        if (peek().kind != TokenKind::String) fail("the name of a file in quotes after '#Include'");
+        std::filesystem::path folder =
+            std::filesystem::path(surroundings_.files[std::size_t(position.file)]).parent_path();
+        std::string path = (folder / take().text).lexically_normal().string();
+        std::vector<std::string>& files = surroundings_.files;
+        if (std::find(files.begin(), files.end(), path) != files.end()) return;
+        std::optional<std::string> text =
+            surroundings_.read ? surroundings_.read(path) : std::optional<std::string>();
+        if (!text) throw SourceError(position, "cannot read the file " + path);
+        std::vector<Token> added = tokenize(*text, int(files.size()));
+        files.push_back(path);
+        added.pop_back(); // its end is not the program's
+        if (!atEndOfLine()) fail("the end of the line");
+        tokens_.insert(tokens_.begin() + std::ptrdiff_t(index_) + 1, std::make_move_iterator(added.begin()),
+                       std::make_move_iterator(added.end()));
     }
 
     // ---- expressions ------------------------------------------------------------------------------------
@@ -608,14 +972,18 @@ class Parser {
     }
 
     // Operators from loosest to tightest.
-    ExprPtr expression() { return binaryWords({"or", "xor"}, &Parser::conjunction); }
+    ExprPtr expression() {
+        Nested nested(*this);
+        return binaryWords({"or", "xor"}, &Parser::conjunction);
+    }
     ExprPtr conjunction() { return binaryWords({"and", ""}, &Parser::negation); }
     ExprPtr negation() {
         if (!atWord("not")) return comparison();
+        Nested nested(*this);
         auto result = make(ExprKind::Unary, here());
         result->text = folded(take().text);
         result->a = negation();
-        return result;
+        return over(std::move(result));
     }
     ExprPtr comparison() {
         ExprPtr left = sum();
@@ -625,7 +993,7 @@ class Parser {
                 auto result = make(ExprKind::IsA, position);
                 result->a = std::move(left);
                 result->type = typeName();
-                left = std::move(result);
+                left = over(std::move(result));
                 continue;
             }
             bool found = atWord("is");
@@ -647,15 +1015,17 @@ class Parser {
     }
     ExprPtr negative() {
         if (!atSymbol("-") && !atSymbol("+")) return power();
+        Nested nested(*this);
         auto result = make(ExprKind::Unary, here());
         result->text = take().text;
         result->a = negative();
-        return result;
+        return over(std::move(result));
     }
     ExprPtr power() {
         ExprPtr left = postfix();
-        if (atSymbol("^")) return binary(std::move(left), &Parser::negative);
-        return left;
+        if (!atSymbol("^")) return left;
+        Nested nested(*this);
+        return binary(std::move(left), &Parser::negative);
     }
 
     ExprPtr binary(ExprPtr left, ExprPtr (Parser::*operand)()) {
@@ -663,7 +1033,7 @@ class Parser {
         result->text = folded(take().text);
         result->a = std::move(left);
         result->b = (this->*operand)();
-        return result;
+        return over(std::move(result));
     }
     ExprPtr binaryWords(std::array<std::string_view, 2> words, ExprPtr (Parser::*operand)()) {
         ExprPtr left = (this->*operand)();
@@ -676,9 +1046,23 @@ class Parser {
         std::vector<ExprPtr> result;
         expectSymbol("(");
         if (acceptSymbol(")")) return result;
-        do result.push_back(expression());
+        do result.push_back(pairOrValue(true));
         while (acceptSymbol(","));
         expectSymbol(")");
+        return result;
+    }
+
+    // "a : b" is a pair. Outside parentheses the colon also separates statements; these begin with a name.
+    ExprPtr pairOrValue(bool enclosed) {
+        ExprPtr left = expression();
+        bool pair =
+            atSymbol(":") && (enclosed || (peek(1).kind != TokenKind::Name &&
+                                           peek(1).kind != TokenKind::EndOfLine && !atSymbol("#", 1)));
+        if (!pair) return left;
+        auto result = make(ExprKind::Pair, left->position);
+        take();
+        result->a = std::move(left);
+        result->b = pairOrValue(enclosed);
         return result;
     }
 
@@ -691,12 +1075,12 @@ class Parser {
                 auto call = make(ExprKind::Call, result->position);
                 call->arguments = argumentList();
                 call->a = std::move(result);
-                result = std::move(call);
+                result = over(std::move(call));
             } else if (acceptSymbol(".")) {
                 auto member = make(ExprKind::Member, here());
                 member->text = expectName("a name after the dot");
                 member->a = std::move(result);
-                result = std::move(member);
+                result = over(std::move(member));
             } else {
                 return result;
             }
@@ -747,15 +1131,36 @@ class Parser {
         if (acceptWord("new")) {
             auto result = make(ExprKind::New, position);
             result->type = typeName();
-            if (result->type.array)
+            if (result->type.rank)
                 throw SourceError(position, "an array is not made with New; use Dim or Array(...)");
             if (atSymbol("(")) result->arguments = argumentList();
-            return result;
+            return over(std::move(result));
         }
-        if (acceptWord("addressof")) {
+        if (atWord("addressof") || atWord("weakaddressof")) {
             auto result = make(ExprKind::AddressOf, position);
-            result->text = expectName("the name of a Sub");
-            return result;
+            if (sameName(take().text, "weakaddressof")) result->text = "weak";
+            if (peek().kind != TokenKind::Name) fail("the name of a Sub or Function");
+            result->a = primary();
+            while (acceptSymbol(".")) {
+                auto member = make(ExprKind::Member, here());
+                member->text = expectName("a name after the dot");
+                member->a = std::move(result->a);
+                result->a = std::move(member);
+            }
+            return over(std::move(result));
+        }
+        if (acceptWord("raiseevent")) {
+            auto result = make(ExprKind::RaiseEvent, here());
+            result->text = expectName("the name of an event");
+            return over(std::move(result));
+        }
+        if (atWord("if") && atSymbol("(", 1)) {
+            auto result = make(ExprKind::Conditional, position);
+            take();
+            result->arguments = argumentList();
+            if (result->arguments.size() != 3)
+                throw SourceError(position, "If(...) takes a condition and two values");
+            return over(std::move(result));
         }
         if (isReserved(token.text)) fail("a value");
         auto result = make(ExprKind::Name, position);
@@ -765,15 +1170,33 @@ class Parser {
 
     std::vector<Token> tokens_;
     std::size_t index_ = 0;
+    int nesting_ = 0;
+    Surroundings& surroundings_;
+    std::map<std::string, Surroundings::Constant> constants_; // the program's own as well
+    std::vector<Position> conditions_;                        // the open '#If's
+    Program program_;
 };
 
 } // namespace
 
-ast::Program parseProgram(std::string_view source) { return Parser(source).program(); }
-ast::Signature parseSignature(std::string_view declaration) { return Parser(declaration).wholeSignature(); }
-std::pair<std::string, ast::ExprPtr> parseConstant(std::string_view declaration) {
-    return Parser(declaration).wholeConstant();
+ast::Program parseProgram(std::string_view source, Surroundings& surroundings) {
+    return Parser(source, surroundings).program();
 }
-ast::TypeName parseTypeName(std::string_view text) { return Parser(text).wholeTypeName(); }
+ast::Program parseProgram(std::string_view source) {
+    Surroundings none;
+    return parseProgram(source, none);
+}
+ast::Signature parseSignature(std::string_view declaration) {
+    Surroundings none;
+    return Parser(declaration, none).wholeSignature();
+}
+std::pair<std::string, ast::ExprPtr> parseConstant(std::string_view declaration) {
+    Surroundings none;
+    return Parser(declaration, none).wholeConstant();
+}
+ast::TypeName parseTypeName(std::string_view text) {
+    Surroundings none;
+    return Parser(text, none).wholeTypeName();
+}
 
 } // namespace studio

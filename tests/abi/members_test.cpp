@@ -2,14 +2,13 @@
 // each object in turn, and on an empty wrapper. A member with a type for which the test has no argument fails
 // its test, so a new member cannot be forgotten.
 #include "asked_family.h"
+#include "good_arguments.h"
 #include "plugin_test.h"
 #include "raising.h"
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <functional>
-#include <map>
 
 namespace {
 
@@ -18,136 +17,9 @@ using studio::Method;
 using studio::Parameter;
 using studio::Value;
 
-bool equalNames(std::string a, std::string b) {
-    auto lower = [](std::string& s) { std::transform(s.begin(), s.end(), s.begin(), ::tolower); };
-    lower(a);
-    lower(b);
-    return a == b;
-}
-
-class Members : public PluginTest, public testing::WithParamInterface<const char*> {
+class Members : public PluginTest, protected GoodArguments, public testing::WithParamInterface<const char*> {
   protected:
-    // --- good arguments ------------------------------------------------------------------------------------
-
-    Value image() {
-        Value endless =
-            host.shared("CIImageKaz", "imageWithColor", {host.function("NewCIColorKaz", {1.0, 0.5, 0.0})});
-        return host.call(endless, "imageByCroppingToRect", {rect()});
-    }
-    Value rect() { return host.create("CGRectKaz", {0.0, 0.0, 8.0, 4.0}); }
-    Value filter() {
-        Value filter = host.shared("CIFilterKaz", "FilterWithName", {"CIColorInvert"});
-        host.call(filter, "SetDefaults");
-        return filter;
-    }
-    Value cgContext() { return host.create("CGContextKaz", {8, 4}); }
-    Value cgImage() { return host.call(cgContext(), "CreateImage"); }
-    // Nil on a system without detectors.
-    Value detector() {
-        Value type = host.shared("CIDetectorKaz", "CIDetectorTypeFace");
-        if (type.text().empty()) return {};
-        return host.create("CIDetectorKaz", {type, Value(), Value()});
-    }
-    Value face() {
-        Value detector = this->detector();
-        if (detector.isNil()) return {};
-        const char* folder = std::getenv("KAZ_PHOTOS");
-        Value file = host.function("GetFolderItem", {std::string(folder ? folder : ".") + "/astronaut.png"});
-        return host.call(detector, "featuresInImage", {host.function("NewCIImagewithFileKaz", {file})}).at(0);
-    }
-    Value context() { return host.function("NewCIContextKaz", {cgContext()}); }
-
-    // An object of the class in good working order; nil when the system makes none.
-    Value sample(const std::string& className) {
-        const std::map<std::string, std::function<Value()>> samples = {
-            {"CIColorKaz",
-             [&] {
-                 return host.function("NewCIColorKaz", {1.0, 0.5, 0.0});
-             }},
-            {"CIImageKaz", [&] { return image(); }},
-            {"CIContextKaz", [&] { return context(); }},
-            {"CIVectorKaz",
-             [&] {
-                 return host.function("NewCIVectorWithXYKaz", {1.0, 2.0});
-             }},
-            {"CIFilterShapeKaz", [&] { return host.create("CIFilterShapeKaz", {rect()}); }},
-            {"CIFilterKaz", [&] { return filter(); }},
-            {"CISamplerKaz", [&] { return host.function("NewCISamplerKaz", {image()}); }},
-            {"CIAttributeKaz", [&] { return host.call(filter(), "AttributesItem", {0}); }},
-            {"CGColorKaz",
-             [&] {
-                 return host.create("CGColorKaz", {1.0, 0.0, 0.0});
-             }},
-            {"CGColorSpaceKaz", [&] { return host.shared("CGColorSpaceKaz", "SRGB"); }},
-            {"CGContextKaz", [&] { return cgContext(); }},
-            {"CGImageKaz", [&] { return cgImage(); }},
-            {"CGPointKaz",
-             [&] {
-                 return host.create("CGPointKaz", {1.0, 2.0});
-             }},
-            {"CGRectKaz", [&] { return rect(); }},
-            {"NSAffineTransformKaz", [&] { return host.create("NSAffineTransformKaz"); }},
-            {"MemoryBlock", [&] { return host.memoryBlock(std::string(128, '\x7F')); }},
-            {"FolderItem", [&] { return host.function("GetFolderItem", {std::string("no-such-file.png")}); }},
-            {"Picture",
-             [&] {
-                 return host.create("Picture", {8, 4, 32});
-             }},
-            {"Dictionary",
-             [&] {
-                 return host.dictionary({{"key", 1}});
-             }},
-            {"CIDetectorKaz", [&] { return detector(); }},
-            {"CIFeatureKaz", [&] { return face(); }},
-            {"CIFaceFeatureKaz", [&] { return face(); }},
-        };
-        for (const auto& [name, make] : samples)
-            if (equalNames(name, className)) return make();
-        ADD_FAILURE() << "no argument is known for the class " << className;
-        return {};
-    }
-
-    Value goodArgument(const Parameter& parameter) {
-        // Numbers that suit each other, by what they are called.
-        const std::map<std::string, int> integers = {
-            {"BytesPerRow", 32}, {"Width", 8}, {"Height", 4}, {"Format", 23}, {"Length", 128},
-            {"DataLength", 128}, {"index", 0}, {"x", 1},      {"y", 1},       {"Handle", 0},
-        };
-        const studio::Type& type = *parameter.type;
-        switch (type.kind) {
-        case Kind::Boolean:
-            return true;
-        case Kind::Int32:
-        case Kind::UInt32:
-            for (const auto& [name, value] : integers)
-                if (equalNames(name, parameter.name))
-                    return type.kind == Kind::Int32 ? Value(value) : Value(static_cast<unsigned>(value));
-            break;
-        case Kind::Single:
-            return 0.5f;
-        case Kind::Double:
-            return 0.5;
-        case Kind::String:
-            return parameter.name == "key" ? "inputImage" : "CIColorInvert";
-        case Kind::Object:
-            return sample(type.name);
-        case Kind::Array:
-            if (type.element->kind == Kind::Single) return host.array("Single", {1.0f, 2.0f});
-            if (type.element->kind == Kind::Double) return host.array("Double", {1.0, 2.0});
-            if (type.element->kind == Kind::String) return host.array("String", {"CICategoryBlur"});
-            break;
-        default:
-            break;
-        }
-        ADD_FAILURE() << "no argument is known for " << parameter.name << " as " << type.name;
-        return {};
-    }
-
-    std::vector<Value> goodArguments(const studio::Signature& signature) {
-        std::vector<Value> arguments;
-        for (const Parameter& parameter : signature.parameters) arguments.push_back(goodArgument(parameter));
-        return arguments;
-    }
+    Members() : GoodArguments(host) {}
 
     // --- calls ---------------------------------------------------------------------------------------------
 

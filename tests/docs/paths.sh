@@ -34,7 +34,7 @@ for document in "${documents[@]}"; do
     done < <(grep -oE '\]\([^)]+\)' <<<"$prose" | sed -E 's/^\]\(|\)$//g; s/#.*//' | grep -vE '^$|^[a-z]+:' | sort -u)
     while read -r command; do
         check "$document" "$command" tools/commands
-    done < <(grep -oE '\./kaz [a-z]+' "$document" | sed 's/.* //' | grep -vx help | sort -u)
+    done < <(grep -oE '\./kaz [a-z]+(-[a-z]+)*' "$document" | sed 's/.* //' | grep -vx help | sort -u)
 done
 
 echo "$checked names in ${#documents[@]} documents, $missing of them missing"

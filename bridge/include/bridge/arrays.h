@@ -1,6 +1,7 @@
 // Host arrays against NSArray.
 #pragma once
 
+#include <bridge/nesting.h>
 #include <hostapi/arrays.h>
 
 #import <Foundation/Foundation.h>
@@ -18,6 +19,7 @@ namespace bridge {
 // Cocoa's invalid-argument exception.
 template <class Element, class Convert>
 NSMutableArray* arrayOf(REALarray array, Convert&& convert) {
+    Nesting nesting(host::asObject(array));
     NSMutableArray* result = [NSMutableArray array];
     std::int32_t upperBound = REALGetArrayUBound(array);
     for (std::int32_t i = 0; i <= upperBound; ++i) {

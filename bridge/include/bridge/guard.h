@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bridge/errors.h>
+#include <bridge/raised.h>
 #include <hostapi/handles.h>
 
 #import <Foundation/Foundation.h>
@@ -11,38 +12,38 @@
 
 namespace bridge {
 
+// Nothing may leave the end of a scope: what an object's dealloc raises is logged.
+inline void drainLogged(NSAutoreleasePool* pool) {
+    if (id raised = raisedBy<id>([&] { [pool release]; })) NSLog(@"%@\n", raised);
+}
+
 // An autorelease pool for a scope; drained on every way out of it.
 class AutoreleasePool {
   public:
     AutoreleasePool() : pool([[NSAutoreleasePool alloc] init]) {}
-    // Nothing may leave a destructor: what an object's dealloc raises here is logged.
-    ~AutoreleasePool() {
-        @try {
-            drain();
-        } @catch (id raised) {
-            NSLog(@"%@\n", raised);
-        }
-    }
-    AutoreleasePool(const AutoreleasePool&) = delete;
-    AutoreleasePool& operator=(const AutoreleasePool&) = delete;
 
     // Drains the pool before its scope ends; what an object's dealloc raises passes to the caller.
-    void drain() { [std::exchange(pool, nil) release]; }
+    void drain() { [pool.release() release]; }
 
   private:
-    NSAutoreleasePool* pool;
+    host::Entry<NSAutoreleasePool*, drainLogged> pool;
 };
 
 // Runs `body`. A Cocoa exception becomes a host exception, and the result is then the empty value of the
 // body's type.
 template <class Body>
 auto guarded(Body&& body) -> decltype(body()) {
-    @try {
-        return std::forward<Body>(body)();
-    } @catch (NSException* exception) {
-        RaiseNSExceptionKaz(exception);
+    using Result = decltype(body());
+    if constexpr (std::is_void_v<Result>) {
+        if (NSException* exception = raisedBy(body)) RaiseNSExceptionKaz(exception);
+    } else {
+        Result result = Result(); // read only when nothing was raised
+        if (NSException* exception = raisedBy([&] { result = body(); })) {
+            RaiseNSExceptionKaz(exception);
+            return Result();
+        }
+        return result;
     }
-    return decltype(body())();
 }
 
 // The same inside an autorelease pool, for bodies that make temporary Cocoa objects. When an object raises as

@@ -1,31 +1,32 @@
-// Core Foundation objects that are released at the end of a scope.
+// Core Foundation and Cocoa objects that are released at the end of a scope.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
+#include <hostapi/ledger.h>
+
+#import <Foundation/NSObject.h>
 
 namespace bridge {
 
-// A Core Foundation object that is released at the end of its scope.
+// Releases a Core Foundation object; the way of an Owned one.
 template <class Ref>
-class Owned {
+void releaseOwned(Ref object) {
+    CFRelease(object);
+}
+
+// A Core Foundation object that is released at the end of its scope, even when Cocoa raises.
+template <class Ref>
+class Owned : public host::Entry<Ref, releaseOwned<Ref>> {
   public:
-    explicit Owned(Ref object = nullptr) : object(object) {}
-    ~Owned() {
-        if (object) CFRelease(object);
-    }
-    Owned(const Owned&) = delete;
-    Owned& operator=(const Owned&) = delete;
+    using host::Entry<Ref, releaseOwned<Ref>>::Entry;
+};
 
-    Ref get() const { return object; }
-    explicit operator bool() const { return object != nullptr; }
-    Ref release() {
-        Ref result = object;
-        object = nullptr;
-        return result;
-    }
+inline void releaseRetained(id object) { [object release]; }
 
-  private:
-    Ref object;
+// A Cocoa object that was received with a reference, released at the end of its scope.
+class Retained : public host::Entry<id, releaseRetained> {
+  public:
+    using host::Entry<id, releaseRetained>::Entry;
 };
 
 } // namespace bridge

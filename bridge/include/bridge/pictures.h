@@ -26,11 +26,8 @@ class LockedDescription {
   public:
     explicit LockedDescription(REALpicture picture);
     LockedDescription(REALpicture picture, std::int32_t kind);
-    ~LockedDescription();
-    LockedDescription(const LockedDescription&) = delete;
-    LockedDescription& operator=(const LockedDescription&) = delete;
 
-    explicit operator bool() const { return locked; }
+    explicit operator bool() const { return bool(lock); }
 
     // The handle, null when the description is of another kind.
     CGContextRef context() const;
@@ -40,14 +37,13 @@ class LockedDescription {
     const REALpixelBuffer* pixels() const;
 
     // Leaves the description locked; what it held stays valid.
-    void release() { locked = false; }
+    void release() { lock.release(); }
 
   private:
-    void undoFailedLock();
+    static void unlock(REALpicture picture);
 
-    REALpicture picture;
     REALpictureDescription record = {};
-    bool locked;
+    host::Entry<REALpicture, unlock> lock;
 };
 
 } // namespace bridge

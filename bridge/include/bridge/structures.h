@@ -3,15 +3,13 @@
 
 #include <hostapi/services.h>
 
-#include <optional>
-
 @class NSValue;
 
 namespace bridge {
 
-// The value of an object of one of the structure classes; nothing for any other object. The value is nil for
-// a time that no part of the family converts.
-std::optional<NSValue*> valueOfStructure(REALobject object);
+// True, and the value in `value`, for an object of one of the structure classes. The value is nil for a time
+// that no part of the family converts.
+bool takeStructure(REALobject object, NSValue*& value);
 
 // A new object of the structure's class, locked for the caller; null for any other value, for a time that no
 // part of the family converts, and when the host lacks the class.

@@ -4,6 +4,8 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <hostapi/services.h>
 
+#include <cstddef>
+
 @class NSString;
 
 // A new platform string that the caller releases; null for null, and when no conversion works.

@@ -1,6 +1,7 @@
 // Long Cocoa work on another thread, while the host's own threads, timers and windows go on.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <pthread.h>
 
@@ -26,6 +27,13 @@ void RunThreaded(void* data, void (*work)(void* data), void (*idle)(void* data))
 void* threadfunction(void* call);
 
 namespace bridge {
+
+// A call on the heap, which the calling thread and the queued task share. The last to drop it frees it.
+struct SharedCall {
+    ThreadedCall call;
+    std::atomic<int> holders;
+};
+void drop(SharedCall* shared);
 
 // Gives the calling thread a name for debuggers and crash reports. Does nothing on a system that cannot name
 // threads.

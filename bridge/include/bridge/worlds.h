@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
+#include <hostapi/ledger.h>
 
 #include <cstddef>
 
@@ -17,17 +18,15 @@ namespace bridge {
 class WorldPixels {
   public:
     explicit WorldPixels(void* world);
-    ~WorldPixels();
-    WorldPixels(const WorldPixels&) = delete;
-    WorldPixels& operator=(const WorldPixels&) = delete;
 
     explicit operator bool() const { return address != nullptr; }
     void* base() const { return address; }
     std::size_t rowBytes() const { return bytesPerRow; }
 
   private:
-    PixMap** map;
-    bool locked = false;
+    static void unlock(PixMap** map);
+
+    host::Entry<PixMap**, unlock> locked;
     void* address = nullptr;
     std::size_t bytesPerRow = 0;
 };

@@ -2,6 +2,7 @@
 #include "cells.h"
 
 #include <cmath>
+#include <utility>
 
 namespace engine {
 
@@ -18,17 +19,29 @@ class Crystals : public Warp {
     Rect extent(const Rect& source) const override { return source.grown(reach_, reach_); }
     Rect region(const Rect& area) const override { return area.grown(reach_, reach_); }
     void displace(int x, int y, int n, float* dx, float* dy) const override {
-        for (int i = 0; i < n; ++i) {
-            Point way = toNearest((x + i + 0.5 - centre_.x) / side_, (y + 0.5 - centre_.y) / side_);
-            dx[i] = static_cast<float>(way.x * side_);
-            dy[i] = static_cast<float>(way.y * side_);
+        double v = (y + 0.5 - centre_.y) / side_;
+        for (int i = 0; i < n;) {
+            auto u = [&] { return (x + i + 0.5 - centre_.x) / side_; };
+            Nearest nearest = nearestTo(u(), v);
+            // The point stays the nearest for as long as the way is shorter than half its lead over the next,
+            // so large crystals are quicker than small ones.
+            int end = std::min(n, i + 1 + static_cast<int>(nearest.lead * side_ / 2 * (1 - 1e-9)));
+            for (; i < end; ++i) {
+                dx[i] = static_cast<float>((nearest.point.x - u()) * side_);
+                dy[i] = static_cast<float>((nearest.point.y - v) * side_);
+            }
         }
     }
 
   private:
     /// In units of a square.
-    static Point toNearest(double u, double v) {
-        double least = Rect::inf;
+    struct Nearest {
+        Point point;
+        double lead; // how much farther away the next one is, at least
+    };
+    static Nearest nearestTo(double u, double v) {
+        // Squared distances; what lies beyond the squares around is two or more away.
+        double least = 4, second = 4;
         Point best;
         int column = static_cast<int>(std::floor(u)), row = static_cast<int>(std::floor(v));
         // How far, squared, a position is at least from what lies in a column or row of squares.
@@ -38,16 +51,22 @@ class Crystals : public Warp {
         };
         for (int dj : {0, -1, 1, -2, 2}) {
             int j = row + dj;
-            if (away(v, j) >= least) continue;
+            if (away(v, j) >= second) continue;
             for (int di : {0, -1, 1, -2, 2}) {
                 int i = column + di;
-                if (away(u, i) + away(v, j) >= least) continue;
+                if (away(u, i) + away(v, j) >= second) continue;
                 std::uint32_t random = scrambled(i, j);
-                Point way{i + (random & 0xffff) / 65536.0 - u, j + (random >> 16) / 65536.0 - v};
-                if (double square = way.x * way.x + way.y * way.y; square < least) least = square, best = way;
+                Point point{i + (random & 0xffff) / 65536.0, j + (random >> 16) / 65536.0};
+                double square = (point.x - u) * (point.x - u) + (point.y - v) * (point.y - v);
+                if (square < least) {
+                    second = std::exchange(least, square);
+                    best = point;
+                } else {
+                    second = std::min(second, square);
+                }
             }
         }
-        return best;
+        return {best, std::sqrt(second) - std::sqrt(least)};
     }
 
     /// Bits that look random, always the same for a square (the finishing steps of G. L. Steele and others'

@@ -1,21 +1,22 @@
 // Handles of host objects and strings, and references that are given back at the end of a scope.
 #pragma once
 
+#include <hostapi/ledger.h>
 #include <hostapi/services.h>
 
-#include <concepts>
+#include <type_traits>
 #include <utility>
 
 namespace host {
 
 // Handles of objects: everything that begins with the object header.
 template <class Handle>
-concept ObjectHandle = std::same_as<Handle, REALobject> || std::same_as<Handle, REALarray> ||
-    std::same_as<Handle, REALmemoryBlock> || std::same_as<Handle, REALfolderItem> ||
-    std::same_as<Handle, REALpicture>;
+concept ObjectHandle = std::is_same_v<Handle, REALobject> || std::is_same_v<Handle, REALarray> ||
+    std::is_same_v<Handle, REALmemoryBlock> || std::is_same_v<Handle, REALfolderItem> ||
+    std::is_same_v<Handle, REALpicture>;
 
 template <class Handle>
-concept CountedHandle = ObjectHandle<Handle> || std::same_as<Handle, REALstring>;
+concept CountedHandle = ObjectHandle<Handle> || std::is_same_v<Handle, REALstring>;
 
 template <ObjectHandle Handle>
 REALobject asObject(Handle handle) {
@@ -33,13 +34,15 @@ Value locked(Value value) {
     return value;
 }
 
-// Unlocks a string or an object. Null and values that have no reference count are left alone.
+// Unlocks a string or an object. Null and values that have no reference count are left alone. A host that
+// cannot lock does not count what the plugin takes: nothing is given back to it, since that would free what
+// others hold.
 template <class Value>
 void unlock(Value value) {
     if constexpr (ObjectHandle<Value>) {
-        if (value) REALUnlockObject(asObject(value));
+        if (value && REALLockObject.resolve()) REALUnlockObject(asObject(value));
     } else if constexpr (CountedHandle<Value>) {
-        if (value) REALUnlockString(value);
+        if (value && REALLockString.resolve()) REALUnlockString(value);
     }
 }
 
@@ -48,19 +51,23 @@ void unlock(Value value) {
 template <class Value>
 class Held {
   public:
-    explicit Held(Value received = {}) : value(received) {}
-    ~Held() { unlock(value); }
+    explicit Held(Value received) : value(received) {}
     Held(const Held&) = delete;
     Held& operator=(const Held&) = delete;
 
     Value get() const { return value; }
-    explicit operator bool() const { return bool(value); }
 
     // The value; its reference becomes the caller's.
-    Value release() { return std::exchange(value, Value()); }
+    Value release() { return value; }
 
   private:
-    Value value;
+    Value value; // has no reference count
+};
+
+template <CountedHandle Value>
+class Held<Value> : public Entry<Value, unlock<Value>> {
+  public:
+    using Entry<Value, unlock<Value>>::Entry;
 };
 
 } // namespace host

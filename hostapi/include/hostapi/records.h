@@ -63,6 +63,9 @@ struct Table {
     Table() = default;
     template <std::size_t N>
     Table(Record (&table)[N]) : records(table), count(static_cast<std::int32_t>(N)) {}
+
+    Record* begin() const { return records; }
+    Record* end() const { return records + count; }
 };
 
 inline REALclassDefinition classDefinition(const ClassDescription& description,

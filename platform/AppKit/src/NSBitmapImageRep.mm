@@ -6,6 +6,8 @@
 #include <ImageIO/ImageIO.h>
 #include <cg/image.h>
 
+#include <algorithm>
+
 NSString* const NSImageCompressionFactor = @"NSImageCompressionFactor";
 
 namespace {
@@ -50,7 +52,11 @@ NSSize pointSize(CGImageSourceRef source, size_t index, CGImageRef image) {
     auto source =
         cg::Retained<CGImageSourceRef>::adopt(CGImageSourceCreateWithData((CFDataRef)data, nullptr));
     NSMutableArray* reps = [NSMutableArray array];
-    for (size_t i = 0; i < CGImageSourceGetCount(source.get()); ++i) {
+    size_t count = CGImageSourceGetCount(source.get());
+    // The frames of an animation are one representation, which shows the first.
+    if ([(NSString*)CGImageSourceGetType(source.get()) isEqualToString:@"com.compuserve.gif"])
+        count = std::min<size_t>(count, 1);
+    for (size_t i = 0; i < count; ++i) {
         auto image = cg::Retained<CGImageRef>::adopt(imageAt(source.get(), i));
         NSBitmapImageRep* rep = [[[self alloc] initWithCGImage:image.get()] autorelease];
         if (!rep) continue;

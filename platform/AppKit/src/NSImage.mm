@@ -65,11 +65,11 @@ CGBlendMode blendMode(NSCompositingOperation operation) {
 }
 
 - (id)initWithContentsOfFile:(NSString*)path {
-    return [self initWithData:path ? [NSData dataWithContentsOfFile:path] : nil];
+    return [self initWithData:path ? appkit::contents([NSURL fileURLWithPath:path]) : nil];
 }
 
 - (id)initWithContentsOfURL:(NSURL*)url {
-    return [self initWithData:url ? [NSData dataWithContentsOfURL:url] : nil];
+    return [self initWithData:appkit::contents(url)];
 }
 
 - (id)initWithCGImage:(CGImageRef)image size:(NSSize)size {

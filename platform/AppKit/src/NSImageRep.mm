@@ -8,7 +8,7 @@
 @implementation NSImageRep
 
 + (id)imageRepWithContentsOfFile:(NSString*)filename {
-    NSData* data = filename ? [NSData dataWithContentsOfFile:filename] : nil;
+    NSData* data = filename ? appkit::contents([NSURL fileURLWithPath:filename]) : nil;
     return data ? [NSBitmapImageRep imageRepWithData:data] : nil;
 }
 

@@ -1,4 +1,4 @@
-// AppKit's drawing: the current context, and bitmaps for pictures of a size in points.
+// What AppKit draws on and reads from: the current context, bitmaps, and the bytes of files.
 #pragma once
 
 #import <AppKit/NSGraphicsContext.h>
@@ -12,6 +12,14 @@ namespace appkit {
 /// The Core Graphics context that this thread draws to, borrowed; null without a current context.
 inline CGContextRef currentPort() {
     return static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
+}
+
+/// The bytes at the URL; nil when there are none. Of files, regular ones alone: no pipe is waited for, and no
+/// device read for ever.
+inline NSData* contents(NSURL* url) {
+    if (![url isFileURL]) return url ? [NSData dataWithContentsOfURL:url] : nil;
+    auto provider = cg::Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithURL((CFURLRef)url));
+    return [(NSData*)CGDataProviderCopyData(provider.get()) autorelease];
 }
 
 /// A cleared bitmap in device RGB with one pixel for each point, rounded up; null for an empty or absurd

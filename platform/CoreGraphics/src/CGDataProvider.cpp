@@ -1,7 +1,8 @@
 // Data providers and their C functions.
 #include <cg/dataprovider.h>
 
-#include <cstdio>
+#include <files/wholefile.h>
+
 #include <vector>
 
 namespace cg {
@@ -53,15 +54,12 @@ CGDataProviderRef CGDataProviderCreateWithCFData(CFDataRef data) {
 
 CGDataProviderRef CGDataProviderCreateWithURL(CFURLRef url) {
     return guarded([&]() -> CGDataProviderRef {
-        std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(filePath(url).c_str(), "rb"),
-                                                             std::fclose);
-        if (!file) return nullptr;
-        auto bytes = std::make_shared<std::vector<std::uint8_t>>();
-        std::uint8_t chunk[65536];
-        while (std::size_t n = std::fread(chunk, 1, sizeof chunk, file.get()))
-            bytes->insert(bytes->end(), chunk, chunk + n);
-        if (std::ferror(file.get())) return nullptr;
-        return makeProvider(bytes->data(), bytes->size(), bytes);
+        try {
+            auto bytes = std::make_shared<std::vector<std::uint8_t>>(wholefile::read(filePath(url)));
+            return makeProvider(bytes->data(), bytes->size(), bytes);
+        } catch (const wholefile::Error&) {
+            return nullptr;
+        }
     });
 }
 

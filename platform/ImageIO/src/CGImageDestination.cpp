@@ -5,8 +5,8 @@
 #include "properties.h"
 
 #include <cg/image.h>
+#include <files/wholefile.h>
 
-#include <cstdio>
 #include <vector>
 
 namespace imageio {
@@ -24,7 +24,9 @@ struct Type {
 static const Type* typeNamed(CFStringRef name) {
     static const Type all[] = {{"public.png", encodePNG, true, true, false},
                                {"public.jpeg", encodeJPEG, false, false, false},
-                               {"public.tiff", encodeTIFF, true, true, true}};
+                               {"public.tiff", encodeTIFF, true, true, true},
+                               {"com.compuserve.gif", encodeGIF, false, true, false},
+                               {"com.microsoft.bmp", encodeBMP, false, false, false}};
     char text[64];
     if (!name || !CFStringGetCString(name, text, sizeof text, kCFStringEncodingUTF8)) return nullptr;
     for (const Type& type : all)
@@ -147,10 +149,12 @@ bool ImageDestination::store(const std::vector<std::uint8_t>& file) const {
         CFDataAppendBytes(data_.get(), file.data(), static_cast<CFIndex>(file.size()));
         return true;
     }
-    std::FILE* out = std::fopen(path_.c_str(), "wb");
-    if (!out) return false;
-    bool written = std::fwrite(file.data(), 1, file.size(), out) == file.size();
-    return std::fclose(out) == 0 && written;
+    try {
+        wholefile::replace(path_, file);
+        return true;
+    } catch (const wholefile::Error&) {
+        return false;
+    }
 }
 
 } // namespace imageio

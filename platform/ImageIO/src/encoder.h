@@ -41,6 +41,10 @@ using Encoder = std::vector<std::uint8_t> (*)(std::span<const OutputImage> image
 std::vector<std::uint8_t> encodePNG(std::span<const OutputImage> images);
 /// For 8 bits without alpha only.
 std::vector<std::uint8_t> encodeJPEG(std::span<const OutputImage> images);
+/// For 8 bits without alpha only.
+std::vector<std::uint8_t> encodeBMP(std::span<const OutputImage> images);
+/// For 8 bits only.
+std::vector<std::uint8_t> encodeGIF(std::span<const OutputImage> images);
 std::vector<std::uint8_t> encodeTIFF(std::span<const OutputImage> images);
 
 } // namespace imageio

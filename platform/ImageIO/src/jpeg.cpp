@@ -3,6 +3,7 @@
 
 #include <cg/colorspace.h>
 
+#include <algorithm>
 #include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
@@ -27,10 +28,14 @@ struct Reader {
             if (level < 0 && !isHarmless(c->err->msg_code)) c->err->error_exit(c);
         };
         errors.output_message = [](j_common_ptr) {};
-        // A few bytes can make a scan over the whole picture; no encoder writes hundreds of them.
+        // A few bytes can make a scan over the whole picture. Encoders write some ten; small pictures may
+        // have more.
         progress.progress_monitor = [](j_common_ptr c) {
             auto* jpeg = reinterpret_cast<j_decompress_ptr>(c);
-            if (jpeg->input_scan_number > 200) c->err->error_exit(c);
+            std::uint64_t pixels = std::max(1ull, 1ull * jpeg->image_width * jpeg->image_height);
+            constexpr std::uint64_t work = 1'000'000'000; // pixels of all scans; 2 s
+            if (jpeg->input_scan_number > int(std::clamp<std::uint64_t>(work / pixels, 20, 200)))
+                c->err->error_exit(c);
         };
     }
     ~Reader() {

@@ -6,7 +6,10 @@
 
 #include <bit>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
+
+#include <malloc.h>
 
 namespace imageio {
 
@@ -16,6 +19,21 @@ namespace {
 struct Reader : PngState {
     explicit Reader(Bytes file) : rest(file) {}
     ~Reader() { png_destroy_read_struct(&png, &info, nullptr); }
+
+    /// The library's memory is for a few rows, a profile and some text. A chunk of a few bytes can claim 1
+    /// GB, or unpack to a thousand times its size.
+    static png_voidp allocate(png_structp png, png_alloc_size_t size) {
+        auto* self = static_cast<Reader*>(png_get_mem_ptr(png));
+        if (size > self->allowance) return nullptr;
+        void* memory = std::malloc(size);
+        if (memory) self->allowance -= malloc_usable_size(memory);
+        return memory;
+    }
+    static void release(png_structp png, png_voidp memory) {
+        if (!memory) return;
+        static_cast<Reader*>(png_get_mem_ptr(png))->allowance += malloc_usable_size(memory);
+        std::free(memory);
+    }
 
     static void give(png_structp png, png_bytep out, std::size_t size) {
         auto* self = static_cast<Reader*>(png_get_io_ptr(png));
@@ -28,11 +46,14 @@ struct Reader : PngState {
     bool readRows(Pixels& pixels, int passes);
 
     Bytes rest;
+    /// What is left for the library, in bytes.
+    std::size_t allowance = 32u << 20;
 };
 
 bool Reader::readHeader() {
     if (setjmp(escape)) return false;
-    png = png_create_read_struct(PNG_LIBPNG_VER_STRING, static_cast<PngState*>(this), fail, ignoreWarning);
+    png = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, static_cast<PngState*>(this), fail, ignoreWarning,
+                                   this, allocate, release);
     if (!png) return false;
     info = png_create_info_struct(png);
     if (!info) return false;
@@ -40,6 +61,7 @@ bool Reader::readHeader() {
     // A wrong checksum anywhere is damage, even in chunks that could be skipped.
     png_set_crc_action(png, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
     png_set_user_limits(png, 1u << 24, 1u << 24);
+    png_set_chunk_malloc_max(png, 8u << 20);
     png_read_info(png, info);
     return true;
 }
@@ -47,6 +69,7 @@ bool Reader::readHeader() {
 bool Reader::readRows(Pixels& pixels, int passes) {
     if (setjmp(escape)) return false;
     png_uint_32 height = png_get_image_height(png, info);
+    allowance += std::size_t(png_get_image_width(png, info)) * 64; // rows, before and after conversion
     for (int pass = 0; pass < passes; ++pass)
         for (png_uint_32 y = 0; y < height; ++y) png_read_row(png, pixels.row(y), nullptr);
     png_read_end(png, nullptr);

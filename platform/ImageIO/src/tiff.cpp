@@ -48,9 +48,12 @@ struct Tags {
         }
     }
     bool isFloat() const { return format == SAMPLEFORMAT_IEEEFP; }
+    /// Of a sample in memory: doubles become floats.
+    int decodedBits() const { return bits == 64 ? 32 : bits; }
     /// Whole bytes in a plain colour model. Anything else goes through the library's own conversion to RGBA.
     bool isPlain() const {
-        bool depth = isFloat() ? bits == 32 : format == SAMPLEFORMAT_UINT && (bits == 8 || bits == 16);
+        bool depth =
+            isFloat() ? bits == 32 || bits == 64 : format == SAMPLEFORMAT_UINT && (bits == 8 || bits == 16);
         bool model = photometric == PHOTOMETRIC_RGB || photometric == PHOTOMETRIC_SEPARATED || colors() == 1;
         return depth && model && samples >= colors() + (alpha != Alpha::none);
     }
@@ -66,20 +69,28 @@ struct Tags {
 /// each pixel.
 void place(const Tags& tags, const Pixels& out, const std::uint8_t* chunk, std::size_t chunkRowBytes,
            std::uint32_t x0, std::uint32_t y0, std::uint32_t width, std::uint32_t height, int plane) {
-    auto bytes = static_cast<std::size_t>(out.bits / 8);
+    auto bytes = static_cast<std::size_t>(out.bits / 8), fileBytes = static_cast<std::size_t>(tags.bits / 8);
     bool separate = tags.planar == PLANARCONFIG_SEPARATE;
-    std::size_t stride = separate ? bytes : bytes * tags.samples;
+    std::size_t stride = separate ? fileBytes : fileBytes * tags.samples;
     int wanted = tags.colors() + (tags.alpha != Alpha::none);
     for (std::uint32_t y = 0; y < height; ++y) {
         const std::uint8_t* from = chunk + y * chunkRowBytes;
         std::uint8_t* to = out.row(y0 + y) + x0 * bytes * static_cast<std::size_t>(out.samples);
         for (int s = 0; s < wanted; ++s) {
             if (separate && s != plane) continue;
-            const std::uint8_t* p = from + (separate ? 0 : static_cast<std::size_t>(s) * bytes);
+            const std::uint8_t* p = from + (separate ? 0 : static_cast<std::size_t>(s) * fileBytes);
             std::uint8_t* q = to + static_cast<std::size_t>(s) * bytes;
             for (std::uint32_t x = 0; x < width;
-                 ++x, p += stride, q += bytes * static_cast<std::size_t>(out.samples))
-                std::memcpy(q, p, bytes);
+                 ++x, p += stride, q += bytes * static_cast<std::size_t>(out.samples)) {
+                if (fileBytes == bytes) {
+                    std::memcpy(q, p, bytes);
+                    continue;
+                }
+                double wide;
+                std::memcpy(&wide, p, sizeof wide);
+                auto narrow = static_cast<float>(wide);
+                std::memcpy(q, &narrow, sizeof narrow);
+            }
         }
     }
 }
@@ -207,7 +218,7 @@ Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
     Info& info = result.info;
     info.width = tags.width;
     info.height = tags.height;
-    info.depth = tags.bits;
+    info.depth = tags.isFloat() ? tags.decodedBits() : tags.bits;
     info.isFloat = tags.isFloat();
     info.isIndexed = tags.photometric == PHOTOMETRIC_PALETTE;
     info.hasAlpha = tags.alpha != Alpha::none;
@@ -239,7 +250,7 @@ Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
 
     Pixels& pixels = result.pixels;
     if (plain) {
-        pixels.bits = tags.bits;
+        pixels.bits = tags.decodedBits();
         pixels.alpha = tags.alpha;
         pixels.samples = colors == 3 ? 4 : colors + info.hasAlpha;
     } else {

@@ -37,6 +37,41 @@ TEST(RoundTrip, LosslessFormatsKeepEverySample) {
             }
 }
 
+TEST(RoundTrip, FormatsOf8BitsKeepFewColours) {
+    auto image = decode(bmpFile24());
+    for (const char* type : {"com.microsoft.bmp", "com.compuserve.gif"}) {
+        auto again = decode(encode({image.get()}, type));
+        ASSERT_TRUE(again) << type;
+        for (std::size_t y = 0; y < 2; ++y)
+            for (std::size_t x = 0; x < 3; ++x)
+                EXPECT_EQ(Drawn(again.get()).at(x, y), Drawn(image.get()).at(x, y)) << type << x << y;
+    }
+}
+
+TEST(RoundTrip, ManyColoursAreReducedInAGif) {
+    auto image = decode(pngFile(64, 64, PNG_COLOR_TYPE_RGB));
+    auto again = decode(encode({image.get()}, "com.compuserve.gif"));
+    ASSERT_TRUE(again);
+    Drawn before(image.get()), after(again.get());
+    double difference = 0;
+    for (std::size_t y = 0; y < 64; ++y)
+        for (std::size_t x = 0; x < 64; ++x)
+            for (std::size_t k = 0; k < 3; ++k)
+                difference += std::abs(double(before.at(x, y)[k]) - double(after.at(x, y)[k]));
+    EXPECT_LT(difference / (64 * 64 * 3), 12);
+    EXPECT_GT(difference, 0) << "256 colours cannot hold this picture";
+}
+
+TEST(RoundTrip, AGifIsTransparentWhereThePictureMostlyIs) {
+    auto image = decode(gifFile());
+    auto again = decode(encode({image.get()}, "com.compuserve.gif"));
+    ASSERT_TRUE(again);
+    ASSERT_EQ(CGImageGetWidth(again.get()), CGImageGetWidth(image.get()));
+    for (std::size_t y = 0; y < CGImageGetHeight(image.get()); ++y)
+        for (std::size_t x = 0; x < CGImageGetWidth(image.get()); ++x)
+            EXPECT_EQ(Drawn(again.get()).at(x, y), Drawn(image.get()).at(x, y)) << x << " " << y;
+}
+
 TEST(RoundTrip, ProfilesTravelAlong) {
     auto adobe = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateWithName(kCGColorSpaceAdobeRGB1998));
     auto srgb = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateWithName(kCGColorSpaceSRGB));

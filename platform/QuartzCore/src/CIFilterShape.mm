@@ -45,8 +45,8 @@ static CIFilterShape* shape(const ci::Region& region) {
     return [[[CIFilterShape alloc] initWithRegion:region] autorelease];
 }
 
-- (CIFilterShape*)transformBy:(CGAffineTransform)m interior:(BOOL)interior {
-    return shape(_region->region.transform(ci::fromCG(m), interior));
+- (CIFilterShape*)transformBy:(CGAffineTransform)m interior:(bool)flag {
+    return shape(_region->region.transform(ci::fromCG(m), flag));
 }
 
 - (CIFilterShape*)insetByX:(int)dx Y:(int)dy {

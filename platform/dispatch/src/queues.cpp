@@ -104,23 +104,23 @@ Threads& threads() {
 struct dispatch_block_s {
     struct Descriptor {
         unsigned long reserved, size;
-        void (*copy)(dispatch_block_t to, const dispatch_block_s* from); // these two only with kHasHelpers
-        void (*dispose)(dispatch_block_t);
+        void (*copy)(dispatch_block_s* to, const dispatch_block_s* from); // these two only with kHasHelpers
+        void (*dispose)(dispatch_block_s*);
     };
     static constexpr int kHasHelpers = 1 << 25, kIsGlobal = 1 << 28;
 
     void* isa;
     int flags, reserved;
-    void (*invoke)(dispatch_block_t);
+    void (*invoke)(dispatch_block_s*);
     const Descriptor* descriptor;
 };
 
 namespace {
 
 // A block that captures nothing lives as long as the process.
-dispatch_block_t copyOf(dispatch_block_t block) {
+dispatch_block_s* copyOf(dispatch_block_s* block) {
     if (block->flags & dispatch_block_s::kIsGlobal) return block;
-    auto* copy = static_cast<dispatch_block_t>(std::malloc(block->descriptor->size));
+    auto* copy = static_cast<dispatch_block_s*>(std::malloc(block->descriptor->size));
     if (!copy) throw std::bad_alloc();
     std::memcpy(copy, block, block->descriptor->size);
     if (block->flags & dispatch_block_s::kHasHelpers) block->descriptor->copy(copy, block);
@@ -128,7 +128,7 @@ dispatch_block_t copyOf(dispatch_block_t block) {
 }
 
 void runCopy(void* context) {
-    auto* block = static_cast<dispatch_block_t>(context);
+    auto* block = static_cast<dispatch_block_s*>(context);
     block->invoke(block);
     if (block->flags & dispatch_block_s::kIsGlobal) return;
     if (block->flags & dispatch_block_s::kHasHelpers) block->descriptor->dispose(block);
@@ -145,6 +145,8 @@ void dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t
     threads().submit(queue, {context, work});
 }
 
-void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
+// The header declares it for compilers with blocks; this file takes them apart.
+extern "C" void dispatch_async(dispatch_queue_t queue, dispatch_block_s* block);
+void dispatch_async(dispatch_queue_t queue, dispatch_block_s* block) {
     dispatch_async_f(queue, copyOf(block), runCopy);
 }

@@ -3,9 +3,12 @@
 
 #include <Carbon/MacErrors.h>
 #include <Carbon/MacTypes.h>
+#include <Carbon/UTCUtils.h>
 #include <CoreFoundation/CoreFoundation.h>
 
 CF_EXTERN_C_BEGIN
+
+#pragma pack(push, 2)
 
 // A file or folder, opaque. All zero: no item.
 struct FSRef {
@@ -32,11 +35,34 @@ typedef struct FSSpec FSSpec;
 typedef UInt32 FSCatalogInfoBitmap;
 enum { kFSCatInfoNone = 0, kFSCatInfoNodeID = 0x10 };
 
-// The only catalogue fact that is supported. The root folder of a volume has number 2.
+// The number of the item is the only fact that is filled in. The root folder of a volume has number 2.
 struct FSCatalogInfo {
+    UInt16 nodeFlags;
+    FSVolumeRefNum volume;
+    UInt32 parentDirID;
     UInt32 nodeID;
+    UInt8 sharingFlags;
+    UInt8 userPrivileges;
+    UInt8 reserved1;
+    UInt8 reserved2;
+    UTCDateTime createDate;
+    UTCDateTime contentModDate;
+    UTCDateTime attributeModDate;
+    UTCDateTime accessDate;
+    UTCDateTime backupDate;
+    UInt32 permissions[4];
+    UInt8 finderInfo[16];
+    UInt8 extFinderInfo[16];
+    UInt64 dataLogicalSize;
+    UInt64 dataPhysicalSize;
+    UInt64 rsrcLogicalSize;
+    UInt64 rsrcPhysicalSize;
+    UInt32 valence;
+    UInt32 textEncodingHint;
 };
 typedef struct FSCatalogInfo FSCatalogInfo;
+
+#pragma pack(pop)
 
 // Facts about the item at `ref`; each output may be null. The parent of the topmost folder is all zero.
 // Errors: paramErr if `ref` names nothing, fnfErr if the item is gone.

@@ -82,6 +82,8 @@ auto guarded(Body body) noexcept -> decltype(body()) {
         return Result();
     } catch (const std::logic_error&) {
         return Result();
+    } catch (...) { // Cocoa's, raised below when memory is short
+        return Result();
     }
 }
 

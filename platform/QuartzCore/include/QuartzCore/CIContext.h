@@ -4,9 +4,9 @@
 #import <QuartzCore/CIImage.h>
 
 /** Option keys: RGB CGColorSpaces, or NSNull for no colour matching; and a Boolean NSNumber. */
-CORE_IMAGE_EXTERN NSString* const kCIContextOutputColorSpace;
-CORE_IMAGE_EXTERN NSString* const kCIContextWorkingColorSpace;
-CORE_IMAGE_EXTERN NSString* const kCIContextUseSoftwareRenderer;
+CORE_IMAGE_EXPORT NSString* const kCIContextOutputColorSpace;
+CORE_IMAGE_EXPORT NSString* const kCIContextWorkingColorSpace;
+CORE_IMAGE_EXPORT NSString* const kCIContextUseSoftwareRenderer;
 
 /** Renders images. */
 @interface CIContext : NSObject {

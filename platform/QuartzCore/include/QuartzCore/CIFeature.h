@@ -1,10 +1,10 @@
 // The features that a detector finds. Weak: see CIDetector.h.
 #pragma once
 
-#import <QuartzCore/CoreImageDefines.h>
+#import <QuartzCore/CIWeakLinking.h>
 
 /** The `type` of a face. */
-CORE_IMAGE_WEAK_EXTERN NSString* const CIFeatureTypeFace;
+CORE_IMAGE_WEAK_EXPORT NSString* const CIFeatureTypeFace;
 
 /** Something found in an image. Positions are in the image's coordinates. */
 @interface CIFeature : NSObject {

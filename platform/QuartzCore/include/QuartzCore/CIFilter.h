@@ -6,73 +6,73 @@
 @class CIImage;
 
 /** Keys of the whole filter in its attributes. */
-CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterName;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterDisplayName;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterCategories;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeFilterName;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeFilterDisplayName;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeFilterCategories;
 /** The first version of the system with the filter, such as "10.4". */
-CORE_IMAGE_EXTERN NSString* const kCIAttributeFilterAvailable_Mac;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeFilterAvailable_Mac;
 /** An NSURL. */
-CORE_IMAGE_EXTERN NSString* const kCIAttributeReferenceDocumentation;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeDescription;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeReferenceDocumentation;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeDescription;
 
 /** Keys of one input's attributes. */
-CORE_IMAGE_EXTERN NSString* const kCIAttributeClass;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeType;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeMin;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeMax;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeSliderMin;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeSliderMax;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeDefault;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeIdentity;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeName;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeDisplayName;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeClass;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeType;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeMin;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeMax;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeSliderMin;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeSliderMax;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeDefault;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeIdentity;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeName;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeDisplayName;
 
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeTime;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeScalar;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeDistance;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeAngle;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeBoolean;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeInteger;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeCount;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypePosition;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeOffset;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypePosition3;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeRectangle;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeOpaqueColor;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeColor;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeGradient;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeImage;
-CORE_IMAGE_EXTERN NSString* const kCIAttributeTypeTransform;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeTime;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeScalar;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeDistance;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeAngle;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeBoolean;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeInteger;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeCount;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypePosition;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeOffset;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypePosition3;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeRectangle;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeOpaqueColor;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeColor;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeGradient;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeImage;
+CORE_IMAGE_EXPORT NSString* const kCIAttributeTypeTransform;
 
-CORE_IMAGE_EXTERN NSString* const kCICategoryDistortionEffect;
-CORE_IMAGE_EXTERN NSString* const kCICategoryGeometryAdjustment;
-CORE_IMAGE_EXTERN NSString* const kCICategoryCompositeOperation;
-CORE_IMAGE_EXTERN NSString* const kCICategoryHalftoneEffect;
-CORE_IMAGE_EXTERN NSString* const kCICategoryColorAdjustment;
-CORE_IMAGE_EXTERN NSString* const kCICategoryColorEffect;
-CORE_IMAGE_EXTERN NSString* const kCICategoryTransition;
-CORE_IMAGE_EXTERN NSString* const kCICategoryTileEffect;
-CORE_IMAGE_EXTERN NSString* const kCICategoryGenerator;
-CORE_IMAGE_EXTERN NSString* const kCICategoryReduction;
-CORE_IMAGE_EXTERN NSString* const kCICategoryGradient;
-CORE_IMAGE_EXTERN NSString* const kCICategoryStylize;
-CORE_IMAGE_EXTERN NSString* const kCICategorySharpen;
-CORE_IMAGE_EXTERN NSString* const kCICategoryBlur;
-CORE_IMAGE_EXTERN NSString* const kCICategoryVideo;
-CORE_IMAGE_EXTERN NSString* const kCICategoryStillImage;
-CORE_IMAGE_EXTERN NSString* const kCICategoryInterlaced;
-CORE_IMAGE_EXTERN NSString* const kCICategoryNonSquarePixels;
-CORE_IMAGE_EXTERN NSString* const kCICategoryHighDynamicRange;
-CORE_IMAGE_EXTERN NSString* const kCICategoryBuiltIn;
+CORE_IMAGE_EXPORT NSString* const kCICategoryDistortionEffect;
+CORE_IMAGE_EXPORT NSString* const kCICategoryGeometryAdjustment;
+CORE_IMAGE_EXPORT NSString* const kCICategoryCompositeOperation;
+CORE_IMAGE_EXPORT NSString* const kCICategoryHalftoneEffect;
+CORE_IMAGE_EXPORT NSString* const kCICategoryColorAdjustment;
+CORE_IMAGE_EXPORT NSString* const kCICategoryColorEffect;
+CORE_IMAGE_EXPORT NSString* const kCICategoryTransition;
+CORE_IMAGE_EXPORT NSString* const kCICategoryTileEffect;
+CORE_IMAGE_EXPORT NSString* const kCICategoryGenerator;
+CORE_IMAGE_EXPORT NSString* const kCICategoryReduction;
+CORE_IMAGE_EXPORT NSString* const kCICategoryGradient;
+CORE_IMAGE_EXPORT NSString* const kCICategoryStylize;
+CORE_IMAGE_EXPORT NSString* const kCICategorySharpen;
+CORE_IMAGE_EXPORT NSString* const kCICategoryBlur;
+CORE_IMAGE_EXPORT NSString* const kCICategoryVideo;
+CORE_IMAGE_EXPORT NSString* const kCICategoryStillImage;
+CORE_IMAGE_EXPORT NSString* const kCICategoryInterlaced;
+CORE_IMAGE_EXPORT NSString* const kCICategoryNonSquarePixels;
+CORE_IMAGE_EXPORT NSString* const kCICategoryHighDynamicRange;
+CORE_IMAGE_EXPORT NSString* const kCICategoryBuiltIn;
 
-CORE_IMAGE_EXTERN NSString* const kCIApplyOptionExtent;
-CORE_IMAGE_EXTERN NSString* const kCIApplyOptionDefinition;
-CORE_IMAGE_EXTERN NSString* const kCIApplyOptionUserInfo;
+CORE_IMAGE_EXPORT NSString* const kCIApplyOptionExtent;
+CORE_IMAGE_EXPORT NSString* const kCIApplyOptionDefinition;
+CORE_IMAGE_EXPORT NSString* const kCIApplyOptionUserInfo;
 
 /** The keys that most filters share. */
-CORE_IMAGE_EXTERN NSString* const kCIInputImageKey;
-CORE_IMAGE_EXTERN NSString* const kCIInputBackgroundImageKey;
-CORE_IMAGE_EXTERN NSString* const kCIOutputImageKey;
+CORE_IMAGE_EXPORT NSString* const kCIInputImageKey;
+CORE_IMAGE_EXPORT NSString* const kCIInputBackgroundImageKey;
+CORE_IMAGE_EXPORT NSString* const kCIOutputImageKey;
 
 /**
  * A filter: inputs by key, and the image that it makes of them. Inputs are read and written by key-value

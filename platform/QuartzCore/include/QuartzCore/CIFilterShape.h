@@ -16,7 +16,7 @@
  * The transformed shape. If the transform does not keep rectangles upright, the result is made of bands that
  * lie inside the exact shape (`interior`) or of the rectangles' bounding boxes (otherwise).
  */
-- (CIFilterShape*)transformBy:(CGAffineTransform)m interior:(BOOL)interior;
+- (CIFilterShape*)transformBy:(CGAffineTransform)m interior:(bool)flag;
 /** Every boundary moved inwards by `dx` and `dy`, or outwards when negative. */
 - (CIFilterShape*)insetByX:(int)dx Y:(int)dy;
 /** A nil shape is empty. */

@@ -8,22 +8,22 @@
 
 /** Layouts of bitmaps; pixels are premultiplied, components in the machine's byte order. */
 typedef int CIFormat;
-CORE_IMAGE_EXTERN CIFormat kCIFormatARGB8;  /* 23: bytes A R G B */
-CORE_IMAGE_EXTERN CIFormat kCIFormatRGBA8;  /* 24: bytes R G B A */
-CORE_IMAGE_EXTERN CIFormat kCIFormatRGBA16; /* 27: 16 bits each */
-CORE_IMAGE_EXTERN CIFormat kCIFormatRGBAf;  /* 34: floats */
+CORE_IMAGE_EXPORT CIFormat kCIFormatARGB8;  /* 23: bytes A R G B */
+CORE_IMAGE_EXPORT CIFormat kCIFormatRGBA8;  /* 24: bytes R G B A */
+CORE_IMAGE_EXPORT CIFormat kCIFormatRGBA16; /* 27: 16 bits each */
+CORE_IMAGE_EXPORT CIFormat kCIFormatRGBAf;  /* 34: floats */
 
 /** Option: the CGColorSpace in which to read the data instead of their own, or NSNull for no colour matching.
  */
-CORE_IMAGE_EXTERN NSString* const kCIImageColorSpace;
+CORE_IMAGE_EXPORT NSString* const kCIImageColorSpace;
 /** Option: the dictionary that `properties` returns. */
-CORE_IMAGE_EXTERN NSString* const kCIImageProperties;
+CORE_IMAGE_EXPORT NSString* const kCIImageProperties;
 
 /** Options of the automatic adjustment: NSNumbers, NO to leave out the enhancement or the correction of red
  * eyes; and an NSArray of features to use instead of detecting faces. */
-CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustEnhance;
-CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustRedEye;
-CORE_IMAGE_EXTERN NSString* const kCIImageAutoAdjustFeatures;
+CORE_IMAGE_EXPORT NSString* const kCIImageAutoAdjustEnhance;
+CORE_IMAGE_EXPORT NSString* const kCIImageAutoAdjustRedEye;
+CORE_IMAGE_EXPORT NSString* const kCIImageAutoAdjustFeatures;
 
 /**
  * A recipe for an image: nothing is computed until it is drawn. Immutable; a copy is the receiver, retained.

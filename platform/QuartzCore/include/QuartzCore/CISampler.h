@@ -7,15 +7,15 @@
 @class CIImage;
 
 /** The option keys: an NSAffineTransform, and one of the modes below. */
-CORE_IMAGE_EXTERN NSString* const kCISamplerAffineMatrix;
-CORE_IMAGE_EXTERN NSString* const kCISamplerWrapMode;
-CORE_IMAGE_EXTERN NSString* const kCISamplerFilterMode;
-CORE_IMAGE_EXTERN NSString* const kCISamplerColorSpace;
+CORE_IMAGE_EXPORT NSString* const kCISamplerAffineMatrix;
+CORE_IMAGE_EXPORT NSString* const kCISamplerWrapMode;
+CORE_IMAGE_EXPORT NSString* const kCISamplerFilterMode;
+CORE_IMAGE_EXPORT NSString* const kCISamplerColorSpace;
 
-CORE_IMAGE_EXTERN NSString* const kCISamplerWrapBlack;
-CORE_IMAGE_EXTERN NSString* const kCISamplerWrapClamp;
-CORE_IMAGE_EXTERN NSString* const kCISamplerFilterNearest;
-CORE_IMAGE_EXTERN NSString* const kCISamplerFilterLinear;
+CORE_IMAGE_EXPORT NSString* const kCISamplerWrapBlack;
+CORE_IMAGE_EXPORT NSString* const kCISamplerWrapClamp;
+CORE_IMAGE_EXPORT NSString* const kCISamplerFilterNearest;
+CORE_IMAGE_EXPORT NSString* const kCISamplerFilterLinear;
 
 /**
  * An image with the transform and the modes by which it is read. Immutable.

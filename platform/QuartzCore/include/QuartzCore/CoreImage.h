@@ -1,10 +1,12 @@
-// Core Image, all but the detectors.
+// Core Image.
 #pragma once
 
 #import <QuartzCore/CoreImageDefines.h>
 
 #import <QuartzCore/CIColor.h>
 #import <QuartzCore/CIContext.h>
+#import <QuartzCore/CIDetector.h>
+#import <QuartzCore/CIFeature.h>
 #import <QuartzCore/CIFilter.h>
 #import <QuartzCore/CIFilterShape.h>
 #import <QuartzCore/CIImage.h>

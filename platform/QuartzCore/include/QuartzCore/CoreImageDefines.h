@@ -6,9 +6,7 @@
 #import <CoreGraphics/CoreGraphics.h>
 
 #ifdef __cplusplus
-#define CORE_IMAGE_EXTERN extern "C"
+#define CORE_IMAGE_EXPORT extern "C"
 #else
-#define CORE_IMAGE_EXTERN extern
+#define CORE_IMAGE_EXPORT extern
 #endif
-/* Not Apple's: for what a process may lack. */
-#define CORE_IMAGE_WEAK_EXTERN CORE_IMAGE_EXTERN __attribute__((weak, visibility("default")))

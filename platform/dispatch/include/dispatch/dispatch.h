@@ -11,8 +11,6 @@ typedef struct dispatch_queue_s* dispatch_queue_t;
 typedef void (*dispatch_function_t)(void* context);
 #ifdef __BLOCKS__
 typedef void (^dispatch_block_t)(void);
-#else
-typedef struct dispatch_block_s* dispatch_block_t; // only to be passed on
 #endif
 
 #define DISPATCH_QUEUE_PRIORITY_HIGH 2
@@ -26,8 +24,10 @@ dispatch_queue_t dispatch_get_global_queue(long priority, unsigned long flags);
 // Runs work(context) on another thread and returns at once. Tasks start in order and run side by side.
 void dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t work);
 
+#ifdef __BLOCKS__
 // The same for a block, of which the queue keeps a copy until it has run.
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
+#endif
 
 #ifdef __cplusplus
 }

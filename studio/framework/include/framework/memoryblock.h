@@ -15,7 +15,8 @@ struct MemoryBlockBytes {
 };
 
 MemoryBlockBytes& memoryBlockBytes(REALobject block);
-REALobject newMemoryBlock(std::string_view bytes); // owned
-REALobject tryNewMemoryBlock(std::int32_t size);   // null when there is no memory for it
+bool resizeMemoryBlock(REALobject block, std::int32_t size); // false when there is no memory for it
+REALobject newMemoryBlock(std::string_view bytes);           // owned
+REALobject tryNewMemoryBlock(std::int32_t size);             // null when there is no memory for it
 
 } // namespace studio

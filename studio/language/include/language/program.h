@@ -20,14 +20,41 @@ struct Frame {
     Bits* slots;
     REALobject self;
     Bits result;
-    int target = 0; // the loop that Exit or Continue refers to
+    int target = 0; // the loop that Exit or Continue refers to, the label of Goto
 };
 
-enum class Flow { Next, Exit, Continue, Return };
+enum class Flow { Next, Exit, Continue, Return, Goto };
+
+// A function of the frame. Copies share one closure: each operator takes those of its operands, so copying
+// would make a long sum quadratic.
+template <class Result>
+class Compiled {
+  public:
+    Compiled(std::nullptr_t = nullptr) {}
+    template <class F>
+    requires std::is_invocable_r_v<Result, const F&, Frame&> Compiled(F f)
+        : body_(std::make_shared<const Body<F>>(std::move(f))) {}
+
+    explicit operator bool() const { return bool(body_); }
+    Result operator()(Frame& frame) const { return body_->run(frame); }
+
+  private:
+    struct Base {
+        virtual ~Base() = default;
+        virtual Result run(Frame& frame) const = 0;
+    };
+    template <class F>
+    struct Body final : Base {
+        explicit Body(F f) : f(std::move(f)) {}
+        Result run(Frame& frame) const override { return f(frame); }
+        F f;
+    };
+    std::shared_ptr<const Base> body_;
+};
 
 // Compiled code. A value of a counted type comes with a reference that the receiver owns.
-using Code = std::function<Bits(Frame&)>;
-using Action = std::function<Flow(Frame&)>;
+using Code = Compiled<Bits>;
+using Action = Compiled<Flow>;
 
 struct Routine {
     const Method* method = nullptr;
@@ -44,15 +71,23 @@ struct Global {
     Bits bits;
 };
 
+// Where in a program's files.
+struct Place {
+    int line = 0;
+    int file = 0;
+};
+
 class Program {
   public:
-    explicit Program(std::string fileName) : fileName(std::move(fileName)) {}
+    explicit Program(std::string fileName) : files{std::move(fileName)} {}
     ~Program();
 
-    std::string fileName;
-    std::deque<Global> globals; // code holds their addresses
+    std::vector<std::string> files; // as Position::file counts them
+    std::deque<Global> globals;     // code holds their addresses
     std::deque<Routine> routines;
     std::vector<REALstring> literals;
+    std::deque<Method> events; // their routines call the handlers
+    Routine prepare;           // gives the shared properties their initial values
     Routine main;
 
     // Prepares the global state and runs the statements outside routines.
@@ -66,11 +101,17 @@ class Program {
     // The method that overrides this one in the object's class; the routine itself when none does.
     const Routine& dispatch(const Routine& routine, REALobject self);
 
-    int line = 0; // of the running statement
+    // Calls what a delegate stands for. The arguments as for call().
+    Bits callDelegate(REALobject delegate, Bits* arguments);
+
+    Place at; // of the running statement
 
     // Keeps an object until the running statement ends: a native handle that was read from a temporary stays
     // valid that long.
-    void keep(REALobject object) { kept_.push_back(Heap::retain(object)); }
+    void keep(REALobject object) {
+        kept_.push_back(object);
+        Heap::retain(object);
+    }
 
     // The time of a statement, or of a condition that is evaluated again and again.
     class Statement {
@@ -91,9 +132,12 @@ class Program {
     void noteRaised(REALobject exception);
     void releaseKept(std::size_t bottom);
 
+    struct Context;
+    void exchange(Context& other);
+
     std::vector<Bits> stack_ = std::vector<Bits>(1 << 18);
     std::size_t top_ = 0;
-    std::vector<int> callLines_; // where each running routine was called
+    std::vector<Place> callers_; // where each running routine was called
     std::vector<REALobject> kept_;
     std::map<std::pair<const Routine*, const Class*>, const Routine*> overrides_;
 };
@@ -101,9 +145,11 @@ class Program {
 // Mistakes found in a program's text, in order.
 struct SourceErrors {
     std::vector<SourceError> errors;
+    std::vector<std::string> files; // as their positions count them
 };
 
-// Checks and resolves a program for the current host; throws SourceErrors.
+// Checks and resolves a program for the current host; throws SourceErrors. Files that it includes are read
+// from the folder of the one that names them.
 std::unique_ptr<Program> compileProgram(const std::string& fileName, std::string_view source);
 
 } // namespace studio

@@ -20,7 +20,11 @@ class ClassTable {
     Class* named(std::string_view name);      // made, still undefined, when the name is new
     Class* find(std::string_view name) const; // null when it is not defined
     Class* root() const { return root_; }     // Object
-    const Type* arrayOf(const Type* element);
+    const Type* arrayOf(const Type* element, int rank = 1);
+    // From now on the class's name stands for integers of that kind.
+    void makeEnumeration(Class& cls, Kind kind);
+    // Another name for a type, such as "Module.Class".
+    void alias(std::string_view name, const Type* type);
     const Type* typeNamed(const ast::TypeName& name); // a class may still be undefined
     const Type* typeNamed(std::string_view text);     // "Integer", "CIFilterKaz()"
 
@@ -42,7 +46,9 @@ class ClassTable {
   private:
     std::map<std::string, std::unique_ptr<Class>, std::less<>> classes_;
     std::map<const Class*, std::unique_ptr<Type>> classTypes_;
-    std::map<const Type*, std::unique_ptr<Type>> arrayTypes_;
+    std::map<std::pair<const Type*, int>, std::unique_ptr<Type>> arrayTypes_;
+    std::map<const Class*, std::unique_ptr<Type>> enumerationTypes_;
+    std::map<std::string, const Type*, std::less<>> aliases_;
     std::vector<Class*> order_;
     std::vector<std::unique_ptr<Method>> functions_;
     std::map<std::string, std::vector<const Method*>, std::less<>> functionIndex_;

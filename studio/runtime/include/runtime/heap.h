@@ -19,15 +19,24 @@
 
 namespace studio {
 
+// What weak references to an object share. It outlives the object.
+struct WeakCell {
+    REALobject object; // null when it is gone
+    int references;
+};
+
 // The six header words of an object.
 struct ObjectHeader {
     Class* cls;
     std::int32_t hostReferences;
     std::int32_t pluginReferences;
     std::uint32_t flags;
-    std::uint32_t unused[2];
+    REALobject nextWaiting; // see Heap::destroy
+    struct WeakCell* weak;  // of the weak references to this object, if there are any
 
     static constexpr std::uint32_t kDying = 1;
+    static constexpr std::uint32_t kWaiting = 2;   // will be destroyed, see Heap::destroy
+    static constexpr std::uint32_t kPermanent = 4; // the host keeps one reference for good
 };
 static_assert(sizeof(ObjectHeader) == sizeof(REALobjectStruct));
 
@@ -79,7 +88,7 @@ class Heap {
     }
 
     // ---- objects ----------------------------------------------------------------------------------------
-    // Zeroed instance with one host reference; no constructor is called.
+    // Zeroed instance with one host reference; no constructor is called. Throws std::bad_alloc.
     REALobject allocate(Class& cls, std::int32_t size);
     static REALobject retain(REALobject object) {
         if (object) ++header(object).hostReferences;
@@ -89,6 +98,12 @@ class Heap {
         if (!object) return;
         ObjectHeader& head = header(object);
         if (--head.hostReferences + head.pluginReferences == 0) destroy(object);
+    }
+
+    // A weak reference: the cell tells whether the object is still alive.
+    static WeakCell* weakReference(REALobject object);
+    static void release(WeakCell* cell) {
+        if (cell && --cell->references == 0) delete cell;
     }
 
     // ---- the plugins' account ---------------------------------------------------------------------------
@@ -138,9 +153,12 @@ class Heap {
 
     void destroy(REALobject object);
     void freeString(StringCell& cell);
-    void bury(const void* handle, std::string what, void* memory, std::size_t size);
+    void finalizeAndBury(REALobject object);
+    template <class Describe>
+    void bury(const void* handle, Describe describe, void* memory, std::size_t size);
     void arrangeFace(StringCell& cell) const;
     StringCell* makeCell(std::string_view bytes, std::uint32_t encoding);
+    void beAlive(const void* handle, bool isString, void* memory); // frees the memory when it throws
     std::string describeDead(const void* handle) const;
 
     bool openStrings_;
@@ -150,6 +168,8 @@ class Heap {
     std::deque<std::pair<const void*, Freed>> graveyard_;
     std::size_t graveyardBytes_ = 0;
     std::set<void*> lent_;
+    int destroying_ = 0; // the depth of destroy()
+    REALobject waiting_ = nullptr;
     std::vector<std::string> violations_, remarks_;
     std::vector<std::string_view> calls_;
 };

@@ -90,6 +90,14 @@ struct Class {
     std::string superclassName;
     const Type* type = nullptr;
     const Type* arrayElement = nullptr; // the class of an array type
+    int arrayRank = 1;
+
+    // Of a program.
+    bool isInterface = false;
+    // A structure is a value, copied where it is stored: sets the fields of the first object to the second's.
+    std::function<void(REALobject, REALobject)> copy;
+    std::vector<Class*> interfaces;
+    std::optional<Signature> delegate; // instances call a routine of that signature
 
     // What a plugin registered.
     const REALclassDefinition* record = nullptr;
@@ -108,8 +116,8 @@ struct Class {
     std::int32_t variantType = kREALVariantObject;  // VarType's result
     REALobject (*fromString)(REALstring) = nullptr; // strings convert to and from it implicitly
     REALstring (*toString)(REALobject) = nullptr;
-    // Sets the handler of an event: a Sub of the program, called with the object; null removes it.
-    void (*setHandler)(REALobject, std::string_view event, const Method* handler) = nullptr;
+    // Sets the handler of an event: a delegate that is called with the object; null removes it.
+    void (*setHandler)(REALobject, std::string_view event, REALobject handler) = nullptr;
 
     std::vector<std::unique_ptr<Method>> methods;
     std::vector<std::unique_ptr<Method>> sharedMethods;
@@ -119,7 +127,7 @@ struct Class {
     std::vector<std::string> events; // declarations
 
     bool isDefined() const { return origin != Origin::Undefined; }
-    bool isA(const Class* ancestor) const;
+    bool isA(const Class* ancestor) const;                 // or that interface
     const Property* property(std::string_view name) const; // own or inherited
     const Constant* constant(std::string_view name) const;
     const Method* method(std::string_view declaration) const; // own, by its text as received

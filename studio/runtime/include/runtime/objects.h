@@ -16,8 +16,8 @@ bool isA(REALobject object, std::string_view className);
 std::string classNameOf(REALobject object); // as Print shows it
 // The property of the object's class, or of Variant, since any object is a variant, too.
 const Property* findProperty(REALobject object, std::string_view name);
-// Makes a Sub of the program the handler of an object's event, in place of any earlier one; it is called with
-// the object. Null removes it. Raises UnsupportedOperationException when there is no such event.
-void setHandler(REALobject object, std::string_view event, const Method* handler);
+// Makes a delegate the handler of an object's event, in place of any earlier one; it is called with the
+// object. Null removes it. Raises UnsupportedOperationException when there is no such event.
+void setHandler(REALobject object, std::string_view event, REALobject handler);
 
 } // namespace studio

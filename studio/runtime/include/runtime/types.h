@@ -37,11 +37,14 @@ enum class Kind : std::uint8_t {
 struct Type {
     Kind kind;
     std::string name;              // as the language writes it: "Integer", "CIFilterKaz()"
-    Class* cls = nullptr;          // Kind::Object
+    Class* cls = nullptr;          // Kind::Object, and of an enumeration
     const Type* element = nullptr; // Kind::Array
+    int rank = 1;                  // Kind::Array: the number of dimensions
 
-    bool isInteger() const { return kind >= Kind::Int8 && kind <= Kind::UInt64; }
-    bool isNumber() const { return kind >= Kind::Int8 && kind <= Kind::Double; }
+    bool isInteger() const { return kind >= Kind::Int8 && kind <= Kind::UInt64 && !cls; }
+    bool isNumber() const { return kind >= Kind::Int8 && kind <= Kind::Double && !cls; }
+    // An integer of its own type; its class holds the names.
+    bool isEnumeration() const { return cls && kind >= Kind::Int8 && kind <= Kind::UInt64; }
     // Objects, arrays and variants are all a counted pointer to an object.
     bool isObject() const { return kind >= Kind::Variant; }
     bool isCounted() const { return kind >= Kind::String; }

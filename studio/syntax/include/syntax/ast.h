@@ -13,7 +13,7 @@ namespace studio::ast {
 
 struct TypeName {
     std::string name;
-    bool array = false;
+    int rank = 0; // of an array: the number of its dimensions
     Position position;
 };
 
@@ -28,13 +28,16 @@ enum class ExprKind {
     Name,
     Self,
     Super,
-    Member,    // a.text
-    Call,      // a(arguments)
-    Unary,     // text a
-    Binary,    // a text b
-    IsA,       // a IsA type
-    New,       // New type(arguments)
-    AddressOf, // AddressOf text
+    Member,      // a.text
+    Call,        // a(arguments)
+    Unary,       // text a
+    Binary,      // a text b
+    IsA,         // a IsA type
+    New,         // New type(arguments)
+    AddressOf,   // AddressOf a; text is "weak" for WeakAddressOf
+    RaiseEvent,  // RaiseEvent text; its arguments are those of the Call around it
+    Conditional, // If(arguments)
+    Pair,        // a : b
 };
 
 struct Expr;
@@ -49,6 +52,7 @@ struct Expr {
     ExprPtr a, b;
     std::vector<ExprPtr> arguments;
     TypeName type;
+    int height = 0; // the longest way down to an expression without operands
 };
 
 struct Parameter {
@@ -88,15 +92,20 @@ enum class StatementKind {
     Raise,
     Redim,
     AddHandler,
+    RemoveHandler,
+    Label, // text:
+    Goto,  // Goto label
 };
 
 struct Variable {
     std::string name;
     Position position;
     TypeName type;
-    ExprPtr bound;   // Dim a(bound)
-    ExprPtr initial; // also `As New C(...)`, as a New expression
+    std::vector<ExprPtr> bounds; // Dim a(bound, bound)
+    ExprPtr initial;             // also `As New C(...)`, as a New expression
+    ExprPtr length;              // As String * length
     bool isStatic = false;
+    bool shared = false;
 };
 
 // A condition of a Case line: a value, a range, or a comparison.
@@ -119,6 +128,7 @@ struct Statement {
     // Exit and Continue: "for", "while", "do", ""; For: "to", "downto"; Do: "while", "until".
     std::string text;
     std::string suffix; // Loop: "while", "until"
+    std::string label;  // Exit, Continue: a loop's label or variable; Goto
     std::vector<Variable> variables;
     ExprPtr target, value, step;
     ExprPtr loopCondition; // after Loop
@@ -134,20 +144,45 @@ struct Routine {
     bool shared = false;
 };
 
+enum class ClassKind {
+    Class,
+    Module,    // everything is shared
+    Interface, // the methods have no bodies
+    Structure, // a value of properties
+};
+
 struct ClassDeclaration {
+    ClassKind kind = ClassKind::Class;
     std::string name;
     Position position;
     TypeName superclass; // empty name: none
-    bool module = false; // everything is shared
+    std::vector<TypeName> interfaces;
+    std::string outer; // the class or module around it
     std::vector<Variable> properties;
     std::vector<Variable> constants;
     std::vector<Routine> methods;
+    std::vector<Signature> events;
+};
+
+struct Enumeration {
+    std::string name;
+    Position position;
+    TypeName type; // of its values; empty name: Integer
+    std::string outer;
+    std::vector<Variable> members;
+};
+
+struct Delegate {
+    Signature signature;
+    std::string outer;
 };
 
 struct Program {
     Block statements;
     std::vector<Routine> routines;
     std::vector<ClassDeclaration> classes;
+    std::vector<Enumeration> enumerations;
+    std::vector<Delegate> delegates;
 };
 
 } // namespace studio::ast

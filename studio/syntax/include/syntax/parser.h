@@ -3,12 +3,28 @@
 
 #include "syntax/ast.h"
 
+#include <functional>
+#include <map>
+#include <optional>
 #include <string_view>
 #include <utility>
+#include <variant>
 
 namespace studio {
 
-ast::Program parseProgram(std::string_view source);
+// What a program's text depends on.
+struct Surroundings {
+    using Constant = std::variant<bool, double>;
+    std::map<std::string, Constant> constants; // for `#If`, by folded name
+    // The program's files, as Position::file counts them; the first is the one being parsed, and each
+    // `#Include` adds one.
+    std::vector<std::string> files = {""};
+    std::function<std::optional<std::string>(const std::string& path)>
+        read; // null when there is no such file
+};
+
+ast::Program parseProgram(std::string_view source, Surroundings& surroundings);
+ast::Program parseProgram(std::string_view source); // of one file
 
 // "Name(a As Integer = 1, ...) As Type"; "Sub" or "Function" may stand before the name.
 ast::Signature parseSignature(std::string_view declaration);

@@ -9,6 +9,7 @@ namespace studio {
 struct Position {
     int line = 1;
     int column = 1;
+    int file = 0; // of the program's files; 0 is the one that was started
 };
 
 class SourceError : public std::runtime_error {

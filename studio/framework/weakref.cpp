@@ -1,0 +1,35 @@
+// WeakRef: an object that it does not keep alive.
+#include "table.h"
+
+namespace studio {
+
+namespace {
+
+struct WeakRef {
+    WeakCell* cell = nullptr;
+};
+
+FrameworkClass weakRefClass() {
+    FrameworkClass table = classWithData<WeakRef>("WeakRef");
+    table.destructor = +[](REALobject self) { Heap::release(dataOf<WeakRef>(self).cell); };
+    table.properties = {
+        property("Value", "Object",
+                 [](REALobject self) {
+                     WeakCell* cell = dataOf<WeakRef>(self).cell;
+                     return cell ? Heap::retain(cell->object) : nullptr;
+                 }),
+    };
+    table.methods = {
+        method("Constructor(target As Object)",
+               [](REALobject self, REALobject target) {
+                   Heap::release(std::exchange(dataOf<WeakRef>(self).cell, Heap::weakReference(target)));
+               }),
+    };
+    return table;
+}
+
+const Registrar registrar([] { return FrameworkPart{{weakRefClass()}}; });
+
+} // namespace
+
+} // namespace studio

@@ -1,0 +1,19 @@
+// Makes the process's own calls fail: memory, files, and Cocoa messages to Core Image.
+#pragma once
+
+namespace faults {
+
+enum class Kind { none, memory, file, message };
+
+// The n-th call of the kind from now on fails (1 is the next), and with `onwards` every one after it. A file
+// call is cut short instead where `cut` is set and it transfers bytes. n = 0 only counts.
+void arm(Kind kind, long n, bool onwards, bool cut = false);
+// Ends it; returns how many calls of the kind there were.
+long disarm();
+
+// For the interposed functions: counts the call, and tells whether it is to fail. Never true in `stopped`
+// threads.
+bool strikes(Kind kind);
+bool cuts();
+
+} // namespace faults

@@ -1,0 +1,8 @@
+// The scheduler.
+#pragma once
+
+#include <sys/cdefs.h>
+
+__BEGIN_DECLS
+int sched_yield(void);
+__END_DECLS
