@@ -41,6 +41,12 @@ configure() {
 # build_targets [TARGET...]: sets up what these targets need, or everything, and builds them, or all.
 build_targets() {
     local parts lock
+    # Whoever may not write here runs what its owner built.
+    if [[ -d "$build/bin" && ! -w "$build" ]]; then return; fi
+    if [[ "$KAZ_ROOT" == *[\"\\\$\`\;:]* || "$KAZ_ROOT" == *$'\n'* ]]; then
+        echo "kaz: CMake cannot build in $KAZ_ROOT. Rename the folder: without \" \\ \$ \` ; : in its path" >&2
+        exit 1
+    fi
     mapfile -t parts < <(parts_of "$@" | sort -u)
     "$KAZ_ROOT/tools/setup.sh" "${parts[@]}"
     # ninja itself would let two builds write the same files.

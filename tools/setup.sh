@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# setup.sh [PART...]: brings parts of tools/packages.txt (by default run; all: what builds and tests everything) to this machine and below .kaz/.
+# setup.sh [PART...]: brings parts of tools/packages.txt to this machine and below .kaz/: by default run; all stands for what
+# builds and tests everything.
 #
 # A part that is there costs a comparison. Several at once wait for each other. An interrupted set-up goes on where it
 # was: a part's mark in .kaz/ready/ is its lines of the table, is taken away before anything changes and comes back when
@@ -61,6 +62,8 @@ find_missing() {
     missing=()
     for part in "${parts[@]}"; do is_ready "$part" || missing+=("$part"); done
     mapfile -t tools < <(names "$(either "${parts[@]}")" tool)
+    missing_tools=()
+    ((${#tools[@]})) || return 0
     mapfile -t missing_tools < <(comm -23 <(printf '%s\n' "${tools[@]}" | sort) \
         <(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "${tools[@]}" 2>/dev/null | sed -n 's/^installed //p' | sort))
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -177,6 +178,25 @@ struct Deleter {
 template <class T>
 using Owned = std::unique_ptr<T, Deleter>;
 
+/// The folder of the set-up's fonts, or another that the environment names.
+std::string fontsFolder() {
+    const char* other = std::getenv("KAZ_FONTS");
+    return other ? other : KAZ_FONTS;
+}
+
+std::string inXml(const std::string& text) {
+    std::string result;
+    for (char c : text) {
+        if (c == '&')
+            result += "&amp;";
+        else if (c == '<')
+            result += "&lt;";
+        else
+            result += c;
+    }
+    return result;
+}
+
 class Collection {
   public:
     /// `folders` in the words of fontconfig's own configuration.
@@ -300,7 +320,7 @@ class Fonts {
         index -= count(order.first);
         if (index < count(order.second)) return order.second->fonts[index];
         if (count(order.first) + count(order.second) == 0)
-            throw std::runtime_error("There is no font; the set-up's are missing in " KAZ_FONTS ".");
+            throw std::runtime_error("There is no font; the set-up's are missing in " + fontsFolder() + ".");
         return nullptr;
     }
 
@@ -315,7 +335,7 @@ class Fonts {
     }
 
     FreeType freeType_;
-    Collection own_{"<dir>" KAZ_FONTS "</dir>"};
+    Collection own_{"<dir>" + inXml(fontsFolder()) + "</dir>"};
     std::optional<Collection> machine_;
     std::map<std::string, std::optional<std::string>> found_; // by the name asked for
     std::map<Key, Order> orders_;
