@@ -4,6 +4,8 @@
 
 #include <files/wholefile.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 namespace studio::files {
