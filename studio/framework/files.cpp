@@ -2,10 +2,10 @@
 
 #include "runtime/exceptions.h"
 
-#include <files/wholefile.h>
-
 #include <cerrno>
 #include <cstring>
+#include <files/wholefile.h>
+
 #include <filesystem>
 
 namespace studio::files {
