@@ -207,11 +207,11 @@ def one(peer, row):
         return print("-")
     with open("/proc/self/clear_refs", "w") as peak:
         peak.write("5")  # what was needed to make the picture does not count
-    best = math.inf
-    for _ in range(TURNS):
+    best, turns = math.inf, 0
+    while turns < TURNS and best < 3:  # a slow one is not noisy
         start = time.perf_counter()
         work()
-        best = min(best, time.perf_counter() - start)
+        best, turns = min(best, time.perf_counter() - start), turns + 1
     with open("/proc/self/status") as status:
         peak = next(int(line.split()[1]) for line in status if line.startswith("VmHWM"))
     print(f"{best * 1e3:.1f} {peak / 1024:.0f}")
