@@ -56,7 +56,8 @@ class GoodArguments {
         if (detector.isNil()) return {};
         const char* folder = std::getenv("KAZ_PHOTOS");
         Value file = host_.function("GetFolderItem", {std::string(folder ? folder : ".") + "/astronaut.png"});
-        return host_.call(detector, "featuresInImage", {host_.function("NewCIImagewithFileKaz", {file})}).at(0);
+        return host_.call(detector, "featuresInImage", {host_.function("NewCIImagewithFileKaz", {file})})
+            .at(0);
     }
     Value context() { return host_.function("NewCIContextKaz", {cgContext()}); }
 
