@@ -13,6 +13,7 @@ class DictionaryCache : public ConversionTest {
   protected:
     void SetUp() override {
         loads.clear();
+        owners.clear();
         LastDictionary = nullptr;
         replace(
             "REALLoadObjectMethod", +[](REALobject object, const char* declaration) {
@@ -33,6 +34,16 @@ class DictionaryCache : public ConversionTest {
     }
 
     static inline std::vector<std::string> loads;
+
+    // Setters that belong to one dictionary each, in the order in which they were loaded.
+    using Setter = void (*)(REALobject, REALobject, REALobject);
+    static inline Setter hostSetter = nullptr;
+    static inline std::vector<REALobject> owners;
+    template <std::size_t Owner>
+    static void setIn(REALobject dictionary, REALobject key, REALobject value) {
+        EXPECT_EQ(dictionary, owners[Owner]);
+        hostSetter(dictionary, key, value);
+    }
 };
 
 TEST_F(DictionaryCache, LoadsSetterGetterAndKeyGetterInOrder) {
@@ -114,6 +125,27 @@ TEST_F(DictionaryCache, AsksEachDictionaryByItsOwnMethodsWhateverIsConvertedInBe
     EXPECT_TRUE([[result objectForKey:@"inside"] isKindOfClass:[NSDictionary class]]);
     EXPECT_EQ(textOf([result objectForKey:@"l"]), "the outer's, too");
     outer = other = {};
+}
+
+TEST_F(DictionaryCache, WritesEachDictionaryWithItsOwnSetterWhateverIsConvertedInBetween) {
+    replace(
+        "REALLoadObjectMethod", +[](REALobject object, const char* declaration) -> void* {
+            void* method =
+                original<host::service::REALLoadObjectMethod>("REALLoadObjectMethod")(object, declaration);
+            if (!std::string_view(declaration).starts_with("Value(key As Variant, Assigns")) return method;
+            hostSetter = reinterpret_cast<Setter>(method);
+            auto owner = std::find(owners.begin(), owners.end(), object);
+            if (owner == owners.end()) owner = owners.insert(owner, object);
+            constexpr Setter setters[] = {setIn<0>, setIn<1>, setIn<2>};
+            return reinterpret_cast<void*>(setters[owner - owners.begin()]);
+        });
+    NSDictionary* source = [NSDictionary
+        dictionaryWithObjectsAndKeys:[NSDictionary dictionaryWithObject:@"1" forKey:@"x"], @"a",
+                                     [NSDictionary dictionaryWithObject:@"2" forKey:@"y"], @"b", nil];
+    Value result = Value::received(NSDictionaryRB(source));
+    EXPECT_EQ(owners.size(), 3u);
+    EXPECT_EQ(host.call(host.call(result, "Value", {"a"}), "Value", {"x"}).text(), "1");
+    EXPECT_EQ(host.call(host.call(result, "Value", {"b"}), "Value", {"y"}).text(), "2");
 }
 
 TEST_F(DictionaryCache, IsSharedByBothDirections) {

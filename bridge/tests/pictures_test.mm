@@ -432,6 +432,26 @@ TEST_P(ImagesByCopy, HaveTheMaskDrawnIntoTheCopys) {
     EXPECT_EQ(log, unlessCopied({"lock P8", "lock M8", "unlock M", "unlock P"}));
 }
 
+TEST_P(ImagesByCopy, TakeOfAMaskOfAnotherSizeThePartThatCoversThePicture) {
+    using Sides = std::array<std::int32_t, 8>;
+    static std::vector<std::pair<REALpicture, Sides>> drawn;
+    drawn.clear();
+    replace(
+        "REALLoadObjectMethod", +[](REALobject, const char*) {
+            using I = std::int32_t;
+            return reinterpret_cast<void*>(
+                +[](REALobject, REALpicture image, I x, I y, I w, I h, I sx, I sy, I sw, I sh) {
+                    drawn.emplace_back(image, Sides{x, y, w, h, sx, sy, sw, sh});
+                });
+        });
+    Value large = newPicture(7, 9, grays(7 * 9));
+    image(picture, large);
+    const Sides whole = {0, 0, kWidth, kHeight, 0, 0, kWidth, kHeight};
+    ASSERT_EQ(drawn.size(), 2u);
+    EXPECT_EQ(drawn[0], std::pair(handle(picture), whole));
+    EXPECT_EQ(drawn[1], std::pair(handle(large), whole));
+}
+
 TEST_P(ImagesByCopy, AreTakenAfterThePictureAndThenTheMaskAreDrawn) {
     std::vector<studio::ServiceCall> calls = host.callsDuring([&] { image(picture, mask); });
     std::erase_if(calls, [](const studio::ServiceCall& call) {

@@ -95,8 +95,12 @@ Operand Compiler::expression(const ast::Expr& e) {
         return member(e, {}, false);
     case ExprKind::Call:
         return call(e);
-    case ExprKind::Unary:
-        return computed(unary(e.text, value(*e.a), e.position));
+    case ExprKind::Unary: {
+        Operand a = value(*e.a);
+        bool constant = a.constant.has_value();
+        Operand result = unary(e.text, std::move(a), e.position);
+        return constant ? computed(std::move(result)) : result;
+    }
     case ExprKind::Binary: {
         Operand a = value(*e.a);
         Operand b = value(*e.b);

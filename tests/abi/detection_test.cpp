@@ -242,6 +242,23 @@ TEST_F(Detection, AnExceptionOfCoreImageReachesTheHost) {
     expectClean();
 }
 
+TEST_F(Detection, AfterAnExceptionOfCoreImageTheResultIsNilAndTheNextSearchFindsAgain) {
+    breakDetectors("NSInvalidArgumentException", "cannot look");
+    Value detector = this->detector(), image = host.shared("CIImageKaz", "emptyImage");
+    // The result itself, by a direct call: the exception stays pending.
+    auto method = function<REALarray (*)(REALobject, REALobject)>(
+        "featuresInImage(image as CIImageKaz) as CIFeatureKaz()");
+    EXPECT_EQ(method(detector.object(), image.object()), nullptr);
+    EXPECT_EQ(host.takePendingException().className(), "RuntimeException");
+    void* face = newFaceFeature();
+    detectorsFind({face});
+    EXPECT_EQ(features(detector).count(), 1);
+    EXPECT_EQ(retainCount(face), 1);
+    releaseNative(face);
+    detector = image = {};
+    expectClean();
+}
+
 TEST_F(Detection, ASecondConstructorReplacesTheReference) {
     Value detector = this->detector();
     int first = handle(detector);

@@ -142,4 +142,17 @@ TEST_F(Order, ACocoaExceptionIsRaisedThenGivenBack) {
     expectClean();
 }
 
+// The family's own way from an image to a picture.
+TEST_F(Order, APictureOfTheFamilyIsDrawnThenUnlockedThenItsCacheIsCleared) {
+    Value cgImage = host.call(image(), "CreateCGImage", {Value()});
+    Value picture;
+    std::vector<ServiceCall> made = calls(
+        {"newPicture", "REALLockPictureDescription", "unlockPictureDescription", "REALPictureClearCache"},
+        [&] { picture = host.call(cgImage, "Picture"); });
+    EXPECT_EQ(names(made), (Names{"newPicture", "REALLockPictureDescription", "unlockPictureDescription",
+                                  "REALPictureClearCache"}));
+    for (const ServiceCall& call : made)
+        if (call.service != "newPicture") EXPECT_EQ(call.subject, picture.object()) << call.service;
+}
+
 } // namespace

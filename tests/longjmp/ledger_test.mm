@@ -181,16 +181,19 @@ TEST_F(LedgerTest, APoolIsDrained) {
     [object release];
 }
 
-// Where destructors run, the pool is drained before the handler sees the exception, so the product opens its
-// pools outside of the handler.
-#if KAZ_LONGJMP
-TEST_F(LedgerTest, AnExceptionOutlivesThePoolItIsIn) {
-    NSException* raised = bridge::raisedBy([] {
-        bridge::AutoreleasePool pool;
-        raise();
-    });
-    EXPECT_STREQ([[raised reason] UTF8String], "the reason");
+TEST_F(LedgerTest, AnExceptionOutlivesThePoolItIsInUntilThePoolAroundTheHandlerIsDrained) {
+    NSException* exception = [[NSException alloc] initWithName:NSGenericException reason:nil userInfo:nil];
+    {
+        bridge::AutoreleasePool outer;
+        bridge::raisedBy([&] {
+            bridge::AutoreleasePool inner;
+            [[exception retain] autorelease];
+            [exception raise];
+        });
+        EXPECT_EQ([exception retainCount], 2u);
+    }
+    EXPECT_EQ([exception retainCount], 1u);
+    [exception release];
 }
-#endif
 
 } // namespace

@@ -52,7 +52,10 @@ FOUNDATION_EXPORT NSString* NSStringFromRange(NSRange range);
 @interface NSAutoreleasePool : NSObject
 @end
 
+FOUNDATION_EXPORT NSString* const NSInvalidArgumentException;
+
 @interface NSException : NSObject <NSCopying>
++ (void)raise:(NSString*)name format:(NSString*)format, ...;
 - (NSString*)name;
 - (NSString*)reason;
 - (NSDictionary*)userInfo;
@@ -67,6 +70,9 @@ FOUNDATION_EXPORT NSString* NSStringFromRange(NSRange range);
 - (id)initWithUTF8String:(const char*)nullTerminatedCString;
 - (NSUInteger)length;
 - (BOOL)isEqualToString:(NSString*)aString;
++ (id)stringWithFormat:(NSString*)format, ...;
+- (const char*)UTF8String;
+- (NSString*)lastPathComponent;
 - (NSString*)lowercaseString;
 - (NSString*)pathExtension;
 @end
