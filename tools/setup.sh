@@ -25,7 +25,8 @@ failed() {
     end="$(grep -v '^$' "$log" | tail -n 5)"
     case "$end" in
     *"No space left"* | *"enough free space"*)
-        advice="The disk is full: $(df -h --output=avail,target "$kaz" | tail -n 1 | sed 's/^ *//; s/ / free on /'). Free some space and run the command again." ;;
+        advice="The disk is full: $(df -h --output=avail,target "$kaz" | tail -n 1 | sed 's/^ *//; s/ / free on /')."
+        advice+=" Free some space and run the command again." ;;
     *"Permission denied"* | *"Read-only"*)
         advice="Run the command as the owner of $root, or in a copy of it that you own." ;;
     *resolv* | *connect* | *"Network is unreachable"* | *"timed out"* | *"Failed to fetch"*)

@@ -39,7 +39,6 @@ cd "$scratch"
 kaz() { env -i PATH=/usr/bin:/bin "$folder/kaz" "$@"; }
 kaz run "$folder/examples/postcard.rbs" >said || fail "the example fails"
 [[ -s postcard.png ]] || fail "the example wrote nothing"
-# Letters come from the package's fonts.
 kaz run "$folder/examples/caption.rbs" >said || fail "the example with text fails"
 kaz help >said
 if grep -q "sets everything up" said; then fail "the help speaks of a set-up"; fi
