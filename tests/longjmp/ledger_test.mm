@@ -158,6 +158,17 @@ TEST_F(LedgerTest, WhatAHandlerThrowsReachesTheNextOne) {
     EXPECT_EQ(givenBack, "ba");
 }
 
+TEST_F(LedgerTest, WhatAScopeHasGivenBackIsNotGivenBackAgain) {
+    bridge::raisedBy([] {
+        alignas(Noted) unsigned char skipped[sizeof(Noted)];
+        auto older = std::make_unique<Noted>("a");
+        new (skipped) Noted("b");
+        older.reset(); // its line is below an open one
+        raise();
+    });
+    EXPECT_EQ(givenBack, "ab");
+}
+
 TEST_F(LedgerTest, NothingStaysInTheLedger) {
     std::uint32_t before = host::Ledger::ofThisThread()->size();
     bridge::raisedBy([] { Noted a("a"), b("b"); });
