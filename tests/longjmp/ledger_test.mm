@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <malloc.h>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -154,6 +156,42 @@ TEST_F(LedgerTest, WhatAHandlerThrowsReachesTheNextOne) {
     });
     EXPECT_STREQ([[outer reason] UTF8String], "the reason");
     EXPECT_EQ(givenBack, "ba");
+}
+
+TEST_F(LedgerTest, WhatAScopeHasGivenBackIsNotGivenBackAgain) {
+    bridge::raisedBy([] {
+        alignas(Noted) unsigned char skipped[sizeof(Noted)];
+        auto older = std::make_unique<Noted>("a");
+        new (skipped) Noted("b");
+        older.reset(); // its line is below an open one
+        raise();
+    });
+    EXPECT_EQ(givenBack, "ab");
+}
+
+TEST_F(LedgerTest, NothingStaysInTheLedger) {
+    std::uint32_t before = host::Ledger::ofThisThread()->size();
+    bridge::raisedBy([] { Noted a("a"), b("b"); });
+    EXPECT_EQ(host::Ledger::ofThisThread()->size(), before);
+    bridge::raisedBy([] {
+        Noted a("a");
+        raise();
+    });
+    EXPECT_EQ(host::Ledger::ofThisThread()->size(), before);
+    auto older = std::make_unique<Noted>("a");
+    auto younger = std::make_unique<Noted>("b");
+    older.reset();
+    younger.reset();
+    EXPECT_EQ(host::Ledger::ofThisThread()->size(), before);
+}
+
+TEST_F(LedgerTest, TheLedgerOfAThreadGoesWithIt) {
+    constexpr std::size_t kThreads = 256;
+    auto own = [] { host::Entry<const char*, [](const char*) {}> entry("a"); };
+    std::thread(own).join(); // what a first thread makes for all
+    std::size_t before = mallinfo2().uordblks;
+    for (std::size_t i = 0; i < kThreads; ++i) std::thread(own).join();
+    EXPECT_LT(mallinfo2().uordblks, before + kThreads * sizeof(host::Ledger::Line));
 }
 
 TEST_F(LedgerTest, CoreFoundationAndCocoaObjectsAreReleased) {
