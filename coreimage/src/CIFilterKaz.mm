@@ -319,7 +319,7 @@ REALmethodDefinition sharedMethods[] = {
     /// Returns the object of a native filter by its address, which is not checked; Nil for 0.
     ///     Print CIFilterKaz.FilterWithHandle(self.Handle).FilterName
     method("FilterWithHandle(handle as Integer) as CIFilterKaz", filterWithHandle),
-    /// Returns a new filter with its defaults, or Nil if no filter has the name.
+    /// Returns a new filter, whose inputs SetDefaults fills, or Nil if no filter has the name.
     ///     Print CIFilterKaz.FilterWithName("CIGaussianBlur").DisplayName
     method("FilterWithName(name as String) as CIFilterKaz", filterWithName),
     /// The names of the filters in a category.

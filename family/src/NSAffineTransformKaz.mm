@@ -106,8 +106,7 @@ REALmethodDefinition methods[] = {
     /// Adds a turn by an angle in degrees, anticlockwise.
     ///     self.RotateByDegrees(90)
     method("RotateByDegrees(angle as double)", rotateByDegrees),
-    /// Turns the transform into its opposite. Raises the host's form of Cocoa's exception for one that has
-    /// none, such as a scale by 0.
+    /// Turns the transform into its opposite; one that has none, such as a scale by 0, stays as it is.
     ///     self.Invert
     method("Invert", invert),
     /// Adds a transform to be applied after this one. Raises NilObjectException without one.
