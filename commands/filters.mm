@@ -51,11 +51,69 @@ void show(const FilterInfo& filter) {
                 sourceText(filter.source).c_str());
 }
 
-void list(const std::vector<const FilterInfo*>& filters, bool sources) {
+/// The filters by what they do.
+std::map<std::string, std::vector<const FilterInfo*>>
+inGroups(const std::vector<const FilterInfo*>& filters) {
     std::map<std::string, std::vector<const FilterInfo*>> groups;
     for (const FilterInfo* filter : filters) groups[mainCategory(*filter)].push_back(filter);
+    return groups;
+}
+
+/// A call of `kaz apply` with the filter's first number, vector or colour, and whatever images it needs.
+std::string exampleOf(const FilterInfo& filter) {
+    std::string words;
+    bool valued = false;
+    for (const InputInfo& input : filter.inputs) {
+        std::string text = defaultOf(input);
+        if (input.kind == engine::InputKind::image && input.key != "inputImage") {
+            text = "second.jpg";
+        } else if (input.key == "inputMessage") {
+            text = "hello";
+        } else if (valued || text.empty() || input.kind == engine::InputKind::image) {
+            continue;
+        } else {
+            valued = true;
+        }
+        // A space or a # would be the shell's.
+        if (text.find_first_of(" #'\"") != std::string::npos) text = "'" + text + "'";
+        words += " " + shortKey(input.key) + "=" + text;
+    }
+    bool generates = !filter.findInput("inputImage");
+    return std::string("./kaz apply ") + (generates ? "" : "photo.jpg ") + filter.name + words +
+           (generates ? " --size 300x200" : "") + " -o out.png";
+}
+
+/// A sentence to follow another; empty if it is not known when the filter came.
+std::string sinceText(const FilterInfo& filter) {
+    bool known = filter.since.find('?') == std::string::npos;
+    return known ? " Since Mac OS X " + filter.since + "." : "";
+}
+
+/// The reference's page of the filters.
+void writeReference(const std::vector<const FilterInfo*>& filters) {
+    std::printf(
+        "# Filters\n\nWhat each filter does, its inputs, and a call of `./kaz apply` that shows it. In "
+        "a program a key begins\nwith `input`: `filter.ValueAsNumber(\"inputRadius\")`. Positions and "
+        "distances are in pixels.\n");
+    for (auto& [category, members] : inGroups(filters)) {
+        std::printf("\n## %s\n", category.c_str());
+        for (const FilterInfo* filter : members) {
+            std::printf("\n### %s\n\n%s. %s%s\n\n", filter->name.c_str(), filter->displayName.c_str(),
+                        filter->description.c_str(), sinceText(*filter).c_str());
+            if (!filter->inputs.empty())
+                std::printf("| Input | Class | Type | Range | Default |\n|---|---|---|---|---|\n");
+            for (const InputInfo& input : filter->inputs)
+                std::printf("| %s | %s | %s | %s | %s |\n", shortKey(input.key).c_str(),
+                            classOf(*filter, input).c_str(), meaningOf(input).c_str(), rangeOf(input).c_str(),
+                            defaultOf(input).c_str());
+            std::printf("\n```sh\n%s\n```\n", exampleOf(*filter).c_str());
+        }
+    }
+}
+
+void list(const std::vector<const FilterInfo*>& filters, bool sources) {
     bool first = true;
-    for (auto& [category, members] : groups) {
+    for (auto& [category, members] : inGroups(filters)) {
         std::printf("%s%s\n", first ? "" : "\n", category.c_str());
         first = false;
         std::vector<std::vector<std::string>> rows;
@@ -67,14 +125,17 @@ void list(const std::vector<const FilterInfo*>& filters, bool sources) {
 
 int run(int count, char** arguments) {
     Words words("filters", count, arguments);
-    bool sources = false;
+    bool sources = false, markdown = false;
     std::vector<std::string> wanted;
     while (!words.atEnd()) {
         std::string word = words.take();
         if (word == "--source" || word == "--sources")
             sources = true;
+        else if (word == "--markdown")
+            markdown = true;
         else if (word.starts_with("-"))
-            misuse("filters", "there is no option " + word + studio::suggestion(word, {"--source"}));
+            misuse("filters",
+                   "there is no option " + word + studio::suggestion(word, {"--source", "--markdown"}));
         else
             wanted.push_back(word);
     }
@@ -88,7 +149,9 @@ int run(int count, char** arguments) {
     if (found.empty())
         misuse("filters", "no filter has '" + joined(wanted, " ") + "' in its name, description or category" +
                               (wanted.size() == 1 ? filterSuggestion(wanted[0]) : ""));
-    if (found.size() == 1 && !sources)
+    if (markdown)
+        writeReference(found);
+    else if (found.size() == 1 && !sources)
         show(*found[0]);
     else
         list(found, sources);

@@ -168,29 +168,66 @@ void clearCaches(REALobject self) {
 
 REALproperty properties[] = {
     handleProperty(),
+    /// The context as Core Image describes it, for debugging.
+    ///     Print self.Description
     property("Description", "String", description),
+    /// The picture it was made for, or Nil.
+    ///     If self.Picture = Nil Then Print "It draws into a CGContextKaz."
     host::settableField("Picture", "Picture", offsetof(ContextData, picture), host::kConsoleSafe | 2),
+    /// The Core Graphics context it draws into, or Nil for one made from a handle.
+    ///     Print Str(self.CGContext.Width)
     host::settableField("CGContext", "CGContextKaz", offsetof(ContextData, cgContextObject)),
 };
 
 REALmethodDefinition methods[] = {
+    /// Lets go of the picture or Core Graphics context; the host calls it when the object goes.
+    ///     self = New CIContextKaz(canvas)
     method("Destructor", destructor),
+    /// Finishes drawing into the Core Graphics context and refreshes the picture.
+    ///     self.Flush
     method("Flush", flush),
+    /// Renders a rectangle of the image, in the image's pixels; a width or height below 1 is taken from its
+    /// extent. Nil for an empty image or context.
+    ///     Print Str(self.CreateCGImage(photo, New CGRectKaz(0, 0, 100, 80)).Width)
     method("CreateCGImage(image as CIImageKaz, r as CGRectKaz = nil) as CGImageKaz", createCGImage),
+    /// Renders a rectangle of the image into a colour space, 8 bits a component; a width or height below 1 is
+    /// taken from its extent. Nil for an empty image or context.
+    ///     Print Str(self.CreateCGImage(photo, Nil, CGColorSpaceKaz.SRGB).Width)
     method("CreateCGImage(image as CIImageKaz, r as CGRectKaz, ColorSpace as CGColorSpaceKaz) as CGImageKaz",
            createCGImageInColorSpace),
     constructorWithHandle<kContext>(),
+    /// Frees what can be freed of the context's memory; what is needed again is made again.
+    ///     self.ReclaimResources
     method("ReclaimResources", reclaimResources),
+    /// Frees the results that the context keeps to render faster.
+    ///     self.ClearCaches
     method("ClearCaches", clearCaches),
+    /// Makes a context that draws into a Core Graphics context; Nil for a colour space takes the usual one,
+    /// and True renders on the processor. Raises NilObjectException without a Core Graphics context.
+    ///     Dim exact As New CIContextKaz(canvas, CGColorSpaceKaz.SRGB, CGColorSpaceKaz.GenericRGBLinear, _
+    ///       True)
     method("Constructor(cgcontext as CGContextKaz, OutputColorSpace as CGColorSpaceKaz, WorkingColorSpace as "
            "CGColorSpaceKaz, UseSoftwareRenderer as Boolean)",
            initWithCGContextAndOptions),
+    /// Makes a context that draws into a Core Graphics context. Raises NilObjectException without one.
+    ///     Dim plain As New CIContextKaz(canvas)
     method("Constructor(cgcontext as CGContextKaz)", initWithCGContext),
+    /// Makes a context that draws into a picture and keeps it in use. Raises NilObjectException for Nil, and
+    /// UnsupportedOperationException where pictures have no Core Graphics context.
+    ///     Dim framed As New CIContextKaz(New Picture(300, 200, 32))
     method("Constructor(Pic as Picture)", initWithPicture, host::kConsoleSafe),
+    /// Draws the image unscaled with its lower left corner at the point; the source is a rectangle of the
+    /// image in pixels, all of it when Nil. Does nothing for an empty image.
+    ///     self.DrawImagePoint(photo, New CGPointKaz(20, 10))
     method("DrawImagePoint(ciImage as CIImageKaz, DestPoint as CGPointKaz, SourceRect as CGRectKaz = nil)",
            drawImagePoint),
+    /// Draws the image scaled to fill the destination; the source is a rectangle of the image in pixels, all
+    /// of it when Nil. Does nothing for an empty image.
+    ///     self.DrawImageRect(photo, New CGRectKaz(0, 0, 300, 200))
     method("DrawImageRect(ciImage as CIImageKaz, DestRect as CGRectKaz, SourceRect as CGRectKaz = nil)",
            drawImageRect),
+    /// Draws the whole image unscaled, where its extent lies. Does nothing for an empty image.
+    ///     self.DrawImage(photo)
     method("DrawImage(ciImage as CIImageKaz)", drawImage),
 };
 
@@ -199,6 +236,10 @@ void CIContextDestructor(REALobject self) { destroyWrapper(self); }
 
 } // namespace
 
+/// Draws images into a CGContextKaz or a Picture, or renders them into CGImageKaz objects.
+///     Dim photo As CIImageKaz = NewCIImagewithFileKaz(SamplePhoto("coffee.png"))
+///     Dim canvas As New CGContextKaz(300, 200)
+///     Dim context As New CIContextKaz(canvas)
 REALclassDefinition CIContextKazClass = classDefinition({.name = "CIContextKaz",
                                                          .dataSize = sizeof(ContextData),
                                                          .constructor = CIContextConstructor,

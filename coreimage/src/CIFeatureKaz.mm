@@ -35,11 +35,17 @@ REALproperty featureProperties[] = {handleProperty()};
 
 REALmethodDefinition featureMethods[] = {
     constructorWithHandle<kFeature>(),
+    /// The rectangle around the feature, in the image's pixels; Nil while the object is empty.
+    ///     Print self.bounds.Description
     method("bounds as CGRectKaz", bounds),
+    /// What was found: CIFeatureTypeFace for a face.
+    ///     Print self.type
     method("type as string", type),
 };
 
 REALmethodDefinition featureSharedMethods[] = {
+    /// The type of a face; empty on systems without detectors.
+    ///     Print CIFeatureKaz.CIFeatureTypeFace
     method("CIFeatureTypeFace as string", featureTypeFace),
 };
 
@@ -87,15 +93,35 @@ std::int32_t trackingFrameCount(REALobject self) {
 
 REALmethodDefinition faceMethods[] = {
     constructorWithHandle<kFaceFeature>(),
+    /// The centre of the left eye; only meaningful if hasLeftEyePosition. Nil while the object is empty.
+    ///     If self.hasLeftEyePosition Then Print self.leftEyePosition.Description
     method("leftEyePosition as CGPointKaz", leftEyePosition),
+    /// The centre of the right eye; only meaningful if hasRightEyePosition. Nil while the object is empty.
+    ///     If self.hasRightEyePosition Then Print self.rightEyePosition.Description
     method("rightEyePosition as CGPointKaz", rightEyePosition),
+    /// The centre of the mouth; only meaningful if hasMouthPosition. Nil while the object is empty.
+    ///     If self.hasMouthPosition Then Print self.mouthPosition.Description
     method("mouthPosition as CGPointKaz", mouthPosition),
+    /// Whether the left eye was found.
+    ///     Print Str(self.hasLeftEyePosition)
     method("hasLeftEyePosition as boolean", hasLeftEyePosition),
+    /// Whether the mouth was found.
+    ///     Print Str(self.hasMouthPosition)
     method("hasMouthPosition as boolean", hasMouthPosition),
+    /// Whether the right eye was found.
+    ///     Print Str(self.hasRightEyePosition)
     method("hasRightEyePosition as boolean", hasRightEyePosition),
+    /// Whether the detector follows this face from image to image.
+    ///     Print Str(self.hasTrackingID)
     method("hasTrackingID as boolean", hasTrackingID),
+    /// Whether the detector counts the images in which it followed this face.
+    ///     Print Str(self.hasTrackingFrameCount)
     method("hasTrackingFrameCount as boolean", hasTrackingFrameCount),
+    /// The number that a face keeps from image to image; only meaningful if hasTrackingID.
+    ///     Print Str(self.trackingID)
     method("trackingID as integer", trackingID),
+    /// In how many images the face has been followed; only meaningful if hasTrackingFrameCount.
+    ///     Print Str(self.trackingFrameCount)
     method("trackingFrameCount as integer", trackingFrameCount),
 };
 
@@ -104,10 +130,22 @@ void CIFeatureDestructor(REALobject self) { destroyWrapper(self); }
 
 } // namespace
 
+/// Something that a detector found in an image.
+///     Dim photo As CIImageKaz = NewCIImagewithFileKaz(SamplePhoto("2011_000006.jpg"))
+///     Dim options As New Dictionary
+///     options.Value(CIDetectorKaz.CIDetectorAccuracy) = CIDetectorKaz.CIDetectorAccuracyHigh
+///     Dim detector As New CIDetectorKaz(CIDetectorKaz.CIDetectorTypeFace, Nil, options)
+///     Dim feature As CIFeatureKaz = detector.featuresInImage(photo)(0)
 REALclassDefinition CIFeatureKazClass = classDefinition(
     {.name = "CIFeatureKaz", .constructor = CIFeatureConstructor, .destructor = CIFeatureDestructor},
     featureProperties, featureMethods, {}, featureSharedMethods);
 
+/// A face, with its eyes and mouth where they were found; positions are in the image's pixels.
+///     Dim photo As CIImageKaz = NewCIImagewithFileKaz(SamplePhoto("2011_000006.jpg"))
+///     Dim options As New Dictionary
+///     options.Value(CIDetectorKaz.CIDetectorAccuracy) = CIDetectorKaz.CIDetectorAccuracyHigh
+///     Dim detector As New CIDetectorKaz(CIDetectorKaz.CIDetectorTypeFace, Nil, options)
+///     Dim face As CIFaceFeatureKaz = CIFaceFeatureKaz(detector.featuresInImage(photo)(0))
 REALclassDefinition CIFaceFeatureKazClass = classDefinition(
     {.name = "CIFaceFeatureKaz", .superclass = "CIFeatureKaz", .dataSize = 0}, {}, faceMethods);
 

@@ -246,41 +246,100 @@ REALstring localizedReferenceDocumentationForFilterName(REALstring name) {
 
 REALproperty properties[] = {
     handleProperty(),
+    /// The filter with its values as Core Image describes it.
+    ///     Print self.description
     property("description", "String", description),
 };
 
 REALmethodDefinition methods[] = {
+    /// Everything that the filter says about itself and its inputs, as Core Image's dictionary.
+    ///     Print Str(self.attributesDictionary.Count)
     method("attributesDictionary as dictionary", attributesDictionary),
     constructorWithHandle<kFilter>(),
+    /// The description of an input or output at an index from 0, or Nil beyond the last one.
+    ///     Print self.AttributesItem(0).Name
     method("AttributesItem(index as integer) as CIAttributeKaz", attributesItemAt),
+    /// The description of the input or output with a key, or Nil if there is none.
+    ///     Print Str(self.AttributesItem("inputIntensity").DefaultNumber)
     method("AttributesItem(name as string) as CIAttributeKaz", attributesItemNamed),
+    /// How many inputs and outputs the filter describes.
+    ///     Print Str(self.AttributesCount)
     method("AttributesCount as integer", attributesCount),
+    /// The key of an input or output at an index from 0, or empty beyond the last one.
+    ///     Print self.AttributesName(0)
     method("AttributesName(index as integer) as string", attributesName),
+    /// The keys of the inputs, in the filter's order.
+    ///     Print Join(self.InputKeys, ", ")
     method("InputKeys as string()", inputKeys),
+    /// The keys of the results, usually outputImage alone.
+    ///     Print Join(self.OutputKeys, ", ")
     method("OutputKeys as string()", outputKeys),
+    /// The categories that the filter is in, as this class's constants name them.
+    ///     Print Join(self.Categories, ", ")
     method("Categories as string()", categories),
+    /// The filter's name for people, such as Sepia Tone.
+    ///     Print self.DisplayName
     method("DisplayName as string", displayName),
+    /// The filter's name, as FilterWithName takes it.
+    ///     Print self.FilterName
     method("FilterName as string", filterName),
+    /// Sets every input that has a default to it.
+    ///     self.SetDefaults
     method("SetDefaults", setDefaults),
+    /// The value of a key as bytes; Nil if it has none. An empty block clears the key.
+    ///     CIFilterKaz.FilterWithName("CIColorCube").ValueAsData("inputCubeData") = New MemoryBlock(128)
     accessor("ValueAsData(key as string) as memoryblock", dataValue, setDataValue),
+    /// The value of a key as a number in the input's own units; 0 if it has none. Raises for a key that the
+    /// filter lacks.
+    ///     self.ValueAsNumber("inputIntensity") = 0.8
     accessor("ValueAsNumber(key as string) as double", numberValue, setNumberValue),
+    /// The value of a key as an image; Nil clears it. The key outputImage renders nothing yet: it is a
+    /// recipe.
+    ///     Dim result As CIImageKaz = self.ValueAsCIImage("outputImage")
     accessor("ValueAsCIImage(key as string) as CIImageKaz", objectValue<kImage>, setObjectValue),
+    /// The value of a key as a vector, such as a position in pixels; Nil clears it.
+    ///     CIFilterKaz.FilterWithName("CICrop").ValueAsCIVector("inputRectangle") = _
+    ///       New CIVectorKaz(0, 0, 100, 100)
     accessor("ValueAsCIVector(key as string) as CIVectorKaz", objectValue<kVector>, setObjectValue),
+    /// The value of a key as a colour; Nil clears it.
+    ///     CIFilterKaz.FilterWithName("CIColorMonochrome").ValueAsCIColor("inputColor") = _
+    ///       New CIColorKaz(1, 0, 0)
     accessor("ValueAsCIColor(key as string) as CIColorKaz", objectValue<kColor>, setObjectValue),
+    /// The value of a key as a transform; Nil clears it.
+    ///     CIFilterKaz.FilterWithName("CIAffineTransform").ValueAsAffineTransform("inputTransform") = _
+    ///       New NSAffineTransformKaz
     accessor("ValueAsAffineTransform(key as string) as NSAffineTransformKaz", affineTransformValue,
              setObjectValue),
+    /// The value of a key as text; empty text clears it.
+    ///     CIFilterKaz.FilterWithName("CIQRCodeGenerator").ValueAsString("inputCorrectionLevel") = "H"
     accessor("ValueAsString(key as string) as String", stringValue, setStringValue),
 };
 
 REALmethodDefinition sharedMethods[] = {
+    /// Returns the object of a native filter by its address, which is not checked; Nil for 0.
+    ///     Print CIFilterKaz.FilterWithHandle(self.Handle).FilterName
     method("FilterWithHandle(handle as Integer) as CIFilterKaz", filterWithHandle),
+    /// Returns a new filter, whose inputs SetDefaults fills, or Nil if no filter has the name.
+    ///     Print CIFilterKaz.FilterWithName("CIGaussianBlur").DisplayName
     method("FilterWithName(name as String) as CIFilterKaz", filterWithName),
+    /// The names of the filters in a category.
+    ///     Print Join(CIFilterKaz.FilterNamesInCategory(CIFilterKaz.kCICategoryBlur), ", ")
     method("FilterNamesInCategory(category as String) as string()", filterNamesInCategory),
+    /// The names of the filters that are in all of the categories.
+    ///     Print Str(CIFilterKaz.FilterNamesInCategories(Array(CIFilterKaz.kCICategoryBuiltIn)).Ubound + 1)
     method("FilterNamesInCategories(categories() as String) as string()", filterNamesInCategories),
+    /// A filter's name for people, or empty for empty text.
+    ///     Print CIFilterKaz.LocalizedNameForFilterName("CIGaussianBlur")
     method("LocalizedNameForFilterName(name as String) as String", localizedNameForFilterName),
+    /// A category's name for people, or empty for empty text.
+    ///     Print CIFilterKaz.LocalizedNameForCategory(CIFilterKaz.kCICategoryBlur)
     method("LocalizedNameForCategory(name as String) as String", localizedNameForCategory),
+    /// What a filter does, in a sentence; empty if it is not known.
+    ///     Print CIFilterKaz.localizedDescriptionForFilterName("CIGaussianBlur")
     method("localizedDescriptionForFilterName(filterName as String) as String",
            localizedDescriptionForFilterName),
+    /// The address of a filter's documentation; empty if there is none.
+    ///     Print CIFilterKaz.localizedReferenceDocumentationForFilterName("CIGaussianBlur")
     method("localizedReferenceDocumentationForFilterName(filterName as String) as String",
            localizedReferenceDocumentationForFilterName),
 };
@@ -289,51 +348,97 @@ REALmethodDefinition sharedMethods[] = {
 #define KEY_CONSTANT(key) constant("k" #key " = \"" #key "\"")
 
 REALconstant constants[] = {
+    /// Category: filters that move pixels, such as a bump or a twirl.
     KEY_CONSTANT(CICategoryDistortionEffect),
+    /// Category: filters that crop, scale or turn an image.
     KEY_CONSTANT(CICategoryGeometryAdjustment),
+    /// Category: filters that combine two images.
     KEY_CONSTANT(CICategoryCompositeOperation),
+    /// Category: filters that turn an image into dots or lines of a print.
     KEY_CONSTANT(CICategoryHalftoneEffect),
+    /// Category: filters that correct colours, such as exposure.
     KEY_CONSTANT(CICategoryColorAdjustment),
+    /// Category: filters that change colours for effect, such as sepia.
     KEY_CONSTANT(CICategoryColorEffect),
+    /// Category: filters that lead from one image to another over time.
     KEY_CONSTANT(CICategoryTransition),
+    /// Category: filters that repeat a part of an image.
     KEY_CONSTANT(CICategoryTileEffect),
+    /// Category: filters that make an image from nothing, such as stripes.
     KEY_CONSTANT(CICategoryGenerator),
+    /// Category: filters that make a gradient from nothing.
     KEY_CONSTANT(CICategoryGradient),
+    /// Category: filters that make a photograph look drawn or painted.
     KEY_CONSTANT(CICategoryStylize),
+    /// Category: filters that sharpen.
     KEY_CONSTANT(CICategorySharpen),
+    /// Category: filters that blur.
     KEY_CONSTANT(CICategoryBlur),
+    /// Category: filters that suit video.
     KEY_CONSTANT(CICategoryVideo),
+    /// Category: filters that suit still images.
     KEY_CONSTANT(CICategoryStillImage),
+    /// Category: filters that suit interlaced video.
     KEY_CONSTANT(CICategoryInterlaced),
+    /// Category: filters that suit pixels that are not square.
     KEY_CONSTANT(CICategoryNonSquarePixels),
+    /// Category: filters that suit components beyond 1.
     KEY_CONSTANT(CICategoryHighDynamicRange),
+    /// Category: filters that come with the system.
     KEY_CONSTANT(CICategoryBuiltIn),
+    /// Key of attributesDictionary: the filter's name.
     KEY_CONSTANT(CIAttributeFilterName),
+    /// Key of attributesDictionary: the filter's name for people.
     KEY_CONSTANT(CIAttributeFilterDisplayName),
+    /// Key of attributesDictionary: the filter's categories.
     KEY_CONSTANT(CIAttributeFilterCategories),
+    /// Key of an input's dictionary: the class of its values.
     KEY_CONSTANT(CIAttributeClass),
+    /// Key of an input's dictionary: what its values mean.
     KEY_CONSTANT(CIAttributeType),
+    /// Key of an input's dictionary: the least value.
     KEY_CONSTANT(CIAttributeMin),
+    /// Key of an input's dictionary: the greatest value.
     KEY_CONSTANT(CIAttributeMax),
+    /// Key of an input's dictionary: a slider's least value.
     KEY_CONSTANT(CIAttributeSliderMin),
+    /// Key of an input's dictionary: a slider's greatest value.
     KEY_CONSTANT(CIAttributeSliderMax),
+    /// Key of an input's dictionary: the default.
     KEY_CONSTANT(CIAttributeDefault),
+    /// Key of an input's dictionary: the value without effect.
     KEY_CONSTANT(CIAttributeIdentity),
+    /// Key of an input's dictionary: its name.
     KEY_CONSTANT(CIAttributeName),
+    /// Key of an input's dictionary: its name for people.
     KEY_CONSTANT(CIAttributeDisplayName),
+    /// Type: a time from 0 to 1, in a transition.
     KEY_CONSTANT(CIAttributeTypeTime),
+    /// Type: a plain number.
     KEY_CONSTANT(CIAttributeTypeScalar),
+    /// Type: a distance in pixels.
     KEY_CONSTANT(CIAttributeTypeDistance),
+    /// Type: an angle in radians.
     KEY_CONSTANT(CIAttributeTypeAngle),
+    /// Type: 0 or 1.
     KEY_CONSTANT(CIAttributeTypeBoolean),
+    /// Type: a position, x and y in pixels.
     KEY_CONSTANT(CIAttributeTypePosition),
+    /// Type: an offset, x and y in pixels.
     KEY_CONSTANT(CIAttributeTypeOffset),
+    /// Type: a position in space, x, y and z in pixels.
     KEY_CONSTANT(CIAttributeTypePosition3),
+    /// Type: a colour whose alpha is ignored.
     KEY_CONSTANT(CIAttributeTypeOpaqueColor),
+    /// Type: a rectangle as x, y, width and height in pixels.
     KEY_CONSTANT(CIAttributeTypeRectangle),
+    /// Type: a gradient, as an image one pixel high.
     KEY_CONSTANT(CIAttributeTypeGradient),
+    /// Option of a kernel's call: the extent of the result.
     constant("kCIApplyOptionExtent = \"extent\""),
+    /// Option of a kernel's call: the shape in which the result is defined.
     constant("kCIApplyOptionDefinition = \"definition\""),
+    /// Option of a kernel's call: an object that is handed on to the caller's functions.
     constant("kCIApplyOptionUserInfo = \"user_info\""),
 };
 
@@ -341,6 +446,10 @@ REALconstant constants[] = {
 
 } // namespace
 
+/// A filter, found by its name, with its inputs and its result by key.
+///     Dim photo As CIImageKaz = NewCIImagewithFileKaz(SamplePhoto("coffee.png"))
+///     Dim filter As CIFilterKaz = CIFilterKaz.FilterWithName("CISepiaTone")
+///     filter.ValueAsCIImage("inputImage") = photo
 REALclassDefinition CIFilterKazClass = classDefinition({.name = "CIFilterKaz",
                                                         .dataSize = sizeof(FilterData),
                                                         .constructor = CIFilterConstructor,

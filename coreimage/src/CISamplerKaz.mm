@@ -44,24 +44,43 @@ REALobject extent(REALobject self) {
 
 REALproperty properties[] = {
     handleProperty(),
+    /// The sampler as Core Image describes it, for debugging.
+    ///     Print self.description
     property("description", "String", description),
 };
 
 REALmethodDefinition methods[] = {
     constructorWithHandle<kSampler>(),
+    /// Where the sampler has pixels, as a shape; endless when it clamps. Nil while the object is empty.
+    ///     Print self.Definiton.description
     method("Definiton as CIFilterShapeKaz", definition), // the name's spelling is the class's own
+    /// The rectangle, in pixels, in which the sampler has pixels; Nil while the object is empty.
+    ///     Print self.Extent.Description
     method("Extent as CGRectKaz", extent),
+    /// Makes an empty sampler.
+    ///     Dim empty As New CISamplerKaz
     method("Constructor", initEmpty),
+    /// Makes a sampler that reads the image as it is: transparent black beyond its edge, mixing pixels
+    /// between them.
+    ///     Dim plain As New CISamplerKaz(photo)
     method("Constructor(ciImage as CIImageKaz)", initWithImage),
+    /// Makes a sampler that reads the image through a transform, with modes from this class's constants; Nil
+    /// and empty text take the usual ones.
+    ///     Dim half As New CISamplerKaz(photo, turn, CISamplerKaz.kCISamplerWrapClamp, _
+    ///       CISamplerKaz.kCISamplerFilterNearest)
     method("Constructor(ciImage as CIImageKaz, matrix as NSAffineTransformKaz, WrapMode as String, "
            "FilterMode as string)",
            initWithImageAndOptions),
 };
 
 REALconstant constants[] = {
+    /// Wrap mode: transparent black beyond the edge.
     constant("kCISamplerWrapBlack = \"black\""),
+    /// Wrap mode: the nearest pixel of the edge goes on beyond it.
     constant("kCISamplerWrapClamp = \"clamp\""),
+    /// Filter mode: the nearest pixel.
     constant("kCISamplerFilterNearest = \"nearest\""),
+    /// Filter mode: a mixture of the four pixels around.
     constant("kCISamplerFilterLinear = \"linear\""),
 };
 
@@ -70,6 +89,11 @@ void CISamplerDestructor(REALobject self) { destroyWrapper(self); }
 
 } // namespace
 
+/// An image with a transform, a wrap mode and a filter mode: how a filter reads it.
+///     Dim photo As CIImageKaz = NewCIImagewithFileKaz(SamplePhoto("coffee.png"))
+///     Dim turn As New NSAffineTransformKaz
+///     turn.Scale(0.5, 0.5)
+///     Dim sampler As New CISamplerKaz(photo)
 REALclassDefinition CISamplerKazClass = classDefinition(
     {.name = "CISamplerKaz", .constructor = CISamplerConstructor, .destructor = CISamplerDestructor},
     properties, methods, constants);

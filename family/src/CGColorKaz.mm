@@ -60,20 +60,36 @@ REALobject colorSpace(REALobject self) {
 
 REALproperty properties[] = {
     handleProperty(),
+    /// The number of components with alpha: 4 for RGB, 0 while the object is empty.
+    ///     Print Str(self.NumberOfComponents)
     property("NumberOfComponents", "Integer", number<CGColorGetNumberOfComponents>),
+    /// Opacity from 0 (transparent) to 1; 0 while the object is empty.
+    ///     Print Str(self.Alpha)
     property("Alpha", "Double", alpha),
 };
 
 REALmethodDefinition methods[] = {
+    /// Makes a colour of the device's RGB from components from 0 to 1.
+    ///     Dim glass As New CGColorKaz(0, 0.5, 1, 0.5)
     method("Constructor(red as double, green as double, blue as double, alpha as double = 1.0)",
            initWithRGBA),
+    /// Makes a colour in a colour space from its components and then alpha. Raises NilObjectException without
+    /// a space, and OutOfBoundsException for another number of values.
+    ///     Dim values() As Double = Array(0.5, 1.0)
+    ///     Dim gray As New CGColorKaz(CGColorSpaceKaz.DeviceGray, values)
     method("Constructor(space as CGColorSpaceKaz, components() as double)", initWithComponents),
+    /// The component at an index from 0, alpha last. Raises OutOfBoundsException outside of them.
+    ///     Print Str(self.Component(0))
     method("Component(index as Integer) as Double", component),
+    /// The colour's colour space, or Nil while the object is empty.
+    ///     Print Str(self.ColorSpace.Model)
     method("ColorSpace as CGColorSpaceKaz", colorSpace),
 };
 
 } // namespace
 
+/// A Core Graphics colour: components in a colour space, and alpha.
+///     Dim tint As New CGColorKaz(1, 0.5, 0.25)
 REALclassDefinition CGColorKazClass =
     classDefinition({.name = "CGColorKaz", .destructor = destroyWrapper}, properties, methods);
 

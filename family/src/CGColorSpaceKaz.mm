@@ -48,27 +48,52 @@ std::int32_t model(REALobject self, std::uint32_t) {
 
 REALproperty properties[] = {
     handleProperty(),
+    /// The name of a standard space; empty for the device's and for one made from a profile that has no name.
+    ///     Print self.Name
     property("Name", "String", name),
+    /// The number of components without alpha: 3 for RGB, 0 while the object is empty.
+    ///     Print Str(self.NumberOfComponents)
     property("NumberOfComponents", "Integer", number<CGColorSpaceGetNumberOfComponents>),
+    /// What the components are: 0 gray, 1 RGB, 2 CMYK, 3 Lab; -1 if unknown or while the object is empty.
+    ///     Print Str(self.Model)
     property("Model", "Integer", model),
 };
 
 REALmethodDefinition methods[] = {
+    /// Makes a space from an ICC profile; it stays empty if the block holds none. Raises NilObjectException
+    /// for Nil.
+    ///     Print Str(CGColorSpaceKaz(New CGColorSpaceKaz(New MemoryBlock(4))).Model)
     method("Constructor(ICCProfile as Memoryblock)", initWithProfile),
 };
 
 REALmethodDefinition sharedMethods[] = {
+    /// Returns the device's RGB.
+    ///     Print Str(CGColorSpaceKaz.DeviceRGB.NumberOfComponents)
     method("DeviceRGB as CGColorSpaceKaz", device<CGColorSpaceCreateDeviceRGB>),
+    /// Returns the device's gray.
+    ///     Print Str(CGColorSpaceKaz.DeviceGray.NumberOfComponents)
     method("DeviceGray as CGColorSpaceKaz", device<CGColorSpaceCreateDeviceGray>),
+    /// Returns the device's CMYK.
+    ///     Print Str(CGColorSpaceKaz.DeviceCMYK.NumberOfComponents)
     method("DeviceCMYK as CGColorSpaceKaz", device<CGColorSpaceCreateDeviceCMYK>),
+    /// Returns sRGB, the space of most pictures.
+    ///     Print CGColorSpaceKaz.SRGB.Name
     method("SRGB as CGColorSpaceKaz", named<kCGColorSpaceSRGB>),
+    /// Returns Apple's generic RGB.
+    ///     Print CGColorSpaceKaz.GenericRGB.Name
     method("GenericRGB as CGColorSpaceKaz", named<kCGColorSpaceGenericRGB>),
+    /// Returns Apple's generic RGB with linear components.
+    ///     Print CGColorSpaceKaz.GenericRGBLinear.Name
     method("GenericRGBLinear as CGColorSpaceKaz", named<kCGColorSpaceGenericRGBLinear>),
+    /// Returns Adobe RGB (1998).
+    ///     Print CGColorSpaceKaz.AdobeRGB1998.Name
     method("AdobeRGB1998 as CGColorSpaceKaz", named<kCGColorSpaceAdobeRGB1998>),
 };
 
 } // namespace
 
+/// A Core Graphics colour space: what the numbers of a colour mean.
+///     Dim space As CGColorSpaceKaz = CGColorSpaceKaz.SRGB
 REALclassDefinition CGColorSpaceKazClass = classDefinition(
     {.name = "CGColorSpaceKaz", .destructor = destroyWrapper}, properties, methods, {}, sharedMethods);
 

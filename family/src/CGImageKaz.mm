@@ -92,27 +92,54 @@ REALobject imageWithPicture(REALpicture source) {
 
 REALproperty properties[] = {
     handleProperty(),
+    /// The width in pixels; 0 while the object is empty.
+    ///     Print Str(self.Width)
     property("Width", "Integer", number<CGImageGetWidth>),
+    /// The height in pixels; 0 while the object is empty.
+    ///     Print Str(self.Height)
     property("Height", "Integer", number<CGImageGetHeight>),
+    /// The bits of a component, usually 8; 0 while the object is empty.
+    ///     Print Str(self.BitsPerComponent)
     property("BitsPerComponent", "Integer", number<CGImageGetBitsPerComponent>),
+    /// The bits of a pixel, usually 24 or 32; 0 while the object is empty.
+    ///     Print Str(self.BitsPerPixel)
     property("BitsPerPixel", "Integer", number<CGImageGetBitsPerPixel>),
+    /// The bytes from one row to the next; 0 while the object is empty.
+    ///     Print Str(self.BytesPerRow)
     property("BytesPerRow", "Integer", number<CGImageGetBytesPerRow>),
 };
 
 REALmethodDefinition methods[] = {
+    /// The colour space of the pixels, or Nil while the object is empty.
+    ///     Print Str(self.ColorSpace.Model)
     method("ColorSpace as CGColorSpaceKaz", colorSpace),
+    /// Returns the part inside a rectangle, which counts pixels from the upper left corner; Nil if nothing is
+    /// inside.
+    ///     Print Str(self.Crop(New CGRectKaz(0, 0, 100, 80)).Width)
     method("Crop(r as CGRectKaz) as CGImageKaz", crop),
+    /// Returns the image as a Picture, or Nil while the object is empty.
+    ///     Print Str(self.Picture.Width)
     method("Picture as Picture", picture),
+    /// Writes the image in the format that the file's name ends in, PNG without one, and says whether it
+    /// could. Raises NilObjectException without a file, and UnsupportedOperationException for an unknown
+    /// ending.
+    ///     Print Str(self.Save(GetFolderItem("copy.png")))
     method("Save(file as FolderItem) as Boolean", save),
 };
 
 REALmethodDefinition sharedMethods[] = {
+    /// Returns the first image of a file, or Nil if it holds none. Raises NilObjectException without a file.
+    ///     Print Str(CGImageKaz.ImageWithFile(SamplePhoto("coffee.png")).Height)
     method("ImageWithFile(file as FolderItem) as CGImageKaz", imageWithFile),
+    /// Returns an image of a copy of the picture's pixels. Raises NilObjectException for Nil.
+    ///     Print Str(CGImageKaz.ImageWithPicture(New Picture(30, 20, 32)).Width)
     method("ImageWithPicture(Pic as Picture) as CGImageKaz", imageWithPicture),
 };
 
 } // namespace
 
+/// A Core Graphics image: pixels from a file or another class, for a file or a picture.
+///     Dim image As CGImageKaz = CGImageKaz.ImageWithFile(SamplePhoto("coffee.png"))
 REALclassDefinition CGImageKazClass = classDefinition({.name = "CGImageKaz", .destructor = destroyWrapper},
                                                       properties, methods, {}, sharedMethods);
 

@@ -68,29 +68,59 @@ double element(REALobject self, std::uint32_t) {
 
 REALproperty properties[] = {
     handleProperty(),
+    /// The share of x that goes into the new x.
+    ///     Print Str(self.M11)
     property("M11", "Double", element<&NSAffineTransformStruct::m11>),
+    /// The share of x that goes into the new y.
+    ///     Print Str(self.M12)
     property("M12", "Double", element<&NSAffineTransformStruct::m12>),
+    /// The share of y that goes into the new x.
+    ///     Print Str(self.M21)
     property("M21", "Double", element<&NSAffineTransformStruct::m21>),
+    /// The share of y that goes into the new y.
+    ///     Print Str(self.M22)
     property("M22", "Double", element<&NSAffineTransformStruct::m22>),
+    /// What is added to x.
+    ///     Print Str(self.TX)
     property("TX", "Double", element<&NSAffineTransformStruct::tX>),
+    /// What is added to y.
+    ///     Print Str(self.TY)
     property("TY", "Double", element<&NSAffineTransformStruct::tY>),
 };
 
 REALmethodDefinition methods[] = {
+    /// Makes the identity, which changes nothing.
+    ///     Dim identity As New NSAffineTransformKaz
     method("Constructor", initIdentity),
+    /// Makes a transform of its six elements: x becomes m11 x + m21 y + tx, and y becomes m12 x + m22 y + ty.
+    ///     Dim mirror As New NSAffineTransformKaz(-1, 0, 0, 1, 100, 0)
     method(
         "Constructor(m11 as double, m12 as double, m21 as double, m22 as double, tx as double, ty as double)",
         initWithMatrix),
+    /// Adds a move by x and y.
+    ///     self.Translate(10, 20)
     method("Translate(x as double, y as double)", translate),
+    /// Adds scaling by factors along x and y.
+    ///     self.Scale(2, 2)
     method("Scale(x as double, y as double)", scale),
+    /// Adds a turn by an angle in degrees, anticlockwise.
+    ///     self.RotateByDegrees(90)
     method("RotateByDegrees(angle as double)", rotateByDegrees),
+    /// Turns the transform into its opposite; one that has none, such as a scale by 0, stays as it is.
+    ///     self.Invert
     method("Invert", invert),
+    /// Adds a transform to be applied after this one. Raises NilObjectException without one.
+    ///     self.Append(New NSAffineTransformKaz)
     method("Append(transform as NSAffineTransformKaz)", append),
+    /// Returns where a point goes, or Nil while the object is empty. Raises NilObjectException for Nil.
+    ///     Print self.TransformPoint(New CGPointKaz(1, 0)).Description
     method("TransformPoint(p as CGPointKaz) as CGPointKaz", transformPoint),
 };
 
 } // namespace
 
+/// A transform built step by step; each step is applied before those already there.
+///     Dim turn As New NSAffineTransformKaz
 REALclassDefinition NSAffineTransformKazClass = classDefinition({.name = "NSAffineTransformKaz",
                                                                  .dataSize = sizeof(TransformData),
                                                                  .constructor = constructWrapper,

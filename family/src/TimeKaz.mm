@@ -93,24 +93,46 @@ REALproperty timeField(const char* name, const char* type, std::size_t offset) {
 }
 
 REALproperty cmTimeProperties[] = {
+    /// The time in units of one TimeScale-th of a second.
+    ///     self.Value = 45
     timeField("Value", "Int64", offsetof(CMTime, value)),
+    /// The units in a second.
+    ///     self.TimeScale = 25
     timeField("TimeScale", "Integer", offsetof(CMTime, timescale)),
+    /// Core Media's flags; 1 marks a valid time.
+    ///     self.Flags = 1
     timeField("Flags", "UInt32", offsetof(CMTime, flags)),
+    /// A number that sets apart times that cannot be compared, such as of two runs of a loop.
+    ///     self.Epoch = 0
     timeField("Epoch", "Int64", offsetof(CMTime, epoch)),
+    /// The time in seconds; 0 if TimeScale is 0.
+    ///     Print Str(self.Seconds)
     property("Seconds", "Double", seconds<CMTime>),
 };
 REALmethodDefinition cmTimeMethods[] = {
+    /// Makes a time of a value in units of one timeScale-th of a second.
+    ///     Dim second As New CMTimeKaz(600, 600)
     method("Constructor(value as Int64, timeScale as Integer, flags as UInt32 = 1, epoch as Int64 = 0)",
            initCMTime),
 };
 
 REALproperty qtTimeProperties[] = {
+    /// The time in units of one TimeScale-th of a second.
+    ///     self.TimeValue = 45
     timeField("TimeValue", "Int64", offsetof(QTTime, value)),
+    /// The units in a second.
+    ///     self.TimeScale = 25
     timeField("TimeScale", "Integer", offsetof(QTTime, timescale)),
+    /// QuickTime's flags; 1 marks an indefinite time.
+    ///     self.Flags = 0
     timeField("Flags", "Integer", offsetof(QTTime, flags)),
+    /// The time in seconds; 0 if TimeScale is 0.
+    ///     Print Str(self.Seconds)
     property("Seconds", "Double", seconds<QTTime>),
 };
 REALmethodDefinition qtTimeMethods[] = {
+    /// Makes a time of a value in units of one timeScale-th of a second.
+    ///     Dim second As New QTKitTimeKaz(600, 600)
     method("Constructor(timeValue as Int64, timeScale as Integer, flags as Integer = 0)", initQTTime),
 };
 
@@ -128,18 +150,36 @@ REALobject partOf(REALobject self) {
 }
 
 REALmethodDefinition cmTimeRangeMethods[] = {
+    /// Makes a range of its start and its length. Raises NilObjectException if either is Nil.
+    ///     Dim second As New CMTimeRangeKaz(New CMTimeKaz(0, 1), New CMTimeKaz(1, 1))
     method("Constructor(start as CMTimeKaz, duration as CMTimeKaz)", initPair<CMTime>),
+    /// Returns a copy of the start.
+    ///     Print Str(self.Start.Seconds)
     method("Start as CMTimeKaz", partOf<CMTime, &CMTimeRange::first>),
+    /// Returns a copy of the length.
+    ///     Print Str(self.Duration.Seconds)
     method("Duration as CMTimeKaz", partOf<CMTime, &CMTimeRange::second>),
 };
 REALmethodDefinition cmTimeMappingMethods[] = {
+    /// Makes a mapping from one range to another. Raises NilObjectException if either is Nil.
+    ///     Dim same As New CMTimeMappingKaz(range, range)
     method("Constructor(source as CMTimeRangeKaz, target as CMTimeRangeKaz)", initPair<CMTimeRange>),
+    /// Returns a copy of the range that is mapped.
+    ///     Print Str(self.Source.Duration.Seconds)
     method("Source as CMTimeRangeKaz", partOf<CMTimeRange, &CMTimeMapping::first>),
+    /// Returns a copy of the range that it is mapped to.
+    ///     Print Str(self.Target.Duration.Seconds)
     method("Target as CMTimeRangeKaz", partOf<CMTimeRange, &CMTimeMapping::second>),
 };
 REALmethodDefinition qtTimeRangeMethods[] = {
+    /// Makes a range of its start and its length. Raises NilObjectException if either is Nil.
+    ///     Dim second As New QTKitTimeRangeKaz(New QTKitTimeKaz(0, 1), New QTKitTimeKaz(1, 1))
     method("Constructor(time as QTKitTimeKaz, duration as QTKitTimeKaz)", initPair<QTTime>),
+    /// Returns a copy of the start.
+    ///     Print Str(self.Time.Seconds)
     method("Time as QTKitTimeKaz", partOf<QTTime, &QTTimeRange::first>),
+    /// Returns a copy of the length.
+    ///     Print Str(self.Duration.Seconds)
     method("Duration as QTKitTimeKaz", partOf<QTTime, &QTTimeRange::second>),
 };
 
@@ -152,10 +192,21 @@ REALclassDefinition definitionOf(host::Table<REALproperty> properties,
 
 } // namespace
 
+/// A time of Core Media: a value in units of one TimeScale-th of a second.
+///     Dim time As New CMTimeKaz(90, 30)
 REALclassDefinition CMTimeKazClass = definitionOf<CMTime>(cmTimeProperties, cmTimeMethods);
+/// A range of Core Media's times.
+///     Dim range As New CMTimeRangeKaz(New CMTimeKaz(0, 30), New CMTimeKaz(90, 30))
 REALclassDefinition CMTimeRangeKazClass = definitionOf<CMTimeRange>({}, cmTimeRangeMethods);
+/// A range of Core Media's times and the range that it is mapped to.
+///     Dim range As New CMTimeRangeKaz(New CMTimeKaz(0, 30), New CMTimeKaz(90, 30))
+///     Dim mapping As New CMTimeMappingKaz(range, range)
 REALclassDefinition CMTimeMappingKazClass = definitionOf<CMTimeMapping>({}, cmTimeMappingMethods);
+/// A time of QuickTime: a value in units of one TimeScale-th of a second.
+///     Dim time As New QTKitTimeKaz(90, 30)
 REALclassDefinition QTKitTimeKazClass = definitionOf<QTTime>(qtTimeProperties, qtTimeMethods);
+/// A range of QuickTime's times.
+///     Dim range As New QTKitTimeRangeKaz(New QTKitTimeKaz(0, 30), New QTKitTimeKaz(90, 30))
 REALclassDefinition QTKitTimeRangeKazClass = definitionOf<QTTimeRange>({}, qtTimeRangeMethods);
 
 } // namespace family

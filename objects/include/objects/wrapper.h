@@ -43,6 +43,9 @@ void adopt(REALobject wrapper, id native);
 void constructWithHandle(const WrapperType& type, REALobject wrapper, std::int32_t handle);
 
 // The constructor that takes a native object by its address.
+/// Makes an object of a native one by its address. Raises NilObjectException for 0, and
+/// UnsupportedOperationException if the native object is of another class.
+///     Dim same As New SelfClass(self.Handle)
 template <const WrapperType& Type>
 REALmethodDefinition constructorWithHandle() {
     return method(
@@ -87,6 +90,8 @@ REALstring stringResult(Make&& make) {
 }
 
 // "Handle", in every class's property table.
+/// The address of the native object, or 0 while the object is empty.
+///     Print Str(self.Handle)
 inline REALproperty handleProperty() { return field("Handle", "Integer", 0); }
 
 // A property's getter: what `read` reads from the native object, which may be nil.
