@@ -1,13 +1,14 @@
 // Rendering a photograph of twelve megapixels, against copying its pixels once.
 #include "bench.h"
+#include "filtered.h"
 #include "photograph.h"
-
-#import <QuartzCore/QuartzCore.h>
 
 #include <cstring>
 #include <vector>
 
 namespace {
+
+using bench::filtered;
 
 constexpr size_t kWidth = 4000, kHeight = 3000;
 
@@ -17,14 +18,6 @@ double copySeconds() {
         std::memcpy(to.data(), from.data(), from.size());
         asm volatile("" : : "r"(to.data()) : "memory"); // keeps the compiler from dropping the copy
     });
-}
-
-CIImage* filtered(NSString* name, CIImage* image, NSDictionary* values = nil) {
-    CIFilter* filter = [CIFilter filterWithName:name];
-    [filter setDefaults];
-    [filter setValue:image forKey:@"inputImage"];
-    for (NSString* key in values) [filter setValue:[values objectForKey:key] forKey:key];
-    return [filter valueForKey:@"outputImage"];
 }
 
 // Renders what `recipe` makes of the photograph, and reports how many copies of the photograph take as long.
@@ -45,26 +38,22 @@ void measure(const char* name, Recipe&& recipe) {
     [pool release];
 }
 
-NSDictionary* value(NSString* key, double number) {
-    return [NSDictionary dictionaryWithObject:[NSNumber numberWithDouble:number] forKey:key];
-}
-
 void measureColorChain() {
     measure("a chain of 8 colour filters", [](CIImage* image) {
-        image = filtered(@"CIExposureAdjust", image, value(@"inputEV", 0.3));
-        image = filtered(@"CIColorControls", image, value(@"inputSaturation", 1.2));
-        image = filtered(@"CIHueAdjust", image, value(@"inputAngle", 0.2));
-        image = filtered(@"CIGammaAdjust", image, value(@"inputPower", 0.9));
+        image = filtered(@"CIExposureAdjust", image, @"inputEV", 0.3);
+        image = filtered(@"CIColorControls", image, @"inputSaturation", 1.2);
+        image = filtered(@"CIHueAdjust", image, @"inputAngle", 0.2);
+        image = filtered(@"CIGammaAdjust", image, @"inputPower", 0.9);
         image = filtered(@"CIColorInvert", image);
         image = filtered(@"CIColorMatrix", image);
-        image = filtered(@"CISepiaTone", image, value(@"inputIntensity", 0.4));
-        return filtered(@"CIVignette", image, value(@"inputIntensity", 0.7));
+        image = filtered(@"CISepiaTone", image, @"inputIntensity", 0.4);
+        return filtered(@"CIVignette", image, @"inputIntensity", 0.7);
     });
 }
 
 void measureGaussianBlur() {
     measure("CIGaussianBlur, radius 20",
-            [](CIImage* image) { return filtered(@"CIGaussianBlur", image, value(@"inputRadius", 20)); });
+            [](CIImage* image) { return filtered(@"CIGaussianBlur", image, @"inputRadius", 20); });
 }
 
 // Finding the filters (without faces) and applying them, against rendering the photograph as it is.
@@ -73,8 +62,7 @@ void measureAutoAdjustment() {
     double copy = copySeconds();
     CGImageRef photograph = bench::newPhotograph("coffee.png", kWidth, kHeight);
     CGContextRef bitmap = bench::newBitmap(kWidth, kHeight);
-    CIImage* image =
-        filtered(@"CIExposureAdjust", [CIImage imageWithCGImage:photograph], value(@"inputEV", -2));
+    CIImage* image = filtered(@"CIExposureAdjust", [CIImage imageWithCGImage:photograph], @"inputEV", -2);
     CIContext* context = [CIContext contextWithCGContext:bitmap options:nil];
     CGRect whole = CGRectMake(0, 0, kWidth, kHeight);
     auto renderSeconds = [&](CIImage* picture) {

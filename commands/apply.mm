@@ -7,6 +7,7 @@
 #include "values.h"
 
 #include <ImageIO/ImageIO.h>
+#include <files/wholefile.h>
 
 #include <syntax/names.h>
 
@@ -264,7 +265,7 @@ int run(int argumentCount, char** arguments) {
     check(task);
     if (task.list) return list(task), kFine;
     if (task.plan) return plan(task);
-    removeUnfinishedFilesWhenInterrupted();
+    wholefile::removeDraftsWhenInterrupted();
     std::size_t count = task.inputs.size(), workers = std::min(task.jobs ? task.jobs : coreCount(), count);
     Jobs jobs{count, [&](std::size_t index) { return process(task, index); },
               [&](std::size_t index) { return task.inputs[index]; }};

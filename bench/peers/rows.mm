@@ -1,29 +1,17 @@
 // rows ROW: renders a row of the peers table with Core Image, and prints the best time in milliseconds and
 // the peak memory in MiB. The peers' side of each row is in peers.py.
 #include "../bench.h"
+#include "../filtered.h"
 #include "../photograph.h"
-
-#import <QuartzCore/QuartzCore.h>
 
 #include <cstdio>
 #include <cstring>
 
 namespace {
 
+using bench::filtered;
+
 constexpr size_t kWidth = 4000, kHeight = 3000;
-
-CIImage* filtered(NSString* name, CIImage* image, NSDictionary* values) {
-    CIFilter* filter = [CIFilter filterWithName:name];
-    [filter setDefaults];
-    [filter setValue:image forKey:@"inputImage"];
-    for (NSString* key in values) [filter setValue:[values objectForKey:key] forKey:key];
-    return [filter valueForKey:@"outputImage"];
-}
-
-CIImage* filtered(NSString* name, CIImage* image, NSString* key, double number) {
-    return filtered(name, image,
-                    [NSDictionary dictionaryWithObject:[NSNumber numberWithDouble:number] forKey:key]);
-}
 
 CIImage* colorChain(CIImage* image) {
     image = filtered(@"CIExposureAdjust", image, @"inputEV", 0.3);

@@ -46,7 +46,4 @@ NSData* encodePicture(CIImage* image, CGRect area, const Encoding& encoding, std
 /// then one of that name stays as it was. Empty, or why it could not be written: "no such folder".
 std::string writeFile(const std::string& path, NSData* data);
 
-/// Lets an interruption remove the file that is being written.
-void removeUnfinishedFilesWhenInterrupted();
-
 } // namespace commands

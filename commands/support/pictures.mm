@@ -2,10 +2,10 @@
 #include "pictures.h"
 
 #include <ImageIO/ImageIO.h>
+#include <files/wholefile.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <vector>
 
@@ -37,19 +37,6 @@ NSData* standardInput() {
         [data appendBytes:buffer.data() length:NSUInteger(n)];
     }
     return data;
-}
-
-/// The file that is being written, for the handler of signals.
-char unfinished[4096];
-
-void interrupted(int signal) {
-    if (unfinished[0]) unlink(unfinished);
-    _exit(128 + signal);
-}
-
-std::string describe(int error) {
-    if (error == ENOENT) return "no such folder";
-    return std::strerror(error);
 }
 
 bool writeAll(int file, NSData* data) {
@@ -164,29 +151,15 @@ std::string writeFile(const std::string& path, NSData* data) {
     if (replaces && !S_ISREG(status.st_mode)) {
         int file = open(path.c_str(), O_WRONLY);
         bool written = file >= 0 && writeAll(file, data);
-        if (file < 0 || close(file) != 0 || !written) return refusal + describe(errno);
+        if (file < 0 || close(file) != 0 || !written) return refusal + std::strerror(errno);
         return {};
     }
-    std::size_t slash = path.rfind('/') + 1;
-    std::string temporary = path.substr(0, slash) + "." + path.substr(slash) + ".XXXXXX";
-    if (temporary.size() >= sizeof unfinished) return refusal + std::strerror(ENAMETOOLONG);
-    int file = mkstemp(temporary.data());
-    if (file < 0) return refusal + describe(errno);
-    std::strcpy(unfinished, temporary.c_str());
-    mode_t mask = umask(0);
-    umask(mask);
-    fchmod(file, replaces ? status.st_mode & 07777 : 0666 & ~mask);
-    bool written = writeAll(file, data);
-    int error = errno;
-    if (close(file) != 0 && written) written = false, error = errno;
-    if (written && rename(temporary.c_str(), path.c_str()) != 0) written = false, error = errno;
-    if (!written) unlink(temporary.c_str());
-    unfinished[0] = 0;
-    return written ? "" : refusal + describe(error);
-}
-
-void removeUnfinishedFilesWhenInterrupted() {
-    for (int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, interrupted);
+    try {
+        wholefile::replace(path, {static_cast<const std::uint8_t*>([data bytes]), [data length]});
+        return {};
+    } catch (const wholefile::Error& error) {
+        return refusal + error.what();
+    }
 }
 
 } // namespace commands

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -49,6 +50,14 @@ std::string target(const std::string& path) {
     fail(ELOOP);
 }
 
+/// The draft that is being written, for the handler of signals; empty when there is none.
+char unfinished[PATH_MAX];
+
+void interrupted(int signal) {
+    if (unfinished[0]) ::unlink(unfinished);
+    ::_exit(128 + signal);
+}
+
 /// A new file beside `path`, removed again unless it takes the name.
 class Draft {
   public:
@@ -56,6 +65,7 @@ class Draft {
     Draft(const Draft&) = delete;
     ~Draft() {
         if (!name_.empty()) ::unlink(name_.c_str());
+        unfinished[0] = 0;
     }
 
     void fill(std::span<const std::uint8_t> bytes) {
@@ -84,10 +94,14 @@ class Draft {
         for (int tries = 0; tries < 100; ++tries) {
             name_ = folder + ".kaz-" + std::to_string(::getpid()) + "-" + std::to_string(++count);
             int fd = ::open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-            if (fd >= 0) return fd;
+            if (fd >= 0) {
+                if (name_.size() < sizeof unfinished) std::strcpy(unfinished, name_.c_str());
+                return fd;
+            }
             if (errno == EEXIST) continue;
             int error = errno;
             name_.clear();
+            if (error == ENOENT) throw Error("no such folder");
             fail(error);
         }
         name_.clear();
@@ -161,6 +175,10 @@ void replace(const std::string& path, std::span<const std::uint8_t> bytes) {
     draft.fill(bytes);
     if (mode) draft.setMode(*mode);
     draft.takeName();
+}
+
+void removeDraftsWhenInterrupted() {
+    for (int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, interrupted);
 }
 
 } // namespace wholefile

@@ -34,4 +34,8 @@ int openToWrite(const std::string& path, bool append);
 /// which then takes the name. Follows symbolic links and keeps the mode. Throws Error.
 void replace(const std::string& path, std::span<const std::uint8_t> bytes);
 
+/// From now on SIGINT, SIGTERM and SIGHUP end the process with 128 + the signal, and without the new file
+/// that replace() has begun. For processes that write one file at a time.
+void removeDraftsWhenInterrupted();
+
 } // namespace wholefile
