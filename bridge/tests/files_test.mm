@@ -141,6 +141,8 @@ TEST_P(Files, AnEmptyLeafNameGivesTheFolder) {
             return true;
         });
     EXPECT_EQ(crossed(item("anything")), "/tmp");
+    NSString* url = [NewNSURLfile(handle(item("anything"))) absoluteString];
+    EXPECT_TRUE([url hasSuffix:@"/tmp/"]) << [url UTF8String] << ": nothing is appended";
 }
 
 TEST_P(Files, TheOlderRecordIsTheLastWayToAURL) {
