@@ -145,6 +145,27 @@ TEST_P(Files, AnEmptyLeafNameGivesTheFolder) {
     EXPECT_TRUE([url hasSuffix:@"/tmp/"]) << [url UTF8String] << ": nothing is appended";
 }
 
+TEST_P(Files, AnItemWhoseURLCannotBeMadeIsTriedByItsParent) {
+    makeFile("file");
+    failingCall = "URL of reference";
+    EXPECT_EQ(crossed(item("file")), "file");
+    EXPECT_EQ(failingCall, "") << "was not called";
+}
+
+TEST_P(Files, AnItemWhoseParentHasNoURLIsTriedByTheOlderRecord) {
+    makeFile("file");
+    replace(
+        "REALFSRefFromFolderItem", +[](REALfolderItem item, FSRef* out, HFSUniStr255* name) {
+            auto ofTheHost = original<host::service::REALFSRefFromFolderItem>("REALFSRefFromFolderItem");
+            return name && ofTheHost(item, out, name);
+        });
+    for (const char* call : {"URL of reference", "URL"}) {
+        failingCall = call;
+        EXPECT_EQ(crossed(item("file")), "file") << call;
+        EXPECT_EQ(failingCall, "") << call << " was not called";
+    }
+}
+
 TEST_P(Files, TheOlderRecordIsTheLastWayToAURL) {
     withhold("REALFSRefFromFolderItem");
     makeFile("old.txt");

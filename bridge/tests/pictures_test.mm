@@ -13,20 +13,11 @@
 
 using Log = std::vector<std::string>;
 
-// Some Core Graphics calls of the bridge are led here, to let them fail once and to see the mask that is
-// used.
-static std::string failingCall;
-static int goodCalls = 0;
+// Some platform calls of the bridge are led here, to let them fail once and to see the mask that is used.
 static std::vector<std::uint8_t> maskBytes;
 static std::size_t maskBytesPerRow = 0;
 static std::vector<std::string> contexts;    // that were made, with their arguments
 static std::vector<std::string> bundleParts; // what was called to find the framework
-
-static bool fails(const char* call) {
-    if (failingCall != call || goodCalls-- > 0) return false;
-    failingCall.clear();
-    return true;
-}
 
 extern "C" {
 CGContextRef __real_CGBitmapContextCreate(void*, size_t, size_t, size_t, size_t, CGColorSpaceRef,
@@ -62,7 +53,7 @@ OSErr __wrap_FSFindFolder(SInt16 domain, OSType type, Boolean create, FSRef* ref
 }
 CFURLRef __real_CFURLCreateFromFSRef(CFAllocatorRef, const FSRef*);
 CFURLRef __wrap_CFURLCreateFromFSRef(CFAllocatorRef allocator, const FSRef* ref) {
-    return fails("folder's URL") ? nullptr : __real_CFURLCreateFromFSRef(allocator, ref);
+    return fails("URL of reference") ? nullptr : __real_CFURLCreateFromFSRef(allocator, ref);
 }
 CFURLRef __real_CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef, CFStringRef, Boolean);
 CFURLRef __wrap_CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
@@ -958,7 +949,7 @@ TEST_F(Framework, IsTheCallersAndNothingElseIsLeft) {
 }
 
 TEST_F(Framework, IsNullWhenAStepFailsAndNothingIsLeft) {
-    for (const char* call : {"folder", "folder's URL", "URL", "bundle", "executable"}) {
+    for (const char* call : {"folder", "URL of reference", "URL", "bundle", "executable"}) {
         auto left = objectsLeftBy([&] {
             failingCall = call;
             EXPECT_EQ(LoadFrameworkBundle(), nullptr) << call;
