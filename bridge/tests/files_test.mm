@@ -173,6 +173,17 @@ TEST_P(Files, TheOlderRecordIsTheLastWayToAURL) {
     EXPECT_EQ(crossed(item("not there.txt")), "(nil)");
 }
 
+TEST_P(Files, AnOlderRecordThatTheHostDoesNotGiveIsNotUsed) {
+    withhold("REALFSRefFromFolderItem");
+    makeFile("file");
+    replace(
+        "REALFSSpecFromFolderItem", +[](REALfolderItem item, FSSpec* out) {
+            original<host::service::REALFSSpecFromFolderItem>("REALFSSpecFromFolderItem")(item, out);
+            return false;
+        });
+    EXPECT_EQ(crossed(item("file")), "(nil)");
+}
+
 TEST_P(Files, WithoutAnyRecordThereIsNoURL) {
     withhold("REALFSRefFromFolderItem");
     withhold("REALFSSpecFromFolderItem");
@@ -228,11 +239,19 @@ TEST_P(Files, AVolumeIsAnItemBelowAParentOfZeroes) {
 }
 
 TEST_P(Files, TheOlderRecordIsTheLastWayToAnItem) {
+    static int asked;
+    asked = 0;
+    replace(
+        "FolderItemFromFSSpec", +[](const FSSpec* spec) {
+            ++asked;
+            return original<host::service::FolderItemFromFSSpec>("FolderItemFromFSSpec")(spec);
+        });
     makeFile("old.txt");
     namesAreUnknown = true;
     EXPECT_EQ(itemOf(url("old.txt")), "old.txt");
     recordsAreUnknown = true;
     EXPECT_EQ(itemOf(url("old.txt")), "(nil)");
+    EXPECT_EQ(asked, 1) << "not for a record that could not be had";
     namesAreUnknown = recordsAreUnknown = false;
 }
 
