@@ -31,7 +31,7 @@ sub save {
 # --- reading the tables ---------------------------------------------------------------------------------------------
 
 my $string    = qr/"(?:[^"\\]|\\.)*"/;
-my $character = qr/'(?:[^'\\]|\\.)'/;
+my $quoted    = qr/'(?:[^'\\]|\\.)'/;
 
 # The value of adjacent string literals.
 sub literal {
@@ -63,11 +63,11 @@ sub entries {
         push @entries, [$comment, $expression] if length $expression;
         ($comment, $expression) = ('', '');
     };
-    while ($body =~ m{\G(?:(///[^\n]*\n)|(//[^\n]*\n)|($string|$character)|(.))}sgc) {
-        my ($kept, $skipped, $literal, $character) = ($1, $2, $3, $4);
-        if    (defined $kept) { $comment .= $kept }
+    while ($body =~ m{\G(?:(///[^\n]*\n)|(//[^\n]*\n)|($string|$quoted|[^,<>(){}\[\]/"']+)|(.))}sgc) {
+        my ($kept, $skipped, $run, $character) = ($1, $2, $3, $4);
+        if    (defined $kept)    { $comment .= $kept }
         elsif (defined $skipped) { }
-        elsif (defined $literal) { $expression .= $literal }
+        elsif (defined $run)     { $expression .= $run }
         elsif ($character eq ',' && $depth == 0 && $angles == 0) { $finish->() }
         else {
             $angles++ if $character eq '<' && $depth == 0;
@@ -177,7 +177,7 @@ sub braced {
     my ($text, $from) = @_;
     my $depth = 1;
     pos($text) = $from;
-    while ($text =~ m{\G(?://[^\n]*|$string|$character|([{}])|.)}sgc) {
+    while ($text =~ m{\G(?://[^\n]*|$string|$quoted|([{}])|[^{}"'/]+|.)}sgc) {
         next if !defined $1;
         $depth += $1 eq '{' ? 1 : -1;
         return substr $text, $from, pos($text) - 1 - $from if $depth == 0;
