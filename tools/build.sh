@@ -7,7 +7,7 @@ if [[ "$KAZ_ROOT" == *[\"\\\$\`\;:]* || "$KAZ_ROOT" == *$'\n'* ]]; then
     checkout="/tmp/kaz-$UID-$(printf '%s' "$KAZ_ROOT" | sha256sum | cut -c -16)"
     # Nobody else's link is followed.
     if [[ "$(readlink "$checkout")" != "$KAZ_ROOT" || "$(stat -c %u "$checkout")" != "$UID" ]]; then
-        ln -sfn "$KAZ_ROOT" "$checkout" 2>/dev/null || {
+        ln -sfT "$KAZ_ROOT" "$checkout" 2>/dev/null || {
             echo "kaz: CMake cannot build in $KAZ_ROOT, and $checkout cannot become a link to it. Rename the folder:" \
                 "without \" \\ \$ \` ; : in its path" >&2
             exit 1
