@@ -2,6 +2,7 @@
 #include "catalogue.h"
 #include "chain.h"
 #include "command.h"
+#include "files.h"
 #include "jobs.h"
 #include "pictures.h"
 #include "values.h"
@@ -162,6 +163,15 @@ std::string outputFor(const Task& task, const std::string& input) {
     return at == std::string::npos ? output : output.substr(0, at) + stem + output.substr(at + 1);
 }
 
+/// Whether the folder is the one that was asked for as "-o folder/", and lies in one that exists.
+bool canBeMade(const std::string& folder, const std::string& output) {
+    std::size_t end = folder.find_last_not_of('/');
+    if (!output.ends_with("/") || output != folder || end == std::string::npos || exists(folder))
+        return false;
+    std::size_t slash = folder.rfind('/', end);
+    return slash == std::string::npos || isFolder(folder.substr(0, slash + 1));
+}
+
 void checkOutputs(Task& task) {
     bool several = task.inputs.size() > 1;
     bool many =
@@ -176,7 +186,8 @@ void checkOutputs(Task& task) {
         if (task.type.empty() && typeForPath(output).empty())
             mistaken("cannot write " + output + ": its name must end in .png, .jpg or .tiff");
         std::string folder = output.substr(0, output.rfind('/') + 1);
-        if (!folder.empty() && !isFolder(folder)) mistaken("cannot write " + output + ": no such folder");
+        if (!folder.empty() && !isFolder(folder) && !canBeMade(folder, task.output))
+            mistaken("cannot write " + output + ": no such folder");
         if (!seen.insert(output).second) mistaken("two pictures would be written to " + output);
     }
     for (const std::string& output : seen) {
@@ -227,7 +238,7 @@ std::string process(const Task& task, std::size_t index) {
         if (task.keepMetadata) encoding.metadata = result.original.properties;
         NSData* data = encodePicture(result.image, result.area, encoding, failure);
         if (!data) return prefix + failure;
-        return writeFile(output, data);
+        return writeFile(output, bytesOf(data));
     }
 }
 
@@ -265,6 +276,8 @@ int run(int argumentCount, char** arguments) {
     check(task);
     if (task.list) return list(task), kFine;
     if (task.plan) return plan(task);
+    if (canBeMade(task.output, task.output) && mkdir(task.output.c_str(), 0777) != 0)
+        mistaken("cannot write " + task.output + ": " + std::strerror(errno));
     wholefile::removeDraftsWhenInterrupted();
     std::size_t count = task.inputs.size(), workers = std::min(task.jobs ? task.jobs : coreCount(), count);
     Jobs jobs{count, [&](std::size_t index) { return process(task, index); },

@@ -5,6 +5,7 @@
 #include "catalogue.h"
 #include "chain.h"
 #include "command.h"
+#include "files.h"
 #include "jobs.h"
 #include "pictures.h"
 
@@ -211,7 +212,7 @@ Exhibit rendered(const Variant& variant, std::size_t index, const Job& job, std:
     NSData* data = encodePicture(result.image, result.area, encoding, failure);
     if (!data) return {};
     std::string file = "pictures/" + filter.name + "-" + std::to_string(index) + (opaque ? ".jpg" : ".png");
-    if (failure = writeFile(file, data); !failure.empty()) return {};
+    if (failure = writeFile(file, bytesOf(data)); !failure.empty()) return {};
     std::vector<std::string> words;
     for (auto& [input, text] : variant.step.values)
         words.push_back(array({quoted(input->key), quoted(kindOf(*input)), quoted(text)}));
@@ -274,7 +275,7 @@ void make(const std::string& file, const std::string& input, const Size& size,
     encoding.type = typeForPath(file);
     encoding.quality = 0.9;
     NSData* data = result.image ? encodePicture(result.image, result.area, encoding, failure) : nil;
-    if (data) failure = writeFile(file, data);
+    if (data) failure = writeFile(file, bytesOf(data));
     if (failure.empty()) return;
     std::fprintf(stderr, "kaz gallery: %s\n", failure.c_str());
     std::exit(kFailed);
@@ -329,10 +330,8 @@ void makeFolder(const std::string& path) {
     mistaken("cannot write " + path + ": " + (errno == ENOENT ? "no such folder" : std::strerror(errno)));
 }
 
-NSData* dataOf(const std::string& text) { return [NSData dataWithBytes:text.data() length:text.size()]; }
-
-void write(const std::string& path, NSData* data) {
-    std::string failure = writeFile(path, data);
+void write(const std::string& path, std::span<const std::uint8_t> bytes) {
+    std::string failure = writeFile(path, bytes);
     if (!failure.empty()) mistaken(failure);
 }
 
@@ -424,7 +423,7 @@ int run(int count, char** arguments) {
                 variants.push_back(exhibits.back().text);
             }
             std::string text = describe(*filters[index], variants, bestOf(exhibits, untouched));
-            return writeFile(filters[index]->name + ".part", dataOf(text));
+            return writeFile(filters[index]->name + ".part", bytesOf(text));
         }
     };
     Jobs jobs{filters.size(), render, [&](std::size_t index) { return filters[index]->name; }};
@@ -436,15 +435,15 @@ int run(int count, char** arguments) {
         if (part) parts.emplace_back(static_cast<const char*>([part bytes]), [part length]);
         unlink([path UTF8String]);
     }
-    write("filters.js",
-          dataOf("// What script.js shows; written by ./kaz gallery.\nconst filters = [\n" +
-                 joined(parts, ",\n") + "\n];\nconst frame = {width: " + std::to_string(job.width) +
-                 ", height: " + std::to_string(job.height) + "};\n"));
+    std::string script = "// What script.js shows; written by ./kaz gallery.\nconst filters = [\n" +
+                         joined(parts, ",\n") + "\n];\nconst frame = {width: " + std::to_string(job.width) +
+                         ", height: " + std::to_string(job.height) + "};\n";
+    write("filters.js", bytesOf(script));
     for (const char* name : {"index.html", "style.css", "script.js"}) {
         NSData* data =
             [NSData dataWithContentsOfFile:[NSString stringWithFormat:@"%s/%s", page.c_str(), name]];
         if (!data) mistaken("cannot read " + page + "/" + name);
-        write(name, data);
+        write(name, bytesOf(data));
     }
     std::printf("%zu filters; open %s/index.html\n", parts.size(), absolute(".").c_str());
     return failed ? kFailed : kFine;

@@ -138,6 +138,16 @@ expect 2 "did you mean 'orange'?" "$apply" in.png CIFalseColor color0=oragne -o 
 expect 2 "is not 2 numbers" "$apply" in.png CITwirlDistortion center=1,2,3 -o a.png
 expect 2 "intensity is given twice" "$apply" in.png CISepiaTone intensity=1 inputIntensity=1 -o a.png
 expect 2 "cannot write nowhere/a.png: no such folder" "$apply" in.png -o nowhere/a.png
+expect 2 "cannot write nowhere/at/all/in.png: no such folder" "$apply" in.png -o nowhere/at/all/
+expect 1 "cannot write /proc/a.png: no such folder" "$apply" in.png -o /proc/a.png
+expect 1 "cannot write the standard output: No space left on device" bash -c '"$0" in.png -o - >/dev/full' "$apply"
+
+# A folder that is named with its slash is made, once.
+expect 0 "" "$apply" in.png -o made/
+expect 0 "" "$apply" in.png -o made/
+[[ -s made/in.png ]] || fail "made/in.png is missing"
+expect 0 "" "$apply" in.png -o listed/ --list
+[[ ! -e listed ]] || fail "--list makes a folder"
 expect 2 "its name must end in .png, .jpg or .tiff" "$apply" in.png -o a.gif
 expect 2 "would overwrite a picture that is read" "$apply" in.png -o in.png
 expect 2 "two pictures would be written to out/in.png" "$apply" in.png out/in.png -o out
