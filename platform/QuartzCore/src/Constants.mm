@@ -59,14 +59,36 @@ NAME(CICategoryInterlaced);
 NAME(CICategoryNonSquarePixels);
 NAME(CICategoryHighDynamicRange);
 NAME(CICategoryBuiltIn);
+NAME(CICategoryFilterGenerator);
 
 TEXT(kCIApplyOptionExtent, "extent");
 TEXT(kCIApplyOptionDefinition, "definition");
 TEXT(kCIApplyOptionUserInfo, "user_info");
 
-TEXT(kCIInputImageKey, "inputImage");
-TEXT(kCIInputBackgroundImageKey, "inputBackgroundImage");
 TEXT(kCIOutputImageKey, "outputImage");
+TEXT(kCIInputBackgroundImageKey, "inputBackgroundImage");
+TEXT(kCIInputImageKey, "inputImage");
+TEXT(kCIInputTimeKey, "inputTime");
+TEXT(kCIInputTransformKey, "inputTransform");
+TEXT(kCIInputScaleKey, "inputScale");
+TEXT(kCIInputAspectRatioKey, "inputAspectRatio");
+TEXT(kCIInputCenterKey, "inputCenter");
+TEXT(kCIInputRadiusKey, "inputRadius");
+TEXT(kCIInputAngleKey, "inputAngle");
+TEXT(kCIInputRefractionKey, "inputRefraction");
+TEXT(kCIInputWidthKey, "inputWidth");
+TEXT(kCIInputSharpnessKey, "inputSharpness");
+TEXT(kCIInputIntensityKey, "inputIntensity");
+TEXT(kCIInputEVKey, "inputEV");
+TEXT(kCIInputSaturationKey, "inputSaturation");
+TEXT(kCIInputColorKey, "inputColor");
+TEXT(kCIInputBrightnessKey, "inputBrightness");
+TEXT(kCIInputContrastKey, "inputContrast");
+TEXT(kCIInputGradientImageKey, "inputGradientImage");
+TEXT(kCIInputMaskImageKey, "inputMaskImage");
+TEXT(kCIInputShadingImageKey, "inputShadingImage");
+TEXT(kCIInputTargetImageKey, "inputTargetImage");
+TEXT(kCIInputExtentKey, "inputExtent");
 
 TEXT(kCIImageColorSpace, "color_space");
 TEXT(kCIImageProperties, "properties");

@@ -8,6 +8,7 @@
 #import <QuartzCore/CIDetector.h>
 #import <QuartzCore/CIFeature.h>
 #import <QuartzCore/CIFilter.h>
+#import <QuartzCore/CIFilterConstructor.h>
 #import <QuartzCore/CIFilterShape.h>
 #import <QuartzCore/CIImage.h>
 #import <QuartzCore/CISampler.h>
