@@ -92,6 +92,8 @@ TEXT(kCIInputExtentKey, "inputExtent");
 
 TEXT(kCIImageColorSpace, "color_space");
 TEXT(kCIImageProperties, "properties");
+TEXT(kCIImageProviderTileSize, "tile_size");
+TEXT(kCIImageProviderUserInfo, "user_info");
 NAME(CIImageAutoAdjustEnhance);
 NAME(CIImageAutoAdjustRedEye);
 NAME(CIImageAutoAdjustFeatures);
@@ -109,7 +111,9 @@ TEXT(kCISamplerWrapClamp, "clamp");
 TEXT(kCISamplerFilterNearest, "nearest");
 TEXT(kCISamplerFilterLinear, "linear");
 
+CIFormat kCIFormatBGRA8 = 20;
 CIFormat kCIFormatARGB8 = 23;
 CIFormat kCIFormatRGBA8 = 24;
 CIFormat kCIFormatRGBA16 = 27;
+CIFormat kCIFormatRGBAh = 31;
 CIFormat kCIFormatRGBAf = 34;

@@ -17,8 +17,9 @@ static std::map<std::string, int> live() {
 
 TEST(LiveObjects, EveryClassIsCounted) {
     auto all = live();
-    for (const char* name : {"CIImage", "CIFilter", "CIColor", "CIVector", "CIContext", "CIFilterShape",
-                             "CISampler", "CGImage", "CGColorSpace", "CGContext", "CGColor"})
+    for (const char* name :
+         {"CIImage", "CIFilter", "CIColor", "CIVector", "CIContext", "CIFilterShape", "CISampler",
+          "CIImageAccumulator", "CGImage", "CGColorSpace", "CGContext", "CGColor"})
         EXPECT_EQ(all.count(name), 1u) << name;
     const char* name;
     int count;
@@ -33,6 +34,7 @@ TEST(LiveObjects, UninitialisedObjectsCanBeReleased) {
                     [CIColor class],
                     [CIVector class],
                     [CIContext class],
+                    [CIImageAccumulator class],
                     [CIFilterShape class]})
         [[c alloc] release];
     EXPECT_EQ(live(), before);

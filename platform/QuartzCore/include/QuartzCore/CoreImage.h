@@ -11,5 +11,6 @@
 #import <QuartzCore/CIFilterConstructor.h>
 #import <QuartzCore/CIFilterShape.h>
 #import <QuartzCore/CIImage.h>
+#import <QuartzCore/CIImageAccumulator.h>
 #import <QuartzCore/CISampler.h>
 #import <QuartzCore/CIVector.h>
