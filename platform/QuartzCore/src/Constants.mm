@@ -90,6 +90,10 @@ TEXT(kCIInputShadingImageKey, "inputShadingImage");
 TEXT(kCIInputTargetImageKey, "inputTargetImage");
 TEXT(kCIInputExtentKey, "inputExtent");
 
+NAME(CIFilterGeneratorExportedKey);
+NAME(CIFilterGeneratorExportedKeyTargetObject);
+NAME(CIFilterGeneratorExportedKeyName);
+
 TEXT(kCIImageColorSpace, "color_space");
 TEXT(kCIImageProperties, "properties");
 TEXT(kCIImageProviderTileSize, "tile_size");

@@ -9,6 +9,7 @@
 #import <QuartzCore/CIFeature.h>
 #import <QuartzCore/CIFilter.h>
 #import <QuartzCore/CIFilterConstructor.h>
+#import <QuartzCore/CIFilterGenerator.h>
 #import <QuartzCore/CIFilterShape.h>
 #import <QuartzCore/CIImage.h>
 #import <QuartzCore/CIImageAccumulator.h>
