@@ -25,6 +25,7 @@ KEY(kCGImagePropertyColorModelLab, "Lab");
 KEY(kCGImagePropertyTIFFDictionary, "{TIFF}");
 KEY(kCGImagePropertyExifDictionary, "{Exif}");
 KEY(kCGImagePropertyGPSDictionary, "{GPS}");
+KEY(kCGImagePropertyIPTCDictionary, "{IPTC}");
 KEY(kCGImagePropertyPNGDictionary, "{PNG}");
 KEY(kCGImagePropertyGIFDictionary, "{GIF}");
 KEY(kCGImagePropertyJFIFDictionary, "{JFIF}");
@@ -104,6 +105,12 @@ static std::optional<MetadataValue> valueIn(id object) {
     if ([object isKindOfClass:[NSString class]]) return std::string([object UTF8String]);
     if ([object isKindOfClass:[NSNumber class]]) return [object doubleValue];
     if (![object isKindOfClass:[NSArray class]]) return std::nullopt;
+    if ([[object lastObject] isKindOfClass:[NSString class]]) {
+        std::vector<std::string> texts;
+        for (id element in object)
+            if ([element isKindOfClass:[NSString class]]) texts.push_back([element UTF8String]);
+        return texts;
+    }
     std::vector<double> numbers;
     for (id element in object) {
         if (![element isKindOfClass:[NSNumber class]]) return std::nullopt;
