@@ -1,6 +1,7 @@
 // Graphics and RGBSurface: two ways to a picture's pixels.
 #include "drawing.h"
 #include "framework/picture.h"
+#include "object2d.h"
 #include "picture_data.h"
 #include "table.h"
 
@@ -115,6 +116,16 @@ std::vector<shapes::Point> corners(REALobject points) {
         result.push_back(
             {double(arrayGet(arrayOf(points), i).i32), double(arrayGet(arrayOf(points), i + 1).i32)});
     return result;
+}
+
+void drawObject(REALobject self, REALobject object, std::int32_t x, std::int32_t y) {
+    Picture& picture = target(self);
+    std::uint32_t before = picture.foreColor;
+    drawObject2D(object, x, y, [&](const shapes::Shape& shape, std::uint32_t color) {
+        picture.foreColor = color;
+        fill(self, shape);
+        picture.foreColor = before;
+    });
 }
 
 // ---- text ------------------------------------------------------------------------------------------------
@@ -269,6 +280,7 @@ FrameworkClass graphicsClass() {
                [](REALobject self, REALobject points) {
                    fill(self, shapes::polygonFrame(corners(points), pen(self)));
                }),
+        method("DrawObject(object As Object2D, x As Integer = 0, y As Integer = 0)", drawObject),
         method("Clip(x As Integer, y As Integer, width As Integer, height As Integer) As Graphics", clipped),
         method("ClearRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
