@@ -1,6 +1,7 @@
 // Graphics and RGBSurface: two ways to a picture's pixels.
 #include "drawing.h"
 #include "framework/picture.h"
+#include "object2d.h"
 #include "picture_data.h"
 #include "table.h"
 
@@ -115,6 +116,16 @@ std::vector<shapes::Point> corners(REALobject points) {
         result.push_back(
             {double(arrayGet(arrayOf(points), i).i32), double(arrayGet(arrayOf(points), i + 1).i32)});
     return result;
+}
+
+void drawObject(REALobject self, REALobject object, std::int32_t x, std::int32_t y) {
+    Picture& picture = target(self);
+    std::uint32_t before = picture.foreColor;
+    drawObject2D(object, x, y, [&](const shapes::Shape& shape, std::uint32_t color) {
+        picture.foreColor = color;
+        fill(self, shape);
+        picture.foreColor = before;
+    });
 }
 
 // ---- text ------------------------------------------------------------------------------------------------
@@ -323,6 +334,9 @@ FrameworkClass graphicsClass() {
                [](REALobject self, REALobject points) {
                    fill(self, shapes::polygonFrame(corners(points), pen(self)));
                }),
+        /// Draws a shape with its own colours; x and y are added to its place.
+        ///     g.DrawObject(New OvalShape, 100, 80)
+        method("DrawObject(object As Object2D, x As Integer = 0, y As Integer = 0)", drawObject),
         /// A Graphics for a part of the picture: its places count from the part's corner, and it changes
         /// nothing outside.
         ///     Dim part As Graphics = g.Clip(50, 30, 100, 60)
