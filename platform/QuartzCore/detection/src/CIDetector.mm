@@ -28,15 +28,17 @@ namespace {
 
 /// How closely an image is scanned.
 struct Effort {
-    /// The scan may be larger than the image by this factor, at most.
-    double enlargement;
-    /// The scan may have this many pixels, at most.
+    /// A scan may be larger than the image by these factors, at most; the largest one first.
+    std::vector<double> enlargements;
+    /// A scan may have this many pixels, at most.
     double pixels;
     vision::Care care;
 };
-constexpr Effort kLow{1, 0.5e6, vision::Care::Normal}, kHigh{4, 4e6, vision::Care::Thorough};
+const Effort kLow{{1}, 0.5e6, vision::Care::Normal}, kHigh{{4, 2}, 4e6, vision::Care::Thorough};
 /// For a smallest face that is asked for.
 constexpr double kMostEnlargement = 4, kMostPixels = 8e6;
+/// A scan that is hardly smaller than another one shows nothing new.
+constexpr double kHardlySmaller = 0.7;
 
 bool isNumber(id value) { return [value respondsToSelector:@selector(doubleValue)]; }
 
@@ -51,10 +53,14 @@ std::vector<double> scanScales(CGSize size, const Effort& effort, double smalles
         double wanted = vision::kSmallestFace / (smallest * std::min(size.width, size.height));
         return {std::min(wanted, largest(kMostEnlargement, kMostPixels))};
     }
-    std::vector<double> scales{largest(effort.enlargement, effort.pixels)};
     // A face may be seen in one size of the image and missed in another, so a closer look does not replace
-    // the first one.
-    if (double low = largest(kLow.enlargement, kLow.pixels); low < scales[0]) scales.push_back(low);
+    // the others, of which the last is all that low accuracy has.
+    std::vector<double> scales;
+    for (double enlargement : effort.enlargements)
+        if (double scale = largest(enlargement, effort.pixels);
+            scales.empty() || scale < scales.back() * kHardlySmaller)
+            scales.push_back(scale);
+    if (double low = largest(kLow.enlargements[0], kLow.pixels); low < scales.back()) scales.push_back(low);
     return scales;
 }
 
