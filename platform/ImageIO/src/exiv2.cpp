@@ -263,7 +263,8 @@ std::string xmpPacket(const Metadata& metadata) {
             data[dateProperty] = digits->substr(0, 4) + '-' + digits->substr(4, 2) + '-' + digits->substr(6);
         if (data.empty()) return;
         std::string text;
-        if (Exiv2::XmpParser::encode(text, data, Exiv2::XmpParser::useCompactFormat) == 0) packet = text;
+        // One byte of padding; 0 would be 2 KB.
+        if (Exiv2::XmpParser::encode(text, data, Exiv2::XmpParser::useCompactFormat, 1) == 0) packet = text;
     });
     return packet;
 }
