@@ -101,6 +101,27 @@ CFDictionaryRef makeProperties(const Info& info) {
     return (CFDictionaryRef)properties;
 }
 
+static NSMutableDictionary* merged(NSDictionary* properties, NSDictionary* changes) {
+    NSMutableDictionary* all = [NSMutableDictionary dictionaryWithDictionary:properties];
+    for (id key in changes) {
+        id value = [changes objectForKey:key], own = [all objectForKey:key];
+        if (value == [NSNull null])
+            [all removeObjectForKey:key];
+        else if ([value isKindOfClass:[NSDictionary class]] && [own isKindOfClass:[NSDictionary class]])
+            [all setObject:merged(own, value) forKey:key];
+        else
+            [all setObject:value forKey:key];
+    }
+    return all;
+}
+
+CFDictionaryRef mergedProperties(CFDictionaryRef properties, CFDictionaryRef changes) {
+    @autoreleasepool {
+        NSDictionary* own = properties ? (NSDictionary*)properties : [NSDictionary dictionary];
+        return (CFDictionaryRef)[merged(own, (NSDictionary*)changes) retain];
+    }
+}
+
 static std::optional<MetadataValue> valueIn(id object) {
     if ([object isKindOfClass:[NSString class]]) return std::string([object UTF8String]);
     if ([object isKindOfClass:[NSNumber class]]) return [object doubleValue];

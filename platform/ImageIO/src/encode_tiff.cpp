@@ -38,11 +38,8 @@ bool writePage(TIFF* tiff, const OutputImage& s, std::size_t page, std::size_t p
     }
     if (std::string xmp = xmpPacket(s.metadata); !xmp.empty())
         TIFFSetField(tiff, TIFFTAG_XMLPACKET, static_cast<std::uint32_t>(xmp.size()), xmp.data());
-    // The library counts words.
-    if (std::vector<std::uint8_t> iptc = iptcRecord(s.metadata); !iptc.empty()) {
-        iptc.resize((iptc.size() + 3) / 4 * 4);
-        TIFFSetField(tiff, TIFFTAG_RICHTIFFIPTC, static_cast<std::uint32_t>(iptc.size() / 4), iptc.data());
-    }
+    if (std::vector<std::uint8_t> iptc = iptcRecord(s.metadata); !iptc.empty())
+        TIFFSetField(tiff, TIFFTAG_RICHTIFFIPTC, static_cast<std::uint32_t>(iptc.size()), iptc.data());
     if (s.hasAlpha) {
         std::uint16_t kind = EXTRASAMPLE_UNASSALPHA;
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);

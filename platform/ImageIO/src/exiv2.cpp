@@ -2,6 +2,7 @@
 #include "metadata.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <limits>
 #include <mutex>
 #include <new>
@@ -16,6 +17,15 @@ namespace {
 constexpr std::size_t largestPacket = 1 << 20;
 /// The library reads elements in elements by recursion.
 constexpr int deepestPacket = 50;
+
+constexpr const char *ratingProperty = "Xmp.xmp.Rating", *dateProperty = "Xmp.photoshop.DateCreated";
+
+/// "20120304" for "2012-03-04" and whatever follows.
+std::optional<MetadataValue> iptcDate(const std::string& text) {
+    int year = 0, month = 0, day = 0, end = 0;
+    if (std::sscanf(text.c_str(), "%4d-%2d-%2d%n", &year, &month, &day, &end) != 3 || end != 10) return {};
+    return text.substr(0, 4) + text.substr(5, 2) + text.substr(8, 2);
+}
 
 /// Held while the library works: one toolkit for XMP serves the process.
 struct Library {
@@ -202,9 +212,17 @@ void addXMP(Metadata& metadata, std::span<const std::uint8_t> packet) {
     withLibrary([&] {
         Exiv2::XmpData data;
         if (Exiv2::XmpParser::decode(data, text) != 0) return;
-        auto rating = data.findKey(Exiv2::XmpKey("Xmp.xmp.Rating"));
-        if (rating != data.end() && !metadata.find("{IPTC}", "StarRating"))
-            metadata.add("{IPTC}", "StarRating", rating->toLong());
+        auto add = [&](const char* property, const char* key, auto valueOf) {
+            auto found = data.findKey(Exiv2::XmpKey(property));
+            if (found == data.end() || metadata.find("{IPTC}", key)) return;
+            if (std::optional<MetadataValue> value = valueOf(*found))
+                metadata.add("{IPTC}", key, std::move(*value));
+        };
+        // What the library does not convert.
+        add(ratingProperty, "StarRating",
+            [](const Exiv2::Xmpdatum& datum) { return std::optional<MetadataValue>(datum.toLong()); });
+        add(dateProperty, "DateCreated",
+            [](const Exiv2::Xmpdatum& datum) { return iptcDate(datum.toString()); });
         Exiv2::IptcData iptc;
         Exiv2::copyXmpToIptc(data, iptc);
         addAll(metadata, iptc);
@@ -238,11 +256,15 @@ std::string xmpPacket(const Metadata& metadata) {
         Exiv2::XmpData data;
         if (Exiv2::IptcData iptc = iptcOf(metadata); !iptc.empty()) Exiv2::copyIptcToXmp(iptc, data, "UTF-8");
         if (metadata.find("{IPTC}", "StarRating"))
-            data["Xmp.xmp.Rating"] =
-                std::to_string(static_cast<long>(metadata.number("{IPTC}", "StarRating")));
+            data[ratingProperty] = std::to_string(static_cast<long>(metadata.number("{IPTC}", "StarRating")));
+        const MetadataValue* date = metadata.find("{IPTC}", "DateCreated");
+        auto* digits = date ? std::get_if<std::string>(date) : nullptr;
+        if (digits && digits->size() == 8)
+            data[dateProperty] = digits->substr(0, 4) + '-' + digits->substr(4, 2) + '-' + digits->substr(6);
         if (data.empty()) return;
         std::string text;
-        if (Exiv2::XmpParser::encode(text, data, Exiv2::XmpParser::useCompactFormat) == 0) packet = text;
+        // One byte of padding; 0 would be 2 KB.
+        if (Exiv2::XmpParser::encode(text, data, Exiv2::XmpParser::useCompactFormat, 1) == 0) packet = text;
     });
     return packet;
 }
