@@ -18,7 +18,7 @@ static std::map<std::string, int> live() {
 TEST(LiveObjects, EveryClassIsCounted) {
     auto all = live();
     for (const char* name : {"CIImage", "CIFilter", "CIColor", "CIVector", "CIContext", "CIFilterShape",
-                             "CISampler", "CGImage", "CGColorSpace", "CGContext", "CGColor"})
+                             "CISampler", "CIKernel", "CGImage", "CGColorSpace", "CGContext", "CGColor"})
         EXPECT_EQ(all.count(name), 1u) << name;
     const char* name;
     int count;

@@ -10,5 +10,6 @@
 #import <QuartzCore/CIFilter.h>
 #import <QuartzCore/CIFilterShape.h>
 #import <QuartzCore/CIImage.h>
+#import <QuartzCore/CIKernel.h>
 #import <QuartzCore/CISampler.h>
 #import <QuartzCore/CIVector.h>
