@@ -149,7 +149,7 @@ class Checker {
         path.push_back(&function);
         for (auto [callee, line] : calls_[&function]) {
             if (std::find(path.begin(), path.end(), callee) != path.end())
-                throw Mistake(line, callee->name + " calls itself here, and kernels know no recursion");
+                throw Mistake(line, callee->name + " calls itself here, and kernels cannot be recursive");
             refuseRecursion(*callee, path);
         }
         path.pop_back();

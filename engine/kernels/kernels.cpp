@@ -351,7 +351,8 @@ class Arguments {
         const auto& parameters = kernel.parameters();
         if (arguments.size() != parameters.size())
             throw std::invalid_argument("the kernel " + kernel.name() + " takes " +
-                                        std::to_string(parameters.size()) + " arguments, not " +
+                                        std::to_string(parameters.size()) +
+                                        (parameters.size() == 1 ? " argument" : " arguments") + ", not " +
                                         std::to_string(arguments.size()));
         for (std::size_t i = 0; i < arguments.size(); ++i) {
             number_ = i;

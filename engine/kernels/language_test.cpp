@@ -127,7 +127,7 @@ TEST(KernelLanguage, ResultsCanComeEarly) {
               (Pixel{0.5, 0.5, 0.5, 0.5}));
 }
 
-TEST(KernelLanguage, LoopsWithKnownTurnsRun) {
+TEST(KernelLanguage, LoopsOfKnownLengthRun) {
     EXPECT_EQ(after("for (int i = 1; i <= 10; i++) r += float(i);"), 55);
     EXPECT_EQ(after("for (float i = 0.0; i < 1.0; i += 0.25) r += i;"), 1.5);
     EXPECT_EQ(after("int i = 0, j = 8; while (i < j) { ++i; --j; r += 1.0; }"), 4);

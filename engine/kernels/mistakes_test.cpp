@@ -149,17 +149,17 @@ TEST(KernelMistakes, OfFunctionsAndKernels) {
          "line 2: only a variable or its components can be changed"},
         {"void f() { }\nkernel vec4 k() { return vec4(f()); }", "line 2: a vec4 cannot be made of a void"},
         {"float f(float x) {\nreturn x > 0.0 ? f(x - 1.0) : 0.0; }\nkernel vec4 k() { return vec4(f(1.0)); }",
-         "line 2: f calls itself here, and kernels know no recursion"},
+         "line 2: f calls itself here, and kernels cannot be recursive"},
         {"float f(float x);\nfloat g(float x) { return f(x); }\nfloat f(float x) { return g(x); }\n"
          "kernel vec4 k() { return vec4(f(1.0)); }",
-         "line 3: g calls itself here, and kernels know no recursion"},
+         "line 3: g calls itself here, and kernels cannot be recursive"},
     };
     for (const Case& c : cases) EXPECT_EQ(mistakeIn(c.text), c.mistake) << c.text;
 }
 
-TEST(KernelMistakes, OfLoopsWhoseTurnsAreNotKnown) {
+TEST(KernelMistakes, OfLoopsWhoseLengthIsNotKnown) {
     const char* unknown =
-        "line 2: the condition of a loop has to follow from constants, so that the number of turns is "
+        "line 2: the condition of a loop has to follow from constants, so that the number of iterations is "
         "known when the kernel is compiled";
     for (const char* text : {"for (float i = 0.0; i < x; i++) c *= 0.5;", "while (x > 1.0) x -= 1.0;",
                              "do x -= 1.0; while (x > 0.0);", "while (sample(image, v).r < 0.5) v += 1.0;",
@@ -171,8 +171,8 @@ TEST(KernelMistakes, OfLoopsWhoseTurnsAreNotKnown) {
 
 TEST(KernelMistakes, OfKernelsThatNeverEndOrBecomeTooLong) {
     const char* tooLong =
-        "line 1: the kernel k becomes too long when its loops are unrolled and its functions inserted, or "
-        "a loop of it never ends";
+        "line 1: the kernel k becomes too long when its loops are unrolled and its functions inlined, or "
+        "one of its loops never ends";
     for (const char* text : {"for (;;) x += 1.0;", "while (true) ;", "do ; while (1 < 2);",
                              "for (int i = 0; i >= 0; i++) x *= x;", "for (int i = 0; i < 1000000; i++) ;",
                              "for (float i = 0.0; i < 100000000.0; i++) x += i;"})
@@ -186,8 +186,7 @@ TEST(KernelMistakes, OfKernelsThatNeverEndOrBecomeTooLong) {
     }
     EXPECT_EQ(mistakeIn(power + "kernel vec4 k(float x) { return vec4(f39(x)); }"),
               "line 41: the kernel k becomes too long when its loops are unrolled and its functions "
-              "inserted, or a loop of it "
-              "never ends");
+              "inlined, or one of its loops never ends");
 }
 
 TEST(KernelMistakes, OfNestingThatIsTooDeep) {

@@ -10,10 +10,10 @@ namespace {
 
 using Kind = Expression::Kind;
 
-/// At most so many statements and expressions are looked at, calls and turns of loops included.
+/// At most so many statements and expressions are looked at, calls and iterations of loops included.
 constexpr int mostSteps = 1 << 19;
 /// The deepest that they are nested, which is followed on the stack.
-constexpr int mostDepth = 2000;
+constexpr int mostDepth = 1000;
 
 class Specialiser {
   public:
@@ -164,7 +164,7 @@ class Specialiser {
                 if (!goesOn)
                     throw Mistake(
                         s.line, "the condition of a loop has to follow from constants, so that the number of "
-                                "turns is known when the kernel is compiled");
+                                "iterations is known when the kernel is compiled");
                 if (*goesOn == 0) return;
             }
             run(*s.inner[1]);
@@ -356,8 +356,8 @@ std::optional<Program> made(const Unit& unit, const Function& kernel, const std:
     } catch (const TooLong&) {
         throw Mistake(kernel.line,
                       "the kernel " + kernel.name +
-                          " becomes too long when its loops are unrolled and its functions inserted, or a "
-                          "loop of it never ends");
+                          " becomes too long when its loops are unrolled and its functions inlined, or "
+                          "one of its loops never ends");
     }
 }
 

@@ -17,7 +17,7 @@ struct Binding {
 };
 
 /// Throws Mistake for a kernel that cannot be specialised whatever its arguments are: for a loop whose number
-/// of turns does not follow from the text, and for one that becomes too long.
+/// of iterations does not follow from the text, and for one that becomes too long.
 void verify(const Unit& unit, const Function& kernel);
 /// The program that computes the kernel's result: a pixel, which for a warp is read from the last of the
 /// samplers. Throws Mistake as verify() does.

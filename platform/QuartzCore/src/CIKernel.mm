@@ -288,12 +288,14 @@ engine::Rect definitionOf(NSArray* arguments) {
     NSUInteger wanted = [k argumentCount];
     id next = nil;
     while ([arguments count] < wanted && (next = va_arg(rest, id))) [arguments addObject:next];
-    if ([arguments count] == wanted)
-        while ((next = va_arg(rest, id))) {
-            id value = va_arg(rest, id);
-            if (!value) break;
-            [options setObject:value forKey:next];
-        }
+    while ([arguments count] >= wanted && (next = va_arg(rest, id))) {
+        // What is no key is an argument too many, which the kernel refuses.
+        bool isKey = [next isKindOfClass:[NSString class]];
+        id value = isKey ? va_arg(rest, id) : nil;
+        if (!isKey) [arguments addObject:next];
+        if (isKey && !value) break;
+        if (isKey) [options setObject:value forKey:next];
+    }
     va_end(rest);
     return [self apply:k arguments:arguments options:options];
 }

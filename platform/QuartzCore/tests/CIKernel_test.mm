@@ -255,6 +255,10 @@ TEST(CIKernel, ArgumentsThatDoNotSuitRaise) {
     EXPECT_EQ(reason(@[ picture(), @1, @"red" ]),
               "CIKernel k: argument 3 must be a CISampler, CIImage, NSNumber, CIVector or CIColor, not a " +
                   str(NSStringFromClass([@"red" class])));
+    NSException* many = raised([&] { [someFilter() apply:kernel(copies), picture(), @1, color, nil]; });
+    EXPECT_EQ(str([many reason]), "CIKernel copies: the kernel copies takes 1 argument, not 3");
+    NSException* few = raised([&] { [someFilter() apply:k, picture(), nil]; });
+    EXPECT_EQ(str([few reason]), "CIKernel k: the kernel k takes 3 arguments, not 1");
     CIKernel* warp = kernel(@"kernel vec2 w() { return vec2(1.0); }");
     EXPECT_EQ(str([raised([&] { [someFilter() apply:warp arguments:@[] options:nil]; }) reason]),
               "CIWarpKernel w: the warp w needs an image to read");
