@@ -277,9 +277,10 @@ engine::Image crop(const engine::Image& image, CGRect area, Failure& failure) {
     return attempt(failure, [&] { return engine::crop(image, fromCG(area)); });
 }
 
-engine::Image sampled(const engine::Image& image, const CGAffineTransform& matrix, engine::Wrap wrap,
-                      engine::Interpolation interpolation, Failure& failure) {
-    return attempt(failure, [&] { return engine::sampled(image, fromCG(matrix), wrap, interpolation); });
+engine::Image sampled(const engine::kernels::Sampler& reader, Failure& failure) {
+    return attempt(failure, [&] {
+        return engine::sampled(reader.image, reader.matrix, reader.wrap, reader.interpolation);
+    });
 }
 
 engine::Image apply(const engine::FilterInfo& filter, const engine::Values& values, Failure& failure) {

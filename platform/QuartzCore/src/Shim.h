@@ -5,7 +5,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include <cg/object.h>
-#include <engine/engine.h>
+#include <engine/kernels.h>
 
 #include <functional>
 #include <string>
@@ -51,8 +51,8 @@ engine::Image constant(const engine::Color& color);
 engine::Image empty();
 engine::Image transform(const engine::Image& image, const CGAffineTransform& matrix, Failure& failure);
 engine::Image crop(const engine::Image& image, CGRect area, Failure& failure);
-engine::Image sampled(const engine::Image& image, const CGAffineTransform& matrix, engine::Wrap wrap,
-                      engine::Interpolation interpolation, Failure& failure);
+/// The image as a sampler reads it.
+engine::Image sampled(const engine::kernels::Sampler& reader, Failure& failure);
 /// How the image would be computed: "2 passes, 5 steps" and the steps, a line each.
 std::string planOf(const engine::Image& image, Failure& failure);
 engine::Image apply(const engine::FilterInfo& filter, const engine::Values& values, Failure& failure);

@@ -4,7 +4,7 @@
 TEST(LiveObjects, EveryClassIsCounted) {
     auto all = liveObjects();
     for (const char* name :
-         {"CIImage", "CIFilter", "CIColor", "CIVector", "CIContext", "CIFilterShape", "CISampler",
+         {"CIImage", "CIFilter", "CIColor", "CIVector", "CIContext", "CIFilterShape", "CISampler", "CIKernel",
           "CIImageAccumulator", "CIFilterGenerator", "CGImage", "CGColorSpace", "CGContext", "CGColor"})
         EXPECT_EQ(all.count(name), 1u) << name;
     const char* name;

@@ -163,3 +163,22 @@ CORE_IMAGE_EXPORT NSString* const kCIInputExtentKey;
 - (CIImage*)outputImage;
 
 @end
+
+@class CIKernel;
+
+/** For filters that are made of kernels. */
+@interface CIFilter (CIKernelApplying)
+/**
+ * The image that a kernel computes: its arguments, then keys and values of options; the list ends with nil.
+ * Of a CIWarpKernel the first argument is the image that it reads. Nil for a nil kernel. Raises
+ * NSInvalidArgumentException for arguments of the wrong number or kind.
+ */
+- (CIImage*)apply:(CIKernel*)k, ... NS_REQUIRES_NIL_TERMINATION;
+/**
+ * The same with the options in a dictionary. The image is as large as kCIApplyOptionDefinition (a
+ * CIFilterShape or an NSArray of four numbers: x, y, width, height) and kCIApplyOptionExtent (such an array)
+ * say together, and without both as its samplers' definitions together, or infinite if it has none.
+ * kCIApplyOptionUserInfo is any object, for the ROI selector.
+ */
+- (CIImage*)apply:(CIKernel*)k arguments:(NSArray*)args options:(NSDictionary*)dict;
+@end

@@ -13,5 +13,6 @@
 #import <QuartzCore/CIFilterShape.h>
 #import <QuartzCore/CIImage.h>
 #import <QuartzCore/CIImageAccumulator.h>
+#import <QuartzCore/CIKernel.h>
 #import <QuartzCore/CISampler.h>
 #import <QuartzCore/CIVector.h>
