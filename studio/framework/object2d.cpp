@@ -120,39 +120,87 @@ FrameworkProperty color(const char* name) {
 }
 
 template <Outline (*Shape)(const Object2D&)>
-FrameworkClass shapeClass(const char* name, const char* superclass,
-                          std::vector<FrameworkProperty> properties = {}) {
+FrameworkClass shapeClass(const char* name, const char* superclass) {
     FrameworkClass table;
     table.name = name;
     table.superclass = superclass;
     table.constructor = +[](REALobject self) { dataOf<Object2D>(self).outline = Shape; };
-    table.properties = std::move(properties);
     return table;
 }
 
+/// What the shapes that Graphics.DrawObject draws have in common. A plain one has no outline and cannot be
+/// drawn.
+///     Dim shape As Object2D = New OvalShape
 FrameworkClass object2DClass() {
     FrameworkClass table = classWithData<Object2D>("Object2D");
-    table.properties = {number<&Object2D::x>("X"),
-                        number<&Object2D::y>("Y"),
-                        number<&Object2D::rotation>("Rotation"),
-                        number<&Object2D::scale>("Scale"),
-                        number<&Object2D::fill>("Fill"),
-                        number<&Object2D::border>("Border"),
-                        number<&Object2D::borderWidth>("BorderWidth"),
-                        color<&Object2D::fillColor>("FillColor"),
-                        color<&Object2D::borderColor>("BorderColor")};
+    table.properties = {
+        /// The place of the middle, in pixels from the left.
+        ///     shape.X = 120
+        number<&Object2D::x>("X"),
+        /// The place of the middle, in pixels from the top.
+        ///     shape.Y = 80
+        number<&Object2D::y>("Y"),
+        /// The angle by which the shape is turned around its middle, in radians, clockwise.
+        ///     shape.Rotation = 0.5
+        number<&Object2D::rotation>("Rotation"),
+        /// The factor by which the shape and its border are enlarged.
+        ///     shape.Scale = 1.5
+        number<&Object2D::scale>("Scale"),
+        /// The opacity of the inside, from 0 to 100 percent.
+        ///     shape.Fill = 50
+        number<&Object2D::fill>("Fill"),
+        /// The opacity of the border, from 0 to 100 percent; 0, the default, draws none.
+        ///     shape.Border = 100
+        number<&Object2D::border>("Border"),
+        /// The width of the border, in pixels. Its middle lies on the outline.
+        ///     shape.BorderWidth = 3
+        number<&Object2D::borderWidth>("BorderWidth"),
+        /// The colour of the inside.
+        ///     shape.FillColor = RGB(200, 40, 40)
+        color<&Object2D::fillColor>("FillColor"),
+        /// The colour of the border.
+        ///     shape.BorderColor = RGB(40, 40, 40)
+        color<&Object2D::borderColor>("BorderColor"),
+    };
+    return table;
+}
+
+/// A rectangle around its middle.
+///     Dim box As New RectShape
+FrameworkClass rectShapeClass() {
+    FrameworkClass table = shapeClass<rectangle>("RectShape", "Object2D");
+    table.properties = {
+        /// The width, in pixels.
+        ///     box.Width = 160
+        number<&Object2D::width>("Width"),
+        /// The height, in pixels.
+        ///     box.Height = 90
+        number<&Object2D::height>("Height"),
+    };
+    return table;
+}
+
+/// An oval that fits into its width and height.
+///     Dim oval As New OvalShape
+FrameworkClass ovalShapeClass() { return shapeClass<oval>("OvalShape", "RectShape"); }
+
+/// A slice of an oval with its point in the middle.
+///     Dim slice As New ArcShape
+FrameworkClass arcShapeClass() {
+    FrameworkClass table = shapeClass<slice>("ArcShape", "OvalShape");
+    table.properties = {
+        /// Where the slice begins, in radians from the right, clockwise.
+        ///     slice.StartAngle = 0.5
+        number<&Object2D::startAngle>("StartAngle"),
+        /// How far the slice reaches from there, in radians, clockwise.
+        ///     slice.ArcAngle = 1.5
+        number<&Object2D::arcAngle>("ArcAngle"),
+    };
     return table;
 }
 
 const Registrar registrar([] {
-    return FrameworkPart{
-        {object2DClass(),
-         shapeClass<rectangle>("RectShape", "Object2D",
-                               {number<&Object2D::width>("Width"), number<&Object2D::height>("Height")}),
-         shapeClass<oval>("OvalShape", "RectShape"),
-         shapeClass<slice>(
-             "ArcShape", "OvalShape",
-             {number<&Object2D::startAngle>("StartAngle"), number<&Object2D::arcAngle>("ArcAngle")})}};
+    return FrameworkPart{{object2DClass(), rectShapeClass(), ovalShapeClass(), arcShapeClass()}};
 });
 
 } // namespace
