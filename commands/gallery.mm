@@ -324,7 +324,7 @@ void makePhotos(Job& job) {
         "texture.png", "", size,
         {"CIRandomGenerator", "CIGaussianBlur", "radius=4", "CIColorControls", "contrast=4", "saturation=0"});
     make("shine.png", "", {128, 128},
-         {"CIRadialGradient", "center=48,80", "radius0=8", "radius1=72", "color0=#ffffffa0",
+         {"CIRadialGradient", "center=48,80", "radius0=8", "radius1=72", "color0=#ffffff60",
           "color1=#ffffff00"});
     make("sphere.png", "", {128, 128},
          {"CIRadialGradient", "center=44,84", "radius0=4", "radius1=84", "color0=white", "color1=navy"});
