@@ -36,5 +36,6 @@ TEST(KernelDocument, ItsKernelsAreKernels) {
     auto kernels = blocks("glsl");
     EXPECT_EQ(kernels.size(), 3u);
     for (const std::string& text : kernels)
-        EXPECT_EQ([[CIKernel kernelsWithString:[NSString stringWithUTF8String:text.c_str()]] count], 1u) << text;
+        EXPECT_EQ([[CIKernel kernelsWithString:[NSString stringWithUTF8String:text.c_str()]] count], 1u)
+            << text;
 }
