@@ -91,12 +91,15 @@ const char* kindOf(const InputInfo& input) {
 // -------------------------------------------------------------------------------------- what to render
 
 /// What an input is given so that there is something to see; empty for its default.
-std::string sampleValue(const InputInfo& input, const Job& job) {
+std::string sampleValue(const FilterInfo& filter, const InputInfo& input, const Job& job) {
     if (input.kind == InputKind::image) {
         if (input.key == "inputImage") return {};
         if (input.key == "inputMaskImage" || input.key == "inputMask") return "mask.png";
         if (input.key == "inputGradientImage") return "gradient.png";
-        if (input.key == "inputShadingImage") return "sphere.png";
+        // A page's shading lies on top of it, a material's is a sphere of it.
+        if (input.key == "inputShadingImage")
+            return filter.findInput("inputBacksideImage") ? "shine.png" : "sphere.png";
+        if (input.key == "inputBacksideImage" && !job.photo.empty()) return "photo.jpg";
         if (input.key == "inputTexture" || input.key == "inputDisplacementImage") return "texture.png";
         return "second.jpg";
     }
@@ -123,7 +126,8 @@ bool has(const FilterInfo& filter, const char* category) {
 std::vector<Variant> variantsOf(const FilterInfo& filter, const Job& job) {
     Step step{&filter, {}};
     for (const InputInfo& input : filter.inputs)
-        if (std::string text = sampleValue(input, job); !text.empty()) step.values.emplace_back(&input, text);
+        if (std::string text = sampleValue(filter, input, job); !text.empty())
+            step.values.emplace_back(&input, text);
     auto with = [&](const InputInfo& input, const std::string& text) {
         Step changed = step;
         changed.values.emplace_back(&input, text);
@@ -319,6 +323,9 @@ void makePhotos(Job& job) {
     make(
         "texture.png", "", size,
         {"CIRandomGenerator", "CIGaussianBlur", "radius=4", "CIColorControls", "contrast=4", "saturation=0"});
+    make("shine.png", "", {128, 128},
+         {"CIRadialGradient", "center=48,80", "radius0=8", "radius1=72", "color0=#ffffff60",
+          "color1=#ffffff00"});
     make("sphere.png", "", {128, 128},
          {"CIRadialGradient", "center=44,84", "radius0=4", "radius1=84", "color0=white", "color1=navy"});
 }

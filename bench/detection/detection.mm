@@ -211,8 +211,9 @@ int main(int argc, char** argv) {
         row("tilted by " + std::to_string(angle), false, [&](const Photo& photo) {
             // By its last character, so that about half of them turn to either side.
             double sign = photo.name[photo.name.size() - 5] % 2 ? 1 : -1;
-            return photo.kind == "portrait" && medianSide(photo) < 150 ? tilted(picture(photo), sign * angle)
-                                                                       : Picture{};
+            return photo.kind == "portrait" && medianSide(photo) < 150 && !photo.marks[0].profile
+                       ? tilted(picture(photo), sign * angle)
+                       : Picture{};
         });
     row("profiles", true, [](const Photo& photo) {
         bool any =

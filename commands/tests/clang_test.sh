@@ -35,8 +35,8 @@ int main(void) {
             printf("%s\n", [[e name] UTF8String]);
         }
         CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
-        printf("%d %d %s %d\n", sum(3, 4), caught(), [joined(@[ @"a", @"b" ]) UTF8String],
-               (int)CGColorSpaceGetNumberOfComponents(space));
+        printf("%d %d %s %d %d\n", sum(3, 4), caught(), [joined(@[ @"a", @"b" ]) UTF8String],
+               (int)CGColorSpaceGetNumberOfComponents(space), [@YES isEqual:[NSNumber numberWithBool:YES]]);
         CGColorSpaceRelease(space);
     }
     return 0;
@@ -67,9 +67,9 @@ for source in main.m joined.mm caught.cpp sum.c; do
 done
 expect 0 "" "$clang" main.o joined.o caught.o sum.o -framework Cocoa -framework QuartzCore -o all
 expect 0 "NSUnknownKeyException
-7 1 ab 3" ./all
+7 1 ab 3 1" ./all
 expect 0 "" "$clang" main.m joined.mm caught.cpp sum.c -o all
-expect 0 "7 1 ab 3" ./all
+expect 0 "7 1 ab 3 1" ./all
 
 # A program without Cocoa carries none of its libraries but the Foundation.
 echo 'int main(void) { return 0; }' >plain.c

@@ -1,5 +1,5 @@
 // Fuzzing the kernel language: any text is kernels or a mistake with a line, and any kernel computes pixels.
-#include <engine/kernels.h>
+#include "specialiser.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -26,8 +26,14 @@ std::vector<kernels::Argument> argumentsFor(const kernels::Kernel& kernel) {
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t size) {
     setThreadCount(1);
+    std::string_view text(reinterpret_cast<const char*>(bytes), size);
     try {
-        for (const auto& kernel : kernels::compile({reinterpret_cast<const char*>(bytes), size})) {
+        // What is compiled into the fuzzer, and then the library, which goes on from there.
+        auto unit = kernels::parse(text);
+        kernels::check(*unit);
+        for (const auto& function : unit->functions)
+            if (function->isKernel) kernels::verify(*unit, *function);
+        for (const auto& kernel : kernels::compile(text)) {
             Rect area = Rect::ofSize(-2, -2, 9, 5);
             auto arguments = argumentsFor(*kernel);
             Image image = kernel->isWarp()
@@ -37,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
             render(image, area, {{9, 5, Format::RGBAf}, pixels.data(), 9 * 16}, Rect::ofSize(0, 0, 9, 5));
         }
     } catch (const kernels::Mistake& mistake) {
-        if (mistake.line < 1 || mistake.line > 1 + std::count(bytes, bytes + size, '\n')) std::abort();
+        if (mistake.line < 1 || mistake.line > 1 + std::count(text.begin(), text.end(), '\n')) std::abort();
     }
     return 0;
 }

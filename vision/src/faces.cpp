@@ -139,16 +139,21 @@ class DlibFinder : public FaceFinder {
         constexpr int side = 256; // the sighting itself gets half of it
         double step = 2 * at.side / side, x = at.x - at.side / 2, y = at.y - at.side / 2;
         Grey crop = resampled(bitmap, x, y, step, side, side);
-        std::vector<dlib::rect_detection> found = detect(crop.bitmap(), kSurenessOfProfile);
-        auto apart = [](const dlib::rect_detection& each) {
-            dlib::point centre = dlib::center(each.rect);
-            return std::hypot(centre.x() - side / 2, centre.y() - side / 2);
-        };
-        // The first is the surest.
-        auto best = std::find_if(found.begin(), found.end(), [&](const dlib::rect_detection& each) {
-            return apart(each) < side / 5 && each.rect.width() > side / 4 && each.rect.width() < side * 4 / 5;
-        });
-        if (best == found.end()) return {};
+        std::optional<dlib::rect_detection> best;
+        // The histograms are not equally good at either side of a face.
+        for (bool turned : {false, true}) {
+            Grey view = turned ? mirrored(crop.bitmap()) : crop;
+            for (dlib::rect_detection each : detect(view.bitmap(), kSurenessOfProfile)) {
+                dlib::rectangle& r = each.rect;
+                if (turned)
+                    r = dlib::rectangle(side - 1 - r.right(), r.top(), side - 1 - r.left(), r.bottom());
+                dlib::point centre = dlib::center(r);
+                bool isIt = std::hypot(centre.x() - side / 2, centre.y() - side / 2) < side / 5 &&
+                            r.width() > side / 4 && r.width() < side * 4 / 5;
+                if (isIt && (!best || each.detection_confidence > best->detection_confidence)) best = each;
+            }
+        }
+        if (!best) return {};
         // The landmarks are of frontal faces.
         Face face = best->detection_confidence >= kSureness ? faceAt(crop.bitmap(), *best) : placeOf(*best);
         auto outside = [&](Point p) { return Point{x + p.x * step, y + p.y * step}; };

@@ -7,6 +7,7 @@
     int calls;
     size_t pixels, tallest;
     id userInfo;
+    bool raises;
 }
 @end
 
@@ -18,6 +19,7 @@
                     size:(size_t)width
                         :(size_t)height
                 userInfo:(id)info {
+    if (raises) [NSException raise:NSRangeException format:@"no pixels"];
     ++calls;
     pixels += width * height;
     tallest = std::max(tallest, height);
@@ -30,21 +32,6 @@
             p[2] = 7;
             p[3] = 255;
         }
-}
-@end
-
-@interface RaisingProvider : NSObject
-@end
-
-@implementation RaisingProvider
-- (void)provideImageData:(void*)data
-             bytesPerRow:(size_t)rowbytes
-                  origin:(size_t)x
-                        :(size_t)y
-                    size:(size_t)width
-                        :(size_t)height
-                userInfo:(id)info {
-    [NSException raise:NSRangeException format:@"no pixels"];
 }
 @end
 
@@ -95,7 +82,9 @@ TEST(CIImageProvider, IsAskedWhenTheImageIsRendered) {
 
 TEST(CIImageProvider, ItsExceptionEndsTheRendering) {
     std::vector<std::uint8_t> pixels;
-    NSException* e = render(provided([[[RaisingProvider alloc] init] autorelease], 4, 4), pixels);
+    Provider* provider = [[[Provider alloc] init] autorelease];
+    provider->raises = true;
+    NSException* e = render(provided(provider, 4, 4), pixels);
     EXPECT_EQ(str([e name]), str(NSInvalidArgumentException));
     EXPECT_TRUE([[e reason] hasSuffix:@"the image provider raised NSRangeException: no pixels"])
         << str([e reason]);
