@@ -119,7 +119,7 @@ Task parse(int count, char** arguments) {
         } else if (word == "--type") {
             std::string text = words.valueOf(word);
             task.type = typeForName(text);
-            if (task.type.empty()) mistaken("'" + text + "' is no type; expected png, jpeg or tiff");
+            if (task.type.empty()) mistaken("'" + text + "' is no type; expected png, jpeg, tiff or webp");
         } else if (word == "--jobs" || word == "-j") {
             std::string text = words.valueOf(word);
             if (!parseNumber(text, number) || number < 1 || number > 256 || number != std::floor(number))
@@ -143,7 +143,10 @@ Task parse(int count, char** arguments) {
 // --------------------------------------------------------------------------------- inputs and outputs
 
 std::string extensionOf(const std::string& type) {
-    return type == "public.jpeg" ? ".jpg" : type == "public.tiff" ? ".tiff" : ".png";
+    return type == "public.jpeg"            ? ".jpg"
+           : type == "public.tiff"          ? ".tiff"
+           : type == "org.webmproject.webp" ? ".webp"
+                                            : ".png";
 }
 
 /// Where the picture from `input` goes.
@@ -174,7 +177,7 @@ void checkOutputs(Task& task) {
         task.outputs.push_back(output);
         if (output == "-") continue;
         if (task.type.empty() && typeForPath(output).empty())
-            mistaken("cannot write " + output + ": its name must end in .png, .jpg or .tiff");
+            mistaken("cannot write " + output + ": its name must end in .png, .jpg, .tiff or .webp");
         std::string folder = output.substr(0, output.rfind('/') + 1);
         if (!folder.empty() && !isFolder(folder)) mistaken("cannot write " + output + ": no such folder");
         if (!seen.insert(output).second) mistaken("two pictures would be written to " + output);

@@ -13,7 +13,7 @@ parts_of() {
     for target in "$@"; do
         case "$target" in
         vision | kaz_bench) echo faces ;;
-        programs | kaz_* | build.ninja) echo run ;;
+        programs | platform | kaz_* | build.ninja) echo run ;;
         *) echo all ;;
         esac
     done

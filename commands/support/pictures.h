@@ -24,7 +24,7 @@ Picture readPicture(const std::string& path, std::string& failure);
 
 /// "public.png" for the path's extension; empty for one that cannot be written.
 std::string typeForPath(const std::string& path);
-/// The same for a format's name: png, jpeg, tiff.
+/// The same for a format's name: png, jpeg, tiff, webp.
 std::string typeForName(const std::string& name);
 
 struct Encoding {

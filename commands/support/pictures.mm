@@ -88,6 +88,7 @@ std::string typeForName(const std::string& name) {
     if (lower == "png") return "public.png";
     if (lower == "jpg" || lower == "jpeg") return "public.jpeg";
     if (lower == "tif" || lower == "tiff") return "public.tiff";
+    if (lower == "webp") return "org.webmproject.webp";
     return {};
 }
 
