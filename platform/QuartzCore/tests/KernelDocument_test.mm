@@ -32,6 +32,21 @@ TEST(KernelDocument, ShowsTheFilterThatIsTestedHere) {
     EXPECT_NE(contentsOf(KAZ_KERNEL_EXAMPLE).find(blocks("objc")[0]), std::string::npos);
 }
 
+TEST(KernelDocument, ItsFilterMixesTwoColoursByLuminance) {
+    CIFilter* filter = [[[DuotoneFilter alloc] init] autorelease];
+    CIImage* grey = [CIImage imageWithColor:[CIColor colorWithRed:0.5 green:0.5 blue:0.5]];
+    [filter setValue:[grey imageByCroppingToRect:CGRectMake(0, 0, 2, 2)] forKey:@"inputImage"];
+    [filter setValue:[CIColor colorWithRed:0 green:0 blue:1] forKey:@"inputDark"];
+    [filter setValue:[CIColor colorWithRed:1 green:0 blue:0] forKey:@"inputLight"];
+    CIImage* output = [filter valueForKey:kCIOutputImageKey];
+    EXPECT_TRUE(CGRectEqualToRect([output extent], CGRectMake(0, 0, 2, 2)));
+    Bitmap canvas(2, 2);
+    CGRect all = CGRectMake(0, 0, 2, 2);
+    [[CIContext contextWithCGContext:canvas.get() options:nil] drawImage:output inRect:all fromRect:all];
+    // The luminance of the grey is 0.214: so much red light, and the rest of the blue.
+    expectNear(canvas.pixel(1, 1), {128, 0, 228, 255}, 1);
+}
+
 TEST(KernelDocument, ItsKernelsAreKernels) {
     auto kernels = blocks("glsl");
     EXPECT_EQ(kernels.size(), 3u);
