@@ -105,9 +105,7 @@ static NSMutableDictionary* merged(NSDictionary* properties, NSDictionary* chang
     NSMutableDictionary* all = [NSMutableDictionary dictionaryWithDictionary:properties];
     for (id key in changes) {
         id value = [changes objectForKey:key], own = [all objectForKey:key];
-        if (value == [NSNull null])
-            [all removeObjectForKey:key];
-        else if ([value isKindOfClass:[NSDictionary class]] && [own isKindOfClass:[NSDictionary class]])
+        if ([value isKindOfClass:[NSDictionary class]] && [own isKindOfClass:[NSDictionary class]])
             [all setObject:merged(own, value) forKey:key];
         else
             [all setObject:value forKey:key];

@@ -123,9 +123,9 @@ void addAll(Metadata& metadata, const Exiv2::IptcData& data) {
     }
 }
 
-/// Whether the document is small and flat enough for the library.
+/// Whether the document is small and flat enough for the library, which itself refuses document types.
 bool isSafe(std::string_view packet) {
-    if (packet.size() > largestPacket || packet.find("<!DOCTYPE") != packet.npos) return false;
+    if (packet.size() > largestPacket) return false;
     int depth = 0;
     for (std::size_t at = packet.find('<'); at != packet.npos; at = packet.find('<', at + 1)) {
         char next = at + 1 < packet.size() ? packet[at + 1] : ' ';

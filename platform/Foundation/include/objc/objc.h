@@ -1,4 +1,4 @@
-// The runtime's header, with truth values that a literal can be made of: @YES is a Boolean number, as on a Mac.
+// The runtime's header, with truth values for literals: @YES is a Boolean number, as on a Mac.
 #pragma once
 
 #include_next <objc/objc.h>
