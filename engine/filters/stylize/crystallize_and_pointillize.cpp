@@ -25,9 +25,8 @@ class Crystals : public Warp {
         double v = (y + 0.5 - centre_.y) / side_;
         auto column = [&](int i) { return wholePart((x + i + 0.5 - centre_.x) / side_); };
         std::vector<Nearest> nearest;
-        // What lies beyond the squares around is farther away than the point of the own square.
         for (int i = column(0) - 2, last = column(n - 1) + 2; i <= last; ++i)
-            for (const Point& point : pointsOf(i, wholePart(v))) add(nearest, point, v);
+            eachPoint(i, v, [&](const Point& point) { add(nearest, point, v); });
         int first = 0;
         for (std::size_t k = 0; k < nearest.size() && first < n; ++k) {
             int end = k + 1 < nearest.size() ? std::clamp(pixelAt(nearest[k + 1].from) - x, first, n) : n;
@@ -63,16 +62,21 @@ class Crystals : public Warp {
     /// The first pixel of a row whose centre is not left of `u`.
     int pixelAt(double u) const { return -wholePart(-(u * side_ + centre_.x - 0.5)); }
 
-    /// The points of five squares above each other, from left to right.
-    static std::array<Point, 5> pointsOf(int column, int row) {
+    /// Calls work(point) for the points of a column of squares that can be the nearest of a row, from left to
+    /// right. The own square's point is less than the root of 2 away.
+    template <class Work>
+    static void eachPoint(int column, double v, Work work) {
         std::array<Point, 5> points;
-        for (int k = 0; k < 5; ++k) {
-            int j = row + k - 2;
+        int count = 0;
+        for (int j = wholePart(v) - 2, last = j + 4; j <= last; ++j) {
             std::uint32_t random = scrambled(column, j);
-            points[k] = {column + (random & 0xffff) / 65536.0, j + (random >> 16) / 65536.0};
+            Point point{column + (random & 0xffff) / 65536.0, j + (random >> 16) / 65536.0};
+            if ((point.y - v) * (point.y - v) >= 2) continue;
+            int k = count++;
+            for (; k > 0 && points[k - 1].x > point.x; --k) points[k] = points[k - 1];
+            points[k] = point;
         }
-        std::sort(points.begin(), points.end(), [](const Point& a, const Point& b) { return a.x < b.x; });
-        return points;
+        std::for_each_n(points.begin(), count, work);
     }
 
     /// Bits that look random, always the same for a square (the finishing steps of G. L. Steele and others'
