@@ -153,6 +153,7 @@ for line in "${files[@]}"; do
     read -r _ _ package _ <<<"$line"
     uris download "$package" >>to-pick 2>>"$log" || failed "finding $package"
 done
+sort -u -o to-pick to-pick # several parts may want files of one package
 
 # is_whole FILE SHA256: the file was fetched completely and is what Debian signed.
 is_whole() { [[ -f "$archives/$1" ]] && sha256sum -c --status <<<"$2  $archives/$1" 2>/dev/null; }
