@@ -80,6 +80,7 @@ const Row kRows[] = {
     {"5 x 5 convolution", convolved},
     {"motion blur 40", [](CIImage* i) { return filtered(@"CIMotionBlur", i, @"inputRadius", 40); }},
     {"pixellate 16", [](CIImage* i) { return filtered(@"CIPixellate", i, @"inputScale", 16); }},
+    {"crystallize 20", [](CIImage* i) { return filtered(@"CICrystallize", i, @"inputRadius", 20); }},
 };
 
 void measure(const Row& row) {

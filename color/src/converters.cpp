@@ -194,12 +194,11 @@ class MatrixConverter final : public Converter {
 
     void decode8(const std::uint8_t* pixels, int stride, const int* offsets, float* const rgb[3],
                  std::size_t n) const override {
-        float *r = rgb[0], *g = rgb[1], *b = rgb[2];
-        const std::uint8_t *pr = pixels + offsets[0], *pg = pixels + offsets[1], *pb = pixels + offsets[2];
-        for (std::size_t i = 0; i < n; ++i) {
-            r[i] = tables_[0][pr[i * stride]];
-            g[i] = tables_[1][pg[i * stride]];
-            b[i] = tables_[2][pb[i * stride]];
+        for (int c = 0; c < 3; ++c) {
+            if (stride == 4)
+                lookUp<4>(tables_[c], pixels + offsets[c], 4, rgb[c], n);
+            else
+                lookUp<0>(tables_[c], pixels + offsets[c], stride, rgb[c], n);
         }
         if (!plain_) multiply(toLinear_, rgb, rgb, n);
     }
@@ -210,6 +209,15 @@ class MatrixConverter final : public Converter {
     }
 
   private:
+    /// One plane at a time, so that everything stays in registers. A `fixed` stride other than 0 is one that
+    /// the compiler knows.
+    template <int fixed>
+    static void lookUp(const Table& table, const std::uint8_t* in, int stride, float* out, std::size_t n) {
+        const float* values = table.data();
+#pragma clang loop unroll_count(8)
+        for (std::size_t i = 0; i < n; ++i) out[i] = values[in[i * (fixed ? fixed : stride)]];
+    }
+
     void encodeWith(void (Curve::*curve)(const float*, float*, std::size_t) const, const float* const rgb[3],
                     float* const* coded, std::size_t n) const {
         const float* const* own = rgb;

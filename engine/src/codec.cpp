@@ -3,6 +3,7 @@
 
 #include <color/vecmath.h>
 
+#include <limits>
 #include <stdexcept>
 
 namespace engine {
@@ -63,12 +64,60 @@ void spreadFinite(const float* from, int stride, float* out, int n) {
     });
 }
 
+/// 0..1 as a whole number up to `most`.
+SIMD_INLINE inline std::uint32_t whole(float v, float most) {
+    return static_cast<std::uint32_t>(static_cast<int>(simd::unit(v) * most + 0.5f));
+}
+
 template <class T>
-void gather(const float* from, float scale, T* out, int stride, int n) {
+void gather(const float* from, T* out, int stride, int n) {
     simd::run([=]() SIMD_INLINE {
         SIMD_LOOP
         for (int i = 0; i < n; ++i)
-            out[i * stride] = static_cast<T>(static_cast<int>(simd::unit(from[i]) * scale + 0.5f));
+            out[i * stride] = static_cast<T>(whole(from[i], std::numeric_limits<T>::max()));
+    });
+}
+
+// A pixel of four bytes is handled as one number, whose lowest byte is the first, because vectors of numbers
+// are read and written at once, and bytes that lie apart one by one.
+
+SIMD_INLINE inline std::uint32_t word(const std::uint8_t* pixels, int i) {
+    std::uint32_t w;
+    __builtin_memcpy(&w, pixels + 4 * i, 4);
+    return w;
+}
+
+/// Byte `offset` of each pixel.
+void spreadByte(const std::uint8_t* pixels, int offset, float* out, int n) {
+    simd::run([=, shift = 8 * offset]() SIMD_INLINE {
+        SIMD_LOOP
+        for (int i = 0; i < n; ++i)
+            out[i] = static_cast<float>(static_cast<int>(word(pixels, i) >> shift & 255)) * (1 / 255.f);
+    });
+}
+
+/// Whether byte `offset` of each pixel is 255.
+bool allFull(const std::uint8_t* pixels, int offset, int n) {
+    std::uint32_t common = ~0u;
+    simd::run([=, out = &common]() SIMD_INLINE {
+        std::uint32_t all = ~0u;
+        SIMD_LOOP
+        for (int i = 0; i < n; ++i) all &= word(pixels, i);
+        *out = all;
+    });
+    return (common >> 8 * offset & 255) == 255;
+}
+
+/// Each plane goes to the byte with its offset.
+void gatherBytes(const Span& s, const std::array<int, 4>& offsets, std::uint8_t* out, int n) {
+    simd::run([=, r = s.plane[0], g = s.plane[1], b = s.plane[2], a = s.plane[3], toR = 8 * offsets[0],
+               toG = 8 * offsets[1], toB = 8 * offsets[2], toA = 8 * offsets[3]]() SIMD_INLINE {
+        SIMD_LOOP
+        for (int i = 0; i < n; ++i) {
+            std::uint32_t w = whole(r[i], 255) << toR | whole(g[i], 255) << toG | whole(b[i], 255) << toB |
+                              whole(a[i], 255) << toA;
+            __builtin_memcpy(out + 4 * i, &w, 4);
+        }
     });
 }
 
@@ -93,8 +142,24 @@ void atLeast1(const float* p, float* out, int n) {
     });
 }
 
+/// Makes good what rounding, as by weights that add up to 1, has taken from 1: without it an opaque picture
+/// would be divided by its alpha.
+void roundToOne(float* p, int n) {
+    simd::run([=]() SIMD_INLINE {
+        SIMD_LOOP
+        for (int i = 0; i < n; ++i) p[i] = simd::abs(p[i] - 1) < 1e-6f ? 1 : p[i];
+    });
+}
+
 bool allOne(const float* p, int n) {
-    return std::all_of(p, p + n, [](float v) { return v == 1; });
+    int differ = 0;
+    simd::run([=, out = &differ]() SIMD_INLINE {
+        int any = 0;
+        SIMD_LOOP
+        for (int i = 0; i < n; ++i) any |= p[i] == 1 ? 0 : 1;
+        *out = any;
+    });
+    return !differ;
 }
 
 } // namespace
@@ -106,16 +171,19 @@ void Codec::decode(const std::uint8_t* pixels, int n, const Span& out) const {
             spreadFinite(reinterpret_cast<const float*>(pixels) + offset, samples_, to, n);
         else if (layout_.format == Format::RGBA16)
             spread(reinterpret_cast<const std::uint16_t*>(pixels) + offset, samples_, 1 / 65535.f, to, n);
+        else if (samples_ == 4)
+            spreadByte(pixels, offset, to, n);
         else
             spread(pixels + offset, samples_, 1 / 255.f, to, n);
     };
-    if (alpha_ >= 0)
-        read(alpha_, alpha);
-    else
-        std::fill_n(alpha, n, 1.f);
-
-    bool full = alpha_ < 0 || allOne(alpha, n);
     bool bytes = layout_.format != Format::RGBA16 && layout_.format != Format::RGBAf;
+    bool full = alpha_ < 0 || (bytes && allFull(pixels, alpha_, n));
+    if (full) {
+        std::fill_n(alpha, n, 1.f);
+    } else {
+        read(alpha_, alpha);
+        full = !bytes && allOne(alpha, n);
+    }
     bool premultiplied = layout_.alpha == Alpha::premultiplied && !full;
     if (space_ && bytes && !premultiplied) {
         space_->converter().decode8(pixels, samples_, colour_.data(), out.plane.data(), n);
@@ -141,6 +209,7 @@ void Codec::encode(const Span& s, int n, std::uint8_t* pixels) const {
     // A target without alpha shows the image on black, and that is what premultiplied colours are. But sums
     // may have more than full alpha: everywhere, colours are coded for alpha 1, then multiplied by what it
     // is.
+    if (!floats) roundToOne(alpha, n);
     if (alpha_ < 0) atLeast1(alpha, alpha, n);
     bool full = allOne(alpha, n);
     if (!full && (space_ || straight))
@@ -168,22 +237,21 @@ void Codec::encode(const Span& s, int n, std::uint8_t* pixels) const {
     }
     if (alpha_ < 0) std::fill_n(alpha, n, 1.f);
 
-    auto write = [&](int offset, const float* from) {
-        if (floats) {
-            float* to = reinterpret_cast<float*>(pixels) + offset;
-            for (int i = 0; i < n; ++i) to[4 * i] = from[i];
-        } else if (layout_.format == Format::RGBA16) {
-            gather(from, 65535, reinterpret_cast<std::uint16_t*>(pixels) + offset, samples_, n);
-        } else {
-            gather(from, 255, pixels + offset, samples_, n);
-        }
-    };
     if (layout_.format == Format::Gray8) {
-        write(0, s.plane[0]);
+        gather(s.plane[0], pixels, 1, n);
         return;
     }
-    for (int c = 0; c < 3; ++c) write(colour_[c], s.plane[c]);
-    write(alpha_ >= 0 ? alpha_ : layout_.format == Format::ARGB8 ? 0 : 3, alpha);
+    int last = alpha_ >= 0 ? alpha_ : layout_.format == Format::ARGB8 ? 0 : 3;
+    std::array<int, 4> offsets{colour_[0], colour_[1], colour_[2], last};
+    if (!floats && layout_.format != Format::RGBA16) return gatherBytes(s, offsets, pixels, n);
+    for (int c = 0; c < 4; ++c) {
+        if (floats) {
+            float* to = reinterpret_cast<float*>(pixels) + offsets[c];
+            for (int i = 0; i < n; ++i) to[4 * i] = s.plane[c][i];
+        } else {
+            gather(s.plane[c], reinterpret_cast<std::uint16_t*>(pixels) + offsets[c], samples_, n);
+        }
+    }
 }
 
 } // namespace engine

@@ -40,7 +40,10 @@ Rect Rect::grown(double dx, double dy) const {
 
 Rect Rect::integral() const {
     if (isEmpty()) return {};
-    return {std::floor(x0), std::floor(y0), std::ceil(x1), std::ceil(y1)};
+    // The C library's functions are slow, and huge numbers are whole.
+    auto low = [](double v) { return std::abs(v) < 1 << 29 ? wholePart(v) : v; };
+    auto high = [=](double v) { return -low(-v); };
+    return {low(x0), low(y0), high(x1), high(y1)};
 }
 
 Affine Affine::rotation(double radians) {
@@ -78,20 +81,16 @@ bool Affine::isFinite() const {
            std::isfinite(tx) && std::isfinite(ty);
 }
 
-static int toCoordinate(double v) {
-    constexpr double limit = 1 << 29;
-    return static_cast<int>(std::clamp(v, -limit, limit));
-}
+static int wholeAbove(double v) { return -wholePart(-v); }
 
 IntRect toInt(const Rect& r) {
     if (r.isEmpty()) return {};
-    return {toCoordinate(std::floor(r.x0)), toCoordinate(std::floor(r.y0)), toCoordinate(std::ceil(r.x1)),
-            toCoordinate(std::ceil(r.y1))};
+    return {wholePart(r.x0), wholePart(r.y0), wholeAbove(r.x1), wholeAbove(r.y1)};
 }
 
 IntRect centresIn(const Rect& r) {
     if (r.isEmpty()) return {};
-    auto edge = [](double v) { return toCoordinate(std::ceil(v - 0.5)); };
+    auto edge = [](double v) { return wholeAbove(v - 0.5); };
     return {edge(r.x0), edge(r.y0), edge(r.x1), edge(r.y1)};
 }
 

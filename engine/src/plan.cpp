@@ -1,7 +1,7 @@
 // Who reads whom in a graph, and how many passes it takes.
 #include "plan.h"
 
-#include <set>
+#include <algorithm>
 #include <sstream>
 
 namespace engine {
@@ -36,13 +36,38 @@ std::vector<const Node*> readersFirst(const Image& image) {
     return order;
 }
 
+bool readsAround(const Node& last) {
+    auto all = readers(last.shared_from_this());
+    return std::any_of(all.begin(), all.end(), [](const auto& found) { return found.first->materialises(); });
+}
+
+std::set<const Node*> keptNodes(const Image& image) {
+    std::set<const Node*> kept;
+    if (!image) return kept;
+    // Where no step reads around itself, a few steps on a span take no longer than the trip to memory and
+    // back.
+    int quick = readsAround(*image) ? 0 : 4;
+    auto count = readers(image);
+    auto order = readersFirst(image);
+    std::map<const Node*, int> steps; // that reading a node takes
+    for (auto node = order.rbegin(); node != order.rend(); ++node) {
+        int& own = steps[*node];
+        if (!(*node)->inputs().empty()) own = 1;
+        for (const Image& input : (*node)->inputs())
+            if (input) own += steps[input.get()];
+        if (count[*node] > 1 && own > quick) kept.insert(*node), own = 0;
+    }
+    return kept;
+}
+
 Plan planSummary(const Image& image) {
     Plan plan;
     if (!image) return plan;
     auto all = readers(image);
     plan.steps = static_cast<int>(all.size());
     plan.passes = 1;
-    for (const auto& [node, count] : all) plan.passes += node->materialises() || isKept(*node, count);
+    auto kept = keptNodes(image);
+    for (const auto& [node, count] : all) plan.passes += node->materialises() || kept.contains(node);
 
     std::ostringstream text;
     std::set<const Node*> written;

@@ -4,6 +4,7 @@
 #include <engine/engine.h>
 
 #include <map>
+#include <set>
 
 namespace engine {
 
@@ -11,7 +12,9 @@ namespace engine {
 std::map<const Node*, int> readers(const Image& image);
 /// All nodes of a graph, each after everything that reads it.
 std::vector<const Node*> readersFirst(const Image& image);
-/// Whether a node is worth keeping for its second reader. Sources are as quick as a copy.
-inline bool isKept(const Node& node, int readers) { return readers > 1 && !node.inputs().empty(); }
+/// Whether some step of the graph reads pixels around its own, so that two areas side by side share work.
+bool readsAround(const Node& last);
+/// The nodes that are worth keeping for their second reader.
+std::set<const Node*> keptNodes(const Image& image);
 
 } // namespace engine

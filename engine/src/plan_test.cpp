@@ -19,6 +19,24 @@ TEST(Plan, ChainsAreOnePass) {
     EXPECT_NE(planSummary(cropped).text.find("crop"), std::string::npos);
 }
 
+TEST(Plan, WhatIsReadTwiceIsKeptWhereThatIsQuicker) {
+    auto twice = [](const Image& image) {
+        return planSummary(composite(transform(image, Affine::translation(3, 0)), image)).passes;
+    };
+    Image image = imageOf(noise(16, 16, 21, true));
+    EXPECT_EQ(twice(image), 1) << "a source is as quick as a copy";
+    Image inverted = filter("CIColorInvert", {{"inputImage", image}});
+    EXPECT_EQ(twice(inverted), 1) << "and so is a step";
+    for (int i = 0; i < 5; ++i)
+        inverted = filter("CIGammaAdjust",
+                          with(filter("CIColorInvert", {{"inputImage", inverted}}), "inputPower", 2));
+    EXPECT_EQ(twice(inverted), 2);
+    Image blurred = filter("CIGaussianBlur", with(image, "inputRadius", 3));
+    EXPECT_EQ(twice(blurred), 2);
+    EXPECT_EQ(twice(filter("CIColorInvert", {{"inputImage", blurred}})), 3)
+        << "a step on a blur is not quick";
+}
+
 TEST(Plan, ImagesReadTwiceAreComputedOnce) {
     // 2^40 evaluations if each reader computed its own.
     Image image = imageOf(noise(16, 16, 21, true));

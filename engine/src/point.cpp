@@ -135,8 +135,14 @@ Image weighted(const Image& image, std::string name, Weights weights) {
 }
 
 Image weighted(const Image& image, double weight) {
-    return weighted(image, "weight", [w = static_cast<float>(weight)](int, int, int n, float* weights) {
-        std::fill_n(weights, n, w);
+    return pointStep(image, "weight", [w = static_cast<float>(weight)](const RenderContext&) {
+        return [w](const Span& pixels, int, int, int n) {
+            for (float* p : pixels.plane)
+                color::simd::run([=]() SIMD_INLINE {
+                    SIMD_LOOP
+                    for (int i = 0; i < n; ++i) p[i] *= w;
+                });
+        };
     });
 }
 

@@ -31,12 +31,38 @@ void check(const Rect& source, const Target& target, const Rect& dest, const Opt
         throw std::invalid_argument("the working space needs red, green and blue");
 }
 
+/// The pixels of all steps that one pixel takes, in a tile far from all edges.
+double pixelsRead(const Image& image, std::pair<int, int> size) {
+    auto [width, height] = size;
+    std::map<const Node*, Rect> read;
+    read[image.get()] = Rect::ofSize(0, 0, width, height);
+    double sum = 0;
+    for (const Node* node : readersFirst(image)) {
+        const Rect& area = read[node];
+        sum += toInt(area).count();
+        for (std::size_t i = 0; i < node->inputs().size(); ++i)
+            if (const Image& input = node->inputs()[i]; input && !area.isEmpty()) {
+                Rect& all = read[input.get()];
+                all = all.unite(node->regionOfInterest(i, area));
+            }
+    }
+    return sum / width / height;
+}
+
 /// Width and height of tiles. Without neighbours, whole rows are cheapest; with them, tiles are large enough
 /// that reading around them costs little, and small enough for the caches.
-std::pair<int, int> tileSize(const IntRect& area, bool neighbours) {
+std::pair<int, int> tileSize(const IntRect& area, const Image& image) {
     if (int size = wantedTile) return {size, size};
-    int width = neighbours ? std::min(area.width(), 1024) : area.width();
-    int height = neighbours ? 512 : std::clamp((1 << 18) / area.width(), 16, 1024);
+    int width = area.width(), height = std::clamp((1 << 18) / area.width(), 16, 1024);
+    if (readsAround(*image)) {
+        width = std::min(width, 1024);
+        height = 512;
+        // Higher where that saves much, unless all of a tile is kept.
+        if (keptNodes(image).empty())
+            while (height < 1024 &&
+                   pixelsRead(image, {width, 2 * height}) < 0.93 * pixelsRead(image, {width, height}))
+                height *= 2;
+    }
     // Enough tiles for every thread.
     int tiles = threadCount() * 2;
     while (height > 32 &&
@@ -87,8 +113,7 @@ class Renderer {
         RenderSettings settings{nullptr, options.colorManaged, {}, {}};
         if (options.working && !options.working->sameAs(*color::ColorSpace::linearSRGB()))
             settings.working = options.working;
-        for (const auto& [node, count] : readers(image))
-            if (isKept(*node, count)) settings.shared.insert(node);
+        settings.shared = keptNodes(image);
         if (!settings.shared.empty()) settings.readersFirst = readersFirst(image);
         return settings;
     }
@@ -124,8 +149,7 @@ void render(const Image& image, const Rect& source, const Target& target, const 
     IntRect area = centresIn(dest).intersect({0, 0, target.layout.width, target.layout.height});
     if (options.blend) area = area.intersect(toInt(placed->extent()));
     if (area.isEmpty()) return;
-    bool neighbours = planSummary(placed).passes > 1;
-    auto [width, height] = tileSize(area, neighbours);
+    auto [width, height] = tileSize(area, placed);
     int columns = (area.width() - 1) / width + 1, rows = (area.height() - 1) / height + 1;
     Renderer renderer(placed, target, options);
     // From the top downwards, as files are read.

@@ -23,17 +23,20 @@ class SamplerNode : public Node {
     std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
         // With the transparent pixels around the image, to which places beyond are moved.
         IntRect readable = toInt(inputs()[0]->extent().integral().grown(1, 1));
-        auto needed = [&](const IntRect& part) {
-            return toInt(centresOf(part, inverse_).grown(2, 2)).intersect(readable);
+        auto needed = [this, readable](const IntRect& part) {
+            Rect centres = centresOf(part, inverse_);
+            return toInt({centres.x0 - 2, centres.y0 - 2, centres.x1 + 2, centres.y1 + 2})
+                .intersect(readable);
         };
-        Pixels out(area);
-        computeInParts(area, out, needed, [&](const IntRect& part, const IntRect& read) {
-            Pixels in(read);
-            fill(*context.prepare(inputs()[0], read), in);
-            for (int y = part.y0; y < part.y1; ++y)
-                eachBlock(part.x0, part.width(), [&](int x, int n) { row(x, y, n, in, out.at(x, y)); });
-        });
-        return std::make_shared<Computed>(std::move(out));
+        const Node& input = *inputs()[0];
+        auto compute = [=, this, &context, most = mostKeptOf(input)](const Pixels& out) {
+            computeInParts(out.area, out, most, needed, [&](const IntRect& part, const IntRect& read) {
+                Texels in(*context.prepare(inputs()[0], read), read);
+                for (int y = part.y0; y < part.y1; ++y)
+                    eachBlock(part.x0, part.width(), [&](int x, int n) { row(x, y, n, in, out.at(x, y)); });
+            });
+        };
+        return std::make_shared<Bands>(area, bandHeight(input, area), compute);
     }
 
   private:
@@ -43,7 +46,7 @@ class SamplerNode : public Node {
         return image.extent().integral().grown(reach, reach);
     }
 
-    void row(int x, int y, int n, const Pixels& in, const Span& out) const {
+    void row(int x, int y, int n, const Texels& in, const Span& out) const {
         constexpr int width = 32;
         float u[width], v[width];
         Readings readings(in);

@@ -1,14 +1,72 @@
 // Tiles: their pixels, and the evaluators of one tile.
 #include "nodes.h"
 
+#include <bit>
 #include <new>
 
 namespace engine {
 
-Pixels::Pixels(const IntRect& a) : area(a), stride((std::max(a.width(), 0) + 7) & ~7) {
+namespace {
+
+constexpr std::align_val_t cacheLine{64};
+
+/// The blocks that a thread has given back and not taken again.
+class Blocks {
+  public:
+    ~Blocks() {
+        for (const Block& b : kept_) ::operator delete(b.floats, cacheLine);
+    }
+    float* take(std::size_t size) {
+        for (auto b = kept_.begin(); b != kept_.end(); ++b)
+            if (b->size == size) {
+                float* floats = b->floats;
+                kept_.erase(b);
+                held_ -= size;
+                return floats;
+            }
+        return static_cast<float*>(::operator new(size * sizeof(float), cacheLine));
+    }
+    void give(float* floats, std::size_t size) {
+        kept_.push_back({floats, size});
+        held_ += size;
+        while (held_ > most) {
+            held_ -= kept_.front().size;
+            ::operator delete(kept_.front().floats, cacheLine);
+            kept_.erase(kept_.begin());
+        }
+    }
+
+  private:
+    static constexpr std::size_t most = 1 << 21;
+    struct Block {
+        float* floats;
+        std::size_t size;
+    };
+    std::vector<Block> kept_;
+    std::size_t held_ = 0;
+};
+
+thread_local Blocks blocks;
+
+} // namespace
+
+void GiveBack::operator()(float* block) const { blocks.give(block, size); }
+
+Floats newFloats(std::size_t count) {
+    // Sizes are rounded up by an eighth at most, so that tiles which differ a little can take each other's.
+    std::size_t unit = std::max<std::size_t>(64, std::bit_floor(count) / 8);
+    std::size_t size = (count + unit - 1) / unit * unit;
+    return {blocks.take(size), GiveBack{size}};
+}
+
+/// Eight floats times an odd number: rows that lie a power of two apart would crowd the same lines of the
+/// caches.
+static int strideFor(int width) { return ((std::max(width, 0) + 7) / 8 | 1) * 8; }
+
+Pixels::Pixels(const IntRect& a) : area(a), stride(strideFor(a.width())) {
     double floats = 4.0 * stride * std::max(a.height(), 0);
     if (floats > (1 << 28)) throw std::bad_alloc();
-    data = std::make_unique_for_overwrite<float[]>(static_cast<std::size_t>(floats));
+    data = newFloats(static_cast<std::size_t>(floats));
 }
 
 void Pixels::clear() { std::memset(data.get(), 0, sizeof(float) * rowStep() * std::max(area.height(), 0)); }
@@ -161,10 +219,49 @@ IntRect summedArea(const Image& image, Rect extent) {
     return readable ? area : IntRect{};
 }
 
+void fillRow(Evaluator& from, int x, int y, int n, const Span& out) {
+    for (int i = 0; i < n; i += maxSpan) from.row(x + i, y, std::min(maxSpan, n - i), out.at(i));
+}
+
 void fill(Evaluator& from, const Pixels& to) {
-    const IntRect& a = to.area;
-    for (int y = a.y0; y < a.y1; ++y)
-        for (int x = a.x0; x < a.x1; x += maxSpan) from.row(x, y, std::min(maxSpan, a.x1 - x), to.at(x, y));
+    for (int y = to.area.y0; y < to.area.y1; ++y) fillRow(from, to.area.x0, y, to.area.width(), to.row(y));
+}
+
+/// As many rows as are needed at a time, and as many again, so that those still needed are moved seldom.
+static IntRect windowOf(const IntRect& area, int most) {
+    int height = std::min(area.height(), most + std::max(most, 16));
+    return {area.x0, area.y0, area.x1, area.y0 + height};
+}
+
+RowWindow::RowWindow(const IntRect& area, int most, Make make)
+    : kept_(windowOf(area, most)), end_(area.y0), make_(std::move(make)) {}
+
+const Pixels& RowWindow::rows(int first, int last) {
+    IntRect& area = kept_.area;
+    int height = area.height();
+    if (first < area.y0 || first >= end_) {
+        area.y0 = end_ = first;
+    } else if (last >= area.y1) {
+        std::memmove(kept_.data.get(), kept_.row(first).plane[0],
+                     sizeof(float) * kept_.rowStep() * (end_ - first));
+        area.y0 = first;
+    }
+    area.y1 = area.y0 + height;
+    for (; end_ <= last; ++end_) make_(end_, kept_.row(end_));
+    return kept_;
+}
+
+Bands::Bands(const IntRect& area, int height, std::function<void(const Pixels&)> compute)
+    : area_(area), height_(height), band_(IntRect{}), compute_(std::move(compute)) {}
+
+void Bands::row(int x, int y, int n, const Span& out) {
+    if (y < band_.area.y0 || y >= band_.area.y1) {
+        int first = area_.y0 + (y - area_.y0) / height_ * height_;
+        band_ = Pixels(IntRect{}); // given back before the next is taken
+        band_ = Pixels({area_.x0, first, area_.x1, std::min(area_.y1, first + height_)});
+        compute_(band_);
+    }
+    out.copy(band_.at(x, y), n);
 }
 
 } // namespace engine

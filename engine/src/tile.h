@@ -59,7 +59,9 @@ constexpr int maxSpan = 512;
 /// The pixel below a coordinate, limited so that sizes fit an int.
 inline int wholePart(double v) {
     constexpr double most = 1 << 29;
-    return static_cast<int>(std::clamp(std::floor(v), -most, most));
+    v = std::clamp(v, -most, most);
+    int whole = static_cast<int>(v); // much quicker than the C library's floor
+    return whole - (whole > v);
 }
 
 /// Places along a row are computed from the middle column of the block that they lie in, so that they come
@@ -83,6 +85,15 @@ struct SpanBuffer {
     Span span() { return {{data[0], data[1], data[2], data[3]}}; }
 };
 
+/// Floats for pixels, on the boundary of a cache line. What is given back serves the thread's next tiles,
+/// whose pages would otherwise be new, and cleared, each time.
+struct GiveBack {
+    std::size_t size = 0;
+    void operator()(float* block) const;
+};
+using Floats = std::unique_ptr<float[], GiveBack>;
+Floats newFloats(std::size_t count);
+
 /// Pixels of one tile. The planes of one row follow each other.
 struct Pixels {
     explicit Pixels(const IntRect& area);
@@ -96,7 +107,7 @@ struct Pixels {
 
     IntRect area;
     int stride;
-    std::unique_ptr<float[]> data;
+    Floats data;
 };
 
 /// Computes rows of a node for one tile; used by one thread.
@@ -152,5 +163,37 @@ class RenderContext {
 
 /// Fills the pixels' area.
 void fill(Evaluator& from, const Pixels& to);
+/// Pixels x..x+n-1 of row y, whatever n is.
+void fillRow(Evaluator& from, int x, int y, int n, const Span& out);
+
+/// Rows that are made when they are first needed, from the lowest upwards, and kept while those around them
+/// are. The work that a row takes is done once, and what is kept fits the caches.
+class RowWindow {
+  public:
+    using Make = std::function<void(int y, const Span& row)>;
+    /// Row y of the area is what `make` computes. At most `most` rows are needed at a time.
+    RowWindow(const IntRect& area, int most, Make make);
+    /// Pixels with the rows first..last, until the next call. Going back means making rows again.
+    const Pixels& rows(int first, int last);
+
+  private:
+    Pixels kept_;
+    int end_; // of the rows that are there
+    Make make_;
+};
+
+/// Makes an area in bands of whole rows when they are first needed, and keeps one.
+class Bands : public Evaluator {
+  public:
+    /// `compute` fills what it is given.
+    Bands(const IntRect& area, int height, std::function<void(const Pixels&)> compute);
+    void row(int x, int y, int n, const Span& out) override;
+
+  private:
+    IntRect area_;
+    int height_;
+    Pixels band_;
+    std::function<void(const Pixels&)> compute_;
+};
 
 } // namespace engine

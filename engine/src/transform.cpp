@@ -39,15 +39,22 @@ class Reduction {
                 floorDiv(bounds_.x1 - 1 - x0_, fx_) + 1, floorDiv(bounds_.y1 - 1 - y0_, fy_) + 1};
     }
 
-    void compute(const Pixels& out, RenderContext& context) const {
+    Texels texels(const IntRect& a, RenderContext& context) const {
         if (fx_ == 1 && fy_ == 1) {
-            IntRect a = out.area;
-            auto input = context.prepare(image_, {a.x0 + x0_, a.y0 + y0_, a.x1 + x0_, a.y1 + y0_});
-            for (int y = a.y0; y < a.y1; ++y)
-                for (int x = a.x0; x < a.x1; x += maxSpan)
-                    input->row(x + x0_, y + y0_, std::min(maxSpan, a.x1 - x), out.at(x, y));
-            return;
+            IntRect own{a.x0 + x0_, a.y0 + y0_, a.x1 + x0_, a.y1 + y0_};
+            Texels out(*context.prepare(image_, own), own);
+            out.area = a;
+            return out;
         }
+        Pixels out(a);
+        reduce(out, context);
+        Texels texels(a);
+        for (int y = a.y0; y < a.y1; ++y) texels.set(a.x0, y, a.width(), out.row(y));
+        return texels;
+    }
+
+  private:
+    void reduce(const Pixels& out, RenderContext& context) const {
         // A picture is read as a whole; of an infinite image, parts of the blocks must do.
         constexpr double mostRead = 1 << 28;
         if (block(out.area).count() <= mostRead)
@@ -56,7 +63,6 @@ class Reduction {
             readParts(out, context);
     }
 
-  private:
     /// The pixels of the image under an area.
     IntRect block(const IntRect& a) const {
         auto edge = [](int index, int factor, int origin) {
@@ -124,9 +130,11 @@ class Reduction {
 };
 
 /// Multiplies the coverage of n pixels, whose positions are from + (offset + i) * step, by how much of each
-/// lies between two edges.
-void coverAxis(double from, double step, double low, double high, double footprint, float* coverage,
+/// lies between two edges. False where that is all of each, and nothing has changed.
+bool coverAxis(double from, double step, double low, double high, double footprint, float* coverage,
                int offset, int n) {
+    double first = from + offset * step, last = from + (offset + n - 1) * step;
+    if (std::min(first, last) - low >= footprint && high - std::max(first, last) >= footprint) return false;
     float scale = static_cast<float>(1 / footprint), move = static_cast<float>(step);
     float toLow = std::isfinite(low) ? static_cast<float>(from - low) : 1e30f;
     float toHigh = std::isfinite(high) ? static_cast<float>(high - from) : 1e30f;
@@ -139,6 +147,7 @@ void coverAxis(double from, double step, double low, double high, double footpri
             coverage[i] *= color::simd::max(a + b - 1, 0);
         }
     });
+    return true;
 }
 
 class TransformNode : public Node {
@@ -161,10 +170,12 @@ class TransformNode : public Node {
                 context.prepare(inputs()[0], {area.x0 - dx, area.y0 - dy, area.x1 - dx, area.y1 - dy}), dx,
                 dy);
         }
+        const Node& input = *inputs()[0];
         Reduction source(inputs()[0], factor(inverse_.a, inverse_.c), factor(inverse_.b, inverse_.d));
-        Pixels out(area);
-        compute(area, out, source, context);
-        return std::make_shared<Computed>(std::move(out));
+        auto compute = [=, this, &context, most = mostKeptOf(input)](const Pixels& out) {
+            this->compute(out, source, most, context);
+        };
+        return std::make_shared<Bands>(area, bandHeight(input, area), compute);
     }
 
   private:
@@ -174,8 +185,7 @@ class TransformNode : public Node {
         return footprint < 2 ? 1 : static_cast<int>(std::min(footprint + 1e-6, 1.0 * (1 << 28)));
     }
 
-    void compute(const IntRect& area, const Pixels& out, const Reduction& source,
-                 RenderContext& context) const {
+    void compute(const Pixels& out, const Reduction& source, double most, RenderContext& context) const {
         auto needed = [&](const IntRect& part) {
             Rect region = centresOf(part, inverse_);
             // With the neighbours, and the edge of the image, which shows half a footprint beyond it.
@@ -183,20 +193,19 @@ class TransformNode : public Node {
                       source.toY(region.y1) + 2};
             return toInt(near).intersect(source.bounds());
         };
-        computeInParts(area, out, needed, [&](const IntRect& part, const IntRect& read) {
-            Pixels in(read);
-            source.compute(in, context);
+        computeInParts(out.area, out, most, needed, [&](const IntRect& part, const IntRect& read) {
+            Texels in = source.texels(read, context);
             for (int y = part.y0; y < part.y1; ++y)
                 eachBlock(part.x0, part.width(),
                           [&](int x, int n) { row(x, y, n, in, source, out.at(x, y)); });
         });
     }
 
-    void row(int x, int y, int n, const Pixels& in, const Reduction& source, const Span& out) const {
+    void row(int x, int y, int n, const Texels& in, const Reduction& source, const Span& out) const {
         constexpr int width = 64; // few enough that float places are exact
+        bool partial = false;     // whether a pixel is not covered completely
         alignas(32) float u[width], v[width], coverage[maxSpan];
         Readings readings(in);
-        Rect edges = inputs()[0]->extent().integral();
         float du = static_cast<float>(inverse_.a / source.factorX()),
               dv = static_cast<float>(inverse_.b / source.factorY());
         eachBlock<width>(x, n, [&](int first, int count) {
@@ -216,12 +225,11 @@ class TransformNode : public Node {
                 }
             });
             readings.locate(first - x, wholeX, wholeY, 0, u, v, count);
-            coverAxis(from.x, inverse_.a, edges.x0, edges.x1, std::hypot(inverse_.a, inverse_.c), cover,
-                      offset, count);
-            coverAxis(from.y, inverse_.b, edges.y0, edges.y1, std::hypot(inverse_.b, inverse_.d), cover,
-                      offset, count);
+            partial |= coverAxis(from.x, inverse_.a, edges_.x0, edges_.x1, footprintX_, cover, offset, count);
+            partial |= coverAxis(from.y, inverse_.b, edges_.y0, edges_.y1, footprintY_, cover, offset, count);
         });
         readings.read(n, out);
+        if (!partial) return;
         for (float* p : out.plane)
             color::simd::run([=, coverage = coverage]() SIMD_INLINE {
                 SIMD_LOOP
@@ -230,6 +238,8 @@ class TransformNode : public Node {
     }
 
     Affine matrix_, inverse_;
+    Rect edges_ = inputs()[0]->extent().integral();
+    double footprintX_ = std::hypot(inverse_.a, inverse_.c), footprintY_ = std::hypot(inverse_.b, inverse_.d);
 };
 
 } // namespace

@@ -2,11 +2,15 @@
 #include "nodes.h"
 #include "resample.h"
 
+#include <color/vecmath.h>
+
 #include <cmath>
 
 namespace engine {
 
 namespace {
+
+namespace simd = color::simd;
 
 /// Reads its first input somewhere else.
 class DisplacedNode : public Node {
@@ -14,9 +18,11 @@ class DisplacedNode : public Node {
     bool materialises() const override { return true; }
 
     std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
-        Pixels out(area);
-        compute(area, out, context);
-        return std::make_shared<Computed>(std::move(out));
+        const Node& input = *inputs()[0];
+        auto compute = [this, &context, most = mostKeptOf(input)](const Pixels& out) {
+            this->compute(out.area, out, most, context);
+        };
+        return std::make_shared<Bands>(area, bandHeight(input, area), compute);
     }
 
   protected:
@@ -26,44 +32,66 @@ class DisplacedNode : public Node {
 
   private:
     /// Computes all places first to find what the area reads, which is exact for every warp. An area that
-    /// reads too much to be kept is halved.
-    void compute(const IntRect& area, const Pixels& out, RenderContext& context) const {
-        std::size_t width = area.width(), count = width * area.height();
-        std::vector<float> dx(count), dy(count);
-        Rect region{Rect::inf, Rect::inf, -Rect::inf, -Rect::inf};
-        displace(area, dx.data(), dy.data(), context);
-        for (int y = area.y0; y < area.y1; ++y) {
-            float *rowX = &dx[(y - area.y0) * width], *rowY = &dy[(y - area.y0) * width];
-            for (int i = 0; i < area.width(); ++i) {
-                double sx = area.x0 + i + static_cast<double>(rowX[i]), sy = y + static_cast<double>(rowY[i]);
-                region = {std::min(region.x0, sx), std::min(region.y0, sy), std::max(region.x1, sx),
-                          std::max(region.y1, sy)};
-            }
-        }
-        // With the transparent pixels around the image, to which places beyond are moved.
-        IntRect needed = toInt({region.x0 - 1, region.y0 - 1, region.x1 + 2, region.y1 + 2})
-                             .intersect(toInt(inputs()[0]->extent().integral().grown(1, 1)));
-        if (needed.count() > mostKept && count > 1) {
+    /// reads more than `most` pixels is halved; and one that is larger itself will most likely do so.
+    void compute(const IntRect& area, const Pixels& out, double most, RenderContext& context) const {
+        auto halved = [&] {
             auto [a, b] = halves(area);
+            compute(a, out, most, context);
+            compute(b, out, most, context);
+        };
+        if (area.count() > most) return halved();
+        int width = area.width();
+        std::size_t count = static_cast<std::size_t>(area.count());
+        Floats dx = newFloats(count), dy = newFloats(count);
+        displace(area, dx.get(), dy.get(), context);
+        IntRect needed = places(area, dx.get(), dy.get());
+        if (needed.count() > most && count > 1) {
             dx = {}, dy = {};
-            compute(a, out, context);
-            compute(b, out, context);
-            return;
+            return halved();
         }
         if (needed.isEmpty()) {
-            for (int y = area.y0; y < area.y1; ++y) out.at(area.x0, y).clear(area.width());
+            for (int y = area.y0; y < area.y1; ++y) out.at(area.x0, y).clear(width);
             return;
         }
-        Pixels in(needed);
-        fill(*context.prepare(inputs()[0], needed), in);
+        Texels in(*context.prepare(inputs()[0], needed), needed);
         Readings readings(in);
         for (int y = area.y0; y < area.y1; ++y) {
             float *rowX = &dx[(y - area.y0) * width], *rowY = &dy[(y - area.y0) * width];
-            eachBlock(area.x0, area.width(), [&](int x, int n) {
+            eachBlock(area.x0, width, [&](int x, int n) {
                 readings.locate(0, x, y, 1, rowX + (x - area.x0), rowY + (x - area.x0), n);
                 readings.read(n, out.at(x, y));
             });
         }
+    }
+
+    /// What the pixels of an area read, of the image and the transparent pixels around it, to which places
+    /// beyond are moved.
+    IntRect places(const IntRect& area, const float* dx, const float* dy) const {
+        // The extremes of each column. Numbers that are not one count for nothing.
+        int width = area.width();
+        std::vector<float> lowX(width, Rect::inf), highX(width, -Rect::inf), lowY = lowX, highY = highX;
+        for (int j = 0; j < area.height(); ++j, dx += width, dy += width)
+            simd::run([=, x0 = lowX.data(), x1 = highX.data(), y0 = lowY.data(), y1 = highY.data(),
+                       row = static_cast<float>(j)]() SIMD_INLINE {
+                SIMD_LOOP
+                for (int i = 0; i < width; ++i) {
+                    x0[i] = simd::min(dx[i], x0[i]);
+                    x1[i] = simd::max(dx[i], x1[i]);
+                    y0[i] = simd::min(row + dy[i], y0[i]);
+                    y1[i] = simd::max(row + dy[i], y1[i]);
+                }
+            });
+        Rect region{Rect::inf, Rect::inf, -Rect::inf, -Rect::inf};
+        for (int i = 0; i < width; ++i) {
+            auto at = [](int place, float away) { return place + static_cast<double>(away); };
+            region = {
+                std::min(region.x0, at(area.x0 + i, lowX[i])), std::min(region.y0, at(area.y0, lowY[i])),
+                std::max(region.x1, at(area.x0 + i, highX[i])), std::max(region.y1, at(area.y0, highY[i]))};
+        }
+        // Floats far away are coarse.
+        double coarse = 1e-6 * std::max(std::abs(region.y0 - area.y0), std::abs(region.y1 - area.y0));
+        return toInt({region.x0 - 1, region.y0 - 1 - coarse, region.x1 + 2, region.y1 + 2 + coarse})
+            .intersect(toInt(inputs()[0]->extent().integral().grown(1, 1)));
     }
 };
 

@@ -69,8 +69,7 @@ class ZoomNode : public Node {
                 return;
             }
         }
-        Pixels in(read);
-        fill(*context.prepare(inputs()[0], read), in);
+        Texels in(*context.prepare(inputs()[0], read), read);
         for (int j = begin; j < end; ++j)
             for (int y = area.y0; y < area.y1; ++y)
                 eachBlock(area.x0, area.width(),
@@ -79,7 +78,7 @@ class ZoomNode : public Node {
 
     /// Adds one reading to a row. What would be read beyond `in`, which has transparent edges where the image
     /// ends, is left out: far from the picture that is almost all.
-    void addRow(const Pixels& in, int x, int y, int n, double size, const Span& out) const {
+    void addRow(const Texels& in, int x, int y, int n, double size, const Span& out) const {
         auto scaled = [=](double v, double c) { return c + (v + 0.5 - c) * size - 0.5; };
         double row = scaled(y, centre_.y);
         if (!(row > in.area.y0 - 1 && row < in.area.y1)) return;

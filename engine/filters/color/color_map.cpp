@@ -21,15 +21,14 @@ class ColorMapNode : public Node {
         return index == 0 ? area : toRect(row_);
     }
     std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
-        Pixels gradient(row_);
-        fill(*context.prepare(inputs()[1], row_), gradient);
+        Texels gradient(*context.prepare(inputs()[1], row_), row_);
         return std::make_shared<Lookup>(context.prepare(inputs()[0], area), std::move(gradient));
     }
 
   private:
     class Lookup : public Evaluator {
       public:
-        Lookup(std::shared_ptr<Evaluator> input, Pixels gradient)
+        Lookup(std::shared_ptr<Evaluator> input, Texels gradient)
             : input_(std::move(input)), gradient_(std::move(gradient)) {}
 
         void row(int x, int y, int n, const Span& out) override {
@@ -49,7 +48,7 @@ class ColorMapNode : public Node {
 
       private:
         std::shared_ptr<Evaluator> input_;
-        Pixels gradient_;
+        Texels gradient_;
     };
 
     IntRect row_;

@@ -2,8 +2,10 @@
 #include "filter.h"
 #include "kernel.h"
 #include "resample.h"
+#include "sums.h"
 
 #include <cmath>
+#include <deque>
 
 namespace engine {
 
@@ -46,6 +48,28 @@ std::vector<Share> shares(int begin, int end, double scale, double low, double h
     return out;
 }
 
+/// in[0] is the source's pixel x0.
+void scaleAcross(const float* in, int x0, const std::vector<Share>& shares, float* out) {
+    using Four [[gnu::vector_size(16)]] = float;
+    simd::run([=, &shares]() SIMD_INLINE {
+        float* to = out;
+        for (const Share& share : shares) {
+            const float *from = in + (share.first - x0), *w = share.weights.data();
+            int n = static_cast<int>(share.weights.size()), i = 0;
+            Four sums{};
+            for (; i + 4 <= n; i += 4) {
+                Four a, b;
+                __builtin_memcpy(&a, from + i, sizeof a);
+                __builtin_memcpy(&b, w + i, sizeof b);
+                sums += a * b;
+            }
+            float sum = (sums[0] + sums[1]) + (sums[2] + sums[3]);
+            for (; i < n; ++i) sum += w[i] * from[i];
+            *to++ = sum;
+        }
+    });
+}
+
 class LanczosNode : public Node {
   public:
     LanczosNode(const Image& image, double sx, double sy)
@@ -58,33 +82,50 @@ class LanczosNode : public Node {
             .apply(area)
             .grown(3 * std::max(1 / sx_, 1.0), 3 * std::max(1 / sy_, 1.0));
     }
-    /// Each row of the source is scaled across, then added to all rows of the result that it is part of.
+    /// Rows of the source are added to all rows of the result that they are part of; when such a sum is
+    /// complete, it is scaled across.
     std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
-        Pixels out(area), line({area.x0, 0, area.x1, 1});
-        out.clear();
+        Pixels out(area);
         const Rect& e = extent();
         auto across = shares(area.x0, area.x1, sx_, e.x0, e.x1);
         auto along = shares(area.y0, area.y1, sy_, e.y0, e.y1);
         auto end = [](const Share& share) { return share.first + static_cast<int>(share.weights.size()); };
         IntRect read{across.front().first, along.front().first, end(across.back()), end(along.back())};
-        int first = 0; // of the rows that are not complete
-        context.stream(inputs()[0], read, [&](int y, const Span& in) {
-            for (int c = 0; c < 4; ++c) {
-                float* to = line.row(0).plane[c];
-                for (const Share& share : across) {
-                    const float* from = in.plane[c] + (share.first - read.x0);
-                    float sum = 0;
-                    for (float w : share.weights) sum += w * *from++;
-                    *to++ = sum;
+        // Four rows at a time, always the same four.
+        constexpr int group = 4;
+        Pixels lines({read.x0, 0, read.x1, group});
+        std::deque<Pixels> sums; // of the rows from `first` on
+        int first = 0;
+        auto add = [&](int y, int last) {
+            int begun = first;
+            for (; begun < area.height() && along[begun].first <= last; ++begun)
+                if (begun - first == static_cast<int>(sums.size())) {
+                    sums.emplace_back(IntRect{read.x0, 0, read.x1, 1});
+                    sums.back().clear();
+                }
+            // In pieces that fit the first cache.
+            constexpr int piece = 1024;
+            for (int at = 0, floats = static_cast<int>(lines.rowStep()); at < floats; at += piece) {
+                std::array<const float*, group> rows;
+                for (int k = 0; k < group; ++k) rows[k] = lines.row(k).plane[0] + at;
+                for (int j = first; j < begun; ++j) {
+                    int from = std::max(y, along[j].first), to = std::min(last + 1, end(along[j]));
+                    if (from < to)
+                        addRows(&rows[from & (group - 1)], &along[j].weights[from - along[j].first],
+                                to - from, sums[j - first].data.get() + at, std::min(piece, floats - at));
                 }
             }
-            while (first < area.height() && end(along[first]) <= y) ++first;
-            for (int j = first; j < area.height() && along[j].first <= y; ++j) {
-                if (end(along[j]) <= y) continue;
-                eachIndex(static_cast<int>(out.rowStep()),
-                          [w = along[j].weights[y - along[j].first], from = line.data.get(),
-                           to = out.row(area.y0 + j).plane[0]](int i) SIMD_INLINE { to[i] += w * from[i]; });
+            for (; first < area.height() && end(along[first]) <= last + 1; ++first) {
+                for (int c = 0; c < 4; ++c)
+                    scaleAcross(sums.front().row(0).plane[c], read.x0, across,
+                                out.row(area.y0 + first).plane[c]);
+                sums.pop_front();
             }
+        };
+        int begin = read.y0;
+        context.stream(inputs()[0], read, [&](int y, const Span& in) {
+            lines.row(y & (group - 1)).copy(in, read.width());
+            if ((y & (group - 1)) == group - 1 || y + 1 == read.y1) add(begin, y), begin = y + 1;
         });
         return std::make_shared<Computed>(std::move(out));
     }

@@ -18,55 +18,65 @@ class Crystals : public Warp {
     std::string name() const override { return "crystals"; }
     Rect extent(const Rect& source) const override { return source.grown(reach_, reach_); }
     Rect region(const Rect& area) const override { return area.grown(reach_, reach_); }
+    /// Along a row the squared distance from a point is u^2 plus something linear, so that the nearest points
+    /// are found from left to right as the lower envelope of lines (P. F. Felzenszwalb and D. P.
+    /// Huttenlocher, "Distance transforms of sampled functions", 2012).
     void displace(int x, int y, int n, float* dx, float* dy) const override {
         double v = (y + 0.5 - centre_.y) / side_;
-        for (int i = 0; i < n;) {
-            auto u = [&] { return (x + i + 0.5 - centre_.x) / side_; };
-            Nearest nearest = nearestTo(u(), v);
-            // The point stays the nearest for as long as the way is shorter than half its lead over the next,
-            // so large crystals are quicker than small ones.
-            int end = std::min(n, i + 1 + static_cast<int>(nearest.lead * side_ / 2 * (1 - 1e-9)));
-            for (; i < end; ++i) {
-                dx[i] = static_cast<float>((nearest.point.x - u()) * side_);
-                dy[i] = static_cast<float>((nearest.point.y - v) * side_);
-            }
+        auto column = [&](int i) { return wholePart((x + i + 0.5 - centre_.x) / side_); };
+        std::vector<Nearest> nearest;
+        for (int i = column(0) - 2, last = column(n - 1) + 2; i <= last; ++i)
+            eachPoint(i, v, [&](const Point& point) { add(nearest, point, v); });
+        int first = 0;
+        for (std::size_t k = 0; k < nearest.size() && first < n; ++k) {
+            int end = k + 1 < nearest.size() ? std::clamp(pixelAt(nearest[k + 1].from) - x, first, n) : n;
+            // As a difference of doubles, since pixels can be far from the origin.
+            double toX = nearest[k].point.x * side_ + centre_.x - 0.5 - x;
+            eachIndex(end - first, [=, to = dx + first](int i)
+                                       SIMD_INLINE { to[i] = static_cast<float>(toX - (first + i)); });
+            std::fill(dy + first, dy + end, static_cast<float>((nearest[k].point.y - v) * side_));
+            first = end;
         }
     }
 
   private:
-    /// In units of a square.
+    /// A point, in units of a square, and from where on along the row it is the nearest.
     struct Nearest {
         Point point;
-        double lead; // how much farther away the next one is, at least
+        double from;
     };
-    static Nearest nearestTo(double u, double v) {
-        // Squared distances; what lies beyond the squares around is two or more away.
-        double least = 4, second = 4;
-        Point best;
-        int column = static_cast<int>(std::floor(u)), row = static_cast<int>(std::floor(v));
-        // How far, squared, a position is at least from what lies in a column or row of squares.
-        auto away = [](double position, int square) {
-            double d = std::max({square - position, position - square - 1, 0.0});
-            return d * d;
-        };
-        for (int dj : {0, -1, 1, -2, 2}) {
-            int j = row + dj;
-            if (away(v, j) >= second) continue;
-            for (int di : {0, -1, 1, -2, 2}) {
-                int i = column + di;
-                if (away(u, i) + away(v, j) >= second) continue;
-                std::uint32_t random = scrambled(i, j);
-                Point point{i + (random & 0xffff) / 65536.0, j + (random >> 16) / 65536.0};
-                double square = (point.x - u) * (point.x - u) + (point.y - v) * (point.y - v);
-                if (square < least) {
-                    second = std::exchange(least, square);
-                    best = point;
-                } else {
-                    second = std::min(second, square);
-                }
-            }
+    static void add(std::vector<Nearest>& nearest, Point point, double v) {
+        double from = -Rect::inf;
+        while (!nearest.empty()) {
+            const auto& [last, lastFrom] = nearest.back();
+            double apart = point.x - last.x, square = (point.y - v) * (point.y - v),
+                   lastSquare = (last.y - v) * (last.y - v);
+            if (apart == 0 && square >= lastSquare) return;
+            from = (point.x + last.x + (square - lastSquare) / apart) / 2;
+            if (apart > 0 && from > lastFrom) break;
+            nearest.pop_back();
+            from = -Rect::inf;
         }
-        return {best, std::sqrt(second) - std::sqrt(least)};
+        nearest.push_back({point, from});
+    }
+    /// The first pixel of a row whose centre is not left of `u`.
+    int pixelAt(double u) const { return -wholePart(-(u * side_ + centre_.x - 0.5)); }
+
+    /// Calls work(point) for the points of a column of squares that can be the nearest of a row, from left to
+    /// right. The own square's point is less than the root of 2 away.
+    template <class Work>
+    static void eachPoint(int column, double v, Work work) {
+        std::array<Point, 5> points;
+        int count = 0;
+        for (int j = wholePart(v) - 2, last = j + 4; j <= last; ++j) {
+            std::uint32_t random = scrambled(column, j);
+            Point point{column + (random & 0xffff) / 65536.0, j + (random >> 16) / 65536.0};
+            if ((point.y - v) * (point.y - v) >= 2) continue;
+            int k = count++;
+            for (; k > 0 && points[k - 1].x > point.x; --k) points[k] = points[k - 1];
+            points[k] = point;
+        }
+        std::for_each_n(points.begin(), count, work);
     }
 
     /// Bits that look random, always the same for a square (the finishing steps of G. L. Steele and others'

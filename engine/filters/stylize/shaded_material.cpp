@@ -26,8 +26,8 @@ class ShadedNode : public Node {
     std::shared_ptr<Evaluator> prepare(const IntRect& area, RenderContext& context) const override {
         Pixels field({area.x0 - 1, area.y0 - 1, area.x1 + 1, area.y1 + 1});
         fill(*context.prepare(inputs()[0], field.area), field);
-        Pixels sphere(toInt(inputs()[1]->extent()));
-        fill(*context.prepare(inputs()[1], sphere.area), sphere);
+        IntRect all = toInt(inputs()[1]->extent());
+        Texels sphere(*context.prepare(inputs()[1], all), all);
         auto heights = context.prepare(inputs()[2], area);
         Pixels out(area);
         for (int y = area.y0; y < area.y1; ++y)
@@ -37,7 +37,7 @@ class ShadedNode : public Node {
     }
 
   private:
-    void row(int x, int y, int n, const Pixels& field, const Pixels& sphere, Evaluator& heights,
+    void row(int x, int y, int n, const Pixels& field, const Texels& sphere, Evaluator& heights,
              const Span& out) const {
         alignas(32) float u[maxSpan], v[maxSpan];
         SpanBuffer own;
