@@ -137,14 +137,21 @@ CIImage* covered(CIImage* image, CGFloat x, CGFloat y, CGFloat width, CGFloat he
 // --- photographs ------------------------------------------------------------------------------------------
 
 TEST(Faces, EveryMarkedFaceIsFoundAndNothingElse) {
+    NSArray* faces = nil;
+    CIImage* image = nil;
+    const char* searched = "";
     for (const MarkedFace& mark : kFaces) {
         SCOPED_TRACE(mark.photo);
-        CIImage* image = photo(mark.photo);
-        NSArray* faces = [detector(highAccuracy()) featuresInImage:image];
+        // The faces of a photograph follow each other.
+        if (std::strcmp(mark.photo, searched)) {
+            searched = mark.photo;
+            image = photo(mark.photo);
+            faces = [detector(highAccuracy()) featuresInImage:image];
+            auto marked = std::count_if(std::begin(kFaces), std::end(kFaces),
+                                        [&](const MarkedFace& f) { return !std::strcmp(f.photo, searched); });
+            EXPECT_EQ([faces count], static_cast<NSUInteger>(marked));
+        }
         expectMarkedFace(faces, mark, [image extent]);
-        auto marked = std::count_if(std::begin(kFaces), std::end(kFaces),
-                                    [&](const MarkedFace& f) { return !std::strcmp(f.photo, mark.photo); });
-        EXPECT_EQ([faces count], static_cast<NSUInteger>(marked));
     }
 }
 
@@ -222,15 +229,15 @@ TEST(Faces, HighAccuracyFindsFacesOf20Pixels) {
 
 TEST(Faces, SmallFacesHaveTheirEyesAndMouths) {
     constexpr double scale = 0.6;
+    CIImage* image = reduced("2011_000006.jpg", scale);
+    NSArray* faces = [detector(highAccuracy()) featuresInImage:image];
     for (const MarkedFace& mark : kFaces) {
         if (std::strcmp(mark.photo, "2011_000006.jpg")) continue;
-        CIImage* image = reduced(mark.photo, scale);
         auto there = [&](Mark m) {
             return CGPointMake(static_cast<CGFloat>((m.x + 0.5) * scale),
                                static_cast<CGFloat>([image extent].size.height - (m.y + 0.5) * scale));
         };
-        expectFace([detector(highAccuracy()) featuresInImage:image], there(mark.leftEye),
-                   there(mark.rightEye), there(mark.mouth));
+        expectFace(faces, there(mark.leftEye), there(mark.rightEye), there(mark.mouth));
     }
 }
 
