@@ -53,6 +53,7 @@ extern const Benchmark dictionaries;
 extern const Benchmark facesHigh;
 extern const Benchmark facesLow;
 extern const Benchmark gaussianBlur;
+extern const Benchmark kernels;
 extern const Benchmark pictures;
 extern const Benchmark pluginMain;
 extern const Benchmark strings;

@@ -10,7 +10,7 @@ int main(int argc, char** argv) {
     const bench::Benchmark benchmarks[] = {bench::pluginMain, bench::calls,        bench::dictionaries,
                                            bench::arrays,     bench::strings,      bench::pictures,
                                            bench::colorChain, bench::gaussianBlur, bench::autoAdjustment,
-                                           bench::facesLow,   bench::facesHigh};
+                                           bench::kernels,    bench::facesLow,     bench::facesHigh};
     bool failed = false, ran = false;
     for (const bench::Benchmark& benchmark : benchmarks) {
         if (argc > 1 && !std::strstr(benchmark.name, argv[1])) continue;

@@ -2,6 +2,7 @@
 #include "catalogue.h"
 #include "chain.h"
 #include "command.h"
+#include "files.h"
 #include "jobs.h"
 #include "pictures.h"
 #include "values.h"
@@ -119,7 +120,7 @@ Task parse(int count, char** arguments) {
         } else if (word == "--type") {
             std::string text = words.valueOf(word);
             task.type = typeForName(text);
-            if (task.type.empty()) mistaken("'" + text + "' is no type; expected png, jpeg or tiff");
+            if (task.type.empty()) mistaken("'" + text + "' is no type; expected png, jpeg, tiff or webp");
         } else if (word == "--jobs" || word == "-j") {
             std::string text = words.valueOf(word);
             if (!parseNumber(text, number) || number < 1 || number > 256 || number != std::floor(number))
@@ -143,7 +144,10 @@ Task parse(int count, char** arguments) {
 // --------------------------------------------------------------------------------- inputs and outputs
 
 std::string extensionOf(const std::string& type) {
-    return type == "public.jpeg" ? ".jpg" : type == "public.tiff" ? ".tiff" : ".png";
+    return type == "public.jpeg"            ? ".jpg"
+           : type == "public.tiff"          ? ".tiff"
+           : type == "org.webmproject.webp" ? ".webp"
+                                            : ".png";
 }
 
 /// Where the picture from `input` goes.
@@ -162,6 +166,15 @@ std::string outputFor(const Task& task, const std::string& input) {
     return at == std::string::npos ? output : output.substr(0, at) + stem + output.substr(at + 1);
 }
 
+/// Whether the folder is the one that was asked for as "-o folder/", and lies in one that exists.
+bool canBeMade(const std::string& folder, const std::string& output) {
+    std::size_t end = folder.find_last_not_of('/');
+    if (!output.ends_with("/") || output != folder || end == std::string::npos || exists(folder))
+        return false;
+    std::size_t slash = folder.rfind('/', end);
+    return slash == std::string::npos || isFolder(folder.substr(0, slash + 1));
+}
+
 void checkOutputs(Task& task) {
     bool several = task.inputs.size() > 1;
     bool many =
@@ -174,9 +187,10 @@ void checkOutputs(Task& task) {
         task.outputs.push_back(output);
         if (output == "-") continue;
         if (task.type.empty() && typeForPath(output).empty())
-            mistaken("cannot write " + output + ": its name must end in .png, .jpg or .tiff");
+            mistaken("cannot write " + output + ": its name must end in .png, .jpg, .tiff or .webp");
         std::string folder = output.substr(0, output.rfind('/') + 1);
-        if (!folder.empty() && !isFolder(folder)) mistaken("cannot write " + output + ": no such folder");
+        if (!folder.empty() && !isFolder(folder) && !canBeMade(folder, task.output))
+            mistaken("cannot write " + output + ": no such folder");
         if (!seen.insert(output).second) mistaken("two pictures would be written to " + output);
     }
     for (const std::string& output : seen) {
@@ -227,7 +241,7 @@ std::string process(const Task& task, std::size_t index) {
         if (task.keepMetadata) encoding.metadata = result.original.properties;
         NSData* data = encodePicture(result.image, result.area, encoding, failure);
         if (!data) return prefix + failure;
-        return writeFile(output, data);
+        return writeFile(output, bytesOf(data));
     }
 }
 
@@ -265,6 +279,8 @@ int run(int argumentCount, char** arguments) {
     check(task);
     if (task.list) return list(task), kFine;
     if (task.plan) return plan(task);
+    if (canBeMade(task.output, task.output) && mkdir(task.output.c_str(), 0777) != 0)
+        mistaken("cannot write " + task.output + ": " + std::strerror(errno));
     wholefile::removeDraftsWhenInterrupted();
     std::size_t count = task.inputs.size(), workers = std::min(task.jobs ? task.jobs : coreCount(), count);
     Jobs jobs{count, [&](std::size_t index) { return process(task, index); },

@@ -5,6 +5,7 @@
 #include "catalogue.h"
 #include "chain.h"
 #include "command.h"
+#include "files.h"
 #include "jobs.h"
 #include "pictures.h"
 
@@ -90,12 +91,15 @@ const char* kindOf(const InputInfo& input) {
 // -------------------------------------------------------------------------------------- what to render
 
 /// What an input is given so that there is something to see; empty for its default.
-std::string sampleValue(const InputInfo& input, const Job& job) {
+std::string sampleValue(const FilterInfo& filter, const InputInfo& input, const Job& job) {
     if (input.kind == InputKind::image) {
         if (input.key == "inputImage") return {};
         if (input.key == "inputMaskImage" || input.key == "inputMask") return "mask.png";
         if (input.key == "inputGradientImage") return "gradient.png";
-        if (input.key == "inputShadingImage") return "sphere.png";
+        // A page's shading lies on top of it, a material's is a sphere of it.
+        if (input.key == "inputShadingImage")
+            return filter.findInput("inputBacksideImage") ? "shine.png" : "sphere.png";
+        if (input.key == "inputBacksideImage" && !job.photo.empty()) return "photo.jpg";
         if (input.key == "inputTexture" || input.key == "inputDisplacementImage") return "texture.png";
         return "second.jpg";
     }
@@ -122,7 +126,8 @@ bool has(const FilterInfo& filter, const char* category) {
 std::vector<Variant> variantsOf(const FilterInfo& filter, const Job& job) {
     Step step{&filter, {}};
     for (const InputInfo& input : filter.inputs)
-        if (std::string text = sampleValue(input, job); !text.empty()) step.values.emplace_back(&input, text);
+        if (std::string text = sampleValue(filter, input, job); !text.empty())
+            step.values.emplace_back(&input, text);
     auto with = [&](const InputInfo& input, const std::string& text) {
         Step changed = step;
         changed.values.emplace_back(&input, text);
@@ -211,7 +216,7 @@ Exhibit rendered(const Variant& variant, std::size_t index, const Job& job, std:
     NSData* data = encodePicture(result.image, result.area, encoding, failure);
     if (!data) return {};
     std::string file = "pictures/" + filter.name + "-" + std::to_string(index) + (opaque ? ".jpg" : ".png");
-    if (failure = writeFile(file, data); !failure.empty()) return {};
+    if (failure = writeFile(file, bytesOf(data)); !failure.empty()) return {};
     std::vector<std::string> words;
     for (auto& [input, text] : variant.step.values)
         words.push_back(array({quoted(input->key), quoted(kindOf(*input)), quoted(text)}));
@@ -274,7 +279,7 @@ void make(const std::string& file, const std::string& input, const Size& size,
     encoding.type = typeForPath(file);
     encoding.quality = 0.9;
     NSData* data = result.image ? encodePicture(result.image, result.area, encoding, failure) : nil;
-    if (data) failure = writeFile(file, data);
+    if (data) failure = writeFile(file, bytesOf(data));
     if (failure.empty()) return;
     std::fprintf(stderr, "kaz gallery: %s\n", failure.c_str());
     std::exit(kFailed);
@@ -318,6 +323,9 @@ void makePhotos(Job& job) {
     make(
         "texture.png", "", size,
         {"CIRandomGenerator", "CIGaussianBlur", "radius=4", "CIColorControls", "contrast=4", "saturation=0"});
+    make("shine.png", "", {128, 128},
+         {"CIRadialGradient", "center=48,80", "radius0=8", "radius1=72", "color0=#ffffff60",
+          "color1=#ffffff00"});
     make("sphere.png", "", {128, 128},
          {"CIRadialGradient", "center=44,84", "radius0=4", "radius1=84", "color0=white", "color1=navy"});
 }
@@ -329,10 +337,8 @@ void makeFolder(const std::string& path) {
     mistaken("cannot write " + path + ": " + (errno == ENOENT ? "no such folder" : std::strerror(errno)));
 }
 
-NSData* dataOf(const std::string& text) { return [NSData dataWithBytes:text.data() length:text.size()]; }
-
-void write(const std::string& path, NSData* data) {
-    std::string failure = writeFile(path, data);
+void write(const std::string& path, std::span<const std::uint8_t> bytes) {
+    std::string failure = writeFile(path, bytes);
     if (!failure.empty()) mistaken(failure);
 }
 
@@ -424,7 +430,7 @@ int run(int count, char** arguments) {
                 variants.push_back(exhibits.back().text);
             }
             std::string text = describe(*filters[index], variants, bestOf(exhibits, untouched));
-            return writeFile(filters[index]->name + ".part", dataOf(text));
+            return writeFile(filters[index]->name + ".part", bytesOf(text));
         }
     };
     Jobs jobs{filters.size(), render, [&](std::size_t index) { return filters[index]->name; }};
@@ -436,15 +442,15 @@ int run(int count, char** arguments) {
         if (part) parts.emplace_back(static_cast<const char*>([part bytes]), [part length]);
         unlink([path UTF8String]);
     }
-    write("filters.js",
-          dataOf("// What script.js shows; written by ./kaz gallery.\nconst filters = [\n" +
-                 joined(parts, ",\n") + "\n];\nconst frame = {width: " + std::to_string(job.width) +
-                 ", height: " + std::to_string(job.height) + "};\n"));
+    std::string script = "// What script.js shows; written by ./kaz gallery.\nconst filters = [\n" +
+                         joined(parts, ",\n") + "\n];\nconst frame = {width: " + std::to_string(job.width) +
+                         ", height: " + std::to_string(job.height) + "};\n";
+    write("filters.js", bytesOf(script));
     for (const char* name : {"index.html", "style.css", "script.js"}) {
         NSData* data =
             [NSData dataWithContentsOfFile:[NSString stringWithFormat:@"%s/%s", page.c_str(), name]];
         if (!data) mistaken("cannot read " + page + "/" + name);
-        write(name, data);
+        write(name, bytesOf(data));
     }
     std::printf("%zu filters; open %s/index.html\n", parts.size(), absolute(".").c_str());
     return failed ? kFailed : kFine;

@@ -1,7 +1,20 @@
 # Sourced by commands: where the build is, and how to bring it up to date.
 set -euo pipefail
 
-build="$KAZ_ROOT/build/$KAZ_PRESET"
+# CMake and ninja cannot handle these characters in a path. A checkout that has one is built through a link.
+checkout="$KAZ_ROOT"
+if [[ "$KAZ_ROOT" == *[\"\\\$\`\;:]* || "$KAZ_ROOT" == *$'\n'* ]]; then
+    checkout="/tmp/kaz-$UID-$(printf '%s' "$KAZ_ROOT" | sha256sum | cut -c -16)"
+    # Nobody else's link is followed.
+    if [[ "$(readlink "$checkout")" != "$KAZ_ROOT" || "$(stat -c %u "$checkout")" != "$UID" ]]; then
+        ln -sfT "$KAZ_ROOT" "$checkout" 2>/dev/null || {
+            echo "kaz: CMake cannot build in $KAZ_ROOT, and $checkout cannot become a link to it. Rename the folder:" \
+                "without \" \\ \$ \` ; : in its path" >&2
+            exit 1
+        }
+    fi
+fi
+build="$checkout/build/$KAZ_PRESET"
 export KAZ_PHOTOS="${KAZ_PHOTOS:-$KAZ_ROOT/.kaz/photos}"
 # The host counts references itself; GNUstep's caches would only fill the sanitizer's leak report.
 export ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=0}"
@@ -13,7 +26,7 @@ parts_of() {
     for target in "$@"; do
         case "$target" in
         vision | kaz_bench) echo faces ;;
-        programs | kaz_* | build.ninja) echo run ;;
+        programs | platform | kaz_* | build.ninja) echo run ;;
         *) echo all ;;
         esac
     done
@@ -26,13 +39,13 @@ configure() {
     local log="$KAZ_ROOT/.kaz/configure.log" home
     if [[ -f "$build/CMakeCache.txt" ]]; then
         home="$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$build/CMakeCache.txt")"
-        if [[ "$home" != "$KAZ_ROOT" ]]; then
+        if [[ "$home" != "$checkout" ]]; then
             echo "kaz: the checkout was moved from $home; building anew" >&2
             rm -rf "$build"
         fi
     fi
     [[ -f "$build/build.ninja" ]] && return
-    (cd "$KAZ_ROOT" && cmake --preset "$KAZ_PRESET" >"$log" 2>&1) || {
+    (cd "$checkout" && cmake --preset "$KAZ_PRESET" >"$log" 2>&1) || {
         cat "$log" >&2
         exit 1
     }
@@ -43,10 +56,6 @@ build_targets() {
     local parts lock
     # Whoever may not write here runs what its owner built.
     if [[ -d "$build/bin" && ! -w "$build" ]]; then return; fi
-    if [[ "$KAZ_ROOT" == *[\"\\\$\`\;:]* || "$KAZ_ROOT" == *$'\n'* ]]; then
-        echo "kaz: CMake cannot build in $KAZ_ROOT. Rename the folder: without \" \\ \$ \` ; : in its path" >&2
-        exit 1
-    fi
     mapfile -t parts < <(parts_of "$@" | sort -u)
     "$KAZ_ROOT/tools/setup.sh" "${parts[@]}"
     # ninja itself would let two builds write the same files.

@@ -12,6 +12,7 @@ table="$root/tools/packages.txt"
 kaz="$root/.kaz"
 sysroot="$kaz/sysroot"
 photos="$kaz/photos"
+measured="$kaz/measured"
 log="$kaz/setup.log"
 # Raise it when what is unpacked, or how, changes: the sysroot is then made anew.
 layout=3
@@ -43,7 +44,7 @@ either() { local IFS='|'; echo "$*"; }
 mark() { echo "layout $layout"; rows "$1" '[a-z]+'; }
 is_ready() { [[ -f "$kaz/ready/$1" && "$(<"$kaz/ready/$1")" == "$(mark "$1")" ]]; }
 
-known=(run faces tests sanitize peers)
+known=(run faces tests sanitize peers detection)
 parts=(run)
 for part in "$@"; do
     case "$part" in
@@ -109,9 +110,9 @@ archives="$apt/archives"
 done_files="$kaz/files"
 
 if [[ ! -f "$kaz/layout" || "$(<"$kaz/layout")" != "$layout" ]]; then
-    rm -rf "$kaz/ready" "$sysroot" "$photos" "$done_files" "$apt" "$kaz/layout"
+    rm -rf "$kaz/ready" "$sysroot" "$photos" "$measured" "$done_files" "$apt" "$kaz/layout"
 fi
-mkdir -p "$sysroot" "$photos" "$apt/state/lists/partial" "$archives/partial" "$kaz/ready"
+mkdir -p "$sysroot" "$photos" "$measured" "$apt/state/lists/partial" "$archives/partial" "$kaz/ready"
 echo "$layout" >"$kaz/layout"
 touch "$status" "$done_files"
 
@@ -137,7 +138,7 @@ status_without() { awk -v gone=" $* " 'BEGIN {RS = ""; ORS = "\n\n"} index(gone,
 
 missing_pattern="$(either "${missing[@]}")"
 mapfile -t wanted < <(names "$missing_pattern" sysroot)
-mapfile -t files < <(rows "$missing_pattern" 'headers|photos' | grep -vFx -f "$done_files" || true)
+mapfile -t files < <(rows "$missing_pattern" 'headers|photos|measured' | grep -vFx -f "$done_files" || true)
 
 say "reading Debian's lists of packages ..."
 apt_get update >>"$log" 2>&1 || true
@@ -223,6 +224,7 @@ take_files() {
         case "$kind" in
         headers) pick=(-C "$sysroot") ;;
         photos) pick=(-C "$photos" --transform='s,.*/,,') ;;
+        measured) pick=(-C "$measured" --transform='s,.*/,,') ;;
         esac
         set -f # the patterns are tar's
         # shellcheck disable=SC2086

@@ -18,6 +18,16 @@ Class* GSDebugAllocationClassList();
 int GSDebugAllocationCount(Class);
 }
 
+// Platform calls that are led to the tests' own functions fail once when they are named here, the first time
+// or after some good calls.
+inline std::string failingCall;
+inline int goodCalls = 0;
+inline bool fails(const char* call) {
+    if (failingCall != call || goodCalls-- > 0) return false;
+    failingCall.clear();
+    return true;
+}
+
 // The hosts at which something changes for a conversion.
 struct HostVersion {
     const char* name;

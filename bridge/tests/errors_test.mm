@@ -105,6 +105,11 @@ TEST_F(Errors, AnIndexPastTheEndIsTooBig) {
                   "Parameter index to method Component is too big. Range is 0 to 3, but value is 7.");
 }
 
+TEST_F(Errors, TheFirstIndexOfNothingIsTooBig) {
+    EXPECT_RAISED(outOfBounds(0, 0), "OutOfBoundsException",
+                  "Parameter index to method Component is too big. Range is 0 to -1, but value is 0.");
+}
+
 TEST_F(Errors, AnUnsignedIndexIsAlwaysTooBig) {
     EXPECT_RAISED(
         outOfBounds(static_cast<std::uint32_t>(-1), 4), "OutOfBoundsException",

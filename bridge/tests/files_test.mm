@@ -141,6 +141,29 @@ TEST_P(Files, AnEmptyLeafNameGivesTheFolder) {
             return true;
         });
     EXPECT_EQ(crossed(item("anything")), "/tmp");
+    NSString* url = [NewNSURLfile(handle(item("anything"))) absoluteString];
+    EXPECT_TRUE([url hasSuffix:@"/tmp/"]) << [url UTF8String] << ": nothing is appended";
+}
+
+TEST_P(Files, AnItemWhoseURLCannotBeMadeIsTriedByItsParent) {
+    makeFile("file");
+    failingCall = "URL of reference";
+    EXPECT_EQ(crossed(item("file")), "file");
+    EXPECT_EQ(failingCall, "") << "was not called";
+}
+
+TEST_P(Files, AnItemWhoseParentHasNoURLIsTriedByTheOlderRecord) {
+    makeFile("file");
+    replace(
+        "REALFSRefFromFolderItem", +[](REALfolderItem item, FSRef* out, HFSUniStr255* name) {
+            auto ofTheHost = original<host::service::REALFSRefFromFolderItem>("REALFSRefFromFolderItem");
+            return name && ofTheHost(item, out, name);
+        });
+    for (const char* call : {"URL of reference", "URL"}) {
+        failingCall = call;
+        EXPECT_EQ(crossed(item("file")), "file") << call;
+        EXPECT_EQ(failingCall, "") << call << " was not called";
+    }
 }
 
 TEST_P(Files, TheOlderRecordIsTheLastWayToAURL) {
@@ -148,6 +171,17 @@ TEST_P(Files, TheOlderRecordIsTheLastWayToAURL) {
     makeFile("old.txt");
     EXPECT_EQ(crossed(item("old.txt")), "old.txt");
     EXPECT_EQ(crossed(item("not there.txt")), "(nil)");
+}
+
+TEST_P(Files, AnOlderRecordThatTheHostDoesNotGiveIsNotUsed) {
+    withhold("REALFSRefFromFolderItem");
+    makeFile("file");
+    replace(
+        "REALFSSpecFromFolderItem", +[](REALfolderItem item, FSSpec* out) {
+            original<host::service::REALFSSpecFromFolderItem>("REALFSSpecFromFolderItem")(item, out);
+            return false;
+        });
+    EXPECT_EQ(crossed(item("file")), "(nil)");
 }
 
 TEST_P(Files, WithoutAnyRecordThereIsNoURL) {
@@ -205,11 +239,19 @@ TEST_P(Files, AVolumeIsAnItemBelowAParentOfZeroes) {
 }
 
 TEST_P(Files, TheOlderRecordIsTheLastWayToAnItem) {
+    static int asked;
+    asked = 0;
+    replace(
+        "FolderItemFromFSSpec", +[](const FSSpec* spec) {
+            ++asked;
+            return original<host::service::FolderItemFromFSSpec>("FolderItemFromFSSpec")(spec);
+        });
     makeFile("old.txt");
     namesAreUnknown = true;
     EXPECT_EQ(itemOf(url("old.txt")), "old.txt");
     recordsAreUnknown = true;
     EXPECT_EQ(itemOf(url("old.txt")), "(nil)");
+    EXPECT_EQ(asked, 1) << "not for a record that could not be had";
     namesAreUnknown = recordsAreUnknown = false;
 }
 

@@ -614,6 +614,11 @@ TEST_F(Wrapped, AnObjectIsHeldByTheClassOfItsName) {
     EXPECT_EQ(living, 0);
 }
 
+TEST_F(Wrapped, NSNullIsNilEvenWhereTheHostHasAClassOfItsName) {
+    registerHostClass("NSNullKaz");
+    EXPECT_TRUE(variant([NSNull null]).isNil());
+}
+
 TEST_F(Wrapped, EachConversionMakesAWrapperOfItsOwn) {
     id color = [NSColor redColor];
     bridge::ensureFamily();

@@ -13,20 +13,11 @@
 
 using Log = std::vector<std::string>;
 
-// Some Core Graphics calls of the bridge are led here, to let them fail once and to see the mask that is
-// used.
-static std::string failingCall;
-static int goodCalls = 0;
+// Some platform calls of the bridge are led here, to let them fail once and to see the mask that is used.
 static std::vector<std::uint8_t> maskBytes;
 static std::size_t maskBytesPerRow = 0;
 static std::vector<std::string> contexts;    // that were made, with their arguments
 static std::vector<std::string> bundleParts; // what was called to find the framework
-
-static bool fails(const char* call) {
-    if (failingCall != call || goodCalls-- > 0) return false;
-    failingCall.clear();
-    return true;
-}
 
 extern "C" {
 CGContextRef __real_CGBitmapContextCreate(void*, size_t, size_t, size_t, size_t, CGColorSpaceRef,
@@ -62,7 +53,7 @@ OSErr __wrap_FSFindFolder(SInt16 domain, OSType type, Boolean create, FSRef* ref
 }
 CFURLRef __real_CFURLCreateFromFSRef(CFAllocatorRef, const FSRef*);
 CFURLRef __wrap_CFURLCreateFromFSRef(CFAllocatorRef allocator, const FSRef* ref) {
-    return fails("folder's URL") ? nullptr : __real_CFURLCreateFromFSRef(allocator, ref);
+    return fails("URL of reference") ? nullptr : __real_CFURLCreateFromFSRef(allocator, ref);
 }
 CFURLRef __real_CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef, CFStringRef, Boolean);
 CFURLRef __wrap_CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
@@ -197,6 +188,22 @@ class Pictures : public ConversionTest {
                            image);
         return result;
     }
+
+    // Instead of being drawn, pictures enter `drawn` from now on, with the sides that were asked for.
+    void recordDrawing() {
+        drawn.clear();
+        replace(
+            "REALLoadObjectMethod", +[](REALobject, const char*) {
+                using I = std::int32_t;
+                return reinterpret_cast<void*>(
+                    +[](REALobject, REALpicture image, I x, I y, I w, I h, I sx, I sy, I sw, I sh) {
+                        drawn.emplace_back(image, Sides{x, y, w, h, sx, sy, sw, sh});
+                    });
+            });
+    }
+    using Sides = std::array<std::int32_t, 8>;
+    static constexpr Sides kWhole = {0, 0, kWidth, kHeight, 0, 0, kWidth, kHeight};
+    static inline std::vector<std::pair<REALpicture, Sides>> drawn;
 
     static Pixels image(const Value& picture, const Value& mask = {}) {
         return read(CreateCGImageInternal(handle(picture), handle(mask)));
@@ -433,23 +440,10 @@ TEST_P(ImagesByCopy, HaveTheMaskDrawnIntoTheCopys) {
 }
 
 TEST_P(ImagesByCopy, TakeOfAMaskOfAnotherSizeThePartThatCoversThePicture) {
-    using Sides = std::array<std::int32_t, 8>;
-    static std::vector<std::pair<REALpicture, Sides>> drawn;
-    drawn.clear();
-    replace(
-        "REALLoadObjectMethod", +[](REALobject, const char*) {
-            using I = std::int32_t;
-            return reinterpret_cast<void*>(
-                +[](REALobject, REALpicture image, I x, I y, I w, I h, I sx, I sy, I sw, I sh) {
-                    drawn.emplace_back(image, Sides{x, y, w, h, sx, sy, sw, sh});
-                });
-        });
+    recordDrawing();
     Value large = newPicture(7, 9, grays(7 * 9));
     image(picture, large);
-    const Sides whole = {0, 0, kWidth, kHeight, 0, 0, kWidth, kHeight};
-    ASSERT_EQ(drawn.size(), 2u);
-    EXPECT_EQ(drawn[0], std::pair(handle(picture), whole));
-    EXPECT_EQ(drawn[1], std::pair(handle(large), whole));
+    EXPECT_EQ(drawn, (std::vector{std::pair(handle(picture), kWhole), std::pair(handle(large), kWhole)}));
 }
 
 TEST_P(ImagesByCopy, AreTakenAfterThePictureAndThenTheMaskAreDrawn) {
@@ -653,6 +647,26 @@ TEST_P(ImagesOfPictures, ThatCannotBeLockedAreElseConvertedFromACopyWithItsMask)
     EXPECT_EQ(image(), maskedBy(blackAndWhite(), colors()));
     EXPECT_EQ(log, expected(upToTheCopy({"new (5, 3, 32)", "make mask of C", "copy C", "lock C8", "lock CM8",
                                          "unlock CM", "unlock C"})));
+}
+
+TEST_P(ImagesOfPictures, TakeForTheCopyOfAMaskOfAnotherSizeThePartThatCoversThePicture) {
+    static Value large;
+    large = newPicture(7, 9, grays(7 * 9));
+    modes[handle(picture)] = Fails;
+    replace(
+        "REALGetPictureMask", +[](REALpicture asked, bool create) {
+            if (names[asked] != "P")
+                return original<host::service::REALGetPictureMask>("REALGetPictureMask")(asked, create);
+            REALLockObject(large.object());
+            return handle(large);
+        });
+    recordDrawing();
+    Owned<CGImageRef> image(bridge::copyCGImage(handle(picture)));
+    ASSERT_GE(drawn.size(), 2u);
+    // The last two: before them an image of the pair was tried.
+    EXPECT_EQ(drawn.end()[-2], std::pair(handle(picture), kWhole));
+    EXPECT_EQ(drawn.end()[-1], std::pair(handle(large), kWhole));
+    large = {};
 }
 
 TEST_P(ImagesOfPictures, ThatCannotBeLockedNeedNoMaskForTheCopy) {
@@ -935,7 +949,7 @@ TEST_F(Framework, IsTheCallersAndNothingElseIsLeft) {
 }
 
 TEST_F(Framework, IsNullWhenAStepFailsAndNothingIsLeft) {
-    for (const char* call : {"folder", "folder's URL", "URL", "bundle", "executable"}) {
+    for (const char* call : {"folder", "URL of reference", "URL", "bundle", "executable"}) {
         auto left = objectsLeftBy([&] {
             failingCall = call;
             EXPECT_EQ(LoadFrameworkBundle(), nullptr) << call;

@@ -186,6 +186,20 @@ TEST_F(WithoutVarType, TheTypePropertyDecides) {
     EXPECT_TRUE([cocoa(host.memoryBlock("x")) isKindOfClass:[NSData class]]);
 }
 
+TEST_F(WithoutVarType, TheElementsOfAnArrayOfDatesAreNotAsked) {
+    static int asked;
+    asked = 0;
+    replace(
+        "REALGetPropValueInt", +[](REALobject object, const char* name, std::int32_t* out) {
+            asked += name == std::string_view("Type");
+            return original<host::service::REALGetPropValueInt>("REALGetPropValueInt")(object, name, out);
+        });
+    Value dates = host.array("Date", {host.create("Date", {2001, 1, 2}), host.create("Date", {1904, 2, 29})});
+    Value variant = boxed(dates);
+    EXPECT_EQ([GetVariantAsNSObject(variant.object()) count], 2u);
+    EXPECT_EQ(asked, 1) << "for the array's own";
+}
+
 class WithoutVarTypeAndIntegers : public WithoutVarType {
   protected:
     WithoutVarTypeAndIntegers() : WithoutVarType({"REALGetPropValueInt"}) {}

@@ -125,7 +125,7 @@ function link(filter, before, after) {
 }
 
 function showDetail(filter) {
-  const place = filters.indexOf(filter);
+  const place = shownOrder.indexOf(filter);
   const heading = make("h2", {tabindex: -1}, filter.title);
   const shown = make("div"), code = make("div");
   const buttons = filter.variants.map(variant => make("button", {type: "button", "aria-pressed": "false", onclick: () => choose(variant)},
@@ -139,7 +139,7 @@ function showDetail(filter) {
   const order = filter.category === "Transition" ? [...buttons.slice(1, 3), buttons[0], ...buttons.slice(3)] : buttons;
   detail.replaceChildren(
     make("nav", {class: "back", "aria-label": "Filters"}, make("a", {href: "#"}, "All filters"),
-      link(filters[place - 1], "‹ ", ""), link(filters[place + 1], "", " ›")),
+      link(shownOrder[place - 1], "‹ ", ""), link(shownOrder[place + 1], "", " ›")),
     heading, make("div", {class: "name"}, filter.name), make("p", {class: "lead"}, filter.text),
     make("div", {class: "columns"},
       make("div", {}, shown, make("div", {class: "strip", role: "group", "aria-label": "Values to see"}, ...order)),
@@ -171,6 +171,7 @@ const groups = categories.map(name => {
   document.getElementById("groups").append(section);
   return {members, section, number};
 });
+const shownOrder = groups.flatMap(group => group.members);
 const chips = ["", ...categories].map(name => make("button", {type: "button", "aria-pressed": String(name === ""), onclick: () => {
   category = name;
   chips.forEach(chip => chip.setAttribute("aria-pressed", chip.dataset.name === name));

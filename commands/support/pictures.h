@@ -1,10 +1,12 @@
-// Picture files: reading them upright, and writing them whole or not at all.
+// Picture files: reading them upright, and encoding what becomes one.
 #pragma once
 
 #import <Foundation/Foundation.h>
 #import <QuartzCore/QuartzCore.h>
 
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace commands {
@@ -24,7 +26,7 @@ Picture readPicture(const std::string& path, std::string& failure);
 
 /// "public.png" for the path's extension; empty for one that cannot be written.
 std::string typeForPath(const std::string& path);
-/// The same for a format's name: png, jpeg, tiff.
+/// The same for a format's name: png, jpeg, tiff, webp.
 std::string typeForName(const std::string& name);
 
 struct Encoding {
@@ -42,8 +44,9 @@ struct Encoding {
 /// The pixels of `area` as a file. Nil, and why in `failure`, if they cannot be rendered.
 NSData* encodePicture(CIImage* image, CGRect area, const Encoding& encoding, std::string& failure);
 
-/// Writes a file, or the standard output for "-". A file appears under its name when it is complete; until
-/// then one of that name stays as it was. Empty, or why it could not be written: "no such folder".
-std::string writeFile(const std::string& path, NSData* data);
+/// Valid as long as the data.
+inline std::span<const std::uint8_t> bytesOf(NSData* data) {
+    return {static_cast<const std::uint8_t*>([data bytes]), [data length]};
+}
 
 } // namespace commands

@@ -2,7 +2,6 @@
 #include "pictures.h"
 
 #include <ImageIO/ImageIO.h>
-#include <files/wholefile.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -37,18 +36,6 @@ NSData* standardInput() {
         [data appendBytes:buffer.data() length:NSUInteger(n)];
     }
     return data;
-}
-
-bool writeAll(int file, NSData* data) {
-    auto* bytes = static_cast<const char*>([data bytes]);
-    for (std::size_t left = [data length]; left > 0;) {
-        ssize_t n = write(file, bytes, left);
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0) return false;
-        bytes += n;
-        left -= std::size_t(n);
-    }
-    return true;
 }
 
 } // namespace
@@ -88,6 +75,7 @@ std::string typeForName(const std::string& name) {
     if (lower == "png") return "public.png";
     if (lower == "jpg" || lower == "jpeg") return "public.jpeg";
     if (lower == "tif" || lower == "tiff") return "public.tiff";
+    if (lower == "webp") return "org.webmproject.webp";
     return {};
 }
 
@@ -139,27 +127,6 @@ NSData* encodePicture(CIImage* image, CGRect area, const Encoding& encoding, std
     CGImageRelease(pixels);
     if (!done) failure = "the result cannot be encoded";
     return done ? data : nil;
-}
-
-std::string writeFile(const std::string& path, NSData* data) {
-    if (path == "-") return writeAll(STDOUT_FILENO, data) ? "" : "cannot write the standard output";
-    std::string refusal = "cannot write " + path + ": ";
-    struct stat status;
-    bool replaces = stat(path.c_str(), &status) == 0;
-    if (replaces && S_ISDIR(status.st_mode)) return refusal + "it is a folder";
-    // Pipes and devices cannot be replaced.
-    if (replaces && !S_ISREG(status.st_mode)) {
-        int file = open(path.c_str(), O_WRONLY);
-        bool written = file >= 0 && writeAll(file, data);
-        if (file < 0 || close(file) != 0 || !written) return refusal + std::strerror(errno);
-        return {};
-    }
-    try {
-        wholefile::replace(path, {static_cast<const std::uint8_t*>([data bytes]), [data length]});
-        return {};
-    } catch (const wholefile::Error& error) {
-        return refusal + error.what();
-    }
 }
 
 } // namespace commands

@@ -86,6 +86,26 @@ expect 0 "" "$apply" b.jpg -o c.png
 grep -q 'Camera Makers' b.jpg || fail "--keep-metadata loses the maker in a JPEG"
 grep -q 'Camera Makers' c.png && fail "metadata are kept without being asked for"
 
+# IPTC's fields go through XMP into the formats that have no other place for them.
+{
+    head -c 2 plain.jpg
+    printf '\xff\xed\x00\x30Photoshop 3.0\x008BIM\x04\x04\x00\x00\x00\x00\x00\x12'
+    printf '\x1c\x02\x50\x00\x0dAnna Ancher  '
+    tail -c +3 plain.jpg
+} >byline.jpg
+expect 0 "" "$apply" byline.jpg --keep-metadata -o a.png
+expect 0 "" "$apply" a.png --keep-metadata -o b.webp
+expect 0 "" "$apply" b.webp --keep-metadata -o c.jpg
+for file in a.png b.webp c.jpg; do grep -q 'Anna Ancher' $file || fail "--keep-metadata loses the byline in $file"; done
+grep -q 'Photoshop 3.0' c.jpg || fail "the byline is not where JPEG files have it"
+expect 0 "" "$apply" byline.jpg -o a.png
+grep -q 'Anna Ancher' a.png && fail "a byline is kept without being asked for"
+
+# WebP, without loss at the best quality.
+expect 0 "" "$apply" in.png --quality 100 -o a.webp
+expect 0 "" "$apply" a.webp -o a.png
+same a.png plain.png
+
 # Several pictures: to a folder and to a pattern, one line for each failure, the others written.
 mkdir out
 echo broken >broken.png
@@ -138,7 +158,17 @@ expect 2 "did you mean 'orange'?" "$apply" in.png CIFalseColor color0=oragne -o 
 expect 2 "is not 2 numbers" "$apply" in.png CITwirlDistortion center=1,2,3 -o a.png
 expect 2 "intensity is given twice" "$apply" in.png CISepiaTone intensity=1 inputIntensity=1 -o a.png
 expect 2 "cannot write nowhere/a.png: no such folder" "$apply" in.png -o nowhere/a.png
-expect 2 "its name must end in .png, .jpg or .tiff" "$apply" in.png -o a.gif
+expect 2 "cannot write nowhere/at/all/in.png: no such folder" "$apply" in.png -o nowhere/at/all/
+expect 1 "cannot write /proc/a.png: no such folder" "$apply" in.png -o /proc/a.png
+expect 1 "cannot write the standard output: No space left on device" bash -c '"$0" in.png -o - >/dev/full' "$apply"
+
+# A folder that is named with its slash is made, once.
+expect 0 "" "$apply" in.png -o made/
+expect 0 "" "$apply" in.png -o made/
+[[ -s made/in.png ]] || fail "made/in.png is missing"
+expect 0 "" "$apply" in.png -o listed/ --list
+[[ ! -e listed ]] || fail "--list makes a folder"
+expect 2 "its name must end in .png, .jpg, .tiff or .webp" "$apply" in.png -o a.gif
 expect 2 "would overwrite a picture that is read" "$apply" in.png -o in.png
 expect 2 "two pictures would be written to out/in.png" "$apply" in.png out/in.png -o out
 expect 2 "several pictures need a folder or a pattern" "$apply" in.png stripes.png -o a.png

@@ -122,7 +122,7 @@ REALmethodDefinition methods[] = {
     ///     Dim list() As Double = Array(0.1, 0.2, 0.3)
     ///     Dim v As New CIVectorKaz(list)
     method("Constructor(values() as double)", initWithArray<double>),
-    /// Makes a vector of one number, which must not be an Integer: that would be taken for a handle.
+    /// Makes a vector of one number, which must not be an Integer: that is taken for a handle.
     ///     Dim v As New CIVectorKaz(1.0)
     method("Constructor(x as single)", initWithX),
     /// Makes a vector of two numbers, such as a position.

@@ -7,6 +7,17 @@
 
 namespace objects {
 
+namespace {
+
+// Whether an object could be at the address. New CIVectorKaz(1) gives a number where an address is expected:
+// the first page of memory and the last one hold no objects, and objects lie at multiples of four.
+bool mayBeObject(std::int32_t address) {
+    constexpr std::int32_t kPage = 4096;
+    return (address < -kPage || address >= kPage) && address % 4 == 0;
+}
+
+} // namespace
+
 void constructWrapper(REALobject) { bridge::ensureFamily(); }
 
 void destroyWrapper(REALobject wrapper) {
@@ -49,7 +60,7 @@ void constructWithHandle(const WrapperType& type, REALobject wrapper, std::int32
     prepared([&] {
         id native = reinterpret_cast<id>(handle);
         Class expected = static_cast<Class>(objc_getClass(type.nativeClass));
-        if (expected && [native isKindOfClass:expected]) {
+        if (expected && mayBeObject(handle) && [native isKindOfClass:expected]) {
             adopt(wrapper, [native retain]);
         } else {
             std::snprintf(message, sizeof message, "Reference is not a %s", type.nativeClass);

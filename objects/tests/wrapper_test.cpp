@@ -80,6 +80,15 @@ TEST_F(Wrappers, AHandleOfAnotherClassIsRefused) {
     expectClean();
 }
 
+// New CIVectorKaz(1) means the handle 1, because 1 is an Integer.
+TEST_F(Wrappers, ANumberThatCannotBeAnAddressIsRefused) {
+    for (int number : {1, 4, 300, 4092, 5001, -1, -4, -4096})
+        EXPECT_EQ(raisedBy([&] { host.create("CIVectorKaz", {number}); }),
+                  "UnsupportedOperationException: Reference is not a CIVector")
+            << number;
+    expectClean();
+}
+
 TEST_F(Wrappers, EveryClassRefusesAZeroHandleByItsOwnName) {
     for (const char* name : {"CIColor", "CIImage", "CIContext", "CIVector", "CIFilterShape", "CIFilter",
                              "CISampler", "CIFeature", "CIFaceFeature", "CIDetector"})

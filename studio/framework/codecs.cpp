@@ -141,22 +141,37 @@ std::string md5(std::string_view bytes) {
 // Bytes whose encoding the caller knows.
 REALstring bytesString(const std::string& bytes) { return heap().newString(bytes, kREALTextEncodingUnknown); }
 
+/// Bytes as text, and back. Decoding gives text without an encoding; DefineEncoding says which it has.
 FrameworkFunctions codecFunctions() {
     return {
+        /// The bytes in Base64, in lines of at most this many characters; 0 makes one line.
+        ///     Print EncodeBase64("fig and pear", 0)
         method("EncodeBase64(s As String, lineWrap As Integer = 76) As String",
                [](REALstring s, std::int32_t lineWrap) {
                    return makeString(encodedBase64(bytesOf(s), lineWrap));
                }),
+        /// The bytes that Base64 stands for; characters that do not belong to it are skipped.
+        ///     Print DecodeBase64("ZmlnIGFuZCBwZWFy")
         method("DecodeBase64(s As String) As String",
                [](REALstring s) { return bytesString(decodedBase64(bytesOf(s))); }),
+        /// Two hexadecimal digits for each byte.
+        ///     Print EncodeHex("fig")
         method("EncodeHex(s As String) As String",
                [](REALstring s) { return makeString(encodedHex(bytesOf(s))); }),
+        /// The bytes that pairs of hexadecimal digits stand for; other characters are skipped.
+        ///     Print DecodeHex("666967")
         method("DecodeHex(s As String) As String",
                [](REALstring s) { return bytesString(decodedHex(bytesOf(s))); }),
+        /// The text with every byte that has a meaning in URLs as % and two digits.
+        ///     Print EncodeURLComponent("fig & pear")
         method("EncodeURLComponent(s As String) As String",
                [](REALstring s) { return makeString(encodedURL(bytesOf(s))); }),
+        /// The text with each % and two digits turned into the byte they stand for.
+        ///     Print DecodeURLComponent("fig%20%26%20pear")
         method("DecodeURLComponent(s As String) As String",
                [](REALstring s) { return bytesString(decodedURL(bytesOf(s))); }),
+        /// The MD5 sum of the bytes, as 16 bytes (RFC 1321).
+        ///     Print EncodeHex(MD5("fig"))
         method("MD5(s As String) As String", [](REALstring s) { return bytesString(md5(bytesOf(s))); }),
     };
 }

@@ -38,30 +38,59 @@ HSV toHSV(std::uint32_t c) {
     return {h / 6, high > 0 ? range / high : 0, high};
 }
 
+/// Making colours and reading their parts. A colour has 8 bits each of red, green, blue and transparency,
+/// where 0 is opaque.
+///     Dim gold As Color = RGB(255, 204, 51)
 FrameworkFunctions colorFunctions() {
     return {
+        /// A colour from its parts, each from 0 to 255; values outside of that are brought into range.
+        ///     Dim glass As Color = RGB(0, 128, 255, 127)
         method("RGB(red As Integer, green As Integer, blue As Integer, transparency As Integer = 0) As Color",
                pack),
+        /// A colour from hue, saturation and value, each from 0 to 1; a hue of 1 is red again.
+        ///     Dim green As Color = HSV(1 / 3, 1, 1)
         method("HSV(hue As Double, saturation As Double, value As Double) As Color", fromHSV),
+        /// A colour from cyan, magenta and yellow, each from 0 to 1.
+        ///     Dim orange As Color = CMY(0, 0.5, 1)
         method("CMY(cyan As Double, magenta As Double, yellow As Double) As Color",
                [](double cyan, double magenta, double yellow) {
                    auto channel = [](double ink) { return std::int32_t(std::lround((1 - ink) * 255)); };
                    return pack(channel(cyan), channel(magenta), channel(yellow), 0);
                }),
+        /// The colour's cyan, from 0 to 1.
+        ///     Print Str(gold.Cyan)
         method("Cyan(Extends c As Color) As Double",
                [](std::uint32_t c) { return 1 - (c >> 16 & 255) / 255.0; }),
+        /// The colour's magenta, from 0 to 1.
+        ///     Print Str(gold.Magenta)
         method("Magenta(Extends c As Color) As Double",
                [](std::uint32_t c) { return 1 - (c >> 8 & 255) / 255.0; }),
+        /// The colour's yellow, from 0 to 1.
+        ///     Print Str(gold.Yellow)
         method("Yellow(Extends c As Color) As Double", [](std::uint32_t c) { return 1 - (c & 255) / 255.0; }),
+        /// The colour's red, from 0 to 255.
+        ///     Print Str(gold.Red)
         method("Red(Extends c As Color) As Integer",
                [](std::uint32_t c) { return std::int32_t(c >> 16 & 255); }),
+        /// The colour's green, from 0 to 255.
+        ///     Print Str(gold.Green)
         method("Green(Extends c As Color) As Integer",
                [](std::uint32_t c) { return std::int32_t(c >> 8 & 255); }),
+        /// The colour's blue, from 0 to 255.
+        ///     Print Str(gold.Blue)
         method("Blue(Extends c As Color) As Integer", [](std::uint32_t c) { return std::int32_t(c & 255); }),
+        /// The colour's transparency: 0 is opaque, 255 clear.
+        ///     Print Str(gold.Alpha)
         method("Alpha(Extends c As Color) As Integer",
                [](std::uint32_t c) { return std::int32_t(255 - (c >> 24)); }),
+        /// The colour's hue, from 0 to 1; greys have 0.
+        ///     Print Str(gold.Hue)
         method("Hue(Extends c As Color) As Double", [](std::uint32_t c) { return toHSV(c).h; }),
+        /// The colour's saturation, from 0 to 1.
+        ///     Print Str(gold.Saturation)
         method("Saturation(Extends c As Color) As Double", [](std::uint32_t c) { return toHSV(c).s; }),
+        /// The value of the strongest of red, green and blue, from 0 to 1.
+        ///     Print Str(gold.Value)
         method("Value(Extends c As Color) As Double", [](std::uint32_t c) { return toHSV(c).v; }),
     };
 }

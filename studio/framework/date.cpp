@@ -96,6 +96,9 @@ REALstring formatted(REALobject self, const char* format) {
     return heap().newString({text, std::strftime(text, sizeof text, format, &f)}, kREALTextEncodingUTF8);
 }
 
+/// A day and a time of day, to the second; a new one is now. Fields out of range carry over when they are
+/// read.
+///     Dim landing As New Date(1969, 7, 20, 20, 17, 40)
 FrameworkClass dateClass() {
     FrameworkClass table = classWithData<Date>("Date");
     table.variantType = kREALVariantDate;
@@ -104,19 +107,39 @@ FrameworkClass dateClass() {
         setLocal(date(self), std::time(nullptr));
     };
     table.properties = {
+        /// The year, with all of its digits.
+        ///     Print Str(landing.Year)
         fieldProperty<&Date::year>("Year"),
+        /// The month, from 1 to 12.
+        ///     Print Str(landing.Month)
         fieldProperty<&Date::month>("Month"),
+        /// The day of the month, from 1.
+        ///     Print Str(landing.Day)
         fieldProperty<&Date::day>("Day"),
+        /// The hour, from 0 to 23.
+        ///     Print Str(landing.Hour)
         fieldProperty<&Date::hour>("Hour"),
+        /// The minute, from 0 to 59.
+        ///     Print Str(landing.Minute)
         fieldProperty<&Date::minute>("Minute"),
+        /// The second, from 0 to 59.
+        ///     Print Str(landing.Second)
         fieldProperty<&Date::second>("Second"),
+        /// The day of the week: 1 is Sunday, 7 is Saturday.
+        ///     Print Str(landing.DayOfWeek)
         property("DayOfWeek", "Integer",
                  [](REALobject self) { return std::int32_t(fields(date(self)).tm_wday + 1); }),
+        /// The day of the year, from 1.
+        ///     Print Str(landing.DayOfYear)
         property("DayOfYear", "Integer",
                  [](REALobject self) { return std::int32_t(fields(date(self)).tm_yday + 1); }),
+        /// The difference to Greenwich in hours. Setting it leaves the other fields as they are.
+        ///     Print Str(landing.GMTOffset)
         property(
             "GMTOffset", "Double", [](REALobject self) { return date(self).gmtOffset; },
             [](REALobject self, std::uint32_t, double value) { date(self).gmtOffset = value; }),
+        /// The seconds since the start of 1904, in the date's own zone.
+        ///     landing.TotalSeconds = landing.TotalSeconds + 60
         property(
             "TotalSeconds", "Double",
             [](REALobject self) { return double(seconds(date(self))) + kSecondsFrom1904To1970; },
@@ -126,40 +149,62 @@ FrameworkClass dateClass() {
                 gmtime_r(&time, &utc);
                 setFields(date(self), utc);
             }),
+        /// The day as 1969-07-20. Setting it takes a time as well and otherwise sets midnight; raises
+        /// InvalidArgumentException for other text.
+        ///     Print landing.SQLDate
         property(
             "SQLDate", "String", [](REALobject self) { return sql(self, false); },
             [](REALobject self, std::uint32_t, REALstring text) { setSQL(self, text); }),
+        /// The day and time as 1969-07-20 20:17:40. Setting it takes a day alone as well and then sets
+        /// midnight; raises InvalidArgumentException for other text.
+        ///     Print landing.SQLDateTime
         property(
             "SQLDateTime", "String", [](REALobject self) { return sql(self, true); },
             [](REALobject self, std::uint32_t, REALstring text) { setSQL(self, text); }),
+        /// The day as 7/20/69.
+        ///     Print landing.ShortDate
+        property("ShortDate", "String", [](REALobject self) { return formatted(self, "%-m/%-d/%y"); }),
+        /// The day as Sunday, July 20, 1969.
+        ///     Print landing.LongDate
+        property("LongDate", "String", [](REALobject self) { return formatted(self, "%A, %B %-d, %Y"); }),
+        /// The day as Sun, Jul 20, 1969.
+        ///     Print landing.AbbreviatedDate
+        property("AbbreviatedDate", "String",
+                 [](REALobject self) { return formatted(self, "%a, %b %-d, %Y"); }),
+        /// The time as 8:17 PM.
+        ///     Print landing.ShortTime
+        property("ShortTime", "String", [](REALobject self) { return formatted(self, "%-I:%M %p"); }),
+        /// The time as 8:17:40 PM.
+        ///     Print landing.LongTime
+        property("LongTime", "String", [](REALobject self) { return formatted(self, "%-I:%M:%S %p"); }),
+        /// The week of the year, from 1; weeks start on Sunday.
+        ///     Print Str(landing.WeekOfYear)
+        property("WeekOfYear", "Integer",
+                 [](REALobject self) {
+                     std::tm f = fields(date(self));
+                     int firstWeekday = (f.tm_wday - f.tm_yday % 7 + 7) % 7;
+                     return std::int32_t((f.tm_yday + firstWeekday) / 7 + 1);
+                 }),
     };
-    auto formattedAs = [](const char* name, auto getter) { return property(name, "String", getter); };
-    for (const FrameworkProperty& row : {
-             formattedAs("ShortDate", [](REALobject self) { return formatted(self, "%-m/%-d/%y"); }),
-             formattedAs("LongDate", [](REALobject self) { return formatted(self, "%A, %B %-d, %Y"); }),
-             formattedAs("AbbreviatedDate",
-                         [](REALobject self) { return formatted(self, "%a, %b %-d, %Y"); }),
-             formattedAs("ShortTime", [](REALobject self) { return formatted(self, "%-I:%M %p"); }),
-             formattedAs("LongTime", [](REALobject self) { return formatted(self, "%-I:%M:%S %p"); }),
-             property("WeekOfYear", "Integer",
-                      [](REALobject self) {
-                          std::tm f = fields(date(self));
-                          int firstWeekday = (f.tm_wday - f.tm_yday % 7 + 7) % 7;
-                          return std::int32_t((f.tm_yday + firstWeekday) / 7 + 1);
-                      }),
-         })
-        table.properties.push_back(row);
     table.methods = {
+        /// The difference in seconds, which makes <, = and > work; zones are not compared.
+        ///     Print Str(landing < New Date)
         method("Operator_Compare(other As Date) As Double",
                [](REALobject self, REALobject other) {
                    return double(seconds(date(self))) - double(seconds(date(other)));
                }),
+        /// Makes the date of this moment, in local time.
+        ///     Dim today As New Date
         method("Constructor", [](REALobject) {}),
+        /// Makes a copy. Raises NilObjectException without a date.
+        ///     Dim same As New Date(landing)
         method("Constructor(other As Date)",
                [](REALobject self, REALobject other) {
                    if (!other) raise("NilObjectException", "the Date to copy is nil");
                    date(self) = date(other);
                }),
+        /// Makes a date of its fields.
+        ///     Dim christmas As New Date(2012, 12, 24)
         method("Constructor(year As Integer, month As Integer, day As Integer, hour As Integer = 0, "
                "minute As Integer = 0, second As Integer = 0)",
                [](REALobject self, std::int32_t year, std::int32_t month, std::int32_t day, std::int32_t hour,
@@ -186,10 +231,18 @@ bool parseDate(REALstring text, REALobject result) {
     return true;
 }
 
-const Registrar registrar([] {
-    return FrameworkPart{{dateClass()},
-                         {method("ParseDate(text As String, value As Date) As Boolean", parseDate)}};
-});
+/// Reading dates.
+FrameworkFunctions dateFunctions() {
+    return {
+        /// Sets a date from 12/31/2012 or 2012-12-31, at midnight, and returns False for any other text;
+        /// years below 100 lie from 1950 to 2049. Raises NilObjectException without a date.
+        ///     Dim day As New Date
+        ///     Print Str(ParseDate("12/31/2012", day))
+        method("ParseDate(text As String, value As Date) As Boolean", parseDate),
+    };
+}
+
+const Registrar registrar([] { return FrameworkPart{{dateClass()}, dateFunctions()}; });
 
 } // namespace
 

@@ -110,6 +110,9 @@ void removeKey(REALobject self, REALobject key) {
     heap().release(gone.value);
 }
 
+/// Values by their keys, in the order in which the keys were added. Keys may be of any type; texts ignore
+/// case.
+///     Dim prices As New Dictionary("fig" : 0.4, "pear" : 0.3)
 FrameworkClass dictionaryClass() {
     FrameworkClass table = classWithData<Dictionary>("Dictionary");
     table.destructor = +[](REALobject self) {
@@ -117,13 +120,21 @@ FrameworkClass dictionaryClass() {
         dictionary(self).~Dictionary();
     };
     table.properties = {
+        /// How many keys there are.
+        ///     Print Str(prices.Count)
         property("Count", "Integer",
                  [](REALobject self) { return std::int32_t(dictionary(self).entries.size()); }),
+        /// How many bins the table of keys has.
+        ///     Print Str(prices.BinCount)
         property("BinCount", "Integer",
                  [](REALobject self) { return std::int32_t(dictionary(self).index.bucket_count()); }),
     };
     table.methods = {
+        /// Makes an empty dictionary.
+        ///     Dim empty As New Dictionary
         method("Constructor", [](REALobject) {}),
+        /// Makes a dictionary of pairs of a key and a value. Raises NilObjectException if one is Nil.
+        ///     Dim colours As New Dictionary("sky" : &c66AAFF)
         method("Constructor(ParamArray entries As Pair)",
                [](REALobject self, REALobject entries) {
                    for (std::int32_t i = 0; i < arrayOf(entries).count; ++i) {
@@ -133,19 +144,37 @@ FrameworkClass dictionaryClass() {
                        setValue(self, key, value);
                    }
                }),
+        /// The value of a key. Reading raises KeyNotFoundException if there is none; setting adds the key.
+        ///     prices.Value("plum") = 0.2
         method("Value(key As Variant) As Variant", value, setValue),
+        /// The value of a key, or another if there is none.
+        ///     Print Str(prices.Lookup("kiwi", 0))
         method("Lookup(key As Variant, defaultValue As Variant) As Variant",
                [](REALobject self, REALobject key, REALobject defaultValue) {
                    Entry* entry = find(self, key);
                    return Heap::retain(entry ? entry->value : defaultValue);
                }),
+        /// Whether there is such a key.
+        ///     Print Str(prices.HasKey("FIG"))
         method("HasKey(key As Variant) As Boolean",
                [](REALobject self, REALobject key) { return find(self, key) != nullptr; }),
+        /// The key at an index from 0. Raises OutOfBoundsException if there is none.
+        ///     Print prices.Key(0)
         method("Key(index As Integer) As Variant",
                [](REALobject self, std::int32_t index) { return Heap::retain(entryAt(self, index).key); }),
+        /// All keys.
+        ///     For Each key As Variant In prices.Keys
+        ///       Print key
+        ///     Next
         method("Keys As Variant()", [](REALobject self) { return listOf(self, &Entry::key); }),
+        /// All values, in the order of their keys.
+        ///     Dim values() As Variant = prices.Values
         method("Values As Variant()", [](REALobject self) { return listOf(self, &Entry::value); }),
+        /// Removes a key and its value. Raises KeyNotFoundException if there is none.
+        ///     prices.Remove("pear")
         method("Remove(key As Variant)", removeKey),
+        /// Removes everything.
+        ///     prices.Clear
         method("Clear", clear),
     };
     return table;

@@ -1,6 +1,7 @@
 // Graphics and RGBSurface: two ways to a picture's pixels.
 #include "drawing.h"
 #include "framework/picture.h"
+#include "object2d.h"
 #include "picture_data.h"
 #include "table.h"
 
@@ -117,6 +118,16 @@ std::vector<shapes::Point> corners(REALobject points) {
     return result;
 }
 
+void drawObject(REALobject self, REALobject object, std::int32_t x, std::int32_t y) {
+    Picture& picture = target(self);
+    std::uint32_t before = picture.foreColor;
+    drawObject2D(object, x, y, [&](const shapes::Shape& shape, std::uint32_t color) {
+        picture.foreColor = color;
+        fill(self, shape);
+        picture.foreColor = before;
+    });
+}
+
 // ---- text ------------------------------------------------------------------------------------------------
 
 // Calls `body`; what typesetting throws, for want of a font, becomes the program's exception.
@@ -192,45 +203,83 @@ REALobject pictureSurface(REALobject picture) { return viewOf("RGBSurface", pict
 
 namespace {
 
+/// Draws on a picture. Places are in pixels from the upper left corner, with y downwards; what lies outside
+/// is left out. The pen hangs to the right of and below the point that it draws.
+///     Dim canvas As New Picture(200, 120, 32)
+///     Dim g As Graphics = canvas.Graphics
 FrameworkClass graphicsClass() {
     using I = std::int32_t;
     FrameworkClass table = viewClass("Graphics");
     table.properties = {
+        /// The width of the part of the picture that is drawn on, in pixels.
+        ///     Print Str(g.Width)
         property("Width", "Integer", [](REALobject self) { return I(dataOf<View>(self).bounds.width); }),
+        /// The height of the part of the picture that is drawn on, in pixels.
+        ///     Print Str(g.Height)
         property("Height", "Integer", [](REALobject self) { return I(dataOf<View>(self).bounds.height); }),
+        /// The colour of everything that is drawn; black at first.
+        ///     g.ForeColor = RGB(0, 102, 204)
         property(
             "ForeColor", "Color", [](REALobject self) { return target(self).foreColor; },
             [](REALobject self, std::uint32_t, std::uint32_t color) { target(self).foreColor = color; }),
+        /// The width of the pen in pixels, at least 1.
+        ///     g.PenWidth = 3
         property(
             "PenWidth", "Integer", [](REALobject self) { return target(self).penWidth; },
             [](REALobject self, std::uint32_t, I width) { target(self).penWidth = std::max(width, 1); }),
+        /// The height of the pen in pixels, at least 1.
+        ///     g.PenHeight = 3
         property(
             "PenHeight", "Integer", [](REALobject self) { return target(self).penHeight; },
             [](REALobject self, std::uint32_t, I height) { target(self).penHeight = std::max(height, 1); }),
+        /// The font's family. If the machine does not have it, text is drawn in DejaVu Sans and standard
+        /// error says so.
+        ///     g.TextFont = "Times"
         property(
             "TextFont", "String", [](REALobject self) { return makeString(target(self).textStyle.family); },
             setTextFont),
+        /// The size of text in pixels; 0 is 12.
+        ///     g.TextSize = 24
         property(
             "TextSize", "Single", [](REALobject self) { return float(target(self).textStyle.size); },
             [](REALobject self, std::uint32_t, float size) { target(self).textStyle.size = double(size); }),
+        /// Whether text is bold.
+        ///     g.Bold = True
         styleSwitch<&typeset::Style::bold>("Bold"),
+        /// Whether text is slanted.
+        ///     g.Italic = True
         styleSwitch<&typeset::Style::italic>("Italic"),
+        /// Whether text is underlined.
+        ///     g.Underline = True
         styleSwitch<&typeset::Style::underline>("Underline"),
+        /// The height of the font above the base line, in whole pixels.
+        ///     Print Str(g.TextAscent)
         property("TextAscent", "Double", textAscent),
+        /// The distance of two lines of text, in whole pixels.
+        ///     Print Str(g.TextHeight)
         property("TextHeight", "Double", textHeight),
     };
     table.methods = {
+        /// Draws a part of a picture, scaled to a width and height; a part of -10000 is the whole width or
+        /// height. Raises NilObjectException without a picture.
+        ///     g.DrawPicture(canvas, 100, 60, 50, 30, 0, 0, 200, 120)
         method("DrawPicture(Image as Picture, x as Integer, y as Integer, w as Integer, h as Integer, "
                "sx as Integer = 0, sy as Integer = 0, sw as Integer = -10000, sh as Integer = -10000)",
                drawPicture),
+        /// Draws a picture in its own size. Raises NilObjectException without one.
+        ///     g.DrawPicture(New Picture(20, 20, 32), 10, 10)
         method("DrawPicture(Image As Picture, x As Integer, y As Integer)",
                [](REALobject self, REALobject image, I x, I y) {
                    if (!image) raise("NilObjectException", "the picture to draw is nil");
                    const Pixels& p = pictureOf(image).pixels;
                    drawPicture(self, image, x, y, p.width, p.height, 0, 0, p.width, p.height);
                }),
+        /// Fills a rectangle.
+        ///     g.FillRect(10, 10, 80, 40)
         method("FillRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) { fillRect(self, box(x, y, w, h)); }),
+        /// Draws the frame of a rectangle, inside of it.
+        ///     g.DrawRect(10, 10, 80, 40)
         method("DrawRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
                    double left = x, top = y, width = w, height = h;
@@ -242,34 +291,58 @@ FrameworkClass graphicsClass() {
                    fillRect(self, {left + width - across, top + down, width > across ? across : 0,
                                    height - 2 * down});
                }),
+        /// Fills the oval that fits into a rectangle.
+        ///     g.FillOval(10, 10, 80, 40)
         method("FillOval(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) { fill(self, shapes::oval(box(x, y, w, h))); }),
+        /// Draws the frame of the oval that fits into a rectangle.
+        ///     g.DrawOval(10, 10, 80, 40)
         method("DrawOval(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
                    fill(self, shapes::ovalFrame(box(x, y, w, h), pen(self)));
                }),
+        /// Fills a rectangle whose corners are quarters of an oval of arcWidth by arcHeight.
+        ///     g.FillRoundRect(10, 10, 80, 40, 16, 16)
         method("FillRoundRect(x As Integer, y As Integer, width As Integer, height As Integer, "
                "arcWidth As Integer, arcHeight As Integer)",
                [](REALobject self, I x, I y, I w, I h, I arcWidth, I arcHeight) {
                    fill(self, shapes::roundRect(box(x, y, w, h), {double(arcWidth), double(arcHeight)}));
                }),
+        /// Draws the frame of a rectangle whose corners are quarters of an oval of arcWidth by arcHeight.
+        ///     g.DrawRoundRect(10, 10, 80, 40, 16, 16)
         method("DrawRoundRect(x As Integer, y As Integer, width As Integer, height As Integer, "
                "arcWidth As Integer, arcHeight As Integer)",
                [](REALobject self, I x, I y, I w, I h, I arcWidth, I arcHeight) {
                    fill(self, shapes::roundRectFrame(box(x, y, w, h), {double(arcWidth), double(arcHeight)},
                                                      pen(self)));
                }),
+        /// Draws a line with the pen.
+        ///     g.DrawLine(0, 0, 200, 120)
         method("DrawLine(x1 As Integer, y1 As Integer, x2 As Integer, y2 As Integer)",
                [](REALobject self, I x1, I y1, I x2, I y2) {
                    fill(self, shapes::line({double(x1), double(y1)}, {double(x2), double(y2)}, pen(self)));
                }),
+        /// Fills a polygon given as x, y, x, y from element 1 on. Raises NilObjectException without an
+        /// array.
+        ///     g.FillPolygon(Array(0, 20, 20, 60, 20, 40, 60))
         method("FillPolygon(points() As Integer)",
                [](REALobject self, REALobject points) { fill(self, shapes::polygon(corners(points))); }),
+        /// Draws the closed frame of a polygon given as x, y, x, y from element 1 on. Raises
+        /// NilObjectException without an array.
+        ///     g.DrawPolygon(Array(0, 20, 20, 60, 20, 40, 60))
         method("DrawPolygon(points() As Integer)",
                [](REALobject self, REALobject points) {
                    fill(self, shapes::polygonFrame(corners(points), pen(self)));
                }),
+        /// Draws a shape with its own colours; x and y are added to its place.
+        ///     g.DrawObject(New OvalShape, 100, 80)
+        method("DrawObject(object As Object2D, x As Integer = 0, y As Integer = 0)", drawObject),
+        /// A Graphics for a part of the picture: its places count from the part's corner, and it changes
+        /// nothing outside.
+        ///     Dim part As Graphics = g.Clip(50, 30, 100, 60)
         method("Clip(x As Integer, y As Integer, width As Integer, height As Integer) As Graphics", clipped),
+        /// Makes a rectangle white, or clear in a picture with an alpha channel.
+        ///     g.ClearRect(10, 10, 80, 40)
         method("ClearRect(x As Integer, y As Integer, width As Integer, height As Integer)",
                [](REALobject self, I x, I y, I w, I h) {
                    Picture& picture = target(self);
@@ -277,11 +350,20 @@ FrameworkClass graphicsClass() {
                    picture.pixels.clearRect(Pixels::Place(to.x), Pixels::Place(to.y), Pixels::Place(to.width),
                                             Pixels::Place(to.height), picture.hasAlpha ? 0 : 0xFFFFFFFF);
                }),
+        /// Draws text with its base line at y. A wrapWidth above 0 breaks lines at that many pixels or,
+        /// with condense, cuts the text off there with an ellipsis.
+        ///     g.DrawString("Figs and pears", 10, 30, 100)
         method("DrawString(text As String, x As Double, y As Double, wrapWidth As Double = 0, "
                "condense As Boolean = False)",
                drawString),
+        /// The width of the text in pixels.
+        ///     Print Str(g.StringWidth("Figs"))
         method("StringWidth(text As String) As Double", stringWidth),
+        /// The height in pixels of the text, broken into lines of a width; 0 breaks nothing.
+        ///     Print Str(g.StringHeight("Figs and pears", 40))
         method("StringHeight(text As String, wrapWidth As Double) As Double", stringHeight),
+        /// The colour of a pixel; outside of the picture it is black, and setting one there does nothing.
+        ///     g.Pixel(3, 4) = &cFF0000
         method("Pixel(x As Integer, y As Integer) As Color", pixel, setPixel),
     };
     return table;
@@ -325,28 +407,62 @@ void floodFill(REALobject self, std::int32_t x, std::int32_t y, std::uint32_t co
     }
 }
 
+/// The pixels of a picture one by one. Places count from the upper left corner.
+///     Dim canvas As New Picture(64, 48, 32)
+///     Dim surface As RGBSurface = canvas.RGBSurface
 FrameworkClass surfaceClass() {
     FrameworkClass table = viewClass("RGBSurface");
     table.properties = {
+        /// The width in pixels.
+        ///     Print Str(surface.Width)
         property("Width", "Integer", [](REALobject self) { return std::int32_t(target(self).pixels.width); }),
+        /// The height in pixels.
+        ///     Print Str(surface.Height)
         property("Height", "Integer",
                  [](REALobject self) { return std::int32_t(target(self).pixels.height); }),
     };
     table.methods = {
+        /// The colour of a pixel; outside of the picture it is black, and setting one there does nothing.
+        ///     surface.Pixel(3, 4) = &cFF0000
         method("Pixel(x As Integer, y As Integer) As Color", pixel, setPixel),
+        /// Gives a colour to a pixel and all that are joined to it and have the same colour.
+        ///     surface.FloodFill(10, 10, &c3366FF)
         method("FloodFill(x As Integer, y As Integer, color As Color)", floodFill),
+        /// Replaces each of red, green and blue by the entry of a table of 256 values. Raises
+        /// OutOfBoundsException for a shorter table.
+        ///     Dim inverse(255) As Integer
+        ///     For i As Integer = 0 To 255
+        ///       inverse(i) = 255 - i
+        ///     Next
+        ///     surface.Transform(inverse)
         method("Transform(map() As Integer)",
                [](REALobject self, REALobject map) { transform(self, map, map, map); }),
+        /// Replaces red, green and blue by the entries of a table of 256 values for each. Raises
+        /// OutOfBoundsException for a shorter table.
+        ///     Dim same(255), half(255) As Integer
+        ///     For i As Integer = 0 To 255
+        ///       same(i) = i
+        ///       half(i) = i \ 2
+        ///     Next
+        ///     surface.Transform(same, half, half)
         method("Transform(red() As Integer, green() As Integer, blue() As Integer)", transform),
     };
     return table;
 }
 
-const Registrar registrar([] {
-    return FrameworkPart{
-        {graphicsClass(), surfaceClass()},
-        {method("FontCount() As Integer", fontCount), method("Font(index As Integer) As String", fontName)}};
-});
+/// The fonts of the machine.
+FrameworkFunctions fontFunctions() {
+    return {
+        /// How many families of fonts there are.
+        ///     Print Str(FontCount > 0)
+        method("FontCount() As Integer", fontCount),
+        /// The name of a family, by an index from 0. Raises OutOfBoundsException if there is no such font.
+        ///     Print Str(Font(0).Len > 0)
+        method("Font(index As Integer) As String", fontName),
+    };
+}
+
+const Registrar registrar([] { return FrameworkPart{{graphicsClass(), surfaceClass()}, fontFunctions()}; });
 
 } // namespace
 

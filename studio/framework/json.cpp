@@ -311,6 +311,9 @@ void load(REALobject self, REALstring text) {
     std::swap(item(self), item(fresh));
 }
 
+/// An object or an array of JSON. Names heed case; what an item is turns out with its first value.
+///     Dim item As New JSONItem("{""fruit"": ""fig"", ""price"": 0.4, ""sizes"": [1, 2]}")
+///     Dim sizes As JSONItem = item.Child("sizes")
 FrameworkClass jsonItemClass() {
     FrameworkClass table = classWithData<Item>("JSONItem");
     table.destructor = +[](REALobject self) {
@@ -318,40 +321,76 @@ FrameworkClass jsonItemClass() {
         item(self).~Item();
     };
     table.properties = {
+        /// How many values there are.
+        ///     Print Str(item.Count)
         property("Count", "Integer", [](REALobject self) { return std::int32_t(item(self).values.size()); }),
+        /// Whether it is an array.
+        ///     Print Str(sizes.IsArray)
         property("IsArray", "Boolean", [](REALobject self) { return item(self).array; }),
+        /// Whether ToString leaves out blanks and line ends; True at first.
+        ///     item.Compact = False
         property(
             "Compact", "Boolean", [](REALobject self) { return item(self).compact; },
             [](REALobject self, std::uint32_t, bool compact) { item(self).compact = compact; }),
     };
     table.methods = {
+        /// Makes an empty item.
+        ///     Dim empty As New JSONItem
         method("Constructor", [](REALobject) {}),
+        /// Makes an item of JSON text. Raises JSONException if it is not JSON.
+        ///     Dim list As New JSONItem("[1, 2, 3]")
         method("Constructor(text As String)", load),
+        /// Replaces the item by JSON text. Raises JSONException if it is not JSON; the item then stays as
+        /// it was.
+        ///     Dim other As New JSONItem
+        ///     other.Load("[1, 2, 3]")
         method("Load(text As String)", load),
+        /// The item as JSON. Raises JSONException if it contains itself, or has more than 512 levels.
+        ///     Print item.ToString
         method("ToString As String",
                [](REALobject self) { return makeString(written(self, item(self).compact, 1)); }),
+        /// A value by its name. Reading raises KeyNotFoundException if there is none; setting adds it, and
+        /// raises JSONException in an array.
+        ///     item.Value("ripe") = True
         method("Value(name As String) As Variant", valueNamed, setValueNamed),
+        /// A value by its index from 0. Raises OutOfBoundsException if there is none.
+        ///     Print Str(sizes.Value(0))
         method("Value(index As Integer) As Variant", valueAt, setValueAt),
+        /// A nested item by its name. Raises KeyNotFoundException if there is none, JSONException if the
+        /// value is not an item.
+        ///     Print item.Child("sizes").ToString
         method(
             "Child(name As String) As JSONItem",
             [](REALobject self, REALstring name) { return asItem(valueNamed(self, name)); }, setValueNamed),
+        /// A nested item by its index from 0. Raises OutOfBoundsException if there is none, JSONException
+        /// if the value is not an item.
+        ///     Print item.Child(2).ToString
         method(
             "Child(index As Integer) As JSONItem",
             [](REALobject self, std::int32_t index) { return asItem(valueAt(self, index)); }, setValueAt),
+        /// A value by its name, or another if there is none.
+        ///     Print item.Lookup("colour", "unknown")
         method("Lookup(name As String, defaultValue As Variant) As Variant",
                [](REALobject self, REALstring name, REALobject defaultValue) {
                    std::size_t index = indexOf(self, name);
                    return Heap::retain(index < item(self).names.size() ? item(self).values[index]
                                                                        : defaultValue);
                }),
+        /// Whether there is a value of that name.
+        ///     Print Str(item.HasName("fruit"))
         method(
             "HasName(name As String) As Boolean",
             [](REALobject self, REALstring name) { return indexOf(self, name) < item(self).names.size(); }),
+        /// The name of a value by its index from 0; empty in an array. Raises OutOfBoundsException if there
+        /// is none.
+        ///     Print item.Name(0)
         method("Name(index As Integer) As String",
                [](REALobject self, std::int32_t index) {
                    std::size_t at = checked(self, index);
                    return item(self).array ? nullptr : makeString(item(self).names[at]);
                }),
+        /// All names; none in an array.
+        ///     Dim names() As String = item.Names
         method("Names As String()",
                [](REALobject self) {
                    REALobject result = newArray(simpleType(Kind::String));
@@ -359,12 +398,19 @@ FrameworkClass jsonItemClass() {
                        arrayAppend(arrayOf(result), Bits::of(makeString(name)));
                    return result;
                }),
+        /// Adds a value to an array. Raises JSONException for an object.
+        ///     sizes.Append(3)
         method("Append(value As Variant)",
                [](REALobject self, REALobject value) { insertAt(self, item(self).values.size(), value); }),
+        /// Inserts a value into an array before an index from 0. Raises OutOfBoundsException beyond its
+        /// end, JSONException for an object.
+        ///     sizes.Insert(0, 0)
         method("Insert(index As Integer, value As Variant)",
                [](REALobject self, std::int32_t index, REALobject value) {
                    insertAt(self, std::size_t(std::max(index, 0)), value);
                }),
+        /// Removes a value by its name. Raises KeyNotFoundException if there is none.
+        ///     item.Remove("price")
         method("Remove(name As String)",
                [](REALobject self, REALstring name) {
                    std::size_t index = indexOf(self, name);
@@ -372,18 +418,22 @@ FrameworkClass jsonItemClass() {
                        raise("KeyNotFoundException", "the JSONItem has no value \"" + toUtf8(name) + "\"");
                    removeAt(self, index);
                }),
+        /// Removes a value by its index from 0. Raises OutOfBoundsException if there is none.
+        ///     sizes.Remove(0)
         method("Remove(index As Integer)",
                [](REALobject self, std::int32_t index) { removeAt(self, checked(self, index)); }),
+        /// Removes everything.
+        ///     item.Clear
         method("Clear", [](REALobject self) { item(self).clear(); }),
     };
     return table;
 }
 
 const Registrar registrar([] {
-    FrameworkClass exception;
-    exception.name = "JSONException";
-    exception.superclass = "RuntimeException";
-    return FrameworkPart{{jsonItemClass(), exception}};
+    return FrameworkPart{
+        {jsonItemClass(),
+         /// The text is not JSON, or the item is not what it is used as; the message names the line.
+         exceptionClass("JSONException")}};
 });
 
 } // namespace

@@ -12,6 +12,8 @@ struct Pair {
 };
 Pair& pair(REALobject self) { return dataOf<Pair>(self); }
 
+/// Two values, written left : right.
+///     Dim price As Pair = "fig" : 0.4
 FrameworkClass pairClass() {
     FrameworkClass table = classWithData<Pair>("Pair");
     table.destructor = +[](REALobject self) {
@@ -19,10 +21,16 @@ FrameworkClass pairClass() {
         heap().release(pair(self).right);
     };
     table.properties = {
+        /// The value in front of the colon.
+        ///     Print price.Left
         property("Left", "Variant", pairLeft),
+        /// The value behind the colon.
+        ///     Print Str(price.Right)
         property("Right", "Variant", pairRight),
     };
     table.methods = {
+        /// Makes a pair of two values.
+        ///     Dim other As New Pair("pear", 0.3)
         method("Constructor(left As Variant, right As Variant)",
                [](REALobject self, REALobject left, REALobject right) {
                    heap().release(std::exchange(pair(self).left, Heap::retain(left)));

@@ -301,6 +301,8 @@ namespace {
 
 // ---- the class -------------------------------------------------------------------------------------------
 
+/// A picture of 8 bits for each of red, green, blue and alpha.
+///     Dim photo As Picture = Picture.Open(SamplePhoto("coffee.png"))
 FrameworkClass pictureClass() {
     FrameworkClass table = classWithData<Picture>("Picture");
     table.destructor = +[](REALobject self) {
@@ -314,47 +316,99 @@ FrameworkClass pictureClass() {
         picture.~Picture();
     };
     table.properties = {
+        /// The width in pixels.
+        ///     Print Str(photo.Width)
         property("Width", "Integer",
                  [](REALobject self) { return std::int32_t(pictureOf(self).pixels.width); }),
+        /// The height in pixels.
+        ///     Print Str(photo.Height)
         property("Height", "Integer",
                  [](REALobject self) { return std::int32_t(pictureOf(self).pixels.height); }),
+        /// The depth that the picture was made with, in bits for each pixel; 32 with an alpha channel.
+        ///     Print Str(photo.Depth)
         property("Depth", "Integer", [](REALobject self) { return std::int32_t(pictureOf(self).depth); }),
+        /// Whether the picture has an alpha channel, as one that was made without a depth has.
+        ///     Print Str(photo.HasAlphaChannel)
         property("HasAlphaChannel", "Boolean", [](REALobject self) { return pictureOf(self).hasAlpha; }),
+        /// What draws on the picture.
+        ///     photo.Graphics.DrawLine(0, 0, photo.Width, photo.Height)
         property("Graphics", "Graphics", pictureGraphics),
+        /// What reads and sets single pixels.
+        ///     Print Str(photo.RGBSurface.Pixel(0, 0).Red)
         property("RGBSurface", "RGBSurface", pictureSurface),
+        /// A picture of greys: where it is white, this one is clear. Raises UnsupportedOperationException
+        /// when one is given to a picture with an alpha channel.
+        ///     photo.Mask.Graphics.ForeColor = &c808080
+        ///     photo.Mask.Graphics.FillRect(0, 0, 100, 100)
         property(
             "Mask", "Picture", [](REALobject self) { return pictureMask(self, true); }, setMask),
     };
     table.methods = {
+        /// Makes a white picture, or without a depth a clear one with an alpha channel. Raises
+        /// InvalidArgumentException for a size below 1, OutOfMemoryException for too large a one.
+        ///     Dim canvas As New Picture(320, 240)
         method("Constructor(width As Integer, height As Integer, depth As Integer = 0)", construct),
+        /// Writes the picture to a file in one of the SaveAs formats; quality, from 0 to 100, is for JPEG.
+        /// Raises UnsupportedOperationException if the name belongs to another format, IOException if the
+        /// file cannot be written.
+        ///     photo.Save(GetFolderItem("coffee.jpg"), Picture.SaveAsJPEG, Picture.QualityHigh)
         method("Save(file As FolderItem, format As Integer, quality As Integer = 85)", save),
+        /// The picture as the bytes of a file in one of the Format formats. Raises InvalidArgumentException
+        /// for an unknown one.
+        ///     Print Str(photo.GetData(Picture.FormatPNG).Size > 0)
         method("GetData(format As String, quality As Integer = 85) As MemoryBlock", getData),
     };
     table.sharedMethods = {
+        /// Reads a picture from a file. Raises NilObjectException without one, IOException if it does not
+        /// exist or holds no picture.
+        ///     Dim cup As Picture = Picture.Open(SamplePhoto("coffee.png"))
         method("Open(file As FolderItem) As Picture", open),
+        /// Reads a picture from the bytes of a file; Nil if they hold none. Raises NilObjectException
+        /// without data.
+        ///     Dim copy As Picture = Picture.FromData(photo.GetData(Picture.FormatPNG))
         method("FromData(data As MemoryBlock) As Picture", fromData),
+        /// Whether GetData knows a format.
+        ///     Print Str(Picture.IsExportFormatSupported(Picture.FormatPNG))
         method("IsExportFormatSupported(format As String) As Boolean",
                [](REALstring format) {
                    return std::any_of(std::begin(kFileKinds), std::end(kFileKinds),
                                       [&](const FileKind& kind) { return kind.type == toUtf8(format); });
                }),
     };
-    table.constants = {"SaveAsDefault = 0",
-                       "SaveAsPNG = 1",
-                       "SaveAsJPEG = 2",
-                       "SaveAsTIFF = 3",
-                       "SaveAsGIF = 4",
-                       "SaveAsWindowsBMP = 5",
-                       "FormatPNG = \"public.png\"",
-                       "FormatJPEG = \"public.jpeg\"",
-                       "FormatTIFF = \"public.tiff\"",
-                       "FormatGIF = \"com.compuserve.gif\"",
-                       "FormatBMP = \"com.microsoft.bmp\"",
-                       "QualityLow = 25",
-                       "QualityMedium = 50",
-                       "QualityHigh = 75",
-                       "QualityMax = 100",
-                       "QualityDefault = 85"};
+    table.constants = {
+        /// Saves in the format that the file's name ends in.
+        "SaveAsDefault = 0",
+        /// Saves as PNG, without loss.
+        "SaveAsPNG = 1",
+        /// Saves as JPEG, without alpha.
+        "SaveAsJPEG = 2",
+        /// Saves as TIFF, without loss.
+        "SaveAsTIFF = 3",
+        /// Saves as GIF, with 256 colours.
+        "SaveAsGIF = 4",
+        /// Saves as BMP.
+        "SaveAsWindowsBMP = 5",
+        /// The data of a PNG file.
+        "FormatPNG = \"public.png\"",
+        /// The data of a JPEG file.
+        "FormatJPEG = \"public.jpeg\"",
+        /// The data of a TIFF file.
+        "FormatTIFF = \"public.tiff\"",
+        /// The data of a GIF file.
+        "FormatGIF = \"com.compuserve.gif\"",
+        /// The data of a BMP file.
+        "FormatBMP = \"com.microsoft.bmp\"",
+        /// A small file that shows its compression.
+        "QualityLow = 25",
+        /// A fairly small file.
+        "QualityMedium = 50",
+        /// A good picture.
+        "QualityHigh = 75",
+        /// The best picture, in a large file.
+        "QualityMax = 100",
+        /// The quality if none is given.
+        "QualityDefault = 85",
+    };
     return table;
 }
 

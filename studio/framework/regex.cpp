@@ -176,25 +176,52 @@ FrameworkProperty optionProperty(const char* name) {
         [](REALobject self, std::uint32_t, bool value) { optionsOf(self).*option = value; });
 }
 
+/// How a RegEx searches.
+///     Dim options As New RegExOptions
 FrameworkClass optionsClass() {
     FrameworkClass table = classWithData<Options>("RegExOptions");
     table.properties = {
+        /// Whether case matters; off at first.
+        ///     options.CaseSensitive = True
         optionProperty<&Options::caseSensitive>("CaseSensitive"),
+        /// Whether a dot matches a line end as well; off at first.
+        ///     options.DotMatchAll = True
         optionProperty<&Options::dotMatchAll>("DotMatchAll"),
+        /// Whether repetitions take as much as they can; on at first.
+        ///     options.Greedy = False
         optionProperty<&Options::greedy>("Greedy"),
+        /// Whether an empty match counts; on at first.
+        ///     options.MatchEmpty = False
         optionProperty<&Options::matchEmpty>("MatchEmpty"),
+        /// Whether Replace replaces every match instead of the first; off at first.
+        ///     options.ReplaceAllMatches = True
         optionProperty<&Options::replaceAllMatches>("ReplaceAllMatches"),
+        /// Whether ^ matches at the start of the text; on at first.
+        ///     options.StringBeginIsLineBegin = False
         optionProperty<&Options::stringBeginIsLineBegin>("StringBeginIsLineBegin"),
+        /// Whether $ matches at the end of the text; on at first.
+        ///     options.StringEndIsLineEnd = False
         optionProperty<&Options::stringEndIsLineEnd>("StringEndIsLineEnd"),
+        /// Whether ^ and $ ignore the line ends within the text; off at first.
+        ///     options.TreatTargetAsOneLine = True
         optionProperty<&Options::treatTargetAsOneLine>("TreatTargetAsOneLine"),
     };
     return table;
 }
 
+/// What a RegEx found: the whole match and its groups in parentheses.
+///     Dim words As New RegEx
+///     words.SearchPattern = "(\w+), (\w+)"
+///     words.ReplacementPattern = "$2, $1"
+///     Dim match As RegExMatch = words.Search("fig, pear")
 FrameworkClass matchClass() {
     FrameworkClass table = classWithData<Match>("RegExMatch");
-    table.properties = {property("SubExpressionCount", "Integer",
-                                 [](REALobject self) { return std::int32_t(matchOf(self).groups.size()); })};
+    table.properties = {
+        /// How many groups there are, the whole match included.
+        ///     Print Str(match.SubExpressionCount)
+        property("SubExpressionCount", "Integer",
+                 [](REALobject self) { return std::int32_t(matchOf(self).groups.size()); }),
+    };
     auto checked = [](REALobject self, std::int32_t index) {
         if (index < 0 || std::size_t(index) >= matchOf(self).groups.size())
             raise("OutOfBoundsException", "the match has no group " + std::to_string(index));
@@ -202,18 +229,28 @@ FrameworkClass matchClass() {
     };
     static const auto groupAt = checked;
     table.methods = {
+        /// The text of a group; 0 is the whole match. Raises OutOfBoundsException if there is no such
+        /// group.
+        ///     Print match.SubExpressionString(1)
         method("SubExpressionString(index As Integer) As String",
                [](REALobject self, std::int32_t index) {
                    return makeString(group(matchOf(self), groupAt(self, index)));
                }),
+        /// The byte, from 0, at which a group starts, or -1 if it took no part. Raises OutOfBoundsException
+        /// if there is no such group.
+        ///     Print Str(match.SubExpressionStartB(2))
         method("SubExpressionStartB(index As Integer) As Integer",
                [](REALobject self, std::int32_t index) {
                    std::size_t from = matchOf(self).groups[groupAt(self, index)].from;
                    return from == PCRE2_UNSET ? -1 : std::int32_t(from);
                }),
+        /// The RegEx's ReplacementPattern with this match's groups filled in.
+        ///     Print match.Replace
         method(
             "Replace As String",
             [](REALobject self) { return makeString(expanded(matchOf(self), matchOf(self).replacement)); }),
+        /// A pattern with this match's groups filled in: \1 or $1 is a group, \0 or \& the whole match.
+        ///     Print match.Replace("$2 and $1")
         method("Replace(pattern As String) As String",
                [](REALobject self, REALstring pattern) {
                    return makeString(expanded(matchOf(self), toUtf8(pattern)));
@@ -222,6 +259,10 @@ FrameworkClass matchClass() {
     return table;
 }
 
+/// A pattern to search text for, in the syntax of Perl. A wrong pattern raises RegExException when it is
+/// used.
+///     Dim words As New RegEx
+///     words.SearchPattern = "(\w+)@(\w+)"
 FrameworkClass regexClass() {
     FrameworkClass table = classWithData<RegEx>("RegEx");
     table.destructor = +[](REALobject self) {
@@ -229,19 +270,27 @@ FrameworkClass regexClass() {
         regex(self).~RegEx();
     };
     table.properties = {
+        /// What to search for.
+        ///     words.SearchPattern = "\b(p\w+)"
         property(
             "SearchPattern", "String", [](REALobject self) { return makeString(regex(self).pattern); },
             [](REALobject self, std::uint32_t, REALstring text) { regex(self).pattern = toUtf8(text); }),
+        /// What Replace puts in place of a match: \1 or $1 is a group, \0 or \& the whole match.
+        ///     words.ReplacementPattern = "<$1>"
         property(
             "ReplacementPattern", "String",
             [](REALobject self) { return makeString(regex(self).replacement); },
             [](REALobject self, std::uint32_t, REALstring text) { regex(self).replacement = toUtf8(text); }),
+        /// The byte, from 0, at which Search without arguments goes on.
+        ///     Print Str(words.SearchStartPosition)
         property(
             "SearchStartPosition", "Integer",
             [](REALobject self) { return std::int32_t(regex(self).searchStart); },
             [](REALobject self, std::uint32_t, std::int32_t at) {
                 regex(self).searchStart = std::size_t(std::max(at, 0));
             }),
+        /// How the search is made. Nil means the options that a new RegExOptions has.
+        ///     words.Options.CaseSensitive = True
         property(
             "Options", "RegExOptions",
             [](REALobject self) {
@@ -253,15 +302,25 @@ FrameworkClass regexClass() {
             }),
     };
     table.methods = {
+        /// The next match in the text of the last search, or Nil if there is none. Raises RegExException
+        /// for a wrong pattern.
+        ///     Dim first As RegExMatch = words.Search("fig, pear, plum")
+        ///     Dim second As RegExMatch = words.Search
         method("Search As RegExMatch",
                [](REALobject self) {
                    std::string target = regex(self).target;
                    return search(self, target, regex(self).searchStart);
                }),
+        /// The first match from a byte on, counted from 0, or Nil if there is none. Raises RegExException
+        /// for a wrong pattern.
+        ///     Print words.Search("fig, pear").SubExpressionString(0)
         method("Search(target As String, start As Integer = 0) As RegExMatch",
                [](REALobject self, REALstring target, std::int32_t start) {
                    return search(self, toUtf8(target), std::size_t(std::max(start, 0)));
                }),
+        /// The text with its first match replaced, or all of them as the options say. Raises RegExException
+        /// for a wrong pattern.
+        ///     Print words.Replace("fig, pear, plum")
         method("Replace(target As String, start As Integer = 0) As String",
                [](REALobject self, REALstring target, std::int32_t start) {
                    return makeString(replaced(self, toUtf8(target), std::size_t(std::max(start, 0))));
@@ -271,10 +330,10 @@ FrameworkClass regexClass() {
 }
 
 const Registrar registrar([] {
-    FrameworkClass exception;
-    exception.name = "RegExException";
-    exception.superclass = "RuntimeException";
-    return FrameworkPart{{optionsClass(), matchClass(), regexClass(), exception}};
+    return FrameworkPart{
+        {optionsClass(), matchClass(), regexClass(),
+         /// The pattern of a RegEx is wrong, or its search takes too much; the message says where.
+         exceptionClass("RegExException")}};
 });
 
 } // namespace

@@ -194,18 +194,31 @@ string formatted(double value, string mask) {
     return result + after;
 }
 
+/// Functions of text. Each can also be called on its first argument, as in name.Uppercase. Characters count
+/// from 1 and case is ignored; the functions whose names end in B count bytes and heed case.
+///     Dim line As String = "fig, pear, plum"
 FrameworkFunctions stringFunctions() {
     return {
+        /// The number of characters.
+        ///     Print Str(line.Len)
         method("Len(s As String) As Integer", [](REALstring s) { return count(text::length(toUtf8(s))); }),
+        /// The number of bytes.
+        ///     Print Str(line.LenB)
         method("LenB(s As String) As Integer", [](REALstring s) { return count(bytesOf(s).size()); }),
+        /// The first characters, or all of them if there are fewer.
+        ///     Print line.Left(3)
         method("Left(s As String, count As Integer) As String",
                [](REALstring s, std::int32_t n) {
                    return makeString(characters(toUtf8(s), 0, std::size_t(std::max(n, 0))));
                }),
+        /// The first bytes, or all of them if there are fewer.
+        ///     Print line.LeftB(3)
         method("LeftB(s As String, count As Integer) As String",
                [](REALstring s, std::int32_t n) {
                    return sameEncoding(s, bytesOf(s).substr(0, std::size_t(std::max(n, 0))));
                }),
+        /// The last characters, or all of them if there are fewer.
+        ///     Print line.Right(4)
         method("Right(s As String, count As Integer) As String",
                [](REALstring s, std::int32_t n) {
                    string utf8 = toUtf8(s);
@@ -213,61 +226,89 @@ FrameworkFunctions stringFunctions() {
                                wanted = std::min(std::size_t(std::max(n, 0)), length);
                    return makeString(characters(utf8, length - wanted, wanted));
                }),
+        /// The characters from a place on; a start below 1 counts as 1.
+        ///     Print line.Mid(6, 4)
         method("Mid(s As String, start As Integer, length As Integer = 2147483647) As String",
                [](REALstring s, std::int32_t start, std::int32_t length) {
                    return makeString(characters(toUtf8(s), std::size_t(std::max(start, 1) - 1),
                                                 std::size_t(std::max(length, 0))));
                }),
+        /// The bytes from a place on; a start below 1 counts as 1.
+        ///     Print line.MidB(6, 4)
         method("MidB(s As String, start As Integer, length As Integer = 2147483647) As String",
                [](REALstring s, std::int32_t start, std::int32_t length) {
                    string_view bytes = bytesOf(s);
                    std::size_t from = std::min(std::size_t(std::max(start, 1) - 1), bytes.size());
                    return sameEncoding(s, bytes.substr(from, std::size_t(std::max(length, 0))));
                }),
+        /// The place of the first occurrence, or 0 if there is none.
+        ///     Print Str(line.InStr("pear"))
         method("InStr(s As String, find As String) As Integer",
                [](REALstring s, REALstring part) { return place(1, toUtf8(s), toUtf8(part)); }),
+        /// The place of the first occurrence from a place on, or 0 if there is none.
+        ///     Print Str(InStr(6, line, "p"))
         method("InStr(start As Integer, s As String, find As String) As Integer",
                [](std::int32_t start, REALstring s, REALstring part) {
                    return place(start, toUtf8(s), toUtf8(part));
                }),
+        /// The text with the first occurrence replaced.
+        ///     Print line.Replace(", ", "; ")
         method("Replace(s As String, find As String, replacement As String) As String",
                [](REALstring s, REALstring find, REALstring with) {
                    return makeString(replaced(toUtf8(s), toUtf8(find), toUtf8(with), false));
                }),
+        /// The text with every occurrence replaced.
+        ///     Print line.ReplaceAll(", ", "; ")
         method("ReplaceAll(s As String, find As String, replacement As String) As String",
                [](REALstring s, REALstring find, REALstring with) {
                    return makeString(replaced(toUtf8(s), toUtf8(find), toUtf8(with), true));
                }),
+        /// The place of the first occurrence in bytes, or 0 if there is none.
+        ///     Print Str(line.InStrB("pear"))
         method("InStrB(s As String, find As String) As Integer",
                [](REALstring s, REALstring part) { return placeB(1, bytesOf(s), bytesOf(part)); }),
+        /// The place of the first occurrence from a byte on, or 0 if there is none.
+        ///     Print Str(InStrB(6, line, "p"))
         method("InStrB(start As Integer, s As String, find As String) As Integer",
                [](std::int32_t start, REALstring s, REALstring part) {
                    return placeB(start, bytesOf(s), bytesOf(part));
                }),
+        /// The text with the first occurrence of these bytes replaced.
+        ///     Print line.ReplaceB(", ", "; ")
         method("ReplaceB(s As String, find As String, replacement As String) As String",
                [](REALstring s, REALstring find, REALstring with) {
                    return sameEncoding(s, replacedB(bytesOf(s), bytesOf(find), bytesOf(with), false));
                }),
+        /// The text with every occurrence of these bytes replaced.
+        ///     Print line.ReplaceAllB(", ", "; ")
         method("ReplaceAllB(s As String, find As String, replacement As String) As String",
                [](REALstring s, REALstring find, REALstring with) {
                    return sameEncoding(s, replacedB(bytesOf(s), bytesOf(find), bytesOf(with), true));
                }),
+        /// The last bytes, or all of them if there are fewer.
+        ///     Print line.RightB(4)
         method("RightB(s As String, count As Integer) As String",
                [](REALstring s, std::int32_t n) {
                    string_view bytes = bytesOf(s);
                    std::size_t wanted = std::min(std::size_t(std::max(n, 0)), bytes.size());
                    return sameEncoding(s, bytes.substr(bytes.size() - wanted));
                }),
+        /// The field at an index from 1, between separators compared byte by byte; empty beyond the last.
+        ///     Print line.NthFieldB(", ", 2)
         method("NthFieldB(s As String, separator As String, index As Integer) As String",
                [](REALstring s, REALstring separator, std::int32_t index) -> REALstring {
                    std::vector<string_view> all = fieldsB(bytesOf(s), bytesOf(separator));
                    if (index < 1 || std::size_t(index) > all.size()) return nullptr;
                    return sameEncoding(s, all[std::size_t(index) - 1]);
                }),
+        /// The number of fields between separators compared byte by byte; 0 for empty text.
+        ///     Print Str(line.CountFieldsB(", "))
         method("CountFieldsB(s As String, separator As String) As Integer",
                [](REALstring s, REALstring separator) {
                    return count(fieldsB(bytesOf(s), bytesOf(separator)).size());
                }),
+        /// The fields between separators compared byte by byte; an empty separator splits into bytes.
+        ///     Dim fruits() As String = line.SplitB(", ")
         method("SplitB(s As String, separator As String = \" \") As String()",
                [](REALstring s, REALstring separator) {
                    REALobject result = newArray(simpleType(Kind::String));
@@ -275,34 +316,54 @@ FrameworkFunctions stringFunctions() {
                        arrayAppend(arrayOf(result), Bits::of(sameEncoding(s, field)));
                    return result;
                }),
+        /// The text without blanks and control characters at both ends.
+        ///     Print Trim("  fig ")
         method("Trim(s As String) As String",
                [](REALstring s) { return makeString(trimmed(toUtf8(s), true, true)); }),
+        /// The text without blanks and control characters at its start.
+        ///     Print LTrim("  fig")
         method("LTrim(s As String) As String",
                [](REALstring s) { return makeString(trimmed(toUtf8(s), true, false)); }),
+        /// The text without blanks and control characters at its end.
+        ///     Print RTrim("fig  ")
         method("RTrim(s As String) As String",
                [](REALstring s) { return makeString(trimmed(toUtf8(s), false, true)); }),
+        /// The text in capitals.
+        ///     Print line.Uppercase
         method("Uppercase(s As String) As String",
                [](REALstring s) { return makeString(text::upper(toUtf8(s))); }),
+        /// The text in small letters.
+        ///     Print line.Lowercase
         method("Lowercase(s As String) As String",
                [](REALstring s) { return makeString(text::lower(toUtf8(s))); }),
+        /// The text with each word capitalised and its other letters small.
+        ///     Print line.Titlecase
         method("Titlecase(s As String) As String",
                [](REALstring s) { return makeString(titlecase(toUtf8(s))); }),
+        /// Compares two texts and returns -1, 0 or 1; mode 0 compares bytes, any other mode ignores case.
+        ///     Print Str(StrComp("Fig", "fig", 0))
         method("StrComp(a As String, b As String, mode As Integer) As Integer",
                [](REALstring a, REALstring b, std::int32_t mode) -> std::int32_t {
                    int order =
                        mode == 0 ? bytesOf(a).compare(bytesOf(b)) : text::compare(toUtf8(a), toUtf8(b));
                    return order < 0 ? -1 : order > 0;
                }),
+        /// The field at an index from 1; empty beyond the last.
+        ///     Print line.NthField(", ", 2)
         method("NthField(s As String, separator As String, index As Integer) As String",
                [](REALstring s, REALstring separator, std::int32_t index) -> REALstring {
                    std::vector<string> all = fields(toUtf8(s), toUtf8(separator));
                    if (index < 1 || std::size_t(index) > all.size()) return nullptr;
                    return makeString(all[std::size_t(index) - 1]);
                }),
+        /// The number of fields; 0 for empty text.
+        ///     Print Str(line.CountFields(", "))
         method("CountFields(s As String, separator As String) As Integer",
                [](REALstring s, REALstring separator) {
                    return count(fields(toUtf8(s), toUtf8(separator)).size());
                }),
+        /// The fields between separators; an empty separator splits into characters.
+        ///     Dim fruits() As String = line.Split(", ")
         method("Split(s As String, separator As String = \" \") As String()",
                [](REALstring s, REALstring separator) {
                    REALobject result = newArray(simpleType(Kind::String));
@@ -310,21 +371,43 @@ FrameworkFunctions stringFunctions() {
                        arrayAppend(arrayOf(result), Bits::of(makeString(field)));
                    return result;
                }),
+        /// The texts joined into one. Raises NilObjectException without an array.
+        ///     Print Join(Array("fig", "pear"), " and ")
         method("Join(parts() As String, separator As String = \" \") As String", joined),
+        /// The texts joined into one, the same as Join.
+        ///     Print JoinB(Array("fig", "pear"), "+")
         method("JoinB(parts() As String, separator As String = \" \") As String", joined),
 
+        /// The value as text, with a point in numbers whatever the language of the machine.
+        ///     Print Str(1.5)
         method("Str(value As Variant) As String",
                [](REALobject value) { return makeString(display(value)); }),
+        /// The number through a mask, the same as Format.
+        ///     Print Str(0.125, "0.0%")
         method("Str(value As Double, mask As String) As String",
                [](double value, REALstring mask) { return makeString(formatted(value, toUtf8(mask))); }),
+        /// The number through a mask of 0 (always a digit), # (a digit where there is one), comma (groups
+        /// thousands), % (times 100) and + (shows the sign); semicolons separate masks for negative numbers
+        /// and 0.
+        ///     Print Format(12345.678, "#,##0.00")
         method("Format(value As Double, mask As String) As String",
                [](double value, REALstring mask) { return makeString(formatted(value, toUtf8(mask))); }),
+        /// The value as text, the same as Str.
+        ///     Print CStr(True)
         method("CStr(value As Variant) As String",
                [](REALobject value) { return makeString(display(value)); }),
+        /// The number at the start of the text, or 0 if there is none.
+        ///     Print Str(Val("12.5 kg"))
         method("Val(s As String) As Double", [](REALstring s) { return parseNumber(toUtf8(s)); }),
+        /// The number at the start of the text, the same as Val.
+        ///     Print Str(CDbl("12.5"))
         method("CDbl(s As String) As Double", [](REALstring s) { return parseNumber(toUtf8(s)); }),
+        /// The whole number at the start of the text, or 0 if there is none.
+        ///     Print Str(CLong("5000000000"))
         method("CLong(s As String) As Int64",
                [](REALstring s) { return std::int64_t(parseNumber(toUtf8(s))); }),
+        /// Whether the value is a number, or a text that holds a number and nothing else.
+        ///     Print Str(IsNumeric("1e3"))
         method("IsNumeric(value As Variant) As Boolean",
                [](REALobject value) {
                    std::int32_t type = variantType(value);
@@ -333,43 +416,66 @@ FrameworkFunctions stringFunctions() {
                    StringRef text(unboxVariant(value, simpleType(Kind::String)).string);
                    return isNumeric(toUtf8(text));
                }),
+        /// The character with this Unicode number.
+        ///     Print Chr(233)
         method("Chr(code As Integer) As String",
                [](std::int32_t code) {
                    string result;
                    text::append(result, char32_t(code));
                    return makeString(result);
                }),
+        /// One byte as text without an encoding.
+        ///     Print Str(ChrB(200).LenB)
         method("ChrB(code As Integer) As String",
                [](std::int32_t code) {
                    char byte = char(code);
                    return heap().newString({&byte, 1}, kREALTextEncodingUnknown);
                }),
+        /// The Unicode number of the first character, or 0 for empty text.
+        ///     Print Str(Asc("A"))
         method("Asc(s As String) As Integer",
                [](REALstring s) -> std::int32_t {
                    string utf8 = toUtf8(s);
                    std::size_t i = 0;
                    return utf8.empty() ? 0 : std::int32_t(text::decode(utf8, i));
                }),
+        /// The first byte, or 0 for empty text.
+        ///     Print Str(AscB("A"))
         method("AscB(s As String) As Integer",
                [](REALstring s) -> std::int32_t {
                    return bytesOf(s).empty() ? 0 : (unsigned char)bytesOf(s)[0];
                }),
+        /// The number in base 16; negative numbers count as unsigned.
+        ///     Print Hex(255)
         method("Hex(value As Integer) As String",
                [](std::int32_t value) { return makeString(inBase(std::uint32_t(value), 16)); }),
+        /// The number in base 8; negative numbers count as unsigned.
+        ///     Print Oct(8)
         method("Oct(value As Integer) As String",
                [](std::int32_t value) { return makeString(inBase(std::uint32_t(value), 8)); }),
+        /// The number in base 2; negative numbers count as unsigned.
+        ///     Print Bin(5)
         method("Bin(value As Integer) As String",
                [](std::int32_t value) { return makeString(inBase(std::uint32_t(value), 2)); }),
+        /// The line end of this system, a line feed.
+        ///     Print "fig" + EndOfLine + "pear"
         method("EndOfLine As String", [] { return makeString("\n"); }),
     };
 }
 
+/// The line ends of several systems.
 FrameworkClass endOfLineClass() {
     FrameworkClass table;
     table.name = "EndOfLine";
     table.sharedMethods = {
+        /// A line feed.
+        ///     Print Str(EndOfLine.UNIX.Asc)
         method("UNIX As String", [] { return makeString("\n"); }),
+        /// A carriage return.
+        ///     Print Str(EndOfLine.Macintosh.Asc)
         method("Macintosh As String", [] { return makeString("\r"); }),
+        /// A carriage return and a line feed.
+        ///     Print Str(EndOfLine.Windows.Len)
         method("Windows As String", [] { return makeString("\r\n"); }),
     };
     return table;

@@ -125,6 +125,14 @@ FrameworkClass classWithData(const char* name) {
     return result;
 }
 
+// A subclass of RuntimeException without members of its own.
+inline FrameworkClass exceptionClass(const char* name) {
+    FrameworkClass result;
+    result.name = name;
+    result.superclass = "RuntimeException";
+    return result;
+}
+
 using FrameworkFunctions = std::vector<FrameworkMethod>;
 
 // What one file adds to the framework.

@@ -208,28 +208,49 @@ std::int32_t stateOf(REALobject self) {
     return worker->wakeAt > microseconds() ? kSleeping : kRunning;
 }
 
+/// Runs beside the program. Threads take turns: one runs until it yields, sleeps or ends. A subclass has an
+/// event Run, or AddHandler gives one.
+///     Sub CountFruits(sender As Thread)
+///       App.YieldToNextThread
+///     End Sub
+///     Dim worker As New Thread
+///     AddHandler worker.Run, AddressOf CountFruits
 FrameworkClass threadClass() {
     workers.clear(); // an earlier host may have left some behind
     FrameworkClass table = classWithData<Thread>("Thread");
     table.destructor = +[](REALobject self) { heap().release(std::exchange(thread(self).handler, nullptr)); };
     table.properties = {
+        /// What the thread does: one of the constants below.
+        ///     Print Str(worker.State = Thread.NotRunning)
         property("State", "Integer", stateOf),
+        /// A number that is kept but changes nothing, as every thread gets its turn; 5 at first.
+        ///     worker.Priority = 8
         property(
             "Priority", "Integer", [](REALobject self) { return thread(self).priority; },
             [](REALobject self, std::uint32_t, std::int32_t value) { thread(self).priority = value; }),
+        /// A number that is kept but changes nothing; the stack is 8 MB.
+        ///     worker.StackSize = 65536
         property(
             "StackSize", "Integer", [](REALobject self) { return thread(self).stackSize; },
             [](REALobject self, std::uint32_t, std::int32_t value) { thread(self).stackSize = value; }),
     };
     table.methods = {
+        /// Starts the thread, which first runs when the program yields; resumes one that is suspended.
+        ///     worker.Run
         method("Run", start),
+        /// Ends the thread; its Finally blocks run, but it cannot catch that.
+        ///     worker.Kill
         method("Kill", kill),
+        /// Lets the thread wait for this many milliseconds.
+        ///     worker.Sleep(5)
         method("Sleep(milliseconds As Integer)",
                [](REALobject self, std::int32_t milliseconds) {
                    Worker* worker = thread(self).worker;
                    if (worker && worker == running) return rest(milliseconds);
                    if (worker) worker->wakeAt = microseconds() + milliseconds * 1000.0;
                }),
+        /// Stops the thread until Resume or Run.
+        ///     worker.Suspend
         method("Suspend",
                [](REALobject self) {
                    Worker* worker = thread(self).worker;
@@ -237,6 +258,8 @@ FrameworkClass threadClass() {
                    worker->suspended = true;
                    if (worker == running) pauseWorker();
                }),
+        /// Lets the thread go on after Suspend or Sleep.
+        ///     worker.Resume
         method("Resume",
                [](REALobject self) {
                    if (Worker* worker = thread(self).worker) {
@@ -245,8 +268,23 @@ FrameworkClass threadClass() {
                    }
                }),
     };
-    table.constants = {"Running = 0", "Waiting = 1", "Suspended = 2", "Sleeping = 3", "NotRunning = 4"};
-    table.events = {"Run"};
+    table.constants = {
+        /// It runs, or waits for its turn.
+        "Running = 0",
+        /// Not used here: a thread that waits for a lock sleeps.
+        "Waiting = 1",
+        /// It waits for Resume.
+        "Suspended = 2",
+        /// It waits for its time to come.
+        "Sleeping = 3",
+        /// It has not been started, or has ended.
+        "NotRunning = 4",
+    };
+    table.events = {
+        /// What the thread does. An exception that it does not catch ends the program.
+        ///     AddHandler worker.Run, AddressOf CountFruits
+        "Run",
+    };
     table.setHandler = [](REALobject self, std::string_view, REALobject handler) {
         heap().release(std::exchange(thread(self).handler, Heap::retain(handler)));
     };
@@ -298,44 +336,82 @@ void leave(REALobject self) {
     ++lock.free;
 }
 
-FrameworkClass lockClass(const char* name) {
-    FrameworkClass table = classWithData<Lock>(name);
-    return table;
-}
-
+/// A lock that one thread holds at a time. That thread may enter it again and leaves it as often.
+///     Dim lock As New Mutex("fruits")
 FrameworkClass mutexClass() {
-    FrameworkClass table = lockClass("Mutex");
-    table.methods = {method("Constructor(name As String)", [](REALobject, REALstring) {}),
-                     method("Enter", enter), method("TryEnter As Boolean", tryEnter), method("Leave", leave)};
-    return table;
-}
-
-FrameworkClass criticalSectionClass() {
-    FrameworkClass table = lockClass("CriticalSection");
-    table.methods = {method("Enter", enter), method("TryEnter As Boolean", tryEnter), method("Leave", leave)};
-    return table;
-}
-
-FrameworkClass semaphoreClass() {
-    FrameworkClass table = lockClass("Semaphore");
+    FrameworkClass table = classWithData<Lock>("Mutex");
     table.methods = {
+        /// Makes a lock. The name is for locks between programs, which there are none of here.
+        ///     Dim other As New Mutex("pears")
+        method("Constructor(name As String)", [](REALobject, REALstring) {}),
+        /// Waits until the lock is free, and holds it. Raises IllegalLockingException if nobody is left who
+        /// could leave it.
+        ///     lock.Enter
+        ///     lock.Leave
+        method("Enter", enter),
+        /// Holds the lock if it is free; returns False otherwise.
+        ///     If lock.TryEnter Then lock.Leave
+        method("TryEnter As Boolean", tryEnter),
+        /// Lets go of the lock. Raises IllegalLockingException if this thread does not hold it.
+        ///     lock.Enter
+        ///     lock.Leave
+        method("Leave", leave)};
+    return table;
+}
+
+/// A lock that one thread holds at a time. That thread may enter it again and leaves it as often.
+///     Dim lock As New CriticalSection
+FrameworkClass criticalSectionClass() {
+    FrameworkClass table = classWithData<Lock>("CriticalSection");
+    table.methods = {
+        /// Waits until the lock is free, and holds it. Raises IllegalLockingException if nobody is left who
+        /// could leave it.
+        ///     lock.Enter
+        ///     lock.Leave
+        method("Enter", enter),
+        /// Holds the lock if it is free; returns False otherwise.
+        ///     If lock.TryEnter Then lock.Leave
+        method("TryEnter As Boolean", tryEnter),
+        /// Lets go of the lock. Raises IllegalLockingException if this thread does not hold it.
+        ///     lock.Enter
+        ///     lock.Leave
+        method("Leave", leave)};
+    return table;
+}
+
+/// A lock that as many threads hold at a time as it has places.
+///     Dim places As New Semaphore(2)
+FrameworkClass semaphoreClass() {
+    FrameworkClass table = classWithData<Lock>("Semaphore");
+    table.methods = {
+        /// Makes a semaphore with this many places.
+        ///     Dim single As New Semaphore
         method("Constructor(count As Integer = 1)",
                [](REALobject self, std::int32_t count) {
                    lockOf(self).free = count;
                    lockOf(self).counts = true;
                }),
+        /// Waits for a free place and takes it. Raises IllegalLockingException if nobody is left who could
+        /// release one.
+        ///     places.Signal
+        ///     places.Release
         method("Signal", enter),
+        /// Takes a place if one is free; returns False otherwise.
+        ///     If places.TrySignal Then places.Release
         method("TrySignal As Boolean", tryEnter),
+        /// Gives a place back.
+        ///     places.Signal
+        ///     places.Release
         method("Release", leave),
     };
     return table;
 }
 
 const Registrar registrar([] {
-    FrameworkClass exception;
-    exception.name = "IllegalLockingException";
-    exception.superclass = "RuntimeException";
-    return FrameworkPart{{threadClass(), mutexClass(), criticalSectionClass(), semaphoreClass(), exception}};
+    return FrameworkPart{{threadClass(), mutexClass(), criticalSectionClass(), semaphoreClass(),
+                          /// A lock is left by a thread that does not hold it, or waited for though nobody is
+                          /// left to leave it.
+                          exceptionClass("IllegalLockingException")}};
 });
 
 } // namespace

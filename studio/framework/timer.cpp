@@ -52,6 +52,13 @@ void fireDue() {
     }
 }
 
+/// Fires its Action whenever the program yields and it is due. A subclass has a method Action, or
+/// AddHandler gives one.
+///     Sub Tick(sender As Timer)
+///       sender.Mode = Timer.ModeOff
+///     End Sub
+///     Dim clock As New Timer
+///     AddHandler clock.Action, AddressOf Tick
 FrameworkClass timerClass() {
     timers.clear(); // an earlier host may have left some behind
     FrameworkClass table = classWithData<Timer>("Timer");
@@ -64,18 +71,25 @@ FrameworkClass timerClass() {
         heap().release(std::exchange(timer(self).handler, nullptr));
     };
     table.properties = {
+        /// The time between two actions in milliseconds, at least 1; 1000 at first. Setting it starts the
+        /// time anew.
+        ///     clock.Period = 5
         property(
             "Period", "Integer", [](REALobject self) { return timer(self).period; },
             [](REALobject self, std::uint32_t, std::int32_t value) {
                 timer(self).period = std::max(value, 1);
                 restart(self);
             }),
+        /// One of the constants below; ModeOff at first. Setting it starts the time anew.
+        ///     clock.Mode = Timer.ModeSingle
         property(
             "Mode", "Integer", [](REALobject self) { return timer(self).mode; },
             [](REALobject self, std::uint32_t, std::int32_t value) {
                 timer(self).mode = value;
                 restart(self);
             }),
+        /// Whether the timer runs. True makes it fire again and again.
+        ///     clock.Enabled = True
         property(
             "Enabled", "Boolean", [](REALobject self) { return timer(self).mode != kOff; },
             [](REALobject self, std::uint32_t, bool value) {
@@ -83,9 +97,25 @@ FrameworkClass timerClass() {
                 restart(self);
             }),
     };
-    table.methods = {method("Reset", restart)};
-    table.constants = {"ModeOff = 0", "ModeSingle = 1", "ModeMultiple = 2"};
-    table.events = {"Action"};
+    table.methods = {
+        /// Starts the time anew.
+        ///     clock.Reset
+        method("Reset", restart),
+    };
+    table.constants = {
+        /// Never fires.
+        "ModeOff = 0",
+        /// Fires once.
+        "ModeSingle = 1",
+        /// Fires again and again.
+        "ModeMultiple = 2",
+    };
+    table.events = {
+        /// What the timer does when it is due.
+        ///     clock.Mode = Timer.ModeSingle
+        ///     DoEvents(10)
+        "Action",
+    };
     table.setHandler = [](REALobject self, std::string_view, REALobject handler) {
         heap().release(std::exchange(timer(self).handler, Heap::retain(handler)));
     };

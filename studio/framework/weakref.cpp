@@ -9,10 +9,15 @@ struct WeakRef {
     WeakCell* cell = nullptr;
 };
 
+/// An object that it does not keep alive.
+///     Dim day As New Date
+///     Dim remembered As New WeakRef(day)
 FrameworkClass weakRefClass() {
     FrameworkClass table = classWithData<WeakRef>("WeakRef");
     table.destructor = +[](REALobject self) { Heap::release(dataOf<WeakRef>(self).cell); };
     table.properties = {
+        /// The object, or Nil once it is gone.
+        ///     Print Str(remembered.Value Is Nil)
         property("Value", "Object",
                  [](REALobject self) {
                      WeakCell* cell = dataOf<WeakRef>(self).cell;
@@ -20,6 +25,8 @@ FrameworkClass weakRefClass() {
                  }),
     };
     table.methods = {
+        /// Remembers an object; Nil is allowed.
+        ///     Dim other As New WeakRef(day)
         method("Constructor(target As Object)",
                [](REALobject self, REALobject target) {
                    Heap::release(std::exchange(dataOf<WeakRef>(self).cell, Heap::weakReference(target)));

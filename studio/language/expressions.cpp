@@ -501,33 +501,78 @@ Operand Compiler::index(Operand array, const std::vector<const ast::Expr*>& argu
             position};
 }
 
+namespace {
+
+struct ArrayMember {
+    std::string_view declaration; // Element stands for the type of the array's elements
+    std::size_t least, most;      // how many arguments
+
+    constexpr std::string_view name() const { return declaration.substr(0, declaration.find_first_of("( ")); }
+};
+
+/// What every array has. Indexes count from 0; Element is the type of the elements. Array(1, 2, 3) makes an
+/// array of its arguments, and Redim changes its bounds. Arrays of several dimensions have Ubound alone.
+///     Dim fruits() As String = Array("fig", "pear", "plum")
+constexpr ArrayMember kArrayMembers[] = {
+    /// Adds a value at the end.
+    ///     fruits.Append("kiwi")
+    {"Append(value As Element)", 1, 1},
+    /// Inserts a value before an index. Raises OutOfBoundsException beyond the end.
+    ///     fruits.Insert(0, "apple")
+    {"Insert(index As Integer, value As Element)", 2, 2},
+    /// Removes the element at an index. Raises OutOfBoundsException if there is none.
+    ///     fruits.Remove(0)
+    {"Remove(index As Integer)", 1, 1},
+    /// The last index of a dimension, -1 in an empty array. Raises OutOfBoundsException if there is no
+    /// such dimension.
+    ///     Print Str(fruits.Ubound)
+    {"Ubound(dimension As Integer = 1) As Integer", 0, 1},
+    /// How many elements there are.
+    ///     Print Str(fruits.Count)
+    {"Count As Integer", 0, 0},
+    /// Sorts numbers or texts upwards, texts without regard to case; a delegate compares two elements
+    /// and returns a number below, equal to or above 0.
+    ///     fruits.Sort
+    {"Sort(compare As Delegate = Nil)", 0, 1},
+    /// Removes the last element and returns it. Raises OutOfBoundsException if there is none.
+    ///     Print fruits.Pop
+    {"Pop As Element", 0, 0},
+    /// The index of the first equal element from an index on, or -1 if there is none.
+    ///     Print Str(fruits.IndexOf("pear"))
+    {"IndexOf(value As Element, start As Integer = 0) As Integer", 1, 2},
+    /// Puts the elements into a random order.
+    ///     fruits.Shuffle
+    {"Shuffle", 0, 0},
+    /// Sorts numbers or texts upwards and up to 8 other arrays along with them. Raises
+    /// OutOfBoundsException if they differ in length.
+    ///     Dim prices() As Double = Array(0.4, 0.3, 0.2)
+    ///     Dim names() As String = Array("pear", "fig", "plum")
+    ///     names.SortWith(prices)
+    {"SortWith(ParamArray others As Array)", 1, 8},
+};
+
+} // namespace
+
 Operand Compiler::arrayMember(Operand base, const ast::Expr& e,
                               const std::vector<const ast::Expr*>& arguments) {
     const Type* element = base.type->element;
-    struct Shape {
-        std::string_view name;
-        std::size_t least, most;
-    };
-    static constexpr Shape shapes[] = {
-        {"Append", 1, 1}, {"Insert", 2, 2}, {"Remove", 1, 1},  {"Ubound", 0, 1},  {"Count", 0, 0},
-        {"Sort", 0, 1},   {"Pop", 0, 0},    {"IndexOf", 1, 2}, {"Shuffle", 0, 0}, {"SortWith", 1, 8}};
-    const Shape* shape = nullptr;
+    const ArrayMember* shape = nullptr;
     std::vector<std::string> known;
-    for (const Shape& s : shapes) {
-        if (sameName(s.name, e.text)) shape = &s;
-        known.emplace_back(s.name);
+    for (const ArrayMember& member : kArrayMembers) {
+        if (sameName(member.name(), e.text)) shape = &member;
+        known.emplace_back(member.name());
     }
     if (!shape) unknown(e.position, "an array has no", e.text, known);
     if (arguments.size() < shape->least || arguments.size() > shape->most)
         throw SourceError(e.position,
-                          std::string(shape->name) + " takes " + std::to_string(shape->least) +
+                          std::string(shape->name()) + " takes " + std::to_string(shape->least) +
                               (shape->most > shape->least ? " or " + std::to_string(shape->most) : "") +
                               (shape->most == 1 ? " argument" : " arguments"));
-    if (base.type->rank > 1 && !sameName(shape->name, "Ubound"))
-        throw SourceError(e.position, std::string(shape->name) + " is for arrays of one dimension, not for " +
-                                          base.type->name);
+    if (base.type->rank > 1 && !sameName(shape->name(), "Ubound"))
+        throw SourceError(e.position, std::string(shape->name()) +
+                                          " is for arrays of one dimension, not for " + base.type->name);
     Code array = base.code;
-    std::string which(shape->name);
+    std::string which(shape->name());
     auto argument = [&](std::size_t i, const Type* type) { return valueAs(*arguments[i], type, which).code; };
     if (which == "Append")
         return {nothing(),

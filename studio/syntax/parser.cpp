@@ -38,7 +38,7 @@ class Parser {
             std::size_t begin = index_;
             acceptAccess();
             if (atWord("sub") || atWord("function"))
-                program_.routines.push_back(routine());
+                program_.routines.push_back(routineByItself());
             else if (!declaration("")) {
                 index_ = begin;
                 statementInto(program_.statements);
@@ -139,9 +139,12 @@ class Parser {
         if (peek().kind != TokenKind::Name) fail(what);
         return take().text;
     }
+    static void refuseReserved(const std::string& name, Position at, const std::string& what) {
+        if (isReserved(name))
+            throw SourceError(at, "expected " + what + ", but '" + name + "' is a reserved word");
+    }
     std::string expectNewName(const std::string& what) {
-        if (peek().kind == TokenKind::Name && isReserved(peek().text))
-            throw SourceError(here(), "expected " + what + ", but '" + peek().text + "' is a reserved word");
+        if (peek().kind == TokenKind::Name) refuseReserved(peek().text, here(), what);
         return expectName(what);
     }
     void expectEndOfLine() {
@@ -235,6 +238,13 @@ class Parser {
         return result;
     }
 
+    // A routine outside of classes is called by its bare name, which a reserved word cannot be.
+    Routine routineByItself() {
+        if (peek(1).kind == TokenKind::Name)
+            refuseReserved(peek(1).text, peek(1).position, "a name for the routine");
+        return routine();
+    }
+
     Routine routine() {
         Routine result;
         Position opened = here();
@@ -242,6 +252,8 @@ class Parser {
         std::string word = atWord("sub") ? "Sub" : "Function";
         take();
         result.signature = signature();
+        for (const Parameter& p : result.signature.parameters)
+            refuseReserved(p.name, p.position, "a name for the parameter");
         if (word == "Function" && !result.signature.result) fail("'As' and the function's type");
         if (word == "Sub" && result.signature.result)
             throw SourceError(result.signature.result->position, "a Sub has no result; write Function");

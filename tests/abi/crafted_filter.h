@@ -12,6 +12,10 @@
 //     "inputText", "inputList"   no dictionaries
 int craftedFilter();
 
+// Registers "OurBrightest" in the category "OurEffects": a filter written in Objective-C whose output is its
+// inputImage, brightened by its inputStops, 2 by default.
+void registerFilter();
+
 // The handle of the class NSObject, which is an object, too.
 int classOfObjects();
 

@@ -80,6 +80,37 @@
 
 @end
 
+@interface BrightestFilter : CIFilter {
+    CIImage* inputImage;
+    NSNumber* inputStops;
+}
+@end
+
+@implementation BrightestFilter
+
+- (NSDictionary*)customAttributes {
+    return @{@"inputStops" : @{kCIAttributeDefault : @2, kCIAttributeType : kCIAttributeTypeScalar}};
+}
+
+- (CIImage*)outputImage {
+    return [[CIFilter filterWithName:@"CIExposureAdjust"
+                       keysAndValues:kCIInputImageKey, inputImage, kCIInputEVKey, inputStops, nil]
+        valueForKey:kCIOutputImageKey];
+}
+
+@end
+
+void registerFilter() {
+    @autoreleasepool {
+        [CIFilter registerFilterName:@"OurBrightest"
+                         constructor:[BrightestFilter class]
+                     classAttributes:@{
+                         kCIAttributeFilterDisplayName : @"Brightest",
+                         kCIAttributeFilterCategories : @[ @"OurEffects" ],
+                     }];
+    }
+}
+
 int craftedFilter() {
     static CIFilter* filter = static_cast<CIFilter*>(class_createInstance([CraftedFilter class], 0));
     return static_cast<int>(reinterpret_cast<std::intptr_t>(filter));

@@ -68,6 +68,25 @@ TEST_F(Filters, TheAttributesDictionaryIsNotTheCache) {
     EXPECT_EQ(sepia.word(1), 0u);
 }
 
+TEST_F(Filters, FiltersThatOthersRegisteredAreInTheCatalogue) {
+    EXPECT_TRUE(filter("OurBrightest").isNil());
+    registerFilter();
+    EXPECT_EQ(inCategories({"OurEffects"}), std::vector<std::string>{"OurBrightest"});
+    EXPECT_EQ(host.shared("CIFilterKaz", "LocalizedNameForFilterName", {"OurBrightest"}).text(), "Brightest");
+
+    Value brightest = filter("OurBrightest");
+    ASSERT_FALSE(brightest.isNil());
+    host.call(brightest, "SetDefaults");
+    EXPECT_EQ(host.call(brightest, "ValueAsNumber", {"inputStops"}).number(), 2);
+    EXPECT_EQ(host.call(brightest, "AttributesCount").integer(), 3); // two inputs and the output
+    Value color = host.function("NewCIColorKaz", {0.25, 0.25, 0.25});
+    host.assign(brightest, "ValueAsCIImage", {"inputImage"},
+                host.shared("CIImageKaz", "imageWithColor", {color}));
+    EXPECT_FALSE(host.call(brightest, "ValueAsCIImage", {"outputImage"}).isNil());
+    color = brightest = {};
+    expectClean();
+}
+
 TEST_F(Filters, EntriesComeInTheSameOrderEveryTime) {
     Value board = filter("CICheckerboardGenerator");
     int count = host.call(board, "AttributesCount").integer();

@@ -19,7 +19,8 @@ expect_refusal() {
     local copy="$scratch/copy" output
     rm -rf "$copy"
     mkdir "$copy"
-    (cd "$root" && cp -r --parents coreimage/src family/src plugin/src objects/include README.md CHANGELOG.md "$copy")
+    (cd "$root" && cp -r --parents coreimage/src family/src plugin/src objects/include studio/framework \
+        studio/language/expressions.cpp README.md CHANGELOG.md "$copy")
     sed -i "$3" "$copy/$2"
     if cmp -s "$copy/$2" "$root/$2"; then echo "$3 does not change $2"; exit 1; fi
     if output="$("$root/tools/reference/reference.pl" "$copy" "$scratch/refused" 2>&1)"; then
@@ -35,6 +36,16 @@ expect_refusal "kCIAttributeMax" coreimage/src/CIFilterKaz.mm '/\/\/\/ .*the gre
 expect_refusal "CGRectKaz: IsEmpty as boolean has no sentence" family/src/CGGeometryKaz.mm '/\/\/\/ Whether the width/d'
 expect_refusal "NewCIVectorWithStringKaz" plugin/src/globals.cpp '/\/\/\/ Returns a vector of numbers in brackets/d'
 expect_refusal "CIDetectorKaz has no sentence" coreimage/src/CIDetectorKaz.mm '/\/\/\/ Finds faces/d'
+expect_refusal "Picture: Depth As Integer has no sentence" studio/framework/picture.cpp '/\/\/\/ The depth that/d'
+expect_refusal "Picture: Depth As Integer has no line" studio/framework/picture.cpp '/\/\/\/     Print Str(photo.Depth)/d'
+expect_refusal "Picture: SaveAsGIF = 4 has no sentence" studio/framework/picture.cpp '/\/\/\/ Saves as GIF/d'
+expect_refusal "Timer: Action has no sentence" studio/framework/timer.cpp '/\/\/\/ What the timer does/d'
+expect_refusal "Dictionary has no sentence" studio/framework/dictionary.cpp '/^\/\/\/ Values by their keys/d'
+expect_refusal "JSONException has no sentence" studio/framework/json.cpp '/\/\/\/ The text is not JSON/d'
+expect_refusal "Uppercase(s As String) As String has no sentence" studio/framework/strings.cpp '/\/\/\/ The text in capitals/d'
+expect_refusal "Color functions has no sentence" studio/framework/color.cpp '/^\/\/\/ Making colours/d'
+expect_refusal "Arrays: Pop As Element has no sentence" studio/language/expressions.cpp '/\/\/\/ Removes the last element/d'
+expect_refusal "members are declared" studio/framework/timer.cpp 's/table.methods = {/table.methods.assign({/'
 expect_refusal "README.md says ten" README.md 's/with eleven classes/with ten classes/'
 
 cp -r "$root/docs/reference" "$scratch/edited"

@@ -61,7 +61,17 @@ build
 wait $! || fail "one of two builds failed"
 [[ "$(log)" == "begin end begin end " ]] || fail "two builds at once: $(log)"
 
+# CMake and ninja work through a link where the path has characters that they cannot handle.
 mv "$checkout" "$scratch/a \"quoted\" checkout"
 checkout="$scratch/a \"quoted\" checkout"
+link="/tmp/kaz-$UID-$(printf '%s' "$checkout" | sha256sum | cut -c -16)"
+trap 'rm -rf "$scratch" "$link"' EXIT
+: >"$FAKE_LOG"
+build
+build
+[[ "$(log)" == "cmake begin end begin end " ]] || fail "the build in a path with quotes: $(log)"
+grep -qFx "CMAKE_HOME_DIRECTORY:INTERNAL=$link" "$checkout/build/release/CMakeCache.txt" || fail "CMake sees the quotes"
+rm "$link"
+mkdir "$link"
 if "$checkout/kaz" build >"$scratch/said" 2>&1; then fail "it builds where CMake cannot"; fi
 grep -q "Rename the folder" "$scratch/said" || fail "it does not say what to do"

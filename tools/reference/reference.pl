@@ -30,7 +30,8 @@ sub save {
 
 # --- reading the tables ---------------------------------------------------------------------------------------------
 
-my $string = qr/"(?:[^"\\]|\\.)*"/;
+my $string    = qr/"(?:[^"\\]|\\.)*"/;
+my $quoted    = qr/'(?:[^'\\]|\\.)'/;
 
 # The value of adjacent string literals.
 sub literal {
@@ -51,23 +52,26 @@ sub comment {
     return (join(' ', @sentence), \@code);
 }
 
-# The entries between a table's braces: [comment, expression].
+# The entries between a table's braces, or the arguments between a call's parentheses: [comment, expression]. Outside of
+# brackets < only opens a template's arguments.
 sub entries {
     my ($body) = @_;
-    my (@entries, $comment, $expression, $depth);
-    ($comment, $expression, $depth) = ('', '', 0);
+    my (@entries, $comment, $expression, $depth, $angles);
+    ($comment, $expression, $depth, $angles) = ('', '', 0, 0);
     my $finish = sub {
         $expression =~ s/^\s+|\s+$//g;
         push @entries, [$comment, $expression] if length $expression;
         ($comment, $expression) = ('', '');
     };
-    while ($body =~ m{\G(?:(///[^\n]*\n)|(//[^\n]*\n)|($string)|(.))}sgc) {
-        my ($kept, $skipped, $literal, $character) = ($1, $2, $3, $4);
-        if    (defined $kept) { $comment .= $kept }
+    while ($body =~ m{\G(?:(///[^\n]*\n)|(//[^\n]*\n)|($string|$quoted|[^,<>(){}\[\]/"']+)|(.))}sgc) {
+        my ($kept, $skipped, $run, $character) = ($1, $2, $3, $4);
+        if    (defined $kept)    { $comment .= $kept }
         elsif (defined $skipped) { }
-        elsif (defined $literal) { $expression .= $literal }
-        elsif ($character eq ',' && $depth == 0) { $finish->() }
+        elsif (defined $run)     { $expression .= $run }
+        elsif ($character eq ',' && $depth == 0 && $angles == 0) { $finish->() }
         else {
+            $angles++ if $character eq '<' && $depth == 0;
+            $angles-- if $character eq '>' && $depth == 0 && $angles > 0;
             $depth++ if $character =~ /[({\[]/;
             $depth-- if $character =~ /[)}\]]/;
             $expression .= $character;
@@ -127,7 +131,7 @@ sub tables {
     return \%tables;
 }
 
-my @kinds = ('Properties', 'Methods', 'Constants', 'Shared methods');
+my @kinds = ('Properties', 'Methods', 'Constants', 'Shared methods', 'Events');
 
 # The classes of a folder by the name of their record.
 sub classes {
@@ -164,6 +168,104 @@ sub registered {
     my ($entry, $folder) = @_;
     my $classes = classes($folder);
     return map { $classes->{$_} // die "$folder: no class $_\n" } content("$root/$entry") =~ /^\s*&\w+::(\w+),/mg;
+}
+
+# --- the studio's tables --------------------------------------------------------------------------------------------
+
+# What stands between the brace that ends a pattern's match and the one that closes it.
+sub braced {
+    my ($text, $from) = @_;
+    my $depth = 1;
+    pos($text) = $from;
+    while ($text =~ m{\G(?://[^\n]*|$string|$quoted|([{}])|[^{}"'/]+|.)}sgc) {
+        next if !defined $1;
+        $depth += $1 eq '{' ? 1 : -1;
+        return substr $text, $from, pos($text) - 1 - $from if $depth == 0;
+    }
+    die "reference: a brace is not closed\n";
+}
+
+# A member from its entry in the file's text: a call of method() or property(), or of a function that returns one, a
+# text, or a text in braces.
+sub studioMember {
+    my ($file, $text, $comment, $expression) = @_;
+    my %member;
+    ($member{sentence}, $member{code}) = comment($comment);
+    if ($expression =~ /^\{?($string)/) {
+        $member{declaration} = literal($1);
+    } else {
+        my ($maker, $arguments) = $expression =~ /^(\w+)(?:<[^()]*>)?\(\s*(.*)\)$/s
+            or die "$file: cannot read $expression\n";
+        my @arguments = map { $_->[1] } entries($arguments);
+        if ($maker !~ /^(?:method|property)$/) {
+            my ($made, $rest) = $text =~ /^Framework\w+ $maker\(const char\* \w+\) \{\s*return (\w+)\(\s*\w+, (.*?)\);\n\}/ms
+                or die "$file: cannot read $expression\n";
+            ($maker, @arguments) = ($made, $arguments[0], map { $_->[1] } entries($rest));
+        }
+        $member{declaration} = literal($arguments[0]);
+        if ($maker eq 'property') {
+            $member{declaration} .= ' As ' . literal($arguments[1]);
+            $member{readOnly} = @arguments == 3;
+        } else {
+            $member{assigned} = @arguments == 3;
+        }
+    }
+    ($member{name}) = $member{declaration} =~ /^(\w+)/;
+    return \%member;
+}
+
+sub studioMembers {
+    my ($file, $text, $body) = @_;
+    return [map { studioMember($file, $text, @$_) } entries($body)];
+}
+
+# The classes and the groups of functions that the files of the studio's framework declare.
+sub framework {
+    my (@classes, @groups);
+    my %tables = (properties => 'Properties', methods => 'Methods', constants => 'Constants',
+        sharedMethods => 'Shared methods', events => 'Events');
+    for my $file (glob("'$root/studio/framework/'*.cpp")) {
+        my $text  = content($file);
+        my $count = 0;
+        while ($text =~ m{((?:^///[^\n]*\n)*)^FrameworkClass \w+\(\) (\{\n.*?^\}\n)}msg) {
+            my ($comment, $body) = ($1, $2);
+            my %class;
+            ($class{name}) = map { literal($_) } $body =~ /($string)/;
+            ($class{sentence}, $class{code}) = comment($comment);
+            while ($body =~ /\btable\.(\w+) = \{/g) {
+                my $kind = $tables{$1} // next;
+                $class{$kind} = studioMembers($file, $text, braced($body, pos $body));
+                $count += @{ $class{$kind} } if $kind !~ /^(?:Constants|Events)$/;
+            }
+            push @classes, \%class;
+        }
+        while ($text =~ m{((?:^\s*///[^\n]*\n)*)\s*exceptionClass\("(\w+)"\)}mg) {
+            push @classes, { name => $2, superclass => 'RuntimeException', sentence => (comment($1))[0], code => [] };
+        }
+        while ($text =~ m{((?:^///[^\n]*\n)*)^FrameworkFunctions (\w+)Functions\(\) \{.*?\n    return \{}msg) {
+            my ($comment, $title) = ($1, $2);
+            my $functions = studioMembers($file, $text, braced($text, pos $text));
+            $count += @$functions;
+            push @groups, { name => '', title => ucfirst "$title functions", Methods => $functions };
+            @{ $groups[-1] }{ 'sentence', 'code' } = comment($comment);
+        }
+        my $makers = join '|', 'method', 'property', $text =~ /^Framework(?:Method|Property) (\w+)\(const char\*/mg;
+        my $written = () = $text =~ /\b(?:$makers)(?:<[^()]*?>)?\(\s*"/g;
+        complain("$file: $written members are declared, $count of them in tables that can be read") if $written != $count;
+    }
+    @classes = sort { $a->{name} cmp $b->{name} } @classes;
+    @groups  = sort { $a->{title} cmp $b->{title} } @groups;
+    return (\@classes, \@groups);
+}
+
+# What every array has, as a class.
+sub arrays {
+    my $file = "$root/studio/language/expressions.cpp";
+    my $text = content($file);
+    $text =~ m{((?:^///[^\n]*\n)*)^constexpr ArrayMember \w+\[\] = \{}mg or die "$file: no table of the arrays' members\n";
+    my %class = (name => 'Arrays', Methods => studioMembers($file, $text, braced($text, pos $text)));
+    @class{ 'sentence', 'code' } = comment($1);
+    return \%class;
 }
 
 # --- writing the pages ----------------------------------------------------------------------------------------------
@@ -203,7 +305,7 @@ sub memberText {
 # One program of a page's lines, each in a block of its own.
 sub program {
     my ($name, $class, @members) = @_;
-    my $text = "' The lines of the page $name, one after the other.\n";
+    my $text = "' The lines of $name, one after the other.\n";
     $text .= "$_\n" for @{ $class->{code} // [] };
     for my $member (@members) {
         my @code = codeOf($class, $member);
@@ -214,15 +316,18 @@ sub program {
         my ($key, $value) = $constant->{declaration} =~ /^(\w+) = (.*)$/;
         $text .= "If $class->{name}.$key <> $value Then Quit(1)\n";
     }
-    save("programs/$name.rbs", $text);
+    save('programs/' . $name =~ s{[/ ]}{.}gr . '.rbs', $text);
 }
 
+sub following { return @{ $_[0]{code} } ? "The lines below follow these:\n\n" . fenced(@{ $_[0]{code} }) . "\n" : '' }
+
+# Writes the page of a class, whose subclasses without members of their own are listed on it.
 sub writeClass {
-    my ($class) = @_;
+    my ($class, $folder, @subclasses) = @_;
     complain("$class->{name} has no sentence above its record") if !isSentence($class->{sentence});
     my $text = "# $class->{name}\n\n$class->{sentence}\n\n";
     $text .= "Inherits from [$class->{superclass}]($class->{superclass}.md).\n\n" if $class->{superclass};
-    $text .= "The lines below follow these:\n\n" . fenced(@{ $class->{code} }) . "\n" if @{ $class->{code} };
+    $text .= following($class);
     my @shown;
     for my $kind (@kinds) {
         my $members = $class->{$kind} or next;
@@ -239,9 +344,32 @@ sub writeClass {
             push @shown, @$members;
         }
     }
+    if (@subclasses) {
+        $text .= "## Subclasses\n\n| | |\n|---|---|\n";
+        for my $subclass (@subclasses) {
+            complain("$subclass->{name} has no sentence above its declaration") if !isSentence($subclass->{sentence});
+            $text .= "| `$subclass->{name}` | $subclass->{sentence} |\n";
+        }
+    }
     $text =~ s/\n+\z/\n/;
-    save("$class->{name}.md", $text);
-    program($class->{name}, $class, @shown);
+    save("$folder$class->{name}.md", $text);
+    program("$folder$class->{name}", $class, @shown);
+}
+
+# Writes a page of functions in groups; a group with a title is a section.
+sub writeFunctions {
+    my ($name, $title, @groups) = @_;
+    my $text = "# $title\n\n";
+    for my $group (@groups) {
+        my $what = $group->{title} // $title;
+        complain("$what has no sentence above its table") if !isSentence($group->{sentence});
+        $text .= "## $group->{title}\n\n" if $group->{title};
+        $text .= "$group->{sentence}\n\n" . following($group);
+        $text .= memberText($group, 'Methods', $_) for @{ $group->{Methods} };
+        program($group->{title} ? "$name.$group->{title}" : $name, $group, @{ $group->{Methods} });
+    }
+    $text =~ s/\n+\z/\n/;
+    save("$name.md", $text);
 }
 
 # --- counts ---------------------------------------------------------------------------------------------------------
@@ -262,22 +390,27 @@ sub checkCount {
 
 # --- all of it ------------------------------------------------------------------------------------------------------
 
-for my $folder ($out, "$out/programs") { -d $folder or mkdir $folder or die "reference: cannot make $folder: $!\n" }
+for my $folder ($out, "$out/programs", "$out/studio") { -d $folder or mkdir $folder or die "reference: cannot make $folder: $!\n" }
 
 my @product = registered('plugin/src/main.cpp', 'coreimage');
 my @family  = registered('family/src/main.cpp', 'family');
-writeClass($_) for @product, @family;
+writeClass($_, '') for @product, @family;
 
 my $globals   = 'plugin/src/globals.cpp';
 my @functions = @{ tables($globals, content("$root/$globals"))->{table} };
-my %page;
-%page = (name => '', sentence => (comment($1))[0], code => (comment($1))[1])
-    if content("$root/$globals") =~ m{((?:^///[^\n]*\n)+)^REALmethodDefinition table}m;
-my $functionsText = "# Functions\n\n$page{sentence}\n\nThe lines below follow these:\n\n" . fenced(@{ $page{code} }) . "\n";
-$functionsText .= memberText(\%page, 'Methods', $_) for @functions;
-$functionsText =~ s/\n+\z/\n/;
-save('functions.md', $functionsText);
-program('functions', \%page, @functions);
+my %page      = (name => '', Methods => \@functions);
+content("$root/$globals") =~ m{((?:^///[^\n]*\n)*)^REALmethodDefinition table}m or die "$globals: no table\n";
+@page{ 'sentence', 'code' } = comment($1);
+writeFunctions('functions', 'Functions', \%page);
+
+my ($classes, $groups) = framework();
+my @studio = grep { !$_->{superclass} } @$classes;
+for my $class (@studio, arrays()) {
+    writeClass($class, 'studio/', grep { ($_->{superclass} // '') eq $class->{name} } @$classes);
+}
+writeFunctions('studio/functions', 'Functions', @$groups);
+my $studioFunctions = 0;
+$studioFunctions += @{ $_->{Methods} } for @$groups;
 
 # Filters by when they came: built into 10.4 to 10.9, later, and those that only automatic adjustment hands out.
 my %filters = (all => 0, built => 0, later => 0);
@@ -297,7 +430,11 @@ if (defined $filters) {
 }
 
 sub membersOf { my $n = 0; for my $class (@_) { $n += @{ $class->{$_} // [] } for @kinds } return $n }
-sub listed { return join("\n", map { "| [$_->{name}]($_->{name}.md) | $_->{sentence} |" } @_) }
+
+sub listed {
+    my ($folder, @classes) = @_;
+    return join "\n", map { "| [$_->{name}]($folder$_->{name}.md) | $_->{sentence} |" } @classes;
+}
 
 save('README.md', <<"TEXT");
 # Reference
@@ -316,7 +453,7 @@ ${\ ucfirst(counted(scalar @product, 'classes'))} with ${\ membersOf(@product)} 
 
 | | |
 |---|---|
-${\ listed(@product)}
+${\ listed('', @product)}
 
 ## The filters
 
@@ -328,12 +465,25 @@ ${\ ucfirst(counted(scalar @family, 'classes'))} with ${\ membersOf(@family)} me
 
 | | |
 |---|---|
-${\ listed(@family)}
+${\ listed('', @family)}
+
+## The studio
+
+The host that runs programs here has ${\ counted(scalar @$classes, 'classes')} of its own with ${\ membersOf(@$classes)} members, and
+${\ counted($studioFunctions, 'functions')}: see [functions](studio/functions.md) and [arrays](studio/Arrays.md). Its places count from the
+upper left corner.
+
+| | |
+|---|---|
+${\ listed('studio/', @studio)}
 TEXT
 
 checkCount('README.md', qr/plugin with (\w+) classes and (\w+) functions/, scalar @product, scalar @functions);
 checkCount('CHANGELOG.md', qr/(\w+) classes and (\w+) global functions/, scalar @product, scalar @functions);
 checkCount('CHANGELOG.md', qr/members of the (\w+) classes/, scalar @product);
+checkCount('README.md', qr/studio's (\w+) classes and (\w+) functions/, scalar @$classes, $studioFunctions);
+checkCount('CHANGELOG.md', qr/framework of (\w+) classes with (\w+) members and (\w+) functions/,
+    scalar @$classes, membersOf(@$classes), $studioFunctions);
 if ($filters{all}) {
     checkCount('CHANGELOG.md', qr/All (\d+) built-in filters of Mac OS X 10.4 to 10.9 and (\d+) later ones/, @filters{qw(built later)});
     checkCount('README.md', qr/All (\d+) built-in filters of Mac OS X 10.4 to 10.9/, $filters{built});

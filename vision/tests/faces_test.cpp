@@ -61,6 +61,17 @@ TEST(FaceFinder, NoiseHasNoFaces) {
     }
 }
 
+TEST(FaceFinder, SearchesThoroughlyWhereNoProfileFits) {
+    for (int width : {1, 8, 71, 200})
+        for (int height : {1, 9, 100}) {
+            std::vector<std::uint8_t> pixels = noise(static_cast<std::size_t>(width * height), 1);
+            EXPECT_TRUE(finder()
+                            ->find({pixels.data(), width, height, static_cast<std::size_t>(width)},
+                                   vision::Care::Thorough)
+                            .empty());
+        }
+}
+
 TEST(FaceFinder, ServesSeveralThreads) {
     std::vector<std::thread> threads;
     for (unsigned seed = 0; seed < 4; ++seed)

@@ -44,7 +44,7 @@ void constructWithHandle(const WrapperType& type, REALobject wrapper, std::int32
 
 // The constructor that takes a native object by its address.
 /// Makes an object of a native one by its address. Raises NilObjectException for 0, and
-/// UnsupportedOperationException if the native object is of another class.
+/// UnsupportedOperationException if the native object is of another class or the number cannot be an address.
 ///     Dim same As New SelfClass(self.Handle)
 template <const WrapperType& Type>
 REALmethodDefinition constructorWithHandle() {

@@ -47,11 +47,53 @@
 }
 
 - (BOOL)draw {
-    CGContextRef port = appkit::currentPort();
-    CIContext* context = port ? [CIContext contextWithCGContext:port options:nil] : nil;
+    CIContext* context = [[NSGraphicsContext currentContext] CIContext];
     CGRect size = CGRectMake(0, 0, [self size].width, [self size].height);
     [context drawImage:_image inRect:size fromRect:[_image extent]];
     return context != nil;
+}
+
+@end
+
+@implementation NSBitmapImageRep (NSCoreImageAdditions)
+
+- (id)initWithCIImage:(CIImage*)ciImage {
+    CIContext* context = [CIContext contextWithOptions:nil];
+    auto pixels = cg::Retained<CGImageRef>::adopt([context createCGImage:ciImage fromRect:[ciImage extent]]);
+    return [self initWithCGImage:pixels.get()];
+}
+
+@end
+
+@implementation CIImage (NSAppKitAdditions)
+
+- (id)initWithBitmapImageRep:(NSBitmapImageRep*)bitmapImageRep {
+    return [self initWithCGImage:[bitmapImageRep CGImage]];
+}
+
+- (void)drawInRect:(NSRect)rect
+          fromRect:(NSRect)fromRect
+         operation:(NSCompositingOperation)op
+          fraction:(CGFloat)delta {
+    CGContextRef port = appkit::currentPort();
+    if (!port) return;
+    CGContextSaveGState(port);
+    CGContextSetBlendMode(port, appkit::blendMode(op));
+    CGContextSetAlpha(port, delta);
+    [[[NSGraphicsContext currentContext] CIContext] drawImage:self
+                                                       inRect:NSRectToCGRect(rect)
+                                                     fromRect:NSRectToCGRect(fromRect)];
+    CGContextRestoreGState(port);
+}
+
+- (void)drawAtPoint:(NSPoint)point
+           fromRect:(NSRect)fromRect
+          operation:(NSCompositingOperation)op
+           fraction:(CGFloat)delta {
+    [self drawInRect:NSMakeRect(point.x, point.y, fromRect.size.width, fromRect.size.height)
+            fromRect:fromRect
+           operation:op
+            fraction:delta];
 }
 
 @end

@@ -1,6 +1,8 @@
 // NSGraphicsContext: a CGContext, and the current one for each thread.
 #import <AppKit/NSGraphicsContext.h>
 
+#import <QuartzCore/CIContext.h>
+
 // A thread's current context, and its stack of saved ones, live in its dictionary.
 static NSString* const currentKey = @"NSGraphicsContextCurrent";
 static NSString* const stackKey = @"NSGraphicsContextStack";
@@ -49,6 +51,7 @@ static NSMutableDictionary* threadValues() { return [[NSThread currentThread] th
 }
 
 - (void)dealloc {
+    [_coreImageContext release];
     CGContextRelease(_port);
     [super dealloc];
 }
@@ -67,6 +70,11 @@ static NSMutableDictionary* threadValues() { return [[NSThread currentThread] th
 
 - (BOOL)isFlipped {
     return _flipped;
+}
+
+- (CIContext*)CIContext {
+    if (!_coreImageContext) _coreImageContext = [[CIContext contextWithCGContext:_port options:nil] retain];
+    return _coreImageContext;
 }
 
 - (void)flushGraphics {

@@ -8,41 +8,6 @@
 
 NSString* const NSImageCacheException = @"NSImageCacheException";
 
-namespace {
-
-CGBlendMode blendMode(NSCompositingOperation operation) {
-    switch (operation) {
-    case NSCompositeClear:
-        return kCGBlendModeClear;
-    case NSCompositeCopy:
-        return kCGBlendModeCopy;
-    case NSCompositeSourceIn:
-        return kCGBlendModeSourceIn;
-    case NSCompositeSourceOut:
-        return kCGBlendModeSourceOut;
-    case NSCompositeSourceAtop:
-        return kCGBlendModeSourceAtop;
-    case NSCompositeDestinationOver:
-        return kCGBlendModeDestinationOver;
-    case NSCompositeDestinationIn:
-        return kCGBlendModeDestinationIn;
-    case NSCompositeDestinationOut:
-        return kCGBlendModeDestinationOut;
-    case NSCompositeDestinationAtop:
-        return kCGBlendModeDestinationAtop;
-    case NSCompositeXOR:
-        return kCGBlendModeXOR;
-    case NSCompositePlusDarker:
-        return kCGBlendModePlusDarker;
-    case NSCompositePlusLighter:
-        return kCGBlendModePlusLighter;
-    default:
-        return kCGBlendModeNormal;
-    }
-}
-
-} // namespace
-
 @implementation NSImage
 
 - (id)init {
@@ -170,7 +135,7 @@ CGBlendMode blendMode(NSCompositingOperation operation) {
     CGFloat sx = rect.size.width / from.size.width, sy = rect.size.height / from.size.height;
     CGContextSaveGState(port);
     CGContextClipToRect(port, NSRectToCGRect(rect));
-    CGContextSetBlendMode(port, blendMode(operation));
+    CGContextSetBlendMode(port, appkit::blendMode(operation));
     CGContextSetAlpha(port, delta);
     [rep drawInRect:NSMakeRect(rect.origin.x - from.origin.x * sx, rect.origin.y - from.origin.y * sy,
                                size.width * sx, size.height * sy)];

@@ -14,6 +14,38 @@ inline CGContextRef currentPort() {
     return static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
 }
 
+/// Core Graphics' name of an operation.
+inline CGBlendMode blendMode(NSCompositingOperation operation) {
+    switch (operation) {
+    case NSCompositeClear:
+        return kCGBlendModeClear;
+    case NSCompositeCopy:
+        return kCGBlendModeCopy;
+    case NSCompositeSourceIn:
+        return kCGBlendModeSourceIn;
+    case NSCompositeSourceOut:
+        return kCGBlendModeSourceOut;
+    case NSCompositeSourceAtop:
+        return kCGBlendModeSourceAtop;
+    case NSCompositeDestinationOver:
+        return kCGBlendModeDestinationOver;
+    case NSCompositeDestinationIn:
+        return kCGBlendModeDestinationIn;
+    case NSCompositeDestinationOut:
+        return kCGBlendModeDestinationOut;
+    case NSCompositeDestinationAtop:
+        return kCGBlendModeDestinationAtop;
+    case NSCompositeXOR:
+        return kCGBlendModeXOR;
+    case NSCompositePlusDarker:
+        return kCGBlendModePlusDarker;
+    case NSCompositePlusLighter:
+        return kCGBlendModePlusLighter;
+    default:
+        return kCGBlendModeNormal;
+    }
+}
+
 /// The bytes at the URL; nil when there are none. Of files, regular ones alone: no pipe is waited for, and no
 /// device read for ever.
 inline NSData* contents(NSURL* url) {

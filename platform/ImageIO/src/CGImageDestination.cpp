@@ -26,7 +26,8 @@ static const Type* typeNamed(CFStringRef name) {
                                {"public.jpeg", encodeJPEG, false, false, false},
                                {"public.tiff", encodeTIFF, true, true, true},
                                {"com.compuserve.gif", encodeGIF, false, true, false},
-                               {"com.microsoft.bmp", encodeBMP, false, false, false}};
+                               {"com.microsoft.bmp", encodeBMP, false, false, false},
+                               {"org.webmproject.webp", encodeWebP, false, true, false}};
     char text[64];
     if (!name || !CFStringGetCString(name, text, sizeof text, kCFStringEncodingUTF8)) return nullptr;
     for (const Type& type : all)
@@ -175,6 +176,15 @@ void CGImageDestinationAddImage(CGImageDestinationRef destination, CGImageRef im
                                 CFDictionaryRef properties) {
     if (ImageDestination* self = cg::get<ImageDestination>(destination))
         cg::guarded([&] { self->add(image, properties); });
+}
+
+void CGImageDestinationAddImageFromSource(CGImageDestinationRef destination, CGImageSourceRef source,
+                                          size_t index, CFDictionaryRef properties) {
+    auto image = cg::Retained<CGImageRef>::adopt(CGImageSourceCreateImageAtIndex(source, index, nullptr));
+    auto own =
+        cg::Retained<CFDictionaryRef>::adopt(CGImageSourceCopyPropertiesAtIndex(source, index, nullptr));
+    auto all = cg::Retained<CFDictionaryRef>::adopt(mergedProperties(own.get(), properties));
+    CGImageDestinationAddImage(destination, image.get(), all.get());
 }
 
 bool CGImageDestinationFinalize(CGImageDestinationRef destination) {

@@ -25,6 +25,7 @@ KEY(kCGImagePropertyColorModelLab, "Lab");
 KEY(kCGImagePropertyTIFFDictionary, "{TIFF}");
 KEY(kCGImagePropertyExifDictionary, "{Exif}");
 KEY(kCGImagePropertyGPSDictionary, "{GPS}");
+KEY(kCGImagePropertyIPTCDictionary, "{IPTC}");
 KEY(kCGImagePropertyPNGDictionary, "{PNG}");
 KEY(kCGImagePropertyGIFDictionary, "{GIF}");
 KEY(kCGImagePropertyJFIFDictionary, "{JFIF}");
@@ -100,10 +101,35 @@ CFDictionaryRef makeProperties(const Info& info) {
     return (CFDictionaryRef)properties;
 }
 
+static NSMutableDictionary* merged(NSDictionary* properties, NSDictionary* changes) {
+    NSMutableDictionary* all = [NSMutableDictionary dictionaryWithDictionary:properties];
+    for (id key in changes) {
+        id value = [changes objectForKey:key], own = [all objectForKey:key];
+        if ([value isKindOfClass:[NSDictionary class]] && [own isKindOfClass:[NSDictionary class]])
+            [all setObject:merged(own, value) forKey:key];
+        else
+            [all setObject:value forKey:key];
+    }
+    return all;
+}
+
+CFDictionaryRef mergedProperties(CFDictionaryRef properties, CFDictionaryRef changes) {
+    @autoreleasepool {
+        NSDictionary* own = properties ? (NSDictionary*)properties : [NSDictionary dictionary];
+        return (CFDictionaryRef)[merged(own, (NSDictionary*)changes) retain];
+    }
+}
+
 static std::optional<MetadataValue> valueIn(id object) {
     if ([object isKindOfClass:[NSString class]]) return std::string([object UTF8String]);
     if ([object isKindOfClass:[NSNumber class]]) return [object doubleValue];
     if (![object isKindOfClass:[NSArray class]]) return std::nullopt;
+    if ([[object lastObject] isKindOfClass:[NSString class]]) {
+        std::vector<std::string> texts;
+        for (id element in object)
+            if ([element isKindOfClass:[NSString class]]) texts.push_back([element UTF8String]);
+        return texts;
+    }
     std::vector<double> numbers;
     for (id element in object) {
         if (![element isKindOfClass:[NSNumber class]]) return std::nullopt;

@@ -38,8 +38,7 @@ void setProfile(Info& info, Bytes icc, int components, color::ColorSpacePtr miss
     }
 }
 
-void setExif(Info& info, Bytes exif) {
-    addExif(info.metadata, exif);
+void setFromMetadata(Info& info) {
     double orientation = info.metadata.number("{TIFF}", "Orientation");
     if (orientation >= 1 && orientation <= 8) info.orientation = static_cast<int>(orientation);
     double x = info.metadata.number("{TIFF}", "XResolution"),

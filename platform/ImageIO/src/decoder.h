@@ -91,8 +91,8 @@ void checkSize(std::uint64_t width, std::uint64_t height, unsigned bytesPerPixel
 /// Sets the space of `info` to the embedded profile if that has the right number of components, else to
 /// `missing`.
 void setProfile(Info& info, Bytes icc, int components, color::ColorSpacePtr missing);
-/// Reads the metadata, and the orientation and resolution from them.
-void setExif(Info& info, Bytes exif);
+/// Sets the orientation and the resolution that the metadata tell, after they are read.
+void setFromMetadata(Info& info);
 /// For formats that hold one image.
 std::size_t one(Bytes file);
 

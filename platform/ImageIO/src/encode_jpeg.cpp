@@ -16,9 +16,9 @@ namespace {
 /// The library's errors jump back to run().
 struct Writer {
     explicit Writer(const OutputImage& image) : image(image), row(image.rowBytes()) {
-        static constexpr char mark[] = "Exif\0";
-        exif = exifBlock(image.metadata, image.orientation);
-        if (!exif.empty()) exif.insert(exif.begin(), mark, mark + sizeof mark);
+        addMarker(1, "Exif\0", exifBlock(image.metadata, image.orientation));
+        addMarker(1, "http://ns.adobe.com/xap/1.0/", xmpPacket(image.metadata));
+        addMarker(13, "Photoshop 3.0", photoshopResources(image.metadata));
         info.err = jpeg_std_error(&errors);
         info.client_data = this;
         errors.error_exit = [](j_common_ptr c) {
@@ -30,10 +30,19 @@ struct Writer {
         if (created) jpeg_destroy_compress(&info);
         std::free(data);
     }
+    /// The name ends with its zero. A marker has 64 KB; metadata that do not fit are left out.
+    template <std::size_t size>
+    void addMarker(int number, const char (&name)[size], const auto& contents) {
+        if (contents.empty() || size + contents.size() > 65533) return;
+        std::vector<std::uint8_t> bytes(name, name + size);
+        bytes.insert(bytes.end(), contents.begin(), contents.end());
+        markers.emplace_back(JPEG_APP0 + number, std::move(bytes));
+    }
     bool run();
 
     const OutputImage& image;
-    std::vector<std::uint8_t> row, exif;
+    std::vector<std::uint8_t> row;
+    std::vector<std::pair<int, std::vector<std::uint8_t>>> markers;
     jpeg_compress_struct info = {};
     jpeg_error_mgr errors = {};
     std::jmp_buf escape;
@@ -61,9 +70,8 @@ bool Writer::run() {
     info.X_density = static_cast<UINT16>(std::clamp(std::lround(image.dpiX), 1l, 65535l));
     info.Y_density = static_cast<UINT16>(std::clamp(std::lround(image.dpiY), 1l, 65535l));
     jpeg_start_compress(&info, TRUE);
-    // A marker holds no more; metadata that do not fit are left out.
-    if (!exif.empty() && exif.size() <= 65533)
-        jpeg_write_marker(&info, JPEG_APP0 + 1, exif.data(), static_cast<unsigned>(exif.size()));
+    for (const auto& [number, bytes] : markers)
+        jpeg_write_marker(&info, number, bytes.data(), static_cast<unsigned>(bytes.size()));
     if (!image.icc.empty())
         jpeg_write_icc_profile(&info, image.icc.data(), static_cast<unsigned>(image.icc.size()));
     for (std::size_t y = 0; y < image.height; ++y) {

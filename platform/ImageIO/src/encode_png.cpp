@@ -14,7 +14,8 @@ namespace {
 /// The library's errors jump back to run(). An exception in a callback becomes such an error.
 struct Writer : PngState {
     explicit Writer(const OutputImage& image)
-        : image(image), row(image.rowBytes()), exif(exifBlock(image.metadata, image.orientation)) {}
+        : image(image), row(image.rowBytes()), exif(exifBlock(image.metadata, image.orientation)),
+          xmp(xmpPacket(image.metadata)) {}
     ~Writer() { png_destroy_write_struct(&png, &info); }
 
     static void take(png_structp png, png_bytep data, std::size_t size) {
@@ -33,6 +34,7 @@ struct Writer : PngState {
 
     const OutputImage& image;
     std::vector<std::uint8_t> row, output, exif;
+    std::string xmp;
 };
 
 bool Writer::run() {
@@ -55,6 +57,14 @@ bool Writer::run() {
     png_set_pHYs(png, info, static_cast<png_uint_32>(std::lround(image.dpiX / 0.0254)),
                  static_cast<png_uint_32>(std::lround(image.dpiY / 0.0254)), PNG_RESOLUTION_METER);
     if (!exif.empty()) png_set_eXIf_1(png, info, static_cast<png_uint_32>(exif.size()), exif.data());
+    if (!xmp.empty()) {
+        png_text text = {};
+        text.compression = PNG_ITXT_COMPRESSION_NONE;
+        text.key = const_cast<char*>(xmpKeyword);
+        text.text = xmp.data();
+        text.itxt_length = xmp.size();
+        png_set_text(png, info, &text, 1);
+    }
     png_write_info(png, info);
     if (std::endian::native == std::endian::little && image.bits == 16) png_set_swap(png);
     for (std::size_t y = 0; y < image.height; ++y) {

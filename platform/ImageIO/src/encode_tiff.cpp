@@ -36,6 +36,10 @@ bool writePage(TIFF* tiff, const OutputImage& s, std::size_t page, std::size_t p
         if (auto* text = value ? std::get_if<std::string>(value) : nullptr)
             TIFFSetField(tiff, tag, text->c_str());
     }
+    if (std::string xmp = xmpPacket(s.metadata); !xmp.empty())
+        TIFFSetField(tiff, TIFFTAG_XMLPACKET, static_cast<std::uint32_t>(xmp.size()), xmp.data());
+    if (std::vector<std::uint8_t> iptc = iptcRecord(s.metadata); !iptc.empty())
+        TIFFSetField(tiff, TIFFTAG_RICHTIFFIPTC, static_cast<std::uint32_t>(iptc.size()), iptc.data());
     if (s.hasAlpha) {
         std::uint16_t kind = EXTRASAMPLE_UNASSALPHA;
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);

@@ -46,5 +46,7 @@ std::vector<std::uint8_t> encodeBMP(std::span<const OutputImage> images);
 /// For 8 bits only.
 std::vector<std::uint8_t> encodeGIF(std::span<const OutputImage> images);
 std::vector<std::uint8_t> encodeTIFF(std::span<const OutputImage> images);
+/// For 8 bits only; without loss at quality 1.
+std::vector<std::uint8_t> encodeWebP(std::span<const OutputImage> images);
 
 } // namespace imageio

@@ -72,6 +72,7 @@ bool Reader::readHeader() {
     jpeg_mem_src(&info, file.data(), file.size());
     jpeg_save_markers(&info, JPEG_APP0 + 1, 0xFFFF);
     jpeg_save_markers(&info, JPEG_APP0 + 2, 0xFFFF);
+    jpeg_save_markers(&info, JPEG_APP0 + 13, 0xFFFF);
     jpeg_read_header(&info, TRUE);
     switch (info.num_components) {
     case 1:
@@ -111,13 +112,23 @@ void readMetadata(const jpeg_decompress_struct& jpeg, Info& info) {
         info.metadata.add("{JFIF}", "YDensity", long(jpeg.Y_density));
         info.metadata.add("{JFIF}", "IsProgressive", bool(jpeg.progressive_mode));
     }
-    // Other kinds of metadata use the same marker.
-    for (jpeg_saved_marker_ptr marker = jpeg.marker_list; marker; marker = marker->next) {
-        Bytes data(marker->data, marker->data_length);
-        if (marker->marker == JPEG_APP0 + 1 && data.size() > 6 &&
-            std::equal(data.begin(), data.begin() + 4, "Exif"))
-            return setExif(info, data);
-    }
+    // A kind of metadata is a marker and a name; the first of each kind counts. In this order, because what
+    // one says the next does not replace.
+    static constexpr char exif[] = "Exif\0", photoshop[] = "Photoshop 3.0",
+                          xmp[] = "http://ns.adobe.com/xap/1.0/";
+    auto find = [&](int code, std::string_view name) {
+        for (jpeg_saved_marker_ptr marker = jpeg.marker_list; marker; marker = marker->next) {
+            Bytes data(marker->data, marker->data_length);
+            if (marker->marker == code && data.size() > name.size() &&
+                std::equal(name.begin(), name.end(), reinterpret_cast<const char*>(data.data())))
+                return data.subspan(name.size());
+        }
+        return Bytes();
+    };
+    addExif(info.metadata, find(JPEG_APP0 + 1, {exif, sizeof exif}));
+    addPhotoshop(info.metadata, find(JPEG_APP0 + 13, {photoshop, sizeof photoshop}));
+    addXMP(info.metadata, find(JPEG_APP0 + 1, {xmp, sizeof xmp}));
+    setFromMetadata(info);
 }
 
 Decoded decode(Bytes file, std::size_t, bool wantsPixels) {

@@ -508,12 +508,18 @@ Metadata metadataFrom(const ValueOfKey& valueOf) {
     for (const Tag& tag : tags)
         if (std::optional<MetadataValue> value = valueOf(nameOf(tag.directory), tag.key))
             metadata.add(nameOf(tag.directory), tag.key, std::move(*value));
+    auto addIPTC = [&](const char* key) {
+        if (std::optional<MetadataValue> value = valueOf("{IPTC}", key))
+            metadata.add("{IPTC}", key, std::move(*value));
+    };
+    for (const IPTCProperty& property : iptcProperties()) addIPTC(property.key);
+    addIPTC("StarRating");
     return metadata;
 }
 
 void addTags(Metadata& metadata, TagDirectory directory, const FieldOfTag& fieldOf) {
     for (const Tag& tag : tags) {
-        if (tag.directory != directory) continue;
+        if (tag.directory != directory || metadata.find(nameOf(directory), tag.key)) continue;
         std::optional<TagField> field = fieldOf(tag.number);
         if (!field) continue;
         if (std::optional<MetadataValue> value = valueOf(tag.as, *field))

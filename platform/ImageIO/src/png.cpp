@@ -174,7 +174,11 @@ void readMetadata(Reader& reader, Info& info) {
 
     png_bytep exif = nullptr;
     png_uint_32 size = 0;
-    if (png_get_eXIf_1(reader.png, reader.info, &size, &exif)) setExif(info, {exif, size});
+    if (png_get_eXIf_1(reader.png, reader.info, &size, &exif)) addExif(metadata, {exif, size});
+    for (int i = 0; i < count; ++i)
+        if (std::strcmp(texts[i].key, xmpKeyword) == 0 && texts[i].text)
+            addXMP(metadata, {reinterpret_cast<std::uint8_t*>(texts[i].text), std::strlen(texts[i].text)});
+    setFromMetadata(info);
 }
 
 Decoded decode(Bytes file, std::size_t, bool wantsPixels) {

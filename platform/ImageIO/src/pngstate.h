@@ -7,6 +7,9 @@
 
 namespace imageio {
 
+/// Of the text that holds XMP.
+constexpr const char* xmpKeyword = "XML:com.adobe.xmp";
+
 /// The library is made with `this` and fail(): its errors jump to `escape`. Nothing on the way may have a
 /// destructor.
 struct PngState {

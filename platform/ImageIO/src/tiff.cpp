@@ -198,8 +198,39 @@ std::optional<TagField> fieldOf(TIFF* tiff, std::uint16_t tag) {
     return result;
 }
 
+/// The bytes of a field as they lie in the file: the library takes those of IPTC for words, whose order it
+/// may change. Empty for BigTIFF, for which the field is not used.
+Bytes rawField(TIFF* tiff, Bytes file, std::uint16_t tag) {
+    if (TIFFIsBigTIFF(tiff)) return {};
+    auto number = [&](std::uint64_t at, unsigned size) -> std::uint64_t {
+        std::uint64_t value = 0;
+        for (unsigned i = 0; i < size; ++i) {
+            if (at + i >= file.size()) return 0;
+            value |= std::uint64_t(file[at + i]) << 8 * (TIFFIsBigEndian(tiff) ? size - 1 - i : i);
+        }
+        return value;
+    };
+    std::uint64_t directory = TIFFCurrentDirOffset(tiff), count = number(directory, 2);
+    for (std::uint64_t entry = directory + 2; count > 0; --count, entry += 12) {
+        if (number(entry, 2) != tag) continue;
+        std::uint64_t size = number(entry + 4, 4) * (number(entry + 2, 2) == TIFF_LONG ? 4 : 1);
+        std::uint64_t at = size > 4 ? number(entry + 8, 4) : entry + 8;
+        if (at <= file.size() && size <= file.size() - at)
+            return file.subspan(static_cast<std::size_t>(at), static_cast<std::size_t>(size));
+    }
+    return {};
+}
+
 /// Leaves the current directory, so it must come last.
-void readMetadata(TIFF* tiff, Metadata& metadata) {
+void readMetadata(TIFF* tiff, Bytes file, Metadata& metadata) {
+    Bytes iptc = rawField(tiff, file, TIFFTAG_RICHTIFFIPTC);
+    std::uint32_t xmpSize = 0;
+    void* packet = nullptr;
+    std::vector<std::uint8_t> xmp; // the library's memory goes with the directory
+    if (TIFFGetField(tiff, TIFFTAG_XMLPACKET, &xmpSize, &packet)) {
+        auto* bytes = static_cast<std::uint8_t*>(packet);
+        xmp.assign(bytes, bytes + xmpSize);
+    }
     auto fields = [&](std::uint16_t tag) { return fieldOf(tiff, tag); };
     toff_t exif = 0, gps = 0;
     bool hasExif = TIFFGetField(tiff, TIFFTAG_EXIFIFD, &exif),
@@ -207,6 +238,8 @@ void readMetadata(TIFF* tiff, Metadata& metadata) {
     addTags(metadata, TagDirectory::image, fields);
     if (hasExif && TIFFReadEXIFDirectory(tiff, exif)) addTags(metadata, TagDirectory::exif, fields);
     if (hasGPS && TIFFReadGPSDirectory(tiff, gps)) addTags(metadata, TagDirectory::gps, fields);
+    addIPTC(metadata, iptc);
+    addXMP(metadata, xmp);
 }
 
 Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
@@ -244,7 +277,7 @@ Decoded decode(Bytes bytes, std::size_t index, bool wantsPixels) {
     if (TIFFGetField(tiff.get(), TIFFTAG_ORIENTATION, &orientation) && orientation >= 1 && orientation <= 8)
         info.orientation = orientation;
     if (!wantsPixels) {
-        readMetadata(tiff.get(), info.metadata);
+        readMetadata(tiff.get(), bytes, info.metadata);
         return result;
     }
 

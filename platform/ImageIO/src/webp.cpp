@@ -59,7 +59,9 @@ Decoded decode(Bytes file, std::size_t index, bool wantsPixels) {
     info.space = color::ColorSpace::sRGB();
     withChunk(demuxer, "ICCP", [&](Bytes icc) { setProfile(info, icc, 3, info.space); });
     if (!wantsPixels) {
-        withChunk(demuxer, "EXIF", [&](Bytes exif) { setExif(info, exif); });
+        withChunk(demuxer, "EXIF", [&](Bytes exif) { addExif(info.metadata, exif); });
+        withChunk(demuxer, "XMP ", [&](Bytes xmp) { addXMP(info.metadata, xmp); });
+        setFromMetadata(info);
         return result;
     }
     // While decoding, the library needs a second copy of a still picture, and three more of an animation.

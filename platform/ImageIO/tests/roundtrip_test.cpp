@@ -20,6 +20,16 @@ Bytes raw(CGImageRef image) {
     return Bytes(CFDataGetBytePtr(data.get()), CFDataGetBytePtr(data.get()) + CFDataGetLength(data.get()));
 }
 
+constexpr const char* webp = "org.webmproject.webp";
+
+Bytes encodeAt(CGImageRef image, const char* type, double quality) {
+    auto properties = Retained<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutable(
+        nullptr, 1, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    auto value = Retained<CFNumberRef>::adopt(CFNumberCreate(nullptr, kCFNumberDoubleType, &quality));
+    CFDictionarySetValue(properties.get(), kCGImageDestinationLossyCompressionQuality, value.get());
+    return encode({image}, type, properties.get());
+}
+
 } // namespace
 
 TEST(RoundTrip, LosslessFormatsKeepEverySample) {
@@ -77,7 +87,7 @@ TEST(RoundTrip, ProfilesTravelAlong) {
     auto srgb = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateWithName(kCGColorSpaceSRGB));
     auto image = decode(pngFile(16, 16, PNG_COLOR_TYPE_RGB));
     auto tagged = Retained<CGImageRef>::adopt(CGImageCreateCopyWithColorSpace(image.get(), adobe.get()));
-    for (const char* type : {"public.png", "public.jpeg", "public.tiff"}) {
+    for (const char* type : {"public.png", "public.jpeg", "public.tiff", webp}) {
         auto again = decode(encode({tagged.get()}, type));
         ASSERT_TRUE(again) << type;
         EXPECT_FALSE(CFEqual(CGImageGetColorSpace(again.get()), srgb.get())) << type;
@@ -86,19 +96,45 @@ TEST(RoundTrip, ProfilesTravelAlong) {
     }
 }
 
-TEST(RoundTrip, JPEGQualityDecidesTheSize) {
+TEST(RoundTrip, QualityDecidesTheSize) {
     auto image = decode(pngFile(128, 128, PNG_COLOR_TYPE_RGB));
-    auto encodeAt = [&](double quality) {
-        auto properties = Retained<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutable(
-            nullptr, 1, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
-        auto value = Retained<CFNumberRef>::adopt(CFNumberCreate(nullptr, kCFNumberDoubleType, &quality));
-        CFDictionarySetValue(properties.get(), kCGImageDestinationLossyCompressionQuality, value.get());
-        return encode({image.get()}, "public.jpeg", properties.get());
-    };
-    Bytes low = encodeAt(0.2), high = encodeAt(0.95);
-    EXPECT_LT(low.size() * 2, high.size());
-    Pixel original = Drawn(image.get()).at(60, 60), kept = Drawn(decode(high).get()).at(60, 60);
-    for (std::size_t k = 0; k < 3; ++k) EXPECT_NEAR(kept[k], original[k], 6);
+    for (const char* type : {"public.jpeg", webp}) {
+        Bytes low = encodeAt(image.get(), type, 0.2), high = encodeAt(image.get(), type, 0.95);
+        EXPECT_LT(low.size() * 2, high.size()) << type;
+        Pixel original = Drawn(image.get()).at(60, 60), kept = Drawn(decode(high).get()).at(60, 60);
+        for (std::size_t k = 0; k < 3; ++k) EXPECT_NEAR(kept[k], original[k], 6) << type;
+    }
+}
+
+TEST(RoundTrip, WebPOfTheBestQualityLosesNothing) {
+    for (int kind :
+         {PNG_COLOR_TYPE_RGB, PNG_COLOR_TYPE_RGB_ALPHA, PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA}) {
+        auto image = decode(pngFile(33, 21, kind));
+        auto again = decode(encodeAt(image.get(), webp, 1));
+        ASSERT_TRUE(again) << kind;
+        for (std::size_t y = 0; y < 21; ++y)
+            for (std::size_t x = 0; x < 33; ++x)
+                EXPECT_EQ(Drawn(again.get()).at(x, y), Drawn(image.get()).at(x, y))
+                    << kind << ' ' << x << ' ' << y;
+    }
+}
+
+TEST(RoundTrip, WebPOfTheBestQualityKeepsTheColoursOfWhatIsTransparent) {
+    Bytes pixels;
+    for (int i = 0; i < 16 * 16; ++i)
+        for (int v : {i, 255 - i, 77, i % 3 ? 0 : 128}) pixels.push_back(static_cast<std::uint8_t>(v));
+    auto image = makeImage(16, 16, 8, 32, CGColorSpaceCreateDeviceRGB, kCGImageAlphaLast, pixels);
+    EXPECT_EQ(raw(decode(encodeAt(image.get(), webp, 1)).get()), pixels);
+}
+
+TEST(RoundTrip, WebPHasALargestSize) {
+    auto space = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
+    for (std::size_t width : {16383u, 16384u}) {
+        auto context = Retained<CGContextRef>::adopt(
+            CGBitmapContextCreate(nullptr, width, 2, 8, 0, space.get(), kCGImageAlphaPremultipliedLast));
+        auto image = Retained<CGImageRef>::adopt(CGBitmapContextCreateImage(context.get()));
+        EXPECT_EQ(encode({image.get()}, webp).empty(), width > 16383) << width;
+    }
 }
 
 TEST(RoundTrip, JPEGShowsTransparencyOnWhite) {

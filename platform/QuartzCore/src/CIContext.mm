@@ -12,6 +12,8 @@ struct CIContextState {
     cg::Retained<CGContextRef> context;
     /// For images that are made without naming a space.
     cg::Retained<CGColorSpaceRef> output;
+    /// Null without colour matching.
+    cg::Retained<CGColorSpaceRef> working;
     engine::Options options;
 };
 
@@ -19,6 +21,10 @@ struct CIContextState {
 
 + (CIContext*)contextWithCGContext:(CGContextRef)context options:(NSDictionary*)options {
     return [[[self alloc] initWithCGContext:context options:options] autorelease];
+}
+
++ (CIContext*)contextWithOptions:(NSDictionary*)options {
+    return [self contextWithCGContext:nullptr options:options];
 }
 
 - (id)initWithCGContext:(CGContextRef)context options:(NSDictionary*)options {
@@ -37,6 +43,10 @@ struct CIContextState {
     if (!_state->output) _state->output = cg::Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
     if (isRGB(working)) _state->options.working = cg::spaceOf((CGColorSpaceRef)working);
     if (output == [NSNull null] || working == [NSNull null]) _state->options.colorManaged = false;
+    if (_state->options.colorManaged)
+        _state->working = isRGB(working) ? cg::Retained<CGColorSpaceRef>((CGColorSpaceRef)working)
+                                         : cg::Retained<CGColorSpaceRef>::adopt(
+                                               CGColorSpaceCreateWithName(kCGColorSpaceGenericRGBLinear));
     if ([software respondsToSelector:@selector(boolValue)]) _state->options.software = [software boolValue];
     return self;
 }
@@ -49,6 +59,10 @@ struct CIContextState {
     if (_state) live.gone();
     delete _state;
     [super dealloc];
+}
+
+- (CGColorSpaceRef)workingColorSpace {
+    return _state->working.get();
 }
 
 - (void)drawImage:(CIImage*)image atPoint:(CGPoint)p fromRect:(CGRect)src {

@@ -1,82 +1,19 @@
-// CIFilter: a filter of the engine and the values that are set, by key.
+// CIFilter: the catalogue of filters by name, and what a filter that a program wrote inherits.
 #import <QuartzCore/CIFilter.h>
 
-#include "FilterValues.h"
+#include "CIBuiltInFilter.h"
+#include "FilterRegistry.h"
 #include "Internal.h"
-#include "Raise.h"
 
 #include <objc/runtime.h>
 
-#include <algorithm>
 #include <cstdarg>
+#include <functional>
+#include <string_view>
 
 static cg::LiveCount live("CIFilter");
 
-struct CIFilterState {
-    const engine::FilterInfo* info;
-    NSMutableDictionary* values;
-};
-
 namespace {
-
-NSString* text(const std::string& s) { return [NSString stringWithUTF8String:s.c_str()]; }
-
-const engine::FilterInfo* filterNamed(NSString* name) {
-    return name ? engine::findFilter([name UTF8String]) : nullptr;
-}
-
-/// "CICategoryBlur" for the engine's "Blur".
-NSString* categoryKey(const std::string& category) { return text("CICategory" + category); }
-
-bool isIn(const engine::FilterInfo& filter, NSString* category) {
-    return std::any_of(filter.categories.begin(), filter.categories.end(),
-                       [&](const std::string& own) { return [category isEqualToString:categoryKey(own)]; });
-}
-
-bool hasInput(const engine::FilterInfo& filter, NSString* key) {
-    const char* wanted = key ? [key UTF8String] : "";
-    return std::any_of(filter.inputs.begin(), filter.inputs.end(),
-                       [wanted](const engine::InputInfo& input) { return input.key == wanted; });
-}
-
-/// Every filter has a class named after it, so that its name appears wherever class names do.
-Class classOf(const engine::FilterInfo& filter) {
-    @synchronized([CIFilter class]) {
-        Class known = objc_lookUpClass(filter.name.c_str());
-        if (known) return known;
-        Class made = objc_allocateClassPair([CIFilter class], filter.name.c_str(), 0);
-        objc_registerClassPair(made);
-        return made;
-    }
-}
-
-/// The attributes that Core Image lists for one input: only those that it has.
-NSDictionary* describe(const engine::InputInfo& input) {
-    NSMutableDictionary* attributes = [NSMutableDictionary dictionary];
-    auto set = [&](NSString* key, id value) {
-        if (value) [attributes setObject:value forKey:key];
-    };
-    auto setValue = [&](NSString* key, const auto& value) {
-        if (value) set(key, ci::objectOf(*value));
-    };
-    set(kCIAttributeClass, ci::classNameOf(input.kind));
-    if (!input.type.empty()) set(kCIAttributeType, text("CIAttributeType" + input.type));
-    if (!input.displayName.empty()) set(kCIAttributeDisplayName, text(input.displayName));
-    setValue(kCIAttributeDefault, input.defaultValue);
-    setValue(kCIAttributeIdentity, input.identity);
-    setValue(kCIAttributeMin, input.min);
-    setValue(kCIAttributeMax, input.max);
-    setValue(kCIAttributeSliderMin, input.sliderMin);
-    setValue(kCIAttributeSliderMax, input.sliderMax);
-    return attributes;
-}
-
-NSURL* documentationOf(const engine::FilterInfo& filter) {
-    std::string url = "http://developer.apple.com/cgi-bin/apple_ref.cgi?apple_ref="
-                      "//apple_ref/doc/filter/ci/" +
-                      filter.name;
-    return [NSURL URLWithString:text(url)];
-}
 
 /// "Tile Effect" for kCICategoryTileEffect; nil for an unknown category.
 NSString* categoryName(NSString* category) {
@@ -92,17 +29,69 @@ NSString* categoryName(NSString* category) {
                                @"Video", kCICategoryVideo, @"Still Image", kCICategoryStillImage,
                                @"Interlaced", kCICategoryInterlaced, @"Non-Square Pixels",
                                kCICategoryNonSquarePixels, @"High Dynamic Range", kCICategoryHighDynamicRange,
-                               @"Built-In", kCICategoryBuiltIn, nil];
+                               @"Built-In", kCICategoryBuiltIn, @"Filter Generator",
+                               kCICategoryFilterGenerator, nil];
     return category ? [names objectForKey:category] : nil;
+}
+
+/// The keys of the whole filter; nil for an unknown name.
+NSDictionary* classAttributesOf(NSString* name) {
+    if (const engine::FilterInfo* info = ci::builtInNamed(name))
+        return [CIBuiltInFilter classAttributesOf:info];
+    return [[CIRegisteredFilter filterNamed:name] classAttributes];
+}
+
+/// The categories among the keys of a filter; nil unless they are an array.
+NSArray* categoriesIn(NSDictionary* classAttributes) {
+    id categories = [classAttributes objectForKey:kCIAttributeFilterCategories];
+    return [categories isKindOfClass:[NSArray class]] ? categories : nil;
+}
+
+/// The classes that a program derived from CIFilter, from the eldest to the object's own.
+void eachDerived(Class derived, const std::function<void(Class)>& body) {
+    if (!derived || derived == [CIFilter class]) return;
+    eachDerived(class_getSuperclass(derived), body);
+    body(derived);
+}
+
+/// Calls `body` for each variable that is an input: `inputRadius` or `_inputRadius`.
+void eachInput(Class derived, const std::function<void(Ivar, std::string_view key)>& body) {
+    eachDerived(derived, [&](Class own) {
+        unsigned count = 0;
+        Ivar* variables = class_copyIvarList(own, &count);
+        for (unsigned i = 0; i < count; ++i) {
+            std::string_view key = ivar_getName(variables[i]);
+            if (key.starts_with("_")) key.remove_prefix(1);
+            if (key.starts_with("input")) body(variables[i], key);
+        }
+        free(variables);
+    });
+}
+
+NSString* text(std::string_view s) { return [NSString stringWithUTF8String:std::string(s).c_str()]; }
+
+/// "CIImage" for a variable of that class, NSNumber for one of a C type; nil for `id`.
+NSString* classNameOf(Ivar variable) {
+    std::string_view type = ivar_getTypeEncoding(variable);
+    if (!type.starts_with("@")) return @"NSNumber";
+    if (type.size() < 4 || type[1] != '"') return nil;
+    return text(type.substr(2, type.find('"', 2) - 2));
 }
 
 } // namespace
 
 @implementation CIFilter
 
+// --- the catalogue ----------------------------------------------------------------------------------------
+
 + (CIFilter*)filterWithName:(NSString*)name {
-    const engine::FilterInfo* info = filterNamed(name);
-    return info ? [[[classOf(*info) alloc] initWithInfo:info] autorelease] : nil;
+    if (const engine::FilterInfo* info = ci::builtInNamed(name)) return [CIBuiltInFilter filterWithInfo:info];
+    id constructor = [[CIRegisteredFilter filterNamed:name] constructor];
+    // A class that registered itself and left this method to CIFilter makes filters in the plain way.
+    CIFilter* filter =
+        constructor == self ? [[[self alloc] init] autorelease] : [constructor filterWithName:name];
+    [filter setName:name];
+    return filter;
 }
 
 + (CIFilter*)filterWithName:(NSString*)name keysAndValues:(id)key0, ... {
@@ -121,73 +110,97 @@ NSString* categoryName(NSString* category) {
 
 + (NSArray*)filterNamesInCategories:(NSArray*)categories {
     NSMutableArray* names = [NSMutableArray array];
-    for (const engine::FilterInfo* filter : engine::allFilters()) {
-        bool inAll = !filter->categories.empty(); // those of automatic adjustment are in none
-        for (NSString* category in categories) inAll = inAll && isIn(*filter, category);
-        if (inAll) [names addObject:text(filter->name)];
+    NSSet* wanted = [NSSet setWithArray:categories ? categories : [NSArray array]];
+    auto addIfIn = [&](NSString* name, NSArray* own) {
+        if ([wanted isSubsetOfSet:[NSSet setWithArray:own ? own : [NSArray array]]]) [names addObject:name];
+    };
+    for (const engine::FilterInfo* info : engine::allFilters()) {
+        if (info->categories.empty()) continue; // those of automatic adjustment are not listed
+        addIfIn(text(info->name), ci::categoriesOf(*info));
     }
+    for (NSString* name in [CIRegisteredFilter names]) addIfIn(name, categoriesIn(classAttributesOf(name)));
+    [names sortUsingSelector:@selector(compare:)];
     return names;
 }
 
++ (void)registerFilterName:(NSString*)name
+               constructor:(id)anObject
+           classAttributes:(NSDictionary*)attributes {
+    if (!name || !anObject)
+        [NSException raise:NSInvalidArgumentException
+                    format:@"registerFilterName: a %s is needed", name ? "constructor" : "name"];
+    if (ci::builtInNamed(name))
+        [NSException raise:NSInvalidArgumentException
+                    format:@"registerFilterName: %@ is a built-in filter", name];
+    [CIRegisteredFilter registerName:name constructor:anObject classAttributes:attributes];
+}
+
 + (NSString*)localizedNameForFilterName:(NSString*)filterName {
-    const engine::FilterInfo* info = filterNamed(filterName);
-    return info ? text(info->displayName) : nil;
+    NSDictionary* attributes = classAttributesOf(filterName);
+    NSString* displayName = [attributes objectForKey:kCIAttributeFilterDisplayName];
+    return attributes && !displayName ? filterName : displayName;
 }
 
 + (NSString*)localizedNameForCategory:(NSString*)category {
-    return categoryName(category);
-}
-
-+ (NSString*)localizedDescriptionForFilterName:(NSString*)filterName {
-    const engine::FilterInfo* info = filterNamed(filterName);
-    return info ? text(info->description) : nil;
-}
-
-+ (NSURL*)localizedReferenceDocumentationForFilterName:(NSString*)filterName {
-    const engine::FilterInfo* info = filterNamed(filterName);
-    return info ? documentationOf(*info) : nil;
-}
-
-/// Values are reached only through the keys of the inputs.
-+ (BOOL)accessInstanceVariablesDirectly {
-    return NO;
-}
-
-- (id)initWithInfo:(const engine::FilterInfo*)info {
-    if (!(self = [super init])) return nil;
-    live.born();
-    _state = new CIFilterState{info, [[NSMutableDictionary alloc] init]};
-    return self;
-}
-
-/// Filters are made by name.
-- (id)init {
-    [self release];
+    if (NSString* name = categoryName(category)) return name;
+    for (NSString* filter in [CIRegisteredFilter names])
+        if ([categoriesIn(classAttributesOf(filter)) containsObject:category]) return category;
     return nil;
 }
 
-- (void)dealloc {
-    if (_state) {
-        live.gone();
-        [_state->values release];
-        delete _state;
++ (NSString*)localizedDescriptionForFilterName:(NSString*)filterName {
+    return [classAttributesOf(filterName) objectForKey:kCIAttributeDescription];
+}
+
++ (NSURL*)localizedReferenceDocumentationForFilterName:(NSString*)filterName {
+    return [classAttributesOf(filterName) objectForKey:kCIAttributeReferenceDocumentation];
+}
+
+// --- a filter -------------------------------------------------------------------------------------------
+
+- (id)init {
+    if ([self class] == [CIFilter class]) {
+        [self release];
+        return nil;
     }
+    if (!(self = [super init])) return nil;
+    live.born();
+    _name = [NSStringFromClass([self class]) copy];
+    return self;
+}
+
+- (void)dealloc {
+    if (_name) live.gone();
+    [_name release];
+    // A class that has a dealloc of its own releases what it holds there.
+    SEL sel = @selector(dealloc);
+    if ([self methodForSelector:sel] == [CIFilter instanceMethodForSelector:sel])
+        eachInput([self class], [&](Ivar variable, std::string_view) {
+            if (ivar_getTypeEncoding(variable)[0] == '@') [object_getIvar(self, variable) release];
+        });
     [super dealloc];
 }
 
 - (id)copyWithZone:(NSZone*)zone {
-    CIFilter* copy = [[[self class] allocWithZone:zone] initWithInfo:_state->info];
-    [copy->_state->values setDictionary:_state->values];
+    CIFilter* copy = [[[self class] allocWithZone:zone] init];
+    for (NSString* key in [self inputKeys]) [copy setValue:[self valueForKey:key] forKey:key];
+    [copy setName:_name];
     return copy;
 }
 
 - (NSString*)name {
-    return text(_state->info->name);
+    return _name;
+}
+
+- (void)setName:(NSString*)name {
+    NSString* old = _name;
+    _name = [name copy];
+    [old release];
 }
 
 - (NSArray*)inputKeys {
     NSMutableArray* keys = [NSMutableArray array];
-    for (const engine::InputInfo& input : _state->info->inputs) [keys addObject:text(input.key)];
+    eachInput([self class], [&](Ivar, std::string_view key) { [keys addObject:text(key)]; });
     return keys;
 }
 
@@ -195,63 +208,51 @@ NSString* categoryName(NSString* category) {
     return [NSArray arrayWithObject:kCIOutputImageKey];
 }
 
+- (NSDictionary*)customAttributes {
+    id own = [self class];
+    return [own respondsToSelector:_cmd] ? [own customAttributes] : nil;
+}
+
 - (void)setDefaults {
-    for (const engine::InputInfo& input : _state->info->inputs)
-        if (input.defaultValue) [self setValue:ci::objectOf(*input.defaultValue) forKey:text(input.key)];
+    NSDictionary* attributes = [self attributes];
+    for (NSString* key in [self inputKeys])
+        if (id value = [[attributes objectForKey:key] objectForKey:kCIAttributeDefault])
+            [self setValue:value forKey:key];
 }
 
 - (NSDictionary*)attributes {
-    const engine::FilterInfo& info = *_state->info;
-    NSMutableArray* categories = [NSMutableArray array];
-    for (const std::string& category : info.categories) [categories addObject:categoryKey(category)];
     NSMutableDictionary* attributes = [NSMutableDictionary
-        dictionaryWithObjectsAndKeys:text(info.name), kCIAttributeFilterName, text(info.displayName),
-                                     kCIAttributeFilterDisplayName, categories, kCIAttributeFilterCategories,
-                                     text(info.description), kCIAttributeDescription, documentationOf(info),
-                                     kCIAttributeReferenceDocumentation, text(info.since),
-                                     kCIAttributeFilterAvailable_Mac, nil];
+        dictionaryWithObjectsAndKeys:_name, kCIAttributeFilterName, _name, kCIAttributeFilterDisplayName,
+                                     [NSArray array], kCIAttributeFilterCategories, nil];
+    [attributes addEntriesFromDictionary:[[CIRegisteredFilter filterNamed:_name] classAttributes]];
+    eachInput([self class], [&](Ivar variable, std::string_view key) {
+        NSString* className = classNameOf(variable);
+        [attributes setObject:className ? [NSDictionary dictionaryWithObject:className
+                                                                      forKey:kCIAttributeClass]
+                                        : [NSDictionary dictionary]
+                       forKey:text(key)];
+    });
     [attributes setObject:[NSDictionary dictionaryWithObject:@"CIImage" forKey:kCIAttributeClass]
                    forKey:kCIOutputImageKey];
-    for (const engine::InputInfo& input : info.inputs)
-        [attributes setObject:describe(input) forKey:text(input.key)];
+    // What the filter says of a key is added to what its variable says.
+    NSDictionary* custom = [self customAttributes];
+    for (NSString* key in custom) {
+        id own = [custom objectForKey:key], known = [attributes objectForKey:key];
+        if ([known isKindOfClass:[NSDictionary class]] && [own isKindOfClass:[NSDictionary class]]) {
+            NSMutableDictionary* both = [NSMutableDictionary dictionaryWithDictionary:known];
+            [both addEntriesFromDictionary:own];
+            own = both;
+        }
+        [attributes setObject:own forKey:key];
+    }
     return attributes;
 }
 
 - (CIImage*)outputImage {
-    engine::Values values;
-    for (const engine::InputInfo& input : _state->info->inputs) {
-        id object = [_state->values objectForKey:text(input.key)];
-        if (!object) continue;
-        auto value = ci::valueOf(object, input.kind);
-        if (!value)
-            [NSException raise:NSInvalidArgumentException
-                        format:@"%@: the value of %s must be a %@, not a %@", [self name], input.key.c_str(),
-                               ci::classNameOf(input.kind), NSStringFromClass([object class])];
-        values.emplace(input.key, std::move(*value));
-    }
-    ci::Failure failure;
-    engine::Image output = ci::apply(*_state->info, values, failure);
-    ci::raise(failure, [self name]);
-    return [CIImage imageWithRecipe:output];
+    return nil;
 }
 
 // --- key-value coding -------------------------------------------------------------------------------------
-
-- (id)valueForKey:(NSString*)key {
-    if (hasInput(*_state->info, key)) return [_state->values objectForKey:key];
-    return [super valueForKey:key];
-}
-
-- (void)setValue:(id)value forKey:(NSString*)key {
-    if (!hasInput(*_state->info, key)) {
-        [self setValue:value forUndefinedKey:key];
-        return;
-    }
-    if (value)
-        [_state->values setObject:value forKey:key];
-    else
-        [_state->values removeObjectForKey:key];
-}
 
 - (void)raiseUnknownKey:(NSString*)key in:(const char*)method {
     NSString* reason = [NSString
@@ -275,8 +276,7 @@ NSString* categoryName(NSString* category) {
 
 - (NSString*)description {
     NSMutableString* all = [NSMutableString stringWithFormat:@"<%@:", [self name]];
-    for (NSString* key in [self inputKeys])
-        [all appendFormat:@" %@=%@", key, [_state->values objectForKey:key]];
+    for (NSString* key in [self inputKeys]) [all appendFormat:@" %@=%@", key, [self valueForKey:key]];
     [all appendString:@">"];
     return all;
 }

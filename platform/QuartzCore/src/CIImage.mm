@@ -6,6 +6,8 @@
 
 #include <ImageIO/ImageIO.h>
 
+#include <stdexcept>
+
 static cg::LiveCount live("CIImage");
 
 struct CIImageState {
@@ -23,6 +25,36 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
     if (space == [NSNull null]) return {ci::SpaceChoice::Kind::none, {}};
     if (CGColorSpaceGetNumberOfComponents((CGColorSpaceRef)space) == 0) return {};
     return {ci::SpaceChoice::Kind::given, (CGColorSpaceRef)space};
+}
+
+/// The rows that a provider is asked for at once.
+int stripRowsOf(NSDictionary* options) {
+    id size = [options objectForKey:kCIImageProviderTileSize];
+    if ([size isKindOfClass:[NSArray class]]) size = [size lastObject];
+    int rows = [size respondsToSelector:@selector(intValue)] ? [size intValue] : 0;
+    return rows > 0 ? rows : 64;
+}
+
+/// The rows of a provider, whose exception becomes one of C++.
+ci::RowProvider rowsOf(id provider, size_t width, id info) {
+    auto owner = std::make_shared<cg::Retained<CFTypeRef>>((CFTypeRef)provider);
+    auto details = std::make_shared<cg::Retained<CFTypeRef>>((CFTypeRef)info);
+    return [=](int firstRow, int rows, std::size_t rowBytes, void* pixels) {
+        std::string reason;
+        @autoreleasepool {
+            @try {
+                [(id)owner->get() provideImageData:pixels
+                                       bytesPerRow:rowBytes
+                                            origin:0:static_cast<size_t>(firstRow)
+                                              size:width:static_cast<size_t>(rows)
+                                          userInfo:(id)details->get()];
+            } @catch (NSException* e) {
+                reason = "the image provider raised " + std::string([[e name] UTF8String]) + ": " +
+                         ([e reason] ? [[e reason] UTF8String] : "");
+            }
+        }
+        if (!reason.empty()) throw std::runtime_error(reason);
+    };
 }
 
 } // namespace
@@ -47,6 +79,16 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
                                         size:size
                                       format:format
                                   colorSpace:colorSpace] autorelease];
+}
+
++ (CIImage*)imageWithImageProvider:(id)p
+                              size:(size_t)width
+                                  :(size_t)height
+                            format:(CIFormat)f
+                        colorSpace:(CGColorSpaceRef)cs
+                           options:(NSDictionary*)options {
+    return [[[self alloc] initWithImageProvider:p size:width:height format:f colorSpace:cs
+                                        options:options] autorelease];
 }
 
 + (CIImage*)imageWithContentsOfURL:(NSURL*)url {
@@ -124,6 +166,21 @@ ci::SpaceChoice spaceChoice(NSDictionary* options) {
     auto owner = std::make_shared<cg::Retained<CFDataRef>>((CFDataRef)data);
     return [self initFinishedWithRecipe:ci::imageOfBitmap([data bytes], [data length], bytesPerRow, size,
                                                           format, colorSpace, std::move(owner))];
+}
+
+- (id)initWithImageProvider:(id)p
+                       size:(size_t)width
+                           :(size_t)height
+                     format:(CIFormat)f
+                 colorSpace:(CGColorSpaceRef)cs
+                    options:(NSDictionary*)options {
+    self = [self init];
+    _state->space = cs;
+    if (!p) return [self initFinishedWithRecipe:nullptr];
+    CGSize size = CGSizeMake(static_cast<CGFloat>(width), static_cast<CGFloat>(height));
+    id info = [options objectForKey:kCIImageProviderUserInfo];
+    return [self initFinishedWithRecipe:ci::imageOfProvider(rowsOf(p, width, info), size, f, cs,
+                                                            stripRowsOf(options))];
 }
 
 - (id)initWithSource:(CGImageSourceRef)source url:(NSURL*)url options:(NSDictionary*)options {

@@ -85,13 +85,19 @@ static NSDictionary* pairs(id first, va_list rest) {
     return [[_options objectForKey:key] isEqual:mode];
 }
 
-- (engine::Image)recipe {
+- (engine::kernels::Sampler)reader {
     bool clamps = [self hasMode:kCISamplerWrapClamp forKey:kCISamplerWrapMode];
     bool nearest = [self hasMode:kCISamplerFilterNearest forKey:kCISamplerFilterMode];
+    return {[_image recipe],
+            ci::fromCG([self matrix]),
+            clamps ? engine::Wrap::clamp : engine::Wrap::black,
+            nearest ? engine::Interpolation::nearest : engine::Interpolation::linear};
+}
+
+- (engine::Image)recipe {
+    engine::kernels::Sampler reader = [self reader];
     ci::Failure failure;
-    engine::Image image =
-        ci::sampled([_image recipe], [self matrix], clamps ? engine::Wrap::clamp : engine::Wrap::black,
-                    nearest ? engine::Interpolation::nearest : engine::Interpolation::linear, failure);
+    engine::Image image = ci::sampled(reader, failure);
     ci::raise(failure, @"CISampler");
     return image;
 }

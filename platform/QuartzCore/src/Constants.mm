@@ -59,17 +59,45 @@ NAME(CICategoryInterlaced);
 NAME(CICategoryNonSquarePixels);
 NAME(CICategoryHighDynamicRange);
 NAME(CICategoryBuiltIn);
+NAME(CICategoryFilterGenerator);
 
 TEXT(kCIApplyOptionExtent, "extent");
 TEXT(kCIApplyOptionDefinition, "definition");
 TEXT(kCIApplyOptionUserInfo, "user_info");
 
-TEXT(kCIInputImageKey, "inputImage");
-TEXT(kCIInputBackgroundImageKey, "inputBackgroundImage");
 TEXT(kCIOutputImageKey, "outputImage");
+TEXT(kCIInputBackgroundImageKey, "inputBackgroundImage");
+TEXT(kCIInputImageKey, "inputImage");
+TEXT(kCIInputTimeKey, "inputTime");
+TEXT(kCIInputTransformKey, "inputTransform");
+TEXT(kCIInputScaleKey, "inputScale");
+TEXT(kCIInputAspectRatioKey, "inputAspectRatio");
+TEXT(kCIInputCenterKey, "inputCenter");
+TEXT(kCIInputRadiusKey, "inputRadius");
+TEXT(kCIInputAngleKey, "inputAngle");
+TEXT(kCIInputRefractionKey, "inputRefraction");
+TEXT(kCIInputWidthKey, "inputWidth");
+TEXT(kCIInputSharpnessKey, "inputSharpness");
+TEXT(kCIInputIntensityKey, "inputIntensity");
+TEXT(kCIInputEVKey, "inputEV");
+TEXT(kCIInputSaturationKey, "inputSaturation");
+TEXT(kCIInputColorKey, "inputColor");
+TEXT(kCIInputBrightnessKey, "inputBrightness");
+TEXT(kCIInputContrastKey, "inputContrast");
+TEXT(kCIInputGradientImageKey, "inputGradientImage");
+TEXT(kCIInputMaskImageKey, "inputMaskImage");
+TEXT(kCIInputShadingImageKey, "inputShadingImage");
+TEXT(kCIInputTargetImageKey, "inputTargetImage");
+TEXT(kCIInputExtentKey, "inputExtent");
+
+NAME(CIFilterGeneratorExportedKey);
+NAME(CIFilterGeneratorExportedKeyTargetObject);
+NAME(CIFilterGeneratorExportedKeyName);
 
 TEXT(kCIImageColorSpace, "color_space");
 TEXT(kCIImageProperties, "properties");
+TEXT(kCIImageProviderTileSize, "tile_size");
+TEXT(kCIImageProviderUserInfo, "user_info");
 NAME(CIImageAutoAdjustEnhance);
 NAME(CIImageAutoAdjustRedEye);
 NAME(CIImageAutoAdjustFeatures);
@@ -87,7 +115,9 @@ TEXT(kCISamplerWrapClamp, "clamp");
 TEXT(kCISamplerFilterNearest, "nearest");
 TEXT(kCISamplerFilterLinear, "linear");
 
+CIFormat kCIFormatBGRA8 = 20;
 CIFormat kCIFormatARGB8 = 23;
 CIFormat kCIFormatRGBA8 = 24;
 CIFormat kCIFormatRGBA16 = 27;
+CIFormat kCIFormatRGBAh = 31;
 CIFormat kCIFormatRGBAf = 34;

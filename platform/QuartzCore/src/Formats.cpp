@@ -4,9 +4,12 @@
 namespace ci {
 
 static const CoreImageFormat formats[] = {
+    {20, engine::Format::BGRA8, kCGImageAlphaPremultipliedFirst | kCGBitmapByteOrder32Little},
     {23, engine::Format::ARGB8, kCGImageAlphaPremultipliedFirst},
     {24, engine::Format::RGBA8, kCGImageAlphaPremultipliedLast},
     {27, engine::Format::RGBA16, kCGImageAlphaPremultipliedLast | kCGBitmapByteOrder16Host},
+    {31, engine::Format::RGBAf,
+     kCGImageAlphaPremultipliedLast | kCGBitmapFloatComponents | kCGBitmapByteOrder32Host, true},
     {34, engine::Format::RGBAf,
      kCGImageAlphaPremultipliedLast | kCGBitmapFloatComponents | kCGBitmapByteOrder32Host},
 };

@@ -13,6 +13,11 @@ struct CoreImageFormat {
     engine::Format layout;
     /// The same layout for Core Graphics, premultiplied.
     CGBitmapInfo info;
+    /// In memory, the engine's floats have 16 bits each.
+    bool halves = false;
+
+    std::size_t bytesPerPixel() const { return halves ? 8 : engine::bytesPerPixel(layout); }
+    bool isBytes() const { return bytesPerPixel() == 4; }
 };
 
 /// Null for a code that is not one of the kCIFormat constants.

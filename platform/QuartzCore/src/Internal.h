@@ -5,6 +5,8 @@
 
 #include "Shim.h"
 
+#include <engine/kernels.h>
+
 @interface CIColor (Internal)
 /// Borrowed.
 - (CGColorRef)CGColor;
@@ -19,4 +21,6 @@
 @interface CISampler (Internal)
 /// The image as the sampler reads it. Raises for a matrix that is not finite.
 - (engine::Image)recipe;
+/// How a kernel reads it.
+- (engine::kernels::Sampler)reader;
 @end

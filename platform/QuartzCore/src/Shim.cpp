@@ -3,6 +3,7 @@
 
 #include "Attempt.h"
 #include "Formats.h"
+#include "HalfFloats.h"
 
 #include <cg/canvas.h>
 #include <cg/color.h>
@@ -73,13 +74,6 @@ class ConvertedRows final : public engine::RowSource {
     cg::ImageRows rows_;
 };
 
-/// Whole, finite, not absurd.
-bool canBePixels(CGRect r) {
-    return !CGRectIsEmpty(r) && !CGRectIsInfinite(r) && r.size.width <= 1 << 24 && r.size.height <= 1 << 24 &&
-           std::fabs(r.origin.x) < 1e9f && std::fabs(r.origin.y) < 1e9f &&
-           double(r.size.width) * r.size.height <= 1 << 28;
-}
-
 engine::Target targetOf(CGRect area, const CoreImageFormat& format, CGColorSpaceRef space, void* pixels,
                         std::size_t rowBytes) {
     engine::Target target;
@@ -92,10 +86,13 @@ engine::Target targetOf(CGRect area, const CoreImageFormat& format, CGColorSpace
     return target;
 }
 
-void renderAll(const engine::Image& image, CGRect area, const engine::Target& target,
-               const engine::Options& options) {
-    engine::render(image, fromCG(area), target, engine::Rect::ofSize(0, 0, area.size.width, area.size.height),
-                   options);
+void renderAll(const engine::Image& image, CGRect area, const CoreImageFormat& format,
+               const engine::Target& target, const engine::Options& options) {
+    if (format.halves)
+        renderHalves(image, fromCG(area), target, options);
+    else
+        engine::render(image, fromCG(area), target,
+                       engine::Rect::ofSize(0, 0, area.size.width, area.size.height), options);
 }
 
 /// Reduces `dest` to the part that is not clipped away, in user space, and `source` to match. False if none
@@ -166,6 +163,12 @@ engine::Color fromCG(CGColorRef ref) {
     });
 }
 
+bool canBePixels(CGRect r) {
+    return !CGRectIsEmpty(r) && !CGRectIsInfinite(r) && r.size.width <= 1 << 24 && r.size.height <= 1 << 24 &&
+           std::fabs(r.origin.x) < 1e9f && std::fabs(r.origin.y) < 1e9f &&
+           double(r.size.width) * r.size.height <= 1 << 28;
+}
+
 // --- images -----------------------------------------------------------------------------------------------
 
 engine::Image imageOf(CGImageRef ref, const SpaceChoice& choice) {
@@ -189,19 +192,70 @@ engine::Image imageOf(CGImageRef ref, const SpaceChoice& choice) {
     });
 }
 
+/// The layout of an image of a format; empty for an unknown format, an impossible size or a space that is not
+/// RGB.
+static std::optional<engine::Target> targetFor(const CoreImageFormat* format, CGSize pixels,
+                                               CGColorSpaceRef space) {
+    CGRect area = CGRectMake(0, 0, std::trunc(pixels.width), std::trunc(pixels.height));
+    if (!format || !(pixels.width >= 1) || !(pixels.height >= 1) || !canBePixels(area)) return {};
+    if (space && CGColorSpaceGetModel(space) != kCGColorSpaceModelRGB) return {};
+    return targetOf(area, *format, space, nullptr, 0);
+}
+
 engine::Image imageOfBitmap(const void* bytes, std::size_t size, std::size_t rowBytes, CGSize pixels,
                             int format, CGColorSpaceRef space, std::shared_ptr<const void> owner) {
     const CoreImageFormat* known = formatNamed(format);
-    CGRect area = CGRectMake(0, 0, std::trunc(pixels.width), std::trunc(pixels.height));
-    if (!known || !(pixels.width >= 1) || !(pixels.height >= 1) || !canBePixels(area)) return nullptr;
-    if (space && CGColorSpaceGetModel(space) != kCGColorSpaceModelRGB) return nullptr;
-    std::uint64_t row = static_cast<std::uint64_t>(area.size.width) * engine::bytesPerPixel(known->layout);
-    auto height = static_cast<std::uint64_t>(area.size.height);
+    auto target = targetFor(known, pixels, space);
+    if (!target) return nullptr;
+    std::uint64_t row = static_cast<std::uint64_t>(target->layout.width) * known->bytesPerPixel();
+    auto height = static_cast<std::uint64_t>(target->layout.height);
     if (rowBytes < row || rowBytes * (height - 1) + row > size) return nullptr;
     Failure ignored;
     return attempt(ignored, [&] {
-        engine::Target target = targetOf(area, *known, space, nullptr, rowBytes);
-        return engine::bitmap(target.layout, bytes, rowBytes, std::move(owner));
+        auto make = known->halves ? imageOfHalves : static_cast<decltype(&imageOfHalves)>(engine::bitmap);
+        return make(target->layout, bytes, rowBytes, std::move(owner));
+    });
+}
+
+namespace {
+
+class ProvidedRows final : public engine::RowSource {
+  public:
+    ProvidedRows(RowProvider provider, const engine::PixelLayout& layout, const CoreImageFormat& format,
+                 int stripRows)
+        : provider_(std::move(provider)), layout_(layout), format_(format), stripRows_(stripRows) {}
+
+    const engine::PixelLayout& layout() const override { return layout_; }
+    int stripRows() const override { return stripRows_; }
+    void readRows(int first, int count, std::uint8_t* out) override {
+        std::size_t rowBytes = static_cast<std::size_t>(layout_.width) * format_.bytesPerPixel();
+        if (!format_.halves) {
+            provider_(first, count, rowBytes, out);
+            return;
+        }
+        std::vector<std::uint16_t> halves(rowBytes / 2 * static_cast<std::size_t>(count));
+        provider_(first, count, rowBytes, halves.data());
+        std::transform(halves.begin(), halves.end(), reinterpret_cast<float*>(out), floatOfHalf);
+    }
+
+  private:
+    RowProvider provider_;
+    engine::PixelLayout layout_;
+    CoreImageFormat format_;
+    int stripRows_;
+};
+
+} // namespace
+
+engine::Image imageOfProvider(RowProvider provider, CGSize pixels, int format, CGColorSpaceRef space,
+                              int stripRows) {
+    const CoreImageFormat* known = formatNamed(format);
+    auto target = targetFor(known, pixels, space);
+    if (!target) return nullptr;
+    Failure ignored;
+    return attempt(ignored, [&] {
+        return engine::bitmap(
+            std::make_shared<ProvidedRows>(std::move(provider), target->layout, *known, stripRows));
     });
 }
 
@@ -223,9 +277,10 @@ engine::Image crop(const engine::Image& image, CGRect area, Failure& failure) {
     return attempt(failure, [&] { return engine::crop(image, fromCG(area)); });
 }
 
-engine::Image sampled(const engine::Image& image, const CGAffineTransform& matrix, engine::Wrap wrap,
-                      engine::Interpolation interpolation, Failure& failure) {
-    return attempt(failure, [&] { return engine::sampled(image, fromCG(matrix), wrap, interpolation); });
+engine::Image sampled(const engine::kernels::Sampler& reader, Failure& failure) {
+    return attempt(failure, [&] {
+        return engine::sampled(reader.image, reader.matrix, reader.wrap, reader.interpolation);
+    });
 }
 
 engine::Image apply(const engine::FilterInfo& filter, const engine::Values& values, Failure& failure) {
@@ -242,21 +297,23 @@ std::string planOf(const engine::Image& image, Failure& failure) {
 
 // --- rendering --------------------------------------------------------------------------------------------
 
-CGImageRef makeCGImage(const engine::Image& image, CGRect area, int format, CGColorSpaceRef space,
+CGImageRef makeCGImage(const engine::Image& image, CGRect area, int code, CGColorSpaceRef space,
                        const engine::Options& options, Failure& failure) {
-    const CoreImageFormat* known = formatNamed(format);
+    const CoreImageFormat* known = formatNamed(code);
     if (!known || !canBePixels(area) || CGColorSpaceGetModel(space) != kCGColorSpaceModelRGB) return nullptr;
+    CoreImageFormat format = *known;
+    format.halves = false;
     return attempt(failure, [&]() -> CGImageRef {
         auto width = static_cast<std::size_t>(area.size.width),
              height = static_cast<std::size_t>(area.size.height);
-        std::size_t rowBytes = width * engine::bytesPerPixel(known->layout);
+        std::size_t rowBytes = width * format.bytesPerPixel();
         if (rowBytes > SIZE_MAX / 2 / height) throw std::bad_alloc();
         std::size_t size = rowBytes * height;
         std::shared_ptr<std::uint8_t[]> pixels(new std::uint8_t[size]);
-        renderAll(image, area, targetOf(area, *known, space, pixels.get(), rowBytes), options);
+        renderAll(image, area, format, targetOf(area, format, space, pixels.get(), rowBytes), options);
         auto provider = cg::Retained<CGDataProviderRef>::adopt(cg::makeProvider(pixels.get(), size, pixels));
-        std::size_t pixelBits = 8 * engine::bytesPerPixel(known->layout);
-        return CGImageCreate(width, height, pixelBits / 4, pixelBits, rowBytes, space, known->info,
+        std::size_t pixelBits = 8 * format.bytesPerPixel();
+        return CGImageCreate(width, height, pixelBits / 4, pixelBits, rowBytes, space, format.info,
                              provider.get(), nullptr, true, kCGRenderingIntentDefault);
     });
 }
@@ -269,8 +326,9 @@ void renderBitmap(const engine::Image& image, CGRect area, int format, CGColorSp
         return;
     }
     if (!space) options.colorManaged = false;
-    attempt(failure,
-            [&] { renderAll(image, area, targetOf(area, *known, space, pixels, rowBytes), options); });
+    attempt(failure, [&] {
+        renderAll(image, area, *known, targetOf(area, *known, space, pixels, rowBytes), options);
+    });
 }
 
 void draw(const engine::Image& image, CGContextRef ref, CGRect dest, CGRect source, engine::Options options,

@@ -5,8 +5,9 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include <cg/object.h>
-#include <engine/engine.h>
+#include <engine/kernels.h>
 
+#include <functional>
 #include <string>
 
 namespace ci {
@@ -35,22 +36,29 @@ engine::Color fromCG(CGColorRef color);
 
 /// Null for null, and if memory is short.
 engine::Image imageOf(CGImageRef image, const SpaceChoice& choice);
+/// Whether a rectangle is whole, finite and not absurdly large.
+bool canBePixels(CGRect r);
 /// Pixels of a Core Image format, which `owner` keeps alive; null for an unknown format or a space that is
 /// not RGB.
 engine::Image imageOfBitmap(const void* bytes, std::size_t size, std::size_t rowBytes, CGSize pixels,
                             int format, CGColorSpaceRef space, std::shared_ptr<const void> owner);
+/// Pixels that are produced on demand. Null for an unknown format, an impossible size or a space that is not
+/// RGB. The function writes rows of pixels, counted from the top; it may throw.
+using RowProvider = std::function<void(int firstRow, int rows, std::size_t rowBytes, void* pixels)>;
+engine::Image imageOfProvider(RowProvider provider, CGSize pixels, int format, CGColorSpaceRef space,
+                              int stripRows);
 engine::Image constant(const engine::Color& color);
 engine::Image empty();
 engine::Image transform(const engine::Image& image, const CGAffineTransform& matrix, Failure& failure);
 engine::Image crop(const engine::Image& image, CGRect area, Failure& failure);
-engine::Image sampled(const engine::Image& image, const CGAffineTransform& matrix, engine::Wrap wrap,
-                      engine::Interpolation interpolation, Failure& failure);
+/// The image as a sampler reads it.
+engine::Image sampled(const engine::kernels::Sampler& reader, Failure& failure);
 /// How the image would be computed: "2 passes, 5 steps" and the steps, a line each.
 std::string planOf(const engine::Image& image, Failure& failure);
 engine::Image apply(const engine::FilterInfo& filter, const engine::Values& values, Failure& failure);
 
 /// The pixels of a whole-numbered rectangle as a new image; null for an impossible rectangle, format or
-/// space.
+/// space. Core Graphics has no 16-bit floats: their image has floats.
 CGImageRef makeCGImage(const engine::Image& image, CGRect area, int format, CGColorSpaceRef space,
                        const engine::Options& options, Failure& failure);
 /// Writes the pixels to memory. A null space means no colour matching.

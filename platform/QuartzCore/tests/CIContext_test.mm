@@ -217,3 +217,48 @@ TEST(CIContext, TakesItsOptions) {
     [on(canvas, options) clearCaches];
     [on(canvas, options) reclaimResources];
 }
+
+TEST(CIContext, KnowsTheSpaceThatFiltersComputeIn) {
+    auto space = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateWithName(kCGColorSpaceAdobeRGB1998));
+    auto working = [](id choice) {
+        NSDictionary* options = choice ? @{kCIContextWorkingColorSpace : choice} : nil;
+        return [[CIContext contextWithOptions:options] workingColorSpace];
+    };
+    EXPECT_EQ(working((id)space.get()), space.get());
+    EXPECT_EQ(working([NSNull null]), nullptr);
+    EXPECT_EQ(CGColorSpaceGetModel(working(nil)), kCGColorSpaceModelRGB);
+}
+
+TEST(CIContext, WithoutAContextItMakesImagesAndDrawsNothing) {
+    CIContext* context = [CIContext contextWithOptions:@{kCIContextUseSoftwareRenderer : @1}];
+    CGRect r = CGRectMake(0, 0, 4, 4);
+    EXPECT_TRUE(Retained<CGImageRef>::adopt([context createCGImage:picture(4, 4) fromRect:r]));
+    EXPECT_EQ(raised([&] { [context drawImage:picture(4, 4) inRect:r fromRect:r]; }), nil);
+}
+
+TEST(CIContext, EveryFormatHasItsOrderOfComponents) {
+    auto bytes = [](CIFormat format) {
+        auto space = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateDeviceRGB());
+        std::uint8_t memory[16] = {};
+        [[CIContext contextWithOptions:nil] render:[CIImage imageWithColor:[CIColor colorWithRed:1
+                                                                                           green:0.6f
+                                                                                            blue:0.2f]]
+                                          toBitmap:memory
+                                          rowBytes:16
+                                            bounds:CGRectMake(0, 0, 1, 1)
+                                            format:format
+                                        colorSpace:space.get()];
+        return std::vector<int>(memory, memory + 4);
+    };
+    EXPECT_EQ(bytes(kCIFormatARGB8), (std::vector<int>{255, 255, 153, 51}));
+    EXPECT_EQ(bytes(kCIFormatRGBA8), (std::vector<int>{255, 153, 51, 255}));
+    EXPECT_EQ(bytes(kCIFormatBGRA8), (std::vector<int>{51, 153, 255, 255}));
+    // The same order in an image.
+    auto bgra = Retained<CGImageRef>::adopt([[CIContext contextWithOptions:nil]
+        createCGImage:[CIImage imageWithColor:[CIColor colorWithRed:1 green:0.6f blue:0.2f]]
+             fromRect:CGRectMake(0, 0, 1, 1)
+               format:kCIFormatBGRA8
+           colorSpace:nullptr]);
+    EXPECT_EQ(CGImageGetBitmapInfo(bgra.get()),
+              CGBitmapInfo(kCGImageAlphaPremultipliedFirst | kCGBitmapByteOrder32Little));
+}

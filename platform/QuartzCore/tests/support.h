@@ -3,9 +3,12 @@
 
 #import <QuartzCore/QuartzCore.h>
 
+#include <CoreGraphics/CGTesting.h>
 #include <ImageIO/ImageIO.h>
 #include <testing/bitmap.h>
 #include <testing/cocoa.h>
+
+#include <map>
 
 /// Every pixel has another colour: (40 x, 60 y, 128) with y counted from the top.
 inline cg::Retained<CGImageRef> makePicture(size_t width, size_t height,
@@ -25,4 +28,14 @@ inline NSData* pngOf(CGImageRef image) {
         CGImageDestinationCreateWithData((CFMutableDataRef)data, (CFStringRef) @"public.png", 1, nullptr));
     CGImageDestinationAddImage(destination.get(), image, nullptr);
     return CGImageDestinationFinalize(destination.get()) ? data : nil;
+}
+
+/// How many objects of each class are alive.
+inline std::map<std::string, int> liveObjects() {
+    const char* names[64];
+    int counts[64];
+    std::map<std::string, int> all;
+    int n = PlatformLiveObjects(names, counts, 64);
+    for (int i = 0; i < n; ++i) all[names[i]] = counts[i];
+    return all;
 }

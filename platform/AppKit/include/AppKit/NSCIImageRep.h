@@ -1,7 +1,7 @@
 // A Core Image recipe as a picture's representation.
 #pragma once
 
-#import <AppKit/NSImageRep.h>
+#import <AppKit/NSBitmapImageRep.h>
 
 @class CIImage;
 
@@ -17,3 +17,27 @@
 - (CIImage*)CIImage;
 
 @end
+
+@interface NSBitmapImageRep (NSCoreImageAdditions)
+/** The rendered pixels of the extent. Nil for nil, and for an empty, infinite or huge extent. */
+- (id)initWithCIImage:(CIImage*)ciImage;
+@end
+
+// For who can see Core Image's headers.
+#if __has_include(<QuartzCore/CIImage.h>)
+#import <QuartzCore/CIImage.h>
+
+@interface CIImage (NSAppKitAdditions)
+/** Nil for nil. */
+- (id)initWithBitmapImageRep:(NSBitmapImageRep*)bitmapImageRep;
+/** Draws a part of the image, scaled, into the current context. */
+- (void)drawInRect:(NSRect)rect
+          fromRect:(NSRect)fromRect
+         operation:(NSCompositingOperation)op
+          fraction:(CGFloat)delta;
+- (void)drawAtPoint:(NSPoint)point
+           fromRect:(NSRect)fromRect
+          operation:(NSCompositingOperation)op
+           fraction:(CGFloat)delta;
+@end
+#endif

@@ -3,11 +3,14 @@
 
 #import <AppKit/NSGraphics.h>
 
+@class CIContext;
+
 /** A Core Graphics context for Cocoa to draw to. Each thread has a current one. */
 @interface NSGraphicsContext : NSObject {
   @private
     CGContextRef _port;
     BOOL _flipped;
+    CIContext* _coreImageContext;
 }
 
 /** Nil for a null port. */
@@ -26,5 +29,7 @@
 - (void*)graphicsPort;
 - (BOOL)isFlipped;
 - (void)flushGraphics;
+/** Draws into the same port; lives as long as the context. */
+- (CIContext*)CIContext;
 
 @end

@@ -27,12 +27,14 @@ IMAGEIO_EXTERN const CFStringRef kCGImagePropertyColorModelLab;
 
 /**
  * The dictionaries of metadata, present if the file has such metadata. They hold numbers, strings and arrays
- * of numbers under the names of the fields without their prefixes: "ExposureTime" and "ISOSpeedRatings" in
- * Exif, "Make" in TIFF, "Latitude" (in degrees, north or south by "LatitudeRef") in GPS.
+ * of them under the names of the fields without their prefixes: "ExposureTime" and "ISOSpeedRatings" in
+ * Exif, "Make" in TIFF, "Latitude" (in degrees, north or south by "LatitudeRef") in GPS, "Keywords" and
+ * "Caption/Abstract" in IPTC. What a file says in XMP alone is under the keys of IPTC, Exif and TIFF.
  */
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyTIFFDictionary;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyExifDictionary;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyGPSDictionary;
+IMAGEIO_EXTERN const CFStringRef kCGImagePropertyIPTCDictionary;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyPNGDictionary;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyGIFDictionary;
 IMAGEIO_EXTERN const CFStringRef kCGImagePropertyJFIFDictionary;

@@ -28,24 +28,40 @@ namespace {
 
 /// How closely an image is scanned.
 struct Effort {
-    /// The scan may be larger than the image by this factor, at most.
-    double enlargement;
-    /// The scan may have this many pixels, at most.
+    /// A scan may be larger than the image by these factors, at most; the largest one first.
+    std::vector<double> enlargements;
+    /// A scan may have this many pixels, at most.
     double pixels;
+    vision::Care care;
 };
-constexpr Effort kLow{1, 0.5e6}, kHigh{2, 4e6}, kAsSmallAsAsked{2, 8e6};
+const Effort kLow{{1}, 0.5e6, vision::Care::Normal}, kHigh{{4, 2}, 4e6, vision::Care::Thorough};
+/// For a smallest face that is asked for.
+constexpr double kMostEnlargement = 4, kMostPixels = 8e6;
+/// A scan that is hardly smaller than another one shows nothing new.
+constexpr double kHardlySmaller = 0.7;
 
 bool isNumber(id value) { return [value respondsToSelector:@selector(doubleValue)]; }
 
-/// The factor by which the image is scaled for the scan. `smallest` is the side of the smallest face wanted
+/// The factors by which the image is scaled for its scans. `smallest` is the side of the smallest face wanted
 /// as a fraction of the shorter side, 0 for the default.
-double scanScale(CGSize size, const Effort& effort, double smallest) {
-    auto largest = [&](const Effort& e) {
-        return std::min(e.enlargement, std::sqrt(e.pixels / (static_cast<double>(size.width) * size.height)));
+std::vector<double> scanScales(CGSize size, const Effort& effort, double smallest) {
+    double area = static_cast<double>(size.width) * size.height;
+    auto largest = [&](double enlargement, double pixels) {
+        return std::min(enlargement, std::sqrt(pixels / area));
     };
-    if (!(smallest > 0)) return largest(effort);
-    double wanted = vision::kSmallestFace / (smallest * std::min(size.width, size.height));
-    return std::min(wanted, largest(kAsSmallAsAsked));
+    if (smallest > 0) {
+        double wanted = vision::kSmallestFace / (smallest * std::min(size.width, size.height));
+        return {std::min(wanted, largest(kMostEnlargement, kMostPixels))};
+    }
+    // A face may be seen in one size of the image and missed in another, so a closer look does not replace
+    // the others, of which the last is all that low accuracy has.
+    std::vector<double> scales;
+    for (double enlargement : effort.enlargements)
+        if (double scale = largest(enlargement, effort.pixels);
+            scales.empty() || scale < scales.back() * kHardlySmaller)
+            scales.push_back(scale);
+    if (double low = largest(kLow.enlargements[0], kLow.pixels); low < scales.back()) scales.push_back(low);
+    return scales;
 }
 
 /// Turns an image of that EXIF orientation upright about the origin, in Core Image's coordinates.
@@ -74,6 +90,7 @@ CGAffineTransform turnUpright(int orientation) {
 struct Scan {
     std::unique_ptr<std::uint8_t[], decltype(&std::free)> grey{nullptr, std::free};
     int width = 0, height = 0;
+    double scale = 1;
     /// From Core Image's coordinates of the bitmap, with the origin at its lower left corner, to those of the
     /// image.
     CGAffineTransform toImage;
@@ -153,18 +170,11 @@ struct CIDetectorState {
     [super dealloc];
 }
 
-/// Renders the image upright in the size of the scan; no pixels if it is unbounded or empty, or memory is
-/// short.
-- (Scan)scanOfImage:(CIImage*)image orientation:(int)orientation {
+/// Renders the image upright in that scale; no pixels if they are too few, or memory is short.
+- (Scan)scanOfImage:(CIImage*)image upright:(CGAffineTransform)upright scale:(CGFloat)scale {
     Scan scan;
-    CGRect extent = image ? [image extent] : CGRectZero;
-    if (CGRectIsEmpty(extent) || CGRectIsInfinite(extent)) return scan;
-    // An image that is unbounded on one side only counts as unbounded.
-    if (!(extent.size.width < 1e9f) || !(extent.size.height < 1e9f)) return scan;
-
-    CGAffineTransform upright = turnUpright(orientation);
-    CGRect turned = CGRectApplyAffineTransform(extent, upright);
-    auto scale = static_cast<CGFloat>(scanScale(turned.size, _state->effort, _state->smallest));
+    scan.scale = static_cast<double>(scale);
+    CGRect turned = CGRectApplyAffineTransform([image extent], upright);
     double width = std::floor(turned.size.width * scale), height = std::floor(turned.size.height * scale);
     // Too narrow for half a face, however long it is.
     if (std::min(width, height) < vision::kSmallestFace / 2) return scan;
@@ -195,23 +205,40 @@ struct CIDetectorState {
 }
 
 - (NSArray*)featuresInImage:(CIImage*)image options:(NSDictionary*)options {
+    NSMutableArray* features = [NSMutableArray array];
+    CGRect extent = image ? [image extent] : CGRectZero;
+    // An image that is unbounded on one side only counts as unbounded.
+    if (!(extent.size.width < 1e9f) || !(extent.size.height < 1e9f)) extent = CGRectZero;
     id orientation = [options objectForKey:CIDetectorImageOrientation];
-    Scan scan = [self scanOfImage:image orientation:isNumber(orientation) ? [orientation intValue] : 1];
-    std::string problem;
-    std::vector<vision::Face> faces = ci::findFaces(*_state->finder, scan.bitmap(), problem);
-    if (!problem.empty()) NSLog(@"CIDetector: an image was not searched: %s", problem.c_str());
+    CGAffineTransform upright = turnUpright(isNumber(orientation) ? [orientation intValue] : 1);
+
+    // All faces are in the pixels of the first scan, which is the closest.
+    std::optional<Scan> first;
+    std::vector<vision::Face> faces;
+    if (!CGRectIsEmpty(extent))
+        for (double scale :
+             scanScales(CGRectApplyAffineTransform(extent, upright).size, _state->effort, _state->smallest)) {
+            Scan scan = [self scanOfImage:image upright:upright scale:static_cast<CGFloat>(scale)];
+            std::string problem;
+            std::vector<vision::Face> found = ci::findFaces(
+                *_state->finder, scan.bitmap(), first ? vision::Care::Normal : _state->effort.care, problem);
+            if (!problem.empty()) NSLog(@"CIDetector: an image was not searched: %s", problem.c_str());
+            if (!first) first = std::move(scan);
+            for (vision::Face& face : found) face = vision::scaled(face, first->scale / scan.scale);
+            vision::addNew(faces, found);
+        }
+    std::stable_sort(faces.begin(), faces.end(), vision::larger);
 
     std::vector<CGRect> bounds;
-    for (const vision::Face& face : faces) bounds.push_back(scan.bounds(face));
+    for (const vision::Face& face : faces) bounds.push_back(first->bounds(face));
     std::vector<ci::Track> tracks;
     if (_state->tracker) tracks = _state->tracker->follow(bounds);
 
-    NSMutableArray* features = [NSMutableArray array];
     for (std::size_t i = 0; i < faces.size(); ++i) {
         CIFaceState state{bounds[i],
-                          scan.position(faces[i].leftEye),
-                          scan.position(faces[i].rightEye),
-                          scan.position(faces[i].mouth),
+                          first->position(faces[i].leftEye),
+                          first->position(faces[i].rightEye),
+                          first->position(faces[i].mouth),
                           {}};
         if (_state->tracker) state.track = tracks[i];
         CIFaceFeature* feature = [[CIFaceFeature alloc] initWithState:state];

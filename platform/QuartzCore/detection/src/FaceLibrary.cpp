@@ -20,9 +20,9 @@ vision::FaceFinder* faceFinder(std::string& problem) {
 }
 
 std::vector<vision::Face> findFaces(vision::FaceFinder& finder, const vision::GreyBitmap& bitmap,
-                                    std::string& problem) {
+                                    vision::Care care, std::string& problem) {
     try {
-        return finder.find(bitmap);
+        return finder.find(bitmap, care);
     } catch (const std::exception& e) {
         problem = e.what();
         return {};

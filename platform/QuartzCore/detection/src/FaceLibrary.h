@@ -9,6 +9,6 @@ namespace ci {
 vision::FaceFinder* faceFinder(std::string& problem);
 /// Empty, with the reason in `problem`, if the search failed.
 std::vector<vision::Face> findFaces(vision::FaceFinder& finder, const vision::GreyBitmap& bitmap,
-                                    std::string& problem);
+                                    vision::Care care, std::string& problem);
 
 } // namespace ci

@@ -167,6 +167,90 @@ TEST(Faces, NoneInPicturesWithoutFaces) {
     }
 }
 
+/// Photographs of groups, and how many of their faces high accuracy finds.
+struct Group {
+    const char* photo;
+    int faces;
+};
+constexpr Group kGroups[] = {
+    {"2007_007763.jpg", 7}, {"2008_002079.jpg", 6}, {"2008_002470.jpg", 6},
+    {"2008_004176.jpg", 7}, {"2008_007676.jpg", 7}, {"bald_guys.jpg", 23}, // of 24
+};
+
+CIImage* reduced(const char* name, double scale) {
+    CIFilter* filter = [CIFilter filterWithName:@"CILanczosScaleTransform"];
+    [filter setDefaults];
+    [filter setValue:photo(name) forKey:@"inputImage"];
+    [filter setValue:[NSNumber numberWithDouble:scale] forKey:@"inputScale"];
+    return [filter valueForKey:@"outputImage"];
+}
+
+/// The share of the smaller one's area that two faces have in common.
+double shared(CIFaceFeature* a, CIFaceFeature* b) {
+    auto area = [](CGRect r) { return CGRectIsNull(r) ? 0 : double(r.size.width) * r.size.height; };
+    return area(CGRectIntersection([a bounds], [b bounds])) / std::min(area([a bounds]), area([b bounds]));
+}
+
+TEST(Faces, HighAccuracyFindsEveryFaceThatLowDoes) {
+    auto expectAll = [](NSArray* few, NSArray* many) {
+        for (CIFaceFeature* face in few) {
+            bool kept = false;
+            for (CIFaceFeature* other in many) kept |= shared(face, other) > 0.5;
+            EXPECT_TRUE(kept) << "the face at " << [face bounds].origin.x << ", " << [face bounds].origin.y;
+        }
+    };
+    for (const Group& group : kGroups) {
+        SCOPED_TRACE(group.photo);
+        CIImage* image = photo(group.photo);
+        NSArray* high = [detector(highAccuracy()) featuresInImage:image];
+        EXPECT_EQ([high count], static_cast<NSUInteger>(group.faces));
+        expectAll([detector() featuresInImage:image], high);
+    }
+}
+
+TEST(Faces, HighAccuracyFindsFacesOf20Pixels) {
+    // These faces measure 37 pixels and more.
+    struct {
+        const char* photo;
+        NSUInteger least;
+    } groups[] = {{"2008_002470.jpg", 5}, {"2008_004176.jpg", 6}, {"2011_000006.jpg", 3}};
+    for (auto& group : groups) {
+        NSArray* faces = [detector(highAccuracy()) featuresInImage:reduced(group.photo, 20.0 / 37)];
+        EXPECT_GE([faces count], group.least) << group.photo;
+    }
+}
+
+TEST(Faces, SmallFacesHaveTheirEyesAndMouths) {
+    constexpr double scale = 0.6;
+    for (const MarkedFace& mark : kFaces) {
+        if (std::strcmp(mark.photo, "2011_000006.jpg")) continue;
+        CIImage* image = reduced(mark.photo, scale);
+        auto there = [&](Mark m) {
+            return CGPointMake(static_cast<CGFloat>((m.x + 0.5) * scale),
+                               static_cast<CGFloat>([image extent].size.height - (m.y + 0.5) * scale));
+        };
+        expectFace([detector(highAccuracy()) featuresInImage:image], there(mark.leftEye),
+                   there(mark.rightEye), there(mark.mouth));
+    }
+}
+
+TEST(Faces, ProfilesAreFoundAtHighAccuracyWithoutEyesAndMouths) {
+    // A man who looks to the right, and his mirror image.
+    CIImage* image = photo("lenc.jpg");
+    CGFloat width = [image extent].size.width;
+    for (bool mirrored : {false, true}) {
+        CIImage* turned = mirrored ? [image imageByApplyingTransform:{-1, 0, 0, 1, width, 0}] : image;
+        EXPECT_EQ([[detector() featuresInImage:turned] count], 0u);
+        NSArray* faces = [detector(highAccuracy()) featuresInImage:turned];
+        ASSERT_EQ([faces count], 1u);
+        CIFaceFeature* face = [faces objectAtIndex:0];
+        CGPoint nose = CGPointMake(mirrored ? width - 140 : 140, 225 - 117);
+        EXPECT_TRUE(CGRectContainsPoint([face bounds], nose));
+        EXPECT_LT([face bounds].size.width, 110);
+        EXPECT_FALSE([face hasLeftEyePosition] || [face hasRightEyePosition] || [face hasMouthPosition]);
+    }
+}
+
 // --- detectors --------------------------------------------------------------------------------------------
 
 TEST(Detector, AnUnknownTypeGivesNil) {
@@ -194,6 +278,19 @@ TEST(Detector, WithDamagedDataFacesGoWithoutEyesAndMouth) {
     EXPECT_TRUE(CGPointEqualToPoint([face mouthPosition], CGPointZero));
     EXPECT_NE(log.find("damaged.dat"), std::string::npos) << log;
     [[NSFileManager defaultManager] removeFileAtPath:@"damaged.dat" handler:nil];
+}
+
+TEST(Detector, WithDamagedProfilesOtherFacesAreFound) {
+    [@"<width>20</width><stageThreshold>1</stageThreshold><rects><_>0 0 30 30 1.</_></rects>"
+        writeToFile:@"damaged.xml"
+         atomically:NO];
+    setenv("KAZ_FACE_PROFILES", "damaged.xml", 1);
+    testing::internal::CaptureStderr();
+    NSArray* faces = [detector(highAccuracy()) featuresInImage:photo("astronaut.png")];
+    std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_EQ([faces count], 1u);
+    EXPECT_NE(log.find("damaged.xml"), std::string::npos) << log;
+    [[NSFileManager defaultManager] removeFileAtPath:@"damaged.xml" handler:nil];
 }
 
 TEST(Detector, HighAccuracyFindsFacesThatLowDoesNot) {
@@ -270,13 +367,20 @@ TEST(Detector, TheLargestFaceComesFirst) {
 
 namespace {
 
-TEST(Detector, ImagesAreRenderedOnceThroughTheContext) {
+TEST(Detector, ImagesAreRenderedThroughTheContextOnceForEachScan) {
     CountingContext* context = [[[CountingContext alloc] init] autorelease];
-    CIDetector* finder = [CIDetector detectorOfType:CIDetectorTypeFace
-                                            context:context
-                                            options:highAccuracy()];
-    EXPECT_EQ([[finder featuresInImage:photo("astronaut.png")] count], 1u);
-    EXPECT_EQ(context->renderings, 1);
+    auto renderings = [&](NSDictionary* options, CGFloat scale) {
+        context->renderings = 0;
+        CIImage* image =
+            [photo("astronaut.png") imageByApplyingTransform:CGAffineTransformMakeScale(scale, scale)];
+        CIDetector* finder = [CIDetector detectorOfType:CIDetectorTypeFace context:context options:options];
+        EXPECT_EQ([[finder featuresInImage:image] count], 1u);
+        return context->renderings;
+    };
+    EXPECT_EQ(renderings(nil, 1), 1);
+    // Four times as large, twice, and as it is; a large one, which is not enlarged, in two sizes.
+    EXPECT_EQ(renderings(highAccuracy(), 0.5), 3);
+    EXPECT_EQ(renderings(highAccuracy(), 4), 2);
 }
 
 TEST(Detector, KeepsItsContextAlive) {

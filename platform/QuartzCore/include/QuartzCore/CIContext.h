@@ -16,6 +16,11 @@ CORE_IMAGE_EXPORT NSString* const kCIContextUseSoftwareRenderer;
 
 /** Retains the CGContext. Without one the result can make images but draws nothing. */
 + (CIContext*)contextWithCGContext:(CGContextRef)context options:(NSDictionary*)options;
+/** A context that makes images and renders to memory, but draws nothing. */
++ (CIContext*)contextWithOptions:(NSDictionary*)options;
+
+/** The space that filters compute in; null without colour matching. Borrowed. */
+- (CGColorSpaceRef)workingColorSpace;
 
 /** Draws the part `src` of the image, in its coordinates, with its origin at `p` in user space. */
 - (void)drawImage:(CIImage*)image atPoint:(CGPoint)p fromRect:(CGRect)src;
@@ -26,7 +31,7 @@ CORE_IMAGE_EXPORT NSString* const kCIContextUseSoftwareRenderer;
 /**
  * The pixels inside `r`, grown to whole pixels, as a new image that the caller releases; null for an empty,
  * infinite or huge rectangle, an unknown format or a space that is not RGB. The defaults are kCIFormatARGB8
- * and the context's output space.
+ * and the context's output space. Core Graphics has no floats of 16 bits: those become floats of 32.
  */
 - (CGImageRef)createCGImage:(CIImage*)image fromRect:(CGRect)r;
 - (CGImageRef)createCGImage:(CIImage*)image

@@ -8,9 +8,11 @@
 
 /** Layouts of bitmaps; pixels are premultiplied, components in the machine's byte order. */
 typedef int CIFormat;
+CORE_IMAGE_EXPORT CIFormat kCIFormatBGRA8;  /* 20: bytes B G R A */
 CORE_IMAGE_EXPORT CIFormat kCIFormatARGB8;  /* 23: bytes A R G B */
 CORE_IMAGE_EXPORT CIFormat kCIFormatRGBA8;  /* 24: bytes R G B A */
 CORE_IMAGE_EXPORT CIFormat kCIFormatRGBA16; /* 27: 16 bits each */
+CORE_IMAGE_EXPORT CIFormat kCIFormatRGBAh;  /* 31: floats of 16 bits */
 CORE_IMAGE_EXPORT CIFormat kCIFormatRGBAf;  /* 34: floats */
 
 /** Option: the CGColorSpace in which to read the data instead of their own, or NSNull for no colour matching.
@@ -18,6 +20,11 @@ CORE_IMAGE_EXPORT CIFormat kCIFormatRGBAf;  /* 34: floats */
 CORE_IMAGE_EXPORT NSString* const kCIImageColorSpace;
 /** Option: the dictionary that `properties` returns. */
 CORE_IMAGE_EXPORT NSString* const kCIImageProperties;
+
+/** Options of an image provider: an NSNumber, the rows that it is asked for at once, or an NSArray whose
+ * second number says that; and an object that every call gets. */
+CORE_IMAGE_EXPORT NSString* const kCIImageProviderTileSize;
+CORE_IMAGE_EXPORT NSString* const kCIImageProviderUserInfo;
 
 /** Options of the automatic adjustment: NSNumbers, NO to leave out the enhancement or the correction of red
  * eyes; and an NSArray of features to use instead of detecting faces. */
@@ -45,6 +52,12 @@ CORE_IMAGE_EXPORT NSString* const kCIImageAutoAdjustFeatures;
 + (CIImage*)imageWithContentsOfURL:(NSURL*)url options:(NSDictionary*)options;
 + (CIImage*)imageWithData:(NSData*)data;
 + (CIImage*)imageWithData:(NSData*)data options:(NSDictionary*)options;
++ (CIImage*)imageWithImageProvider:(id)p
+                              size:(size_t)width
+                                  :(size_t)height
+                            format:(CIFormat)f
+                        colorSpace:(CGColorSpaceRef)cs
+                           options:(NSDictionary*)options;
 /** One colour everywhere. Nil for a nil colour. */
 + (CIImage*)imageWithColor:(CIColor*)color;
 /** Transparent everywhere. */
@@ -59,6 +72,16 @@ CORE_IMAGE_EXPORT NSString* const kCIImageAutoAdjustFeatures;
                     size:(CGSize)size
                   format:(CIFormat)format
               colorSpace:(CGColorSpaceRef)colorSpace;
+/**
+ * Pixels that the provider is asked for when they are rendered; it is retained. Nil for a nil provider, an
+ * unknown format, an impossible size or a space that is not RGB.
+ */
+- (id)initWithImageProvider:(id)p
+                       size:(size_t)width
+                           :(size_t)height
+                     format:(CIFormat)f
+                 colorSpace:(CGColorSpaceRef)cs
+                    options:(NSDictionary*)options;
 /** Nil if there is no readable image file. */
 - (id)initWithContentsOfURL:(NSURL*)url;
 - (id)initWithContentsOfURL:(NSURL*)url options:(NSDictionary*)options;
@@ -84,6 +107,22 @@ CORE_IMAGE_EXPORT NSString* const kCIImageAutoAdjustFeatures;
 /** The recipe: how many passes and steps it takes, and the steps, each above those that it reads. */
 - (NSString*)debugDescription;
 
+@end
+
+/** What an image provider implements. */
+@interface NSObject (CIImageProvider)
+/**
+ * Writes a part of the picture to `data`. `x` and `y` are counted from the picture's upper left corner.
+ * Called from any thread, but for one image never from two at once; an exception ends the rendering with its
+ * reason.
+ */
+- (void)provideImageData:(void*)data
+             bytesPerRow:(size_t)rowbytes
+                  origin:(size_t)x
+                        :(size_t)y
+                    size:(size_t)width
+                        :(size_t)height
+                userInfo:(id)info;
 @end
 
 @interface CIImage (AutoAdjustment)
