@@ -2,7 +2,12 @@
 #include "nodes.h"
 
 #include <bit>
+#include <cstdint>
 #include <new>
+
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
 
 namespace engine {
 
@@ -24,7 +29,7 @@ class Blocks {
                 held_ -= size;
                 return floats;
             }
-        return static_cast<float*>(::operator new(size * sizeof(float), cacheLine));
+        return allocated(size);
     }
     void give(float* floats, std::size_t size) {
         kept_.push_back({floats, size});
@@ -37,6 +42,19 @@ class Blocks {
     }
 
   private:
+    static float* allocated(std::size_t size) {
+        std::size_t bytes = size * sizeof(float);
+        void* block = ::operator new(bytes, cacheLine);
+#ifdef MADV_HUGEPAGE
+        // Getting a block of many small pages takes as long as filling it.
+        constexpr std::uintptr_t page = 1 << 21;
+        std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(block) + page - 1) & -page,
+                       end = (reinterpret_cast<std::uintptr_t>(block) + bytes) & -page;
+        if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#endif
+        return static_cast<float*>(block);
+    }
+
     static constexpr std::size_t most = 1 << 21;
     struct Block {
         float* floats;
