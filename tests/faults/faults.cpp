@@ -68,10 +68,10 @@ void onSignal(int signal) {
     faults::disarm();
     void* frames[60];
     int count = backtrace(frames, 60);
-    std::string stack;
+    std::string stack, where; // `where`: the innermost library that is ours or GNUstep's
     bool thrown = false, runtime = false, innermost = false; // seen
     int told = 0;
-    for (int i = 1; i < count && told < (settings.wholeStacks ? 60 : 6); ++i) {
+    for (int i = 1; i < count; ++i) {
         Dl_info info = {};
         if (!dladdr(frames[i], &info)) continue;
         std::string module = moduleOf(info), symbol = info.dli_sname ? info.dli_sname : "?";
@@ -84,7 +84,8 @@ void onSignal(int signal) {
                        module.starts_with("libgcc") || module.starts_with("libobjc") ||
                        module.starts_with("ld-") || module.starts_with("linux") || module == "faults" ||
                        symbol.starts_with("__kernel");
-        if (library && !settings.wholeStacks) continue;
+        if (!library && where.empty()) where = module;
+        if ((library || told == 6) && !settings.wholeStacks) continue;
         char offset[16];
         std::snprintf(
             offset, sizeof offset, "+%lx",
@@ -92,16 +93,14 @@ void onSignal(int signal) {
         stack += " < " + module + (info.dli_sname ? ":" + symbol : offset);
         ++told;
     }
-    bool inGNUstep = (runtime || stack.starts_with(" < libgnustep")) && !thrown;
+    bool inGNUstep = (runtime || where.starts_with("libgnustep")) && !thrown;
     tell((inGNUstep ? "G" : "S") + std::string("signal ") + std::to_string(signal) +
          (thrown ? ", an exception that nobody catches" : "") + stack);
     _exit(99);
 }
 
 void catchSignals() {
-    static char stack[1 << 17];
-    stack_t alternate = {stack, 0, sizeof stack};
-    sigaltstack(&alternate, nullptr);
+    faults::useSpareStack();
     struct sigaction action = {};
     action.sa_handler = onSignal;
     action.sa_flags = SA_ONSTACK | static_cast<int>(SA_RESETHAND);
@@ -296,7 +295,7 @@ class Corpus {
                 return [this, format, path, picture, file] {
                     try {
                         host.call(picture, "Save", {file, format});
-                    } catch (...) {
+                    } catch (const studio::HostException&) {
                         faults::disarm();
                         std::stringstream text;
                         text << std::ifstream(path()).rdbuf();

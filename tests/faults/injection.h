@@ -11,8 +11,10 @@ void arm(Kind kind, long n, bool onwards, bool cut = false);
 // Ends it; returns how many calls of the kind there were.
 long disarm();
 
-// For the interposed functions: counts the call, and tells whether it is to fail. Never true in `stopped`
-// threads.
+// Lets the calling thread handle the end of its stack. Threads that are started later do so by themselves.
+void useSpareStack();
+
+// For the interposed functions: counts the call, and tells whether it is to fail.
 bool strikes(Kind kind);
 bool cuts();
 

@@ -14,10 +14,8 @@ inline CGContextRef currentPort() {
     return static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
 }
 
-/// The bytes at the URL; nil when there are none. Of files, regular ones alone: no pipe is waited for, and no
-/// device read for ever.
+/// The bytes at the URL; nil when there are none.
 inline NSData* contents(NSURL* url) {
-    if (![url isFileURL]) return url ? [NSData dataWithContentsOfURL:url] : nil;
     auto provider = cg::Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithURL((CFURLRef)url));
     return [(NSData*)CGDataProviderCopyData(provider.get()) autorelease];
 }

@@ -70,6 +70,16 @@ CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle) {
 
 CFStringRef CFURLGetString(CFURLRef url) { return (CFStringRef)[(NSURL*)url absoluteString]; }
 
+Boolean CFURLCreateDataAndPropertiesFromResource(CFAllocatorRef, CFURLRef url, CFDataRef* data,
+                                                 CFDictionaryRef*, CFArrayRef, SInt32*) {
+    AutoreleaseScope scope;
+    // Asked first, because GNUstep waits a minute for a loader that there is not.
+    NSURLRequest* request = url ? [NSURLRequest requestWithURL:(NSURL*)url] : nil;
+    bool loads = request && [NSURLConnection canHandleRequest:request];
+    *data = loads ? (CFDataRef)[[NSData dataWithContentsOfURL:(NSURL*)url] retain] : nullptr;
+    return *data != nullptr;
+}
+
 Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) {
     AutoreleaseScope scope;
     NSString* path = filePath(url);

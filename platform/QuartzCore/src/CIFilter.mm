@@ -155,8 +155,11 @@ NSString* categoryName(NSString* category) {
 
 - (id)initWithInfo:(const engine::FilterInfo*)info {
     if (!(self = [super init])) return nil;
+    if (!(_state = new (std::nothrow) CIFilterState{info, [[NSMutableDictionary alloc] init]})) {
+        [self release];
+        return nil;
+    }
     live.born();
-    _state = new CIFilterState{info, [[NSMutableDictionary alloc] init]};
     return self;
 }
 
@@ -177,6 +180,7 @@ NSString* categoryName(NSString* category) {
 
 - (id)copyWithZone:(NSZone*)zone {
     CIFilter* copy = [[[self class] allocWithZone:zone] initWithInfo:_state->info];
+    if (!copy) return nil;
     [copy->_state->values setDictionary:_state->values];
     return copy;
 }

@@ -18,8 +18,11 @@ struct CIRegion {
 
 - (id)initWithRegion:(const ci::Region&)region {
     if (!(self = [super init])) return nil;
+    if (!(_region = new (std::nothrow) CIRegion{region})) {
+        [self release];
+        return nil;
+    }
     live.born();
-    _region = new CIRegion{region};
     return self;
 }
 

@@ -189,19 +189,22 @@ engine::Image imageOf(CGImageRef ref, const SpaceChoice& choice) {
     });
 }
 
-engine::Image imageOfBitmap(const void* bytes, std::size_t size, std::size_t rowBytes, CGSize pixels,
-                            int format, CGColorSpaceRef space, std::shared_ptr<const void> owner) {
+engine::Image imageOfBitmap(CFDataRef data, std::size_t rowBytes, CGSize pixels, int format,
+                            CGColorSpaceRef space) {
+    if (!data) return nullptr;
     const CoreImageFormat* known = formatNamed(format);
     CGRect area = CGRectMake(0, 0, std::trunc(pixels.width), std::trunc(pixels.height));
     if (!known || !(pixels.width >= 1) || !(pixels.height >= 1) || !canBePixels(area)) return nullptr;
     if (space && CGColorSpaceGetModel(space) != kCGColorSpaceModelRGB) return nullptr;
     std::uint64_t row = static_cast<std::uint64_t>(area.size.width) * engine::bytesPerPixel(known->layout);
     auto height = static_cast<std::uint64_t>(area.size.height);
-    if (rowBytes < row || rowBytes * (height - 1) + row > size) return nullptr;
+    if (rowBytes < row || rowBytes * (height - 1) + row > static_cast<std::uint64_t>(CFDataGetLength(data)))
+        return nullptr;
     Failure ignored;
     return attempt(ignored, [&] {
         engine::Target target = targetOf(area, *known, space, nullptr, rowBytes);
-        return engine::bitmap(target.layout, bytes, rowBytes, std::move(owner));
+        return engine::bitmap(target.layout, CFDataGetBytePtr(data), rowBytes,
+                              std::make_shared<cg::Retained<CFDataRef>>(data));
     });
 }
 

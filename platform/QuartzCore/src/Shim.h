@@ -35,10 +35,10 @@ engine::Color fromCG(CGColorRef color);
 
 /// Null for null, and if memory is short.
 engine::Image imageOf(CGImageRef image, const SpaceChoice& choice);
-/// Pixels of a Core Image format, which `owner` keeps alive; null for an unknown format or a space that is
-/// not RGB.
-engine::Image imageOfBitmap(const void* bytes, std::size_t size, std::size_t rowBytes, CGSize pixels,
-                            int format, CGColorSpaceRef space, std::shared_ptr<const void> owner);
+/// Pixels of a Core Image format, in data that the image retains; null without data, for an unknown format or
+/// a space that is not RGB.
+engine::Image imageOfBitmap(CFDataRef data, std::size_t rowBytes, CGSize pixels, int format,
+                            CGColorSpaceRef space);
 engine::Image constant(const engine::Color& color);
 engine::Image empty();
 engine::Image transform(const engine::Image& image, const CGAffineTransform& matrix, Failure& failure);

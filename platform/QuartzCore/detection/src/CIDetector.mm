@@ -124,7 +124,10 @@ struct CIDetectorState {
 - (id)initWithContext:(CIContext*)context options:(NSDictionary*)options {
     if (!(self = [super init])) return nil;
     live.born();
-    _state = new CIDetectorState;
+    if (!(_state = new (std::nothrow) CIDetectorState)) {
+        [self release];
+        return nil;
+    }
     std::string problem;
     _state->finder = ci::faceFinder(problem);
     if (!_state->finder) {
@@ -148,7 +151,7 @@ struct CIDetectorState {
 
 - (void)dealloc {
     live.gone();
-    [_state->context release];
+    if (_state) [_state->context release];
     delete _state;
     [super dealloc];
 }
