@@ -1,7 +1,8 @@
 // Every member that the plugin registers, called while something fails: memory, files, services, classes,
 // Core Image.
 //
-//     faults [--short] [--only TEXT] [--hosts VERSION,...] [--faults LETTERS] [--stacks] [--self-test]
+//     faults [--short] [--places N] [--only TEXT] [--hosts VERSION,...] [--faults LETTERS] [--stacks]
+//     [--self-test]
 //
 // Each run is a process of its own. It must end without a signal and in time, give back what it took, and
 // raise nothing but the documented exceptions. tools/commands/faults explains the letters.
@@ -40,7 +41,7 @@ struct Settings {
     std::string only, letters = "abcdef";
     std::vector<std::string> versions = {"none",   "2009.05", "2010.02", "2011",
                                          "2012.0", "2013.0",  "2013.03", "2014.01"};
-    long places() const { return brief ? 5 : 60; } // the most places at which one call is made to fail
+    long places = 60; // the most places at which one call is made to fail
 } settings;
 
 // Shared by all processes.
@@ -76,7 +77,7 @@ void onSignal(int signal) {
         if (!dladdr(frames[i], &info)) continue;
         std::string module = moduleOf(info), symbol = info.dli_sname ? info.dli_sname : "?";
         // The Objective-C runtime gives up where it has no memory.
-        if (!innermost && module.starts_with("libobjc")) runtime = true;
+        if (!innermost && signal == SIGABRT && module.starts_with("libobjc")) runtime = true;
         if (!module.starts_with("libc.") && !symbol.starts_with("__kernel")) innermost = true;
         thrown |=
             symbol == "objc_exception_throw" || symbol == "__cxa_throw" || symbol == "objc_exception_rethrow";
@@ -203,6 +204,11 @@ std::string inChild(const std::string& run, const std::function<void()>& work,
 
 // ---- the corpus ------------------------------------------------------------------------------------------
 
+std::string photograph(const std::string& name) {
+    const char* folder = std::getenv("KAZ_PHOTOS");
+    return std::string(folder ? folder : ".") + "/" + name;
+}
+
 // One call. Preparing it makes its object and arguments, so that a fault strikes within the call alone.
 struct Call {
     std::string name;
@@ -212,8 +218,7 @@ struct Call {
 class Corpus {
   public:
     explicit Corpus(studio::Host& host) : host(host), good(host) {
-        const char* photos = std::getenv("KAZ_PHOTOS");
-        good.file = std::string(photos ? photos : ".") + "/chelsea.png";
+        good.file = photograph("chelsea.png");
         for (const studio::Class* cls : host.pluginClasses())
             if (cls->name.starts_with("CI")) addClass(*cls);
         for (const studio::Method* function : host.pluginFunctions()) {
@@ -226,11 +231,6 @@ class Corpus {
         }
         members = long(calls.size());
         addFiles();
-        try {
-            good.sample("CIFaceFeatureKaz"); // loads the model once for all the children
-        } catch (const studio::HostException&) {
-        } catch (const studio::UsageError&) { // a host that lacks what it takes
-        }
     }
 
     std::vector<Call> calls;
@@ -382,7 +382,7 @@ void injected(studio::Host& host, const Call& call, const std::string& where, Ki
     std::string told = inChild(where + call.name,
                                [&] { runAndCheck(host, call, [&] { faults::arm(kind, 0, false, cut); }); });
     long count = told.empty() ? 0 : std::atol(told.c_str() + 1);
-    for (long n : placesIn(count, settings.places()))
+    for (long n : placesIn(count, settings.places))
         for (bool onwards : {false, true}) {
             if (onwards && (cut || kind == Kind::message)) continue;
             ++total;
@@ -393,7 +393,7 @@ void injected(studio::Host& host, const Call& call, const std::string& where, Ki
 }
 
 void refused(studio::Host& host, const Call& call, const std::string& where) {
-    for (int n = 0; n < settings.places(); ++n) {
+    for (int n = 0; n < settings.places; ++n) {
         std::string told = inChild(where + call.name + ", allocation " + std::to_string(n + 1), [&] {
             std::function<void()> run = call.prepare();
             run = {};
@@ -593,11 +593,13 @@ int main(int count, char** words) {
     for (int i = 1; i < count; ++i) {
         std::string word = words[i], value = i + 1 < count ? words[i + 1] : "";
         if (word == "--short")
-            settings.brief = true;
+            settings.brief = true, settings.places = 5;
         else if (word == "--self-test")
             settings.selfTest = true;
         else if (word == "--stacks")
             settings.wholeStacks = true;
+        else if (word == "--places")
+            settings.places = std::atol(value.c_str()), ++i;
         else if (word == "--only")
             settings.only = value, ++i;
         else if (word == "--hosts")
@@ -614,6 +616,7 @@ int main(int count, char** words) {
     void* warm[2];
     backtrace(warm, 2); // loads what it needs, before memory fails
     if (settings.selfTest) return selfTest();
+    faults::loadFaces(photograph("astronaut.png").c_str());
 
     for (const std::string& version : settings.versions) {
         std::fflush(stdout);

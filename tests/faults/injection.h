@@ -14,6 +14,9 @@ long disarm();
 // Lets the calling thread handle the end of its stack. Threads that are started later do so by themselves.
 void useSpareStack();
 
+// Finds the faces in a photograph, so that processes forked later have the model.
+void loadFaces(const char* photograph);
+
 // For the interposed functions: counts the call, and tells whether it is to fail.
 bool strikes(Kind kind);
 bool cuts();

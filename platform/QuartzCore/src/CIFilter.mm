@@ -5,6 +5,7 @@
 #include "Internal.h"
 #include "Raise.h"
 
+#include <cf/memory.h>
 #include <objc/runtime.h>
 
 #include <algorithm>
@@ -26,7 +27,9 @@ const engine::FilterInfo* filterNamed(NSString* name) {
 }
 
 /// "CICategoryBlur" for the engine's "Blur".
-NSString* categoryKey(const std::string& category) { return text("CICategory" + category); }
+NSString* categoryKey(const std::string& category) {
+    return [@"CICategory" stringByAppendingString:text(category)];
+}
 
 bool isIn(const engine::FilterInfo& filter, NSString* category) {
     return std::any_of(filter.categories.begin(), filter.categories.end(),
@@ -60,7 +63,8 @@ NSDictionary* describe(const engine::InputInfo& input) {
         if (value) set(key, ci::objectOf(*value));
     };
     set(kCIAttributeClass, ci::classNameOf(input.kind));
-    if (!input.type.empty()) set(kCIAttributeType, text("CIAttributeType" + input.type));
+    if (!input.type.empty())
+        set(kCIAttributeType, [@"CIAttributeType" stringByAppendingString:text(input.type)]);
     if (!input.displayName.empty()) set(kCIAttributeDisplayName, text(input.displayName));
     setValue(kCIAttributeDefault, input.defaultValue);
     setValue(kCIAttributeIdentity, input.identity);
@@ -72,10 +76,9 @@ NSDictionary* describe(const engine::InputInfo& input) {
 }
 
 NSURL* documentationOf(const engine::FilterInfo& filter) {
-    std::string url = "http://developer.apple.com/cgi-bin/apple_ref.cgi?apple_ref="
-                      "//apple_ref/doc/filter/ci/" +
-                      filter.name;
-    return [NSURL URLWithString:text(url)];
+    NSString* all = @"http://developer.apple.com/cgi-bin/apple_ref.cgi?apple_ref="
+                    @"//apple_ref/doc/filter/ci/";
+    return [NSURL URLWithString:[all stringByAppendingString:text(filter.name)]];
 }
 
 /// "Tile Effect" for kCICategoryTileEffect; nil for an unknown category.
@@ -231,7 +234,7 @@ NSString* categoryName(NSString* category) {
             [NSException raise:NSInvalidArgumentException
                         format:@"%@: the value of %s must be a %@, not a %@", [self name], input.key.c_str(),
                                ci::classNameOf(input.kind), NSStringFromClass([object class])];
-        values.emplace(input.key, std::move(*value));
+        cf::inMemory([&] { values.emplace(input.key, std::move(*value)); });
     }
     ci::Failure failure;
     engine::Image output = ci::apply(*_state->info, values, failure);

@@ -29,8 +29,8 @@ CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
 // Borrowed from the URL.
 CFStringRef CFURLGetString(CFURLRef url);
 
-// Loads what a URL names from the network, or from the URL itself: `data` is the caller's. False, and null,
-// when there is nothing or nothing here loads URLs of this scheme. The other parameters must be null.
+// Loads what a URL names from the network; the caller owns `data`. False, and null data, when nothing is
+// there or nothing here loads URLs of this scheme. Properties and errors are not told.
 Boolean CFURLCreateDataAndPropertiesFromResource(CFAllocatorRef allocator, CFURLRef url, CFDataRef* data,
                                                  CFDictionaryRef* properties, CFArrayRef desired,
                                                  SInt32* error);

@@ -5,6 +5,7 @@
 #include "FaceLibrary.h"
 #include "Tracker.h"
 
+#include <cf/memory.h>
 #include <cg/object.h>
 
 #include <algorithm>
@@ -200,28 +201,30 @@ struct CIDetectorState {
 - (NSArray*)featuresInImage:(CIImage*)image options:(NSDictionary*)options {
     id orientation = [options objectForKey:CIDetectorImageOrientation];
     Scan scan = [self scanOfImage:image orientation:isNumber(orientation) ? [orientation intValue] : 1];
-    std::string problem;
-    std::vector<vision::Face> faces = ci::findFaces(*_state->finder, scan.bitmap(), problem);
-    if (!problem.empty()) NSLog(@"CIDetector: an image was not searched: %s", problem.c_str());
+    return cf::inMemory([&]() -> NSArray* {
+        std::string problem;
+        std::vector<vision::Face> faces = ci::findFaces(*_state->finder, scan.bitmap(), problem);
+        if (!problem.empty()) NSLog(@"CIDetector: an image was not searched: %s", problem.c_str());
 
-    std::vector<CGRect> bounds;
-    for (const vision::Face& face : faces) bounds.push_back(scan.bounds(face));
-    std::vector<ci::Track> tracks;
-    if (_state->tracker) tracks = _state->tracker->follow(bounds);
+        std::vector<CGRect> bounds;
+        for (const vision::Face& face : faces) bounds.push_back(scan.bounds(face));
+        std::vector<ci::Track> tracks;
+        if (_state->tracker) tracks = _state->tracker->follow(bounds);
 
-    NSMutableArray* features = [NSMutableArray array];
-    for (std::size_t i = 0; i < faces.size(); ++i) {
-        CIFaceState state{bounds[i],
-                          scan.position(faces[i].leftEye),
-                          scan.position(faces[i].rightEye),
-                          scan.position(faces[i].mouth),
-                          {}};
-        if (_state->tracker) state.track = tracks[i];
-        CIFaceFeature* feature = [[CIFaceFeature alloc] initWithState:state];
-        [features addObject:feature];
-        [feature release];
-    }
-    return features;
+        NSMutableArray* features = [NSMutableArray array];
+        for (std::size_t i = 0; i < faces.size(); ++i) {
+            CIFaceState state{bounds[i],
+                              scan.position(faces[i].leftEye),
+                              scan.position(faces[i].rightEye),
+                              scan.position(faces[i].mouth),
+                              {}};
+            if (_state->tracker) state.track = tracks[i];
+            CIFaceFeature* feature = [[CIFaceFeature alloc] initWithState:state];
+            [features addObject:feature];
+            [feature release];
+        }
+        return features;
+    });
 }
 
 @end
