@@ -39,8 +39,8 @@ CFURLRef CFURLCreateFromFSRef(CFAllocatorRef, const FSRef* ref) {
         const char* path = cf::pathOfFileReference(ref);
         struct stat status;
         if (!path || lstat(path, &status) != 0) return nullptr;
-        return owned([NSURL fileURLWithPath:[NSString stringWithUTF8String:path]
-                                isDirectory:S_ISDIR(status.st_mode)]);
+        NSString* text = [NSString stringWithUTF8String:path]; // nil for a name that is not UTF-8
+        return text ? owned([NSURL fileURLWithPath:text isDirectory:S_ISDIR(status.st_mode)]) : nullptr;
     });
 }
 
