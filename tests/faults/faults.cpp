@@ -52,7 +52,7 @@ struct Totals {
 
 // ---- runs in a process of their own ----------------------------------------------------------------------
 
-constexpr int kSecondsForACall = 20, kSecondsForAll = 300; // the machine may be busy
+constexpr int kSecondsForACall = 60, kSecondsForAll = 300; // the machine may be busy
 int toParent = -1;                                         // where a run tells what went wrong
 
 void tell(const std::string& text) {
