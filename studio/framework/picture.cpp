@@ -99,6 +99,19 @@ void setMask(REALobject self, std::uint32_t, REALobject mask) {
 
 // ---- files -----------------------------------------------------------------------------------------------
 
+// A method in an autorelease pool of its own. Cocoa raises for want of memory.
+template <auto body>
+struct InCocoa;
+template <class R, class... A, R (*body)(A...)>
+struct InCocoa<body> {
+    static R call(A... arguments) {
+        return inCocoa([&] {
+            AutoreleasePool pool;
+            return body(arguments...);
+        });
+    }
+};
+
 struct FileKind {
     std::int32_t constant; // Picture.SaveAs...
     const char* type;
@@ -161,7 +174,6 @@ bool encode(REALobject self, CGImageDestinationRef destination, std::int32_t qua
 
 void save(REALobject self, REALobject file, std::int32_t format, std::int32_t quality) {
     if (!file) raise("NilObjectException", "file is nil");
-    AutoreleasePool pool;
     const std::string& path = folderItemPath(file);
     const FileKind& kind = kindFor(path, format);
     Owned<CFURLRef> url(urlOf(path));
@@ -172,7 +184,6 @@ void save(REALobject self, REALobject file, std::int32_t format, std::int32_t qu
 }
 
 REALobject getData(REALobject self, REALstring format, std::int32_t quality) {
-    AutoreleasePool pool;
     std::string wanted = toUtf8(format);
     Owned<CFStringRef> type(static_cast<CFStringRef>(makeCFString(wanted)));
     Owned<CFMutableDataRef> data(CFDataCreateMutable(nullptr, 0));
@@ -206,7 +217,6 @@ REALobject firstPicture(CGImageSourceRef source) {
 
 REALobject open(REALobject file) {
     if (!file) raise("NilObjectException", "file is nil");
-    AutoreleasePool pool;
     const std::string& path = folderItemPath(file);
     if (!files::exists(path)) raise("IOException", path + " does not exist");
     Owned<CFURLRef> url(urlOf(path));
@@ -219,7 +229,6 @@ REALobject open(REALobject file) {
 // Nil for data that is no picture.
 REALobject fromData(REALobject block) {
     if (!block) raise("NilObjectException", "the data is nil");
-    AutoreleasePool pool;
     MemoryBlockBytes& bytes = memoryBlockBytes(block);
     Owned<CFDataRef> data(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data), bytes.size));
     Owned<CGImageSourceRef> source(data.ref ? CGImageSourceCreateWithData(data, nullptr) : nullptr);
@@ -352,21 +361,21 @@ FrameworkClass pictureClass() {
         /// Raises UnsupportedOperationException if the name belongs to another format, IOException if the
         /// file cannot be written.
         ///     photo.Save(GetFolderItem("coffee.jpg"), Picture.SaveAsJPEG, Picture.QualityHigh)
-        method("Save(file As FolderItem, format As Integer, quality As Integer = 85)", save),
+        method("Save(file As FolderItem, format As Integer, quality As Integer = 85)", InCocoa<save>::call),
         /// The picture as the bytes of a file in one of the Format formats. Raises InvalidArgumentException
         /// for an unknown one.
         ///     Print Str(photo.GetData(Picture.FormatPNG).Size > 0)
-        method("GetData(format As String, quality As Integer = 85) As MemoryBlock", getData),
+        method("GetData(format As String, quality As Integer = 85) As MemoryBlock", InCocoa<getData>::call),
     };
     table.sharedMethods = {
         /// Reads a picture from a file. Raises NilObjectException without one, IOException if it does not
         /// exist or holds no picture.
         ///     Dim cup As Picture = Picture.Open(SamplePhoto("coffee.png"))
-        method("Open(file As FolderItem) As Picture", open),
+        method("Open(file As FolderItem) As Picture", InCocoa<open>::call),
         /// Reads a picture from the bytes of a file; Nil if they hold none. Raises NilObjectException
         /// without data.
         ///     Dim copy As Picture = Picture.FromData(photo.GetData(Picture.FormatPNG))
-        method("FromData(data As MemoryBlock) As Picture", fromData),
+        method("FromData(data As MemoryBlock) As Picture", InCocoa<fromData>::call),
         /// Whether GetData knows a format.
         ///     Print Str(Picture.IsExportFormatSupported(Picture.FormatPNG))
         method("IsExportFormatSupported(format As String) As Boolean",

@@ -624,12 +624,15 @@ std::vector<std::string> Services::names() {
 
 void* Services::resolve(const char* entryName) {
     if (!theServices || !entryName) return nullptr;
-    theServices->requested_.emplace_back(entryName);
+    try {
+        theServices->requested_.emplace_back(entryName);
+    } catch (const std::bad_alloc&) { // a plugin's frame must never see it
+    }
     return theServices->find(entryName);
 }
 
 void* Services::find(std::string_view entryName) const {
-    if (withheld_.count(std::string(entryName))) return nullptr;
+    if (std::find(withheld_.begin(), withheld_.end(), entryName) != withheld_.end()) return nullptr;
     if (entryName == "REALGetRBVersion" && !runtime().toldVersion) return nullptr;
     for (const Service& service : allServices())
         if (service.name == entryName)

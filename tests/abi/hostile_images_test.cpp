@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -402,6 +403,25 @@ TEST_F(HostileImages, GIF) {
     for (int i = 0; i < 1000; ++i) many += gifFrame(11000, 11000);
     expectPicture(many + ";", "many frames");
     EXPECT_LT(peakMemory() - before, memoryGrowth / 10);
+}
+
+// Thousands of frames, each as large as the canvas, cost what the first one does.
+TEST_F(HostileImages, OfAnAnimationAnNSImageDecodesTheFirstFrame) {
+    std::filesystem::path path =
+        std::filesystem::temp_directory_path() / ("kaz-animation-" + std::to_string(getpid()) + ".gif");
+    auto costOf = [&](int frames) {
+        Bytes file = gifHeader(500, 500) + gifFrame(1, 1);
+        for (int i = 1; i < frames; ++i) file += gifFrame(500, 500);
+        std::ofstream(path, std::ios::binary) << file << ';';
+        std::clock_t start = std::clock(); // of the processor
+        Value image = host.create("NSImageKaz", {host.function("GetFolderItem", {path.string()})});
+        EXPECT_NE(host.get(image, "Handle").integer(), 0);
+        return double(std::clock() - start) / CLOCKS_PER_SEC;
+    };
+    costOf(1);
+    double one = std::max(costOf(1), 0.004);
+    EXPECT_LT(costOf(3000), 50 * one);
+    std::filesystem::remove(path);
 }
 
 TEST_F(HostileImages, BMP) {

@@ -1,7 +1,8 @@
 // Every member that the plugin registers, called while something fails: memory, files, services, classes,
 // Core Image.
 //
-//     faults [--short] [--only TEXT] [--hosts VERSION,...] [--faults LETTERS] [--stacks] [--self-test]
+//     faults [--short] [--places N] [--only TEXT] [--hosts VERSION,...] [--faults LETTERS] [--stacks]
+//     [--self-test]
 //
 // Each run is a process of its own. It must end without a signal and in time, give back what it took, and
 // raise nothing but the documented exceptions. tools/commands/faults explains the letters.
@@ -40,7 +41,7 @@ struct Settings {
     std::string only, letters = "abcdef";
     std::vector<std::string> versions = {"none",   "2009.05", "2010.02", "2011",
                                          "2012.0", "2013.0",  "2013.03", "2014.01"};
-    long places() const { return brief ? 5 : 60; } // the most places at which one call is made to fail
+    long places = 60; // the most places at which one call is made to fail
 } settings;
 
 // Shared by all processes.
@@ -51,7 +52,7 @@ struct Totals {
 
 // ---- runs in a process of their own ----------------------------------------------------------------------
 
-constexpr int kSecondsForACall = 20, kSecondsForAll = 300; // the machine may be busy
+constexpr int kSecondsForACall = 60, kSecondsForAll = 300; // the machine may be busy
 int toParent = -1;                                         // where a run tells what went wrong
 
 void tell(const std::string& text) {
@@ -68,15 +69,15 @@ void onSignal(int signal) {
     faults::disarm();
     void* frames[60];
     int count = backtrace(frames, 60);
-    std::string stack;
+    std::string stack, where; // `where`: the innermost library that is ours or GNUstep's
     bool thrown = false, runtime = false, innermost = false; // seen
     int told = 0;
-    for (int i = 1; i < count && told < (settings.wholeStacks ? 60 : 6); ++i) {
+    for (int i = 1; i < count; ++i) {
         Dl_info info = {};
         if (!dladdr(frames[i], &info)) continue;
         std::string module = moduleOf(info), symbol = info.dli_sname ? info.dli_sname : "?";
         // The Objective-C runtime gives up where it has no memory.
-        if (!innermost && module.starts_with("libobjc")) runtime = true;
+        if (!innermost && signal == SIGABRT && module.starts_with("libobjc")) runtime = true;
         if (!module.starts_with("libc.") && !symbol.starts_with("__kernel")) innermost = true;
         thrown |=
             symbol == "objc_exception_throw" || symbol == "__cxa_throw" || symbol == "objc_exception_rethrow";
@@ -84,7 +85,8 @@ void onSignal(int signal) {
                        module.starts_with("libgcc") || module.starts_with("libobjc") ||
                        module.starts_with("ld-") || module.starts_with("linux") || module == "faults" ||
                        symbol.starts_with("__kernel");
-        if (library && !settings.wholeStacks) continue;
+        if (!library && where.empty()) where = module;
+        if ((library || told == 6) && !settings.wholeStacks) continue;
         char offset[16];
         std::snprintf(
             offset, sizeof offset, "+%lx",
@@ -92,16 +94,14 @@ void onSignal(int signal) {
         stack += " < " + module + (info.dli_sname ? ":" + symbol : offset);
         ++told;
     }
-    bool inGNUstep = (runtime || stack.starts_with(" < libgnustep")) && !thrown;
+    bool inGNUstep = (runtime || where.starts_with("libgnustep")) && !thrown;
     tell((inGNUstep ? "G" : "S") + std::string("signal ") + std::to_string(signal) +
          (thrown ? ", an exception that nobody catches" : "") + stack);
     _exit(99);
 }
 
 void catchSignals() {
-    static char stack[1 << 17];
-    stack_t alternate = {stack, 0, sizeof stack};
-    sigaltstack(&alternate, nullptr);
+    faults::useSpareStack();
     struct sigaction action = {};
     action.sa_handler = onSignal;
     action.sa_flags = SA_ONSTACK | static_cast<int>(SA_RESETHAND);
@@ -204,6 +204,11 @@ std::string inChild(const std::string& run, const std::function<void()>& work,
 
 // ---- the corpus ------------------------------------------------------------------------------------------
 
+std::string photograph(const std::string& name) {
+    const char* folder = std::getenv("KAZ_PHOTOS");
+    return std::string(folder ? folder : ".") + "/" + name;
+}
+
 // One call. Preparing it makes its object and arguments, so that a fault strikes within the call alone.
 struct Call {
     std::string name;
@@ -213,8 +218,7 @@ struct Call {
 class Corpus {
   public:
     explicit Corpus(studio::Host& host) : host(host), good(host) {
-        const char* photos = std::getenv("KAZ_PHOTOS");
-        good.file = std::string(photos ? photos : ".") + "/chelsea.png";
+        good.file = photograph("chelsea.png");
         for (const studio::Class* cls : host.pluginClasses())
             if (cls->name.starts_with("CI")) addClass(*cls);
         for (const studio::Method* function : host.pluginFunctions()) {
@@ -227,11 +231,6 @@ class Corpus {
         }
         members = long(calls.size());
         addFiles();
-        try {
-            good.sample("CIFaceFeatureKaz"); // loads the model once for all the children
-        } catch (const studio::HostException&) {
-        } catch (const studio::UsageError&) { // a host that lacks what it takes
-        }
     }
 
     std::vector<Call> calls;
@@ -296,7 +295,7 @@ class Corpus {
                 return [this, format, path, picture, file] {
                     try {
                         host.call(picture, "Save", {file, format});
-                    } catch (...) {
+                    } catch (const studio::HostException&) {
                         faults::disarm();
                         std::stringstream text;
                         text << std::ifstream(path()).rdbuf();
@@ -383,7 +382,7 @@ void injected(studio::Host& host, const Call& call, const std::string& where, Ki
     std::string told = inChild(where + call.name,
                                [&] { runAndCheck(host, call, [&] { faults::arm(kind, 0, false, cut); }); });
     long count = told.empty() ? 0 : std::atol(told.c_str() + 1);
-    for (long n : placesIn(count, settings.places()))
+    for (long n : placesIn(count, settings.places))
         for (bool onwards : {false, true}) {
             if (onwards && (cut || kind == Kind::message)) continue;
             ++total;
@@ -394,7 +393,7 @@ void injected(studio::Host& host, const Call& call, const std::string& where, Ki
 }
 
 void refused(studio::Host& host, const Call& call, const std::string& where) {
-    for (int n = 0; n < settings.places(); ++n) {
+    for (int n = 0; n < settings.places; ++n) {
         std::string told = inChild(where + call.name + ", allocation " + std::to_string(n + 1), [&] {
             std::function<void()> run = call.prepare();
             run = {};
@@ -594,11 +593,13 @@ int main(int count, char** words) {
     for (int i = 1; i < count; ++i) {
         std::string word = words[i], value = i + 1 < count ? words[i + 1] : "";
         if (word == "--short")
-            settings.brief = true;
+            settings.brief = true, settings.places = 5;
         else if (word == "--self-test")
             settings.selfTest = true;
         else if (word == "--stacks")
             settings.wholeStacks = true;
+        else if (word == "--places")
+            settings.places = std::atol(value.c_str()), ++i;
         else if (word == "--only")
             settings.only = value, ++i;
         else if (word == "--hosts")
@@ -615,6 +616,7 @@ int main(int count, char** words) {
     void* warm[2];
     backtrace(warm, 2); // loads what it needs, before memory fails
     if (settings.selfTest) return selfTest();
+    faults::loadFaces(photograph("astronaut.png").c_str());
 
     for (const std::string& version : settings.versions) {
         std::fflush(stdout);

@@ -4,9 +4,12 @@
 #include <atomic>
 #include <cerrno>
 #include <cstddef>
+#include <cstdlib>
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
+#include <signal.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -42,6 +45,14 @@ bool strikes(Kind kind) {
 }
 
 bool cuts() { return short_; }
+
+void useSpareStack() {
+    static thread_local char stack[1 << 16];
+    stack_t spare = {};
+    spare.ss_sp = stack;
+    spare.ss_size = sizeof stack;
+    sigaltstack(&spare, nullptr);
+}
 
 } // namespace faults
 
@@ -125,4 +136,30 @@ EXPORTED int open64(const char* path, int flags, ...) {
 EXPORTED void* mmap(void* at, std::size_t size, int protection, int flags, int fd, off_t offset) noexcept {
     static auto real = next<void* (*)(void*, std::size_t, int, int, int, off_t)>("mmap");
     return fd >= 0 && diskFails(ENOMEM) ? MAP_FAILED : real(at, size, protection, flags, fd, offset);
+}
+
+// ---- threads ---------------------------------------------------------------------------------------------
+
+namespace {
+struct Start {
+    void* (*body)(void*);
+    void* argument;
+};
+} // namespace
+
+EXPORTED int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*),
+                            void* argument) noexcept {
+    static auto real =
+        next<int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)>("pthread_create");
+    auto* start = static_cast<Start*>(__libc_malloc(sizeof(Start)));
+    *start = {body, argument};
+    auto begin = [](void* begun) -> void* {
+        Start own = *static_cast<Start*>(begun);
+        free(begun);
+        faults::useSpareStack();
+        return own.body(own.argument);
+    };
+    int result = real(thread, attributes, begin, start);
+    if (result) free(start);
+    return result;
 }

@@ -11,8 +11,13 @@ void arm(Kind kind, long n, bool onwards, bool cut = false);
 // Ends it; returns how many calls of the kind there were.
 long disarm();
 
-// For the interposed functions: counts the call, and tells whether it is to fail. Never true in `stopped`
-// threads.
+// Lets the calling thread handle the end of its stack. Threads that are started later do so by themselves.
+void useSpareStack();
+
+// Finds the faces in a photograph, so that processes forked later have the model.
+void loadFaces(const char* photograph);
+
+// For the interposed functions: counts the call, and tells whether it is to fail.
 bool strikes(Kind kind);
 bool cuts();
 

@@ -2,12 +2,21 @@
 #include "injection.h"
 
 #import <Foundation/Foundation.h>
+#import <QuartzCore/QuartzCore.h>
 
 #include <cstring>
 
 #include <dlfcn.h>
 #include <objc/message.h>
 #include <objc/runtime.h>
+
+void faults::loadFaces(const char* photograph) {
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    NSURL* url = [NSURL fileURLWithPath:[NSString stringWithUTF8String:photograph]];
+    CIDetector* detector = [CIDetector detectorOfType:CIDetectorTypeFace context:nil options:nil];
+    [detector featuresInImage:[CIImage imageWithContentsOfURL:url]];
+    [pool release];
+}
 
 static id raising(id, SEL selector, ...) {
     [NSException raise:NSInternalInconsistencyException format:@"injected into %s", sel_getName(selector)];

@@ -92,22 +92,69 @@ TEST_F(Files, TextThatDoesNotFitOnTheDiskIsToldOnClose) {
 }
 
 // A file that is read is read whole, so what happens to it afterwards changes nothing.
-TEST_F(Files, AnImageKeepsItsPixelsWhenItsFileShrinksOrGoes) {
+TEST_F(Files, AnImageKeepsItsPixelsWhenItsFileChanges) {
     Outcome run = program("Dim p As New Picture(64, 64, 32)\n"
                           "p.Graphics.ForeColor = RGB(10, 200, 30)\np.Graphics.FillRect(0, 0, 64, 64)\n"
-                          "For Each how As String In Array(\"shrinks\", \"goes\")\n"
+                          "For Each how As String In Array(\"shrinks\", \"goes\", \"replaced\")\n"
                           "  Dim f As FolderItem = GetFolderItem(how)\n"
                           "  p.Save(f, Picture.SaveAsPNG)\n"
                           "  Dim c As CIImageKaz = CIImageKaz.imageWithContentsOfFile(f)\n"
                           "  Dim n As New NSImageKaz(f)\n"
-                          "  If how = \"goes\" Then f.Delete Else Dim t As TextOutputStream = "
-                          "TextOutputStream.Create(f)\n"
+                          "  Select Case how\n"
+                          "  Case \"goes\"\n    f.Delete\n"
+                          "  Case \"replaced\"\n    Dim q As New Picture(9, 9, 32)\n"
+                          "    q.Save(f, Picture.SaveAsJPEG)\n"
+                          "  Else\n    Dim t As TextOutputStream = TextOutputStream.Create(f)\n"
+                          "  End Select\n"
                           "  Dim drawn As Picture = c.RenderPicture\n"
                           "  Dim shown As Color = drawn.RGBSurface.Pixel(5, 5)\n"
                           "  Print Str(shown.Green)\n"
                           "Next\n");
     EXPECT_EQ(run.code, 0);
-    EXPECT_EQ(run.output, "200\n200\n");
+    EXPECT_EQ(run.output, "200\n200\n200\n");
+}
+
+TEST_F(Files, AFolderThatTakesNoFilesIsTold) {
+    Outcome run = program("Dim f As FolderItem = GetFolderItem(\"/proc/kaz.png\")\n"
+                          "Try\n  Dim t As TextOutputStream = TextOutputStream.Create(f)\n"
+                          "Catch e As IOException\n  Print e.Message\nEnd Try\n"
+                          "Try\n  Dim p As New Picture(2, 2)\n  p.Save(f, Picture.SaveAsPNG)\n"
+                          "Catch e As IOException\n  Print e.Message\nEnd Try\n");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(std::count(run.output.begin(), run.output.end(), '\n'), 2) << run.output;
+    EXPECT_EQ(run.output.find("cannot write"), 0u) << run.output;
+}
+
+// Names in UTF-8 open. Cocoa has no text for any other, which is no image, or raises as a path.
+TEST_F(Files, ANameMayHoldAnyByte) {
+    program("Dim p As New Picture(3, 3, 32)\np.Save(GetFolderItem(\"a.png\"), Picture.SaveAsPNG)\n");
+    std::filesystem::create_directory(folder / "names");
+    for (int byte = 1; byte < 256; ++byte)
+        if (byte != '/')
+            std::filesystem::copy_file(folder / "a.png",
+                                       folder / "names" / (std::string("x") + char(byte) + "y.png"));
+    Outcome run = program(R"(
+Dim all As FolderItem = GetFolderItem("names")
+Dim images, pictures As Integer
+For i As Integer = 1 To all.Count
+  Dim f As FolderItem = all.Item(i)
+  If Not (CIImageKaz.imageWithContentsOfFile(f) Is Nil) Then images = images + 1
+  Try
+    If Not (CIImageKaz.imageWithContentsOfPath(f.NativePath, Nil) Is Nil) Then images = images + 1
+  Catch e As RuntimeException
+    Print e.Message
+  End Try
+  Try
+    Dim p As Picture = Picture.Open(f)
+    If p.Width = 3 Then pictures = pictures + 1
+  Catch e As IOException
+  End Try
+Next
+Print Str(all.Count) + " files"
+If images >= 2 * 126 And pictures >= 126 Then Print "ASCII opens" Else Print Str(images) + " " + Str(pictures)
+)");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_NE(run.output.find("254 files\nASCII opens\n"), std::string::npos) << run.output;
 }
 
 // A chunk of a few bytes can claim a gigabyte.

@@ -46,10 +46,8 @@ inline CGBlendMode blendMode(NSCompositingOperation operation) {
     }
 }
 
-/// The bytes at the URL; nil when there are none. Of files, regular ones alone: no pipe is waited for, and no
-/// device read for ever.
+/// The bytes at the URL; nil when there are none.
 inline NSData* contents(NSURL* url) {
-    if (![url isFileURL]) return url ? [NSData dataWithContentsOfURL:url] : nil;
     auto provider = cg::Retained<CGDataProviderRef>::adopt(CGDataProviderCreateWithURL((CFURLRef)url));
     return [(NSData*)CGDataProviderCopyData(provider.get()) autorelease];
 }

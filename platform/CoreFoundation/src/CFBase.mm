@@ -16,6 +16,6 @@ Boolean CFEqual(CFTypeRef a, CFTypeRef b) { return a == b || [(id)a isEqual:(id)
 CFHashCode CFHash(CFTypeRef object) { return [(id)object hash]; }
 
 CFStringRef CFCopyDescription(CFTypeRef object) {
-    AutoreleaseScope scope;
-    return reinterpret_cast<CFStringRef>([[(id)object description] copy]);
+    return inPool(
+        [&]() -> CFStringRef { return reinterpret_cast<CFStringRef>([[(id)object description] copy]); });
 }

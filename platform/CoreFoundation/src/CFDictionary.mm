@@ -2,6 +2,7 @@
 #import <Foundation/Foundation.h>
 
 #include <CoreFoundation/CFDictionary.h>
+#include <cf/memory.h>
 
 #include <unordered_map>
 
@@ -67,7 +68,7 @@ Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key) {
 
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
     if (auto* table = pointerTable(dictionary))
-        (*table)[key] = value;
+        cf::inMemory([&] { (*table)[key] = value; });
     else
         [(NSMutableDictionary*)dictionary setObject:(id)value forKey:(id)key];
 }

@@ -40,16 +40,32 @@ NSData* encoded(NSString* string, CFStringEncoding encoding) {
     return foundation ? [string dataUsingEncoding:foundation allowLossyConversion:NO] : nil;
 }
 
+// Nil for an unknown form.
+NSString* normalized(NSString* text, CFStringNormalizationForm form) {
+    switch (form) {
+    case kCFStringNormalizationFormD:
+        return [text decomposedStringWithCanonicalMapping];
+    case kCFStringNormalizationFormKD:
+        return [text decomposedStringWithCompatibilityMapping];
+    case kCFStringNormalizationFormC:
+        return [text precomposedStringWithCanonicalMapping];
+    case kCFStringNormalizationFormKC:
+        return [text precomposedStringWithCompatibilityMapping];
+    }
+    return nil;
+}
+
 } // namespace
 
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex length,
                                     CFStringEncoding encoding, Boolean) {
-    AutoreleaseScope scope;
-    NSStringEncoding foundation = foundationEncoding(encoding);
-    if (!foundation || length < 0 || (!bytes && length)) return nullptr;
-    return (CFStringRef)[[NSString alloc] initWithBytes:bytes
-                                                 length:static_cast<NSUInteger>(length)
-                                               encoding:foundation];
+    return inPool([&]() -> CFStringRef {
+        NSStringEncoding foundation = foundationEncoding(encoding);
+        if (!foundation || length < 0 || (!bytes && length)) return nullptr;
+        return (CFStringRef)[[NSString alloc] initWithBytes:bytes
+                                                     length:static_cast<NSUInteger>(length)
+                                                   encoding:foundation];
+    });
 }
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text, CFStringEncoding encoding) {
@@ -59,20 +75,20 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text
 }
 
 CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar* characters, CFIndex length) {
-    AutoreleaseScope scope;
-    if (length < 0 || (!characters && length)) return nullptr;
-    return (CFStringRef)[[NSString alloc] initWithCharacters:characters
-                                                      length:static_cast<NSUInteger>(length)];
+    return inPool([&]() -> CFStringRef {
+        if (length < 0 || (!characters && length)) return nullptr;
+        return (CFStringRef)[[NSString alloc] initWithCharacters:characters
+                                                          length:static_cast<NSUInteger>(length)];
+    });
 }
 
 CFStringRef CFStringCreateCopy(CFAllocatorRef, CFStringRef string) {
-    AutoreleaseScope scope;
-    return (CFStringRef)[(NSString*)string copy];
+    return inPool([&]() -> CFStringRef { return (CFStringRef)[(NSString*)string copy]; });
 }
 
 CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef, CFIndex, CFStringRef string) {
-    AutoreleaseScope scope;
-    return (CFMutableStringRef)[(NSString*)string mutableCopy];
+    return inPool(
+        [&]() -> CFMutableStringRef { return (CFMutableStringRef)[(NSString*)string mutableCopy]; });
 }
 
 CFIndex CFStringGetLength(CFStringRef string) { return static_cast<CFIndex>([(NSString*)string length]); }
@@ -84,41 +100,31 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
 }
 
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStringEncoding encoding) {
-    AutoreleaseScope scope;
-    NSData* bytes = encoded((NSString*)string, encoding);
-    if (!bytes || static_cast<CFIndex>([bytes length]) >= size) return false;
-    std::memcpy(buffer, [bytes bytes], [bytes length]);
-    buffer[[bytes length]] = 0;
-    return true;
+    return inPool([&]() -> Boolean {
+        NSData* bytes = encoded((NSString*)string, encoding);
+        if (!bytes || static_cast<CFIndex>([bytes length]) >= size) return false;
+        std::memcpy(buffer, [bytes bytes], [bytes length]);
+        buffer[[bytes length]] = 0;
+        return true;
+    });
 }
 
 void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form) {
-    AutoreleaseScope scope;
     NSMutableString* text = (NSMutableString*)string;
-    NSString* normal = nil;
-    switch (form) {
-    case kCFStringNormalizationFormD:
-        normal = [text decomposedStringWithCanonicalMapping];
-        break;
-    case kCFStringNormalizationFormKD:
-        normal = [text decomposedStringWithCompatibilityMapping];
-        break;
-    case kCFStringNormalizationFormC:
-        normal = [text precomposedStringWithCanonicalMapping];
-        break;
-    case kCFStringNormalizationFormKC:
-        normal = [text precomposedStringWithCompatibilityMapping];
-        break;
-    }
-    if (normal) [text setString:normal];
+    inPool([&] {
+        NSString* normal = normalized(text, form);
+        if (normal) [text setString:normal];
+        return normal != nil;
+    });
 }
 
 CFStringRef __CFStringMakeConstantString(const char* text) {
-    AutoreleaseScope scope;
-    static std::mutex mutex;
-    static auto* strings = new std::unordered_map<std::string, CFStringRef>;
-    std::lock_guard lock(mutex);
-    CFStringRef& string = (*strings)[text];
-    if (!string) string = CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8);
-    return string;
+    return inPool([&]() -> CFStringRef {
+        static std::mutex mutex;
+        static auto* strings = new std::unordered_map<std::string, CFStringRef>;
+        std::lock_guard lock(mutex);
+        CFStringRef& string = (*strings)[text];
+        if (!string) string = CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8);
+        return string;
+    });
 }

@@ -1,16 +1,22 @@
-// An autorelease pool for a scope. Core Foundation leaves nothing in the caller's pool, so that plain C
-// programs can use it: every function that makes temporary Cocoa objects drains a pool of its own.
+// Autorelease pools for Core Foundation, which leaves nothing in the caller's, so that plain C programs can
+// use it: every function that makes temporary Cocoa objects runs in a pool of its own.
 #pragma once
 
 #import <Foundation/Foundation.h>
 
-class AutoreleaseScope {
-  public:
-    AutoreleaseScope() : pool([[NSAutoreleasePool alloc] init]) {}
-    ~AutoreleaseScope() { [pool release]; }
-    AutoreleaseScope(const AutoreleaseScope&) = delete;
-    AutoreleaseScope& operator=(const AutoreleaseScope&) = delete;
-
-  private:
-    NSAutoreleasePool* pool;
-};
+// Runs `body` in a pool. What Cocoa raises outlives the pool that it was made in.
+template <class Body>
+auto inPool(Body&& body) -> decltype(body()) {
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    decltype(body()) result;
+    @try {
+        result = body();
+    } @catch (NSException* raised) {
+        [raised retain];
+        [pool release];
+        [raised autorelease];
+        @throw;
+    }
+    [pool release];
+    return result;
+}

@@ -52,10 +52,20 @@ CGDataProviderRef CGDataProviderCreateWithCFData(CFDataRef data) {
     });
 }
 
+// Null for a URL that nothing loads.
+static CGDataProviderRef providerOfResource(CFURLRef url) {
+    CFDataRef loaded = nullptr;
+    CFURLCreateDataAndPropertiesFromResource(kCFAllocatorDefault, url, &loaded, nullptr, nullptr, nullptr);
+    auto data = Retained<CFDataRef>::adopt(loaded);
+    return CGDataProviderCreateWithCFData(data.get());
+}
+
 CGDataProviderRef CGDataProviderCreateWithURL(CFURLRef url) {
     return guarded([&]() -> CGDataProviderRef {
+        std::string path = filePath(url);
+        if (path.empty()) return providerOfResource(url);
         try {
-            auto bytes = std::make_shared<std::vector<std::uint8_t>>(wholefile::read(filePath(url)));
+            auto bytes = std::make_shared<std::vector<std::uint8_t>>(wholefile::read(path));
             return makeProvider(bytes->data(), bytes->size(), bytes);
         } catch (const wholefile::Error&) {
             return nullptr;

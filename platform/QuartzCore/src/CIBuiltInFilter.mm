@@ -5,6 +5,7 @@
 #include "Internal.h"
 #include "Raise.h"
 
+#include <cf/memory.h>
 #include <objc/runtime.h>
 
 #include <algorithm>
@@ -40,7 +41,8 @@ NSDictionary* describe(const engine::InputInfo& input) {
         if (value) set(key, ci::objectOf(*value));
     };
     set(kCIAttributeClass, ci::classNameOf(input.kind));
-    if (!input.type.empty()) set(kCIAttributeType, text("CIAttributeType" + input.type));
+    if (!input.type.empty())
+        set(kCIAttributeType, [@"CIAttributeType" stringByAppendingString:text(input.type)]);
     if (!input.displayName.empty()) set(kCIAttributeDisplayName, text(input.displayName));
     setValue(kCIAttributeDefault, input.defaultValue);
     setValue(kCIAttributeIdentity, input.identity);
@@ -52,10 +54,9 @@ NSDictionary* describe(const engine::InputInfo& input) {
 }
 
 NSURL* documentationOf(const engine::FilterInfo& filter) {
-    std::string url = "http://developer.apple.com/cgi-bin/apple_ref.cgi?apple_ref="
-                      "//apple_ref/doc/filter/ci/" +
-                      filter.name;
-    return [NSURL URLWithString:text(url)];
+    NSString* all = @"http://developer.apple.com/cgi-bin/apple_ref.cgi?apple_ref="
+                    @"//apple_ref/doc/filter/ci/";
+    return [NSURL URLWithString:[all stringByAppendingString:text(filter.name)]];
 }
 
 } // namespace
@@ -69,7 +70,7 @@ const engine::FilterInfo* builtInNamed(NSString* name) {
 NSArray* categoriesOf(const engine::FilterInfo& filter) {
     NSMutableArray* categories = [NSMutableArray array];
     for (const std::string& category : filter.categories)
-        [categories addObject:text("CICategory" + category)];
+        [categories addObject:[@"CICategory" stringByAppendingString:text(category)]];
     return categories;
 }
 
@@ -116,6 +117,7 @@ NSArray* categoriesOf(const engine::FilterInfo& filter) {
 
 - (id)copyWithZone:(NSZone*)zone {
     CIBuiltInFilter* copy = [[[self class] allocWithZone:zone] initWithInfo:_info];
+    if (!copy) return nil;
     [copy->_values setDictionary:_values];
     return copy;
 }
@@ -151,7 +153,7 @@ NSArray* categoriesOf(const engine::FilterInfo& filter) {
             [NSException raise:NSInvalidArgumentException
                         format:@"%@: the value of %s must be a %@, not a %@", [self name], input.key.c_str(),
                                ci::classNameOf(input.kind), NSStringFromClass([object class])];
-        values.emplace(input.key, std::move(*value));
+        cf::inMemory([&] { values.emplace(input.key, std::move(*value)); });
     }
     ci::Failure failure;
     engine::Image output = ci::apply(*_info, values, failure);

@@ -29,8 +29,11 @@ struct CIContextState {
 
 - (id)initWithCGContext:(CGContextRef)context options:(NSDictionary*)options {
     if (!(self = [super init])) return nil;
+    if (!(_state = new (std::nothrow) CIContextState)) {
+        [self release];
+        return nil;
+    }
     live.born();
-    _state = new CIContextState;
     _state->context = context;
     auto isRGB = [](id space) {
         return CGColorSpaceGetModel((CGColorSpaceRef)space) == kCGColorSpaceModelRGB;

@@ -4,6 +4,8 @@
 #include "Region.h"
 #include "Shim.h"
 
+#include <cf/memory.h>
+
 static cg::LiveCount live("CIFilterShape");
 
 struct CIRegion {
@@ -18,13 +20,16 @@ struct CIRegion {
 
 - (id)initWithRegion:(const ci::Region&)region {
     if (!(self = [super init])) return nil;
+    if (!(_region = new (std::nothrow) CIRegion{region})) {
+        [self release];
+        return nil;
+    }
     live.born();
-    _region = new CIRegion{region};
     return self;
 }
 
 - (id)initWithRect:(CGRect)r {
-    return [self initWithRegion:ci::Region(ci::fromCG(r))];
+    return cf::inMemory([&] { return [self initWithRegion:ci::Region(ci::fromCG(r))]; });
 }
 
 - (id)init {
@@ -41,32 +46,34 @@ struct CIRegion {
     return [self retain];
 }
 
-static CIFilterShape* shape(const ci::Region& region) {
-    return [[[CIFilterShape alloc] initWithRegion:region] autorelease];
+// The shape of the region that `make` returns.
+template <class Make>
+static CIFilterShape* shape(Make&& make) {
+    return cf::inMemory([&] { return [[[CIFilterShape alloc] initWithRegion:make()] autorelease]; });
 }
 
 - (CIFilterShape*)transformBy:(CGAffineTransform)m interior:(bool)flag {
-    return shape(_region->region.transform(ci::fromCG(m), flag));
+    return shape([&] { return _region->region.transform(ci::fromCG(m), flag); });
 }
 
 - (CIFilterShape*)insetByX:(int)dx Y:(int)dy {
-    return shape(_region->region.inset(dx, dy));
+    return shape([&] { return _region->region.inset(dx, dy); });
 }
 
 - (CIFilterShape*)unionWith:(CIFilterShape*)s2 {
-    return s2 ? shape(_region->region.unite(s2->_region->region)) : self;
+    return s2 ? shape([&] { return _region->region.unite(s2->_region->region); }) : self;
 }
 
 - (CIFilterShape*)unionWithRect:(CGRect)r {
-    return shape(_region->region.unite(ci::Region(ci::fromCG(r))));
+    return shape([&] { return _region->region.unite(ci::Region(ci::fromCG(r))); });
 }
 
 - (CIFilterShape*)intersectWith:(CIFilterShape*)s2 {
-    return shape(s2 ? _region->region.intersect(s2->_region->region) : ci::Region());
+    return shape([&] { return s2 ? _region->region.intersect(s2->_region->region) : ci::Region(); });
 }
 
 - (CIFilterShape*)intersectWithRect:(CGRect)r {
-    return shape(_region->region.intersect(ci::Region(ci::fromCG(r))));
+    return shape([&] { return _region->region.intersect(ci::Region(ci::fromCG(r))); });
 }
 
 - (CGRect)extent {

@@ -123,8 +123,11 @@ ci::RowProvider rowsOf(id provider, size_t width, id info) {
 /// Every initialiser begins here; the image is empty.
 - (id)init {
     if (!(self = [super init])) return nil;
+    if (!(_state = new (std::nothrow) CIImageState)) {
+        [self release];
+        return nil;
+    }
     live.born();
-    _state = new CIImageState;
     _state->recipe = ci::empty();
     return self;
 }
@@ -147,7 +150,7 @@ ci::RowProvider rowsOf(id provider, size_t width, id info) {
 }
 
 - (id)initWithCGImage:(CGImageRef)image options:(NSDictionary*)options {
-    self = [self init];
+    if (!(self = [self init])) return nil;
     ci::SpaceChoice choice = spaceChoice(options);
     _state->space =
         choice.kind == ci::SpaceChoice::Kind::own ? CGImageGetColorSpace(image) : choice.space.get();
@@ -160,12 +163,10 @@ ci::RowProvider rowsOf(id provider, size_t width, id info) {
                     size:(CGSize)size
                   format:(CIFormat)format
               colorSpace:(CGColorSpaceRef)colorSpace {
-    self = [self init];
+    if (!(self = [self init])) return nil;
     _state->space = colorSpace;
-    if (!data) return [self initFinishedWithRecipe:nullptr];
-    auto owner = std::make_shared<cg::Retained<CFDataRef>>((CFDataRef)data);
-    return [self initFinishedWithRecipe:ci::imageOfBitmap([data bytes], [data length], bytesPerRow, size,
-                                                          format, colorSpace, std::move(owner))];
+    return [self
+        initFinishedWithRecipe:ci::imageOfBitmap((CFDataRef)data, bytesPerRow, size, format, colorSpace)];
 }
 
 - (id)initWithImageProvider:(id)p
@@ -200,12 +201,7 @@ ci::RowProvider rowsOf(id provider, size_t width, id info) {
 }
 
 - (id)initWithContentsOfURL:(NSURL*)url options:(NSDictionary*)options {
-    CGImageSourceRef opened = nullptr;
-    if ([url isFileURL])
-        opened = CGImageSourceCreateWithURL((CFURLRef)url, nullptr);
-    else if (url)
-        opened = CGImageSourceCreateWithData((CFDataRef)[NSData dataWithContentsOfURL:url], nullptr);
-    auto source = cg::Retained<CGImageSourceRef>::adopt(opened);
+    auto source = cg::Retained<CGImageSourceRef>::adopt(CGImageSourceCreateWithURL((CFURLRef)url, nullptr));
     return [self initWithSource:source.get() url:url options:options];
 }
 
@@ -220,7 +216,7 @@ ci::RowProvider rowsOf(id provider, size_t width, id info) {
 }
 
 - (id)initWithColor:(CIColor*)color {
-    self = [self init];
+    if (!(self = [self init])) return nil;
     return [self initFinishedWithRecipe:color ? ci::constant(ci::fromCG([color CGColor])) : nullptr];
 }
 

@@ -8,6 +8,7 @@
 #include "Raise.h"
 
 #include <ImageIO/ImageIO.h>
+#include <cf/memory.h>
 
 namespace {
 
@@ -79,7 +80,8 @@ CIFilter* filterFor(const ci::Adjustment& adjustment) {
     if (![features isKindOfClass:[NSArray class]])
         features = detectedFeatures(self, orientationOf(self, options));
     ci::Failure failure;
-    auto found = ci::adjustments([self recipe], facesAmong(features), wanted, failure);
+    auto found =
+        ci::adjustments([self recipe], cf::inMemory([&] { return facesAmong(features); }), wanted, failure);
     ci::raise(failure, @"autoAdjustmentFilters");
     for (const ci::Adjustment& adjustment : found) [filters addObject:filterFor(adjustment)];
     return filters;

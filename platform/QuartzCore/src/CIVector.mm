@@ -50,9 +50,12 @@ static cg::LiveCount live("CIVector");
 
 - (id)initWithValues:(const CGFloat*)values count:(size_t)count {
     if (!(self = [super init])) return nil;
-    live.born();
     _count = values ? count : 0;
-    _values = new CGFloat[_count];
+    if (!(_values = new (std::nothrow) CGFloat[_count])) {
+        [self release];
+        return nil;
+    }
+    live.born();
     std::copy_n(values, _count, _values);
     return self;
 }

@@ -3,6 +3,7 @@
 
 #include "Internal.h"
 
+#include <cf/memory.h>
 #include <cg/colorspace.h>
 
 namespace ci {
@@ -112,12 +113,14 @@ Face faceOf(engine::InputKind kind) {
 
 } // namespace
 
-id objectOf(const engine::Value& value) { return std::visit(ToObject(), value); }
+id objectOf(const engine::Value& value) {
+    return cf::inMemory([&] { return std::visit(ToObject(), value); });
+}
 
 NSString* classNameOf(engine::InputKind kind) { return faceOf(kind).className; }
 
 std::optional<engine::Value> valueOf(id object, engine::InputKind kind) {
-    return faceOf(kind).valueIn(object);
+    return cf::inMemory([&] { return faceOf(kind).valueIn(object); });
 }
 
 } // namespace ci

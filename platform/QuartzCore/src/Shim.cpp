@@ -217,6 +217,17 @@ engine::Image imageOfBitmap(const void* bytes, std::size_t size, std::size_t row
     });
 }
 
+engine::Image imageOfBitmap(CFDataRef data, std::size_t rowBytes, CGSize pixels, int format,
+                            CGColorSpaceRef space) {
+    if (!data) return nullptr;
+    Failure ignored;
+    return attempt(ignored, [&] {
+        return imageOfBitmap(CFDataGetBytePtr(data), static_cast<std::size_t>(CFDataGetLength(data)),
+                             rowBytes, pixels, format, space,
+                             std::make_shared<cg::Retained<CFDataRef>>(data));
+    });
+}
+
 namespace {
 
 class ProvidedRows final : public engine::RowSource {

@@ -42,6 +42,9 @@ bool canBePixels(CGRect r);
 /// not RGB.
 engine::Image imageOfBitmap(const void* bytes, std::size_t size, std::size_t rowBytes, CGSize pixels,
                             int format, CGColorSpaceRef space, std::shared_ptr<const void> owner);
+/// The same in data, which the image retains; null without any.
+engine::Image imageOfBitmap(CFDataRef data, std::size_t rowBytes, CGSize pixels, int format,
+                            CGColorSpaceRef space);
 /// Pixels that are produced on demand. Null for an unknown format, an impossible size or a space that is not
 /// RGB. The function writes rows of pixels, counted from the top; it may throw.
 using RowProvider = std::function<void(int firstRow, int rows, std::size_t rowBytes, void* pixels)>;

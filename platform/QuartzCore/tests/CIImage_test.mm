@@ -123,6 +123,13 @@ TEST(CIImage, OfAFile) {
     EXPECT_EQ([CIImage imageWithContentsOfURL:nil], nil);
 }
 
+TEST(CIImage, OfAURLThatNothingLoadsIsNilAtOnce) {
+    NSDate* start = [NSDate date];
+    for (NSString* text : {@"CIColorInvert", @"//host/picture.png", @"mailto:somebody", @"x-unknown:a"})
+        EXPECT_EQ([CIImage imageWithContentsOfURL:[NSURL URLWithString:text]], nil) << str(text);
+    EXPECT_LT(-[start timeIntervalSinceNow], 10);
+}
+
 TEST(CIImage, ColorSpaceOptionReadsTheNumbersInIt) {
     auto linear = Retained<CGColorSpaceRef>::adopt(CGColorSpaceCreateWithName(kCGColorSpaceGenericRGBLinear));
     NSData* png = pngOf(makePicture(2, 1).get());

@@ -1,7 +1,10 @@
 // URLs: a CFURL is an NSURL.
 #pragma once
 
+#include <CoreFoundation/CFArray.h>
 #include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CFData.h>
+#include <CoreFoundation/CFDictionary.h>
 #include <CoreFoundation/CFString.h>
 
 CF_EXTERN_C_BEGIN
@@ -25,6 +28,12 @@ CFStringRef CFURLCopyLastPathComponent(CFURLRef url);
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
 // Borrowed from the URL.
 CFStringRef CFURLGetString(CFURLRef url);
+
+// Loads what a URL names from the network; the caller owns `data`. False, and null data, when nothing is
+// there or nothing here loads URLs of this scheme. Properties and errors are not told.
+Boolean CFURLCreateDataAndPropertiesFromResource(CFAllocatorRef allocator, CFURLRef url, CFDataRef* data,
+                                                 CFDictionaryRef* properties, CFArrayRef desired,
+                                                 SInt32* error);
 
 // True if the URL names an existing item of the file system.
 Boolean CFURLGetFSRef(CFURLRef url, struct FSRef* ref);

@@ -5,6 +5,7 @@
 #include "FaceLibrary.h"
 #include "Tracker.h"
 
+#include <cf/memory.h>
 #include <cg/object.h>
 
 #include <algorithm>
@@ -141,7 +142,10 @@ struct CIDetectorState {
 - (id)initWithContext:(CIContext*)context options:(NSDictionary*)options {
     if (!(self = [super init])) return nil;
     live.born();
-    _state = new CIDetectorState;
+    if (!(_state = new (std::nothrow) CIDetectorState)) {
+        [self release];
+        return nil;
+    }
     std::string problem;
     _state->finder = ci::faceFinder(problem);
     if (!_state->finder) {
@@ -165,7 +169,7 @@ struct CIDetectorState {
 
 - (void)dealloc {
     live.gone();
-    [_state->context release];
+    if (_state) [_state->context release];
     delete _state;
     [super dealloc];
 }
@@ -205,47 +209,50 @@ struct CIDetectorState {
 }
 
 - (NSArray*)featuresInImage:(CIImage*)image options:(NSDictionary*)options {
-    NSMutableArray* features = [NSMutableArray array];
     CGRect extent = image ? [image extent] : CGRectZero;
     // An image that is unbounded on one side only counts as unbounded.
     if (!(extent.size.width < 1e9f) || !(extent.size.height < 1e9f)) extent = CGRectZero;
     id orientation = [options objectForKey:CIDetectorImageOrientation];
     CGAffineTransform upright = turnUpright(isNumber(orientation) ? [orientation intValue] : 1);
 
-    // All faces are in the pixels of the first scan, which is the closest.
-    std::optional<Scan> first;
-    std::vector<vision::Face> faces;
-    if (!CGRectIsEmpty(extent))
-        for (double scale :
-             scanScales(CGRectApplyAffineTransform(extent, upright).size, _state->effort, _state->smallest)) {
-            Scan scan = [self scanOfImage:image upright:upright scale:static_cast<CGFloat>(scale)];
-            std::string problem;
-            std::vector<vision::Face> found = ci::findFaces(
-                *_state->finder, scan.bitmap(), first ? vision::Care::Normal : _state->effort.care, problem);
-            if (!problem.empty()) NSLog(@"CIDetector: an image was not searched: %s", problem.c_str());
-            if (!first) first = std::move(scan);
-            for (vision::Face& face : found) face = vision::scaled(face, first->scale / scan.scale);
-            vision::addNew(faces, found);
+    return cf::inMemory([&]() -> NSArray* {
+        // All faces are in the pixels of the first scan, which is the closest.
+        std::optional<Scan> first;
+        std::vector<vision::Face> faces;
+        if (!CGRectIsEmpty(extent))
+            for (double scale : scanScales(CGRectApplyAffineTransform(extent, upright).size, _state->effort,
+                                           _state->smallest)) {
+                Scan scan = [self scanOfImage:image upright:upright scale:static_cast<CGFloat>(scale)];
+                std::string problem;
+                std::vector<vision::Face> found =
+                    ci::findFaces(*_state->finder, scan.bitmap(),
+                                  first ? vision::Care::Normal : _state->effort.care, problem);
+                if (!problem.empty()) NSLog(@"CIDetector: an image was not searched: %s", problem.c_str());
+                if (!first) first = std::move(scan);
+                for (vision::Face& face : found) face = vision::scaled(face, first->scale / scan.scale);
+                vision::addNew(faces, found);
+            }
+        std::stable_sort(faces.begin(), faces.end(), vision::larger);
+
+        std::vector<CGRect> bounds;
+        for (const vision::Face& face : faces) bounds.push_back(first->bounds(face));
+        std::vector<ci::Track> tracks;
+        if (_state->tracker) tracks = _state->tracker->follow(bounds);
+
+        NSMutableArray* features = [NSMutableArray array];
+        for (std::size_t i = 0; i < faces.size(); ++i) {
+            CIFaceState state{bounds[i],
+                              first->position(faces[i].leftEye),
+                              first->position(faces[i].rightEye),
+                              first->position(faces[i].mouth),
+                              {}};
+            if (_state->tracker) state.track = tracks[i];
+            CIFaceFeature* feature = [[CIFaceFeature alloc] initWithState:state];
+            [features addObject:feature];
+            [feature release];
         }
-    std::stable_sort(faces.begin(), faces.end(), vision::larger);
-
-    std::vector<CGRect> bounds;
-    for (const vision::Face& face : faces) bounds.push_back(first->bounds(face));
-    std::vector<ci::Track> tracks;
-    if (_state->tracker) tracks = _state->tracker->follow(bounds);
-
-    for (std::size_t i = 0; i < faces.size(); ++i) {
-        CIFaceState state{bounds[i],
-                          first->position(faces[i].leftEye),
-                          first->position(faces[i].rightEye),
-                          first->position(faces[i].mouth),
-                          {}};
-        if (_state->tracker) state.track = tracks[i];
-        CIFaceFeature* feature = [[CIFaceFeature alloc] initWithState:state];
-        [features addObject:feature];
-        [feature release];
-    }
-    return features;
+        return features;
+    });
 }
 
 @end

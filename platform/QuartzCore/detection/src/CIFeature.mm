@@ -43,8 +43,9 @@ static cg::LiveCount live("CIFeature");
 
 - (id)initWithState:(const CIFaceState&)state {
     if (!(self = [super initWithBounds:state.bounds])) return nil;
-    _state = new CIFaceState(state);
-    return self;
+    if ((_state = new (std::nothrow) CIFaceState(state))) return self;
+    [self release];
+    return nil;
 }
 
 - (void)dealloc {

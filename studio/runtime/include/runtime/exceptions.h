@@ -4,6 +4,7 @@
 #include "runtime/runtime.h"
 #include "runtime/value.h"
 
+#include <exception>
 #include <new>
 #include <stdexcept>
 
@@ -30,6 +31,18 @@ auto inMemory(Body&& body) -> decltype(body()) {
         return body();
     } catch (const std::bad_alloc&) {
     } catch (const std::length_error&) {
+    }
+    raiseOutOfMemory();
+}
+
+// Runs `body`, which calls Core Foundation and what stands on it. Cocoa raises for want of memory there, and
+// C++ cannot name what it raises.
+template <class Body>
+auto inCocoa(Body&& body) -> decltype(body()) {
+    try {
+        return body();
+    } catch (...) {
+        if (std::current_exception()) throw; // an exception of C++
     }
     raiseOutOfMemory();
 }

@@ -1,0 +1,4 @@
+// What Core Foundation raises through Cocoa.
+#pragma once
+
+[[noreturn]] void raiseOutOfMemory();
