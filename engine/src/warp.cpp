@@ -4,6 +4,7 @@
 
 #include <color/vecmath.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace engine {
@@ -44,6 +45,11 @@ class DisplacedNode : public Node {
         std::size_t count = static_cast<std::size_t>(area.count());
         Floats dx = newFloats(count), dy = newFloats(count);
         displace(area, dx.get(), dy.get(), context);
+        if (isStill(dx.get(), count) && isStill(dy.get(), count)) {
+            auto input = context.prepare(inputs()[0], area);
+            for (int y = area.y0; y < area.y1; ++y) fillRow(*input, area.x0, y, width, out.at(area.x0, y));
+            return;
+        }
         IntRect needed = places(area, dx.get(), dy.get());
         if (needed.count() > most && count > 1) {
             dx = {}, dy = {};
@@ -62,6 +68,12 @@ class DisplacedNode : public Node {
                 readings.read(n, out.at(x, y));
             });
         }
+    }
+
+    /// Whether nothing moves, as outside of the circles that many warps are limited to.
+    static bool isStill(const float* away, std::size_t count) {
+        if (away[0] != 0 || away[count / 2] != 0 || away[count - 1] != 0) return false;
+        return std::all_of(away, away + count, [](float v) { return v == 0; });
     }
 
     /// What the pixels of an area read, of the image and the transparent pixels around it, to which places
