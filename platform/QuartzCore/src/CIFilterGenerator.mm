@@ -129,9 +129,12 @@ id member(id list, NSString* key, Class wanted) {
 
 - (id)init {
     if (!(self = [super init])) return nil;
+    if (!(_state = new (std::nothrow) CIFilterGeneratorState())) {
+        [self release];
+        return nil;
+    }
     live.born();
-    _state = new CIFilterGeneratorState{
-        [[CIFilterGraph alloc] init], [[NSMutableDictionary alloc] init], [[NSDictionary alloc] init]};
+    *_state = {[[CIFilterGraph alloc] init], [[NSMutableDictionary alloc] init], [[NSDictionary alloc] init]};
     return self;
 }
 

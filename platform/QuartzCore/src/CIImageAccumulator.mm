@@ -29,8 +29,11 @@ struct CIImageAccumulatorState {
 
 - (id)initWithExtent:(CGRect)r format:(CIFormat)f colorSpace:(CGColorSpaceRef)colorSpace {
     if (!(self = [super init])) return nil;
+    if (!(_state = new (std::nothrow) CIImageAccumulatorState)) {
+        [self release];
+        return nil;
+    }
     live.born();
-    _state = new CIImageAccumulatorState;
     ci::Failure failure;
     _state->bitmap = ci::Accumulator::make(r, f, colorSpace, failure);
     if (_state->bitmap) return self;

@@ -191,8 +191,11 @@ engine::Rect definitionOf(NSArray* arguments) {
 
 - (id)initWithKernel:(const kernels::KernelPtr&)kernel {
     if (!(self = [super init])) return nil;
+    if (!(_state = new (std::nothrow) CIKernelState{kernel})) {
+        [self release];
+        return nil;
+    }
     live.born();
-    _state = new CIKernelState{kernel};
     return self;
 }
 
